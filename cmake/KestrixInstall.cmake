@@ -1,0 +1,30 @@
+# find_package(kestrix) and kestrix::page_sources: the component, its headers, nothing of a host.
+
+include(CMakePackageConfigHelpers)
+
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/kestrix)
+
+set(exported kestrix_page_sources)
+if(TARGET kestrix_utils)
+  list(APPEND exported kestrix_utils)
+  set_target_properties(kestrix_utils PROPERTIES EXPORT_NAME utils)
+endif()
+set_target_properties(kestrix_page_sources PROPERTIES EXPORT_NAME page_sources)
+
+install(TARGETS ${exported} EXPORT kestrix-targets
+  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT page_sources
+  FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT page_sources
+  INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(EXPORT kestrix-targets
+  NAMESPACE kestrix::
+  DESTINATION ${package_dir} COMPONENT page_sources)
+
+configure_package_config_file(cmake/kestrix-config.cmake.in kestrix-config.cmake
+  INSTALL_DESTINATION ${package_dir})
+write_basic_package_version_file(kestrix-config-version.cmake COMPATIBILITY SameMinorVersion)
+install(
+  FILES
+    ${CMAKE_CURRENT_BINARY_DIR}/kestrix-config.cmake
+    ${CMAKE_CURRENT_BINARY_DIR}/kestrix-config-version.cmake
+    ${PROJECT_SOURCE_DIR}/cmake/FindRE2.cmake
+  DESTINATION ${package_dir} COMPONENT page_sources)

@@ -1,0 +1,25 @@
+# What every target of this project has in common. Nothing here touches global flags.
+
+# Link privately to get our warnings; never part of what a consumer inherits.
+add_library(kestrix_warnings INTERFACE)
+target_compile_options(kestrix_warnings INTERFACE
+  -Wall -Wextra -Wpedantic -Wconversion -Wshadow
+  $<$<BOOL:${KESTRIX_WERROR}>:-Werror>)
+
+# kestrix_defaults(TARGET): the standard, warnings, and includes written from src/. Every own
+# library and executable calls it once.
+function(kestrix_defaults target)
+  target_compile_features(${target} PUBLIC cxx_std_20)
+  target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:kestrix_warnings>)
+  target_include_directories(${target} PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/src>)
+  set_target_properties(${target} PROPERTIES
+    CXX_EXTENSIONS OFF
+    POSITION_INDEPENDENT_CODE ON)
+endfunction()
+
+# kestrix_add_layer(FOLDER): a folder that has its targets in a CMakeLists.txt of its own.
+function(kestrix_add_layer folder)
+  if(EXISTS ${PROJECT_SOURCE_DIR}/${folder}/CMakeLists.txt)
+    add_subdirectory(${PROJECT_SOURCE_DIR}/${folder} ${PROJECT_BINARY_DIR}/${folder})
+  endif()
+endfunction()

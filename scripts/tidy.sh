@@ -1,0 +1,22 @@
+#!/bin/bash
+# tidy.sh [FILE...]: clang-format in check mode and clang-tidy over the project's C++ files, or over
+# those named. Needs the configured preset tidy for the compile commands.
+set -euo pipefail
+
+root=$(cd -- "$(dirname -- "${BASH_SOURCE[0]}")/.." && pwd)
+cd "$root"
+
+if [ $# -gt 0 ]; then
+  files=("$@")
+else
+  mapfile -t files < <(git ls-files -co --exclude-standard -- '*.h' '*.cpp')
+fi
+[ ${#files[@]} -gt 0 ] || { echo "no C++ files" >&2; exit 1; }
+
+clang-format --dry-run --Werror "${files[@]}"
+
+mapfile -t sources < <(printf '%s\n' "${files[@]}" | grep '\.cpp$' || true)
+[ ${#sources[@]} -gt 0 ] || exit 0
+printf '%s\0' "${sources[@]}" |
+  xargs -0 -n 1 -P "$(nproc)" clang-tidy --quiet -p build/tidy
+echo "${#files[@]} files formatted as .clang-format says, ${#sources[@]} without a finding of clang-tidy"
