@@ -1,0 +1,38 @@
+#pragma once
+
+#include <tree_sitter/api.h>
+
+#include <span>
+#include <string_view>
+
+#include "kestrix/index/facts.h"
+#include "kestrix/index/resolver.h"
+
+namespace kestrix::index {
+
+class SourceTree;
+
+/// One row of the language table: all that the index knows about a language.
+///
+/// A language is its grammar, its query file, a function that turns the parsed tree into facts, and
+/// the resolver that it may share with its relatives. Adding one touches no other.
+struct Language {
+  std::string_view name;                        ///< "python"
+  std::span<const std::string_view> extensions; ///< with the dot, lower case
+  const TSLanguage* (*grammar)();
+  std::string_view query;                       ///< text of languages/<name>.scm
+  FileFacts (*read)(const SourceTree& tree);
+  ResolverFactory resolver;
+  std::uint32_t version = 1;  ///< raised whenever the facts of unchanged files would differ
+};
+
+/// Every language, in name order.
+std::span<const Language* const> languages();
+
+/// The language of a path by its extension (or whole name); null when none reads it.
+const Language* language_of(std::string_view path);
+
+/// Looks a language up by its name; null when there is none.
+const Language* language_named(std::string_view name);
+
+}  // namespace kestrix::index

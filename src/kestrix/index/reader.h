@@ -1,0 +1,23 @@
+#pragma once
+
+#include <chrono>
+#include <optional>
+#include <string_view>
+
+#include "kestrix/index/facts.h"
+
+namespace kestrix::index {
+
+struct Language;
+
+struct ReadOptions {
+  /// A file that takes longer to parse is given up.
+  std::chrono::milliseconds parse_budget{2000};
+};
+
+/// Parses `text` (UTF-8, may hold invalid bytes) and returns its facts; none when the budget ran
+/// out. Deterministic; never recurses on the depth of the input. Each thread keeps its own parser.
+std::optional<FileFacts> read_facts(const Language& language, std::string_view text,
+                                    const ReadOptions& options = {});
+
+}  // namespace kestrix::index

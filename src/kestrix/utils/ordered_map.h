@@ -1,0 +1,32 @@
+#pragma once
+
+#include <tsl/ordered_map.h>
+
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace kestrix {
+
+/// Hashes every kind of string alike, so that a map keyed by `std::string` can be searched with a
+/// `std::string_view`.
+struct StringHash {
+  using is_transparent = void;
+  std::size_t operator()(std::string_view text) const noexcept {
+    return std::hash<std::string_view>{}(text);
+  }
+};
+
+/// A hash map that iterates in insertion order.
+///
+/// Overwriting a value keeps the entry's place. The entries lie in one vector: small maps stay
+/// small, and inserting moves entries, so it invalidates references and iterators.
+template <class Key, class Value, class Hash = StringHash>
+using OrderedMap = tsl::ordered_map<Key, Value, Hash, std::equal_to<>,
+                                    std::allocator<std::pair<Key, Value>>,
+                                    std::vector<std::pair<Key, Value>>>;
+
+}  // namespace kestrix

@@ -1,0 +1,72 @@
+#pragma once
+
+#include <cstddef>
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "kestrix/index/repository.h"
+
+namespace kestrix {
+
+/// One source file of the index, as far as the detectors read it.
+struct SourceFileRecord {
+  std::optional<std::string> path;
+};
+
+/// One document of the index. Every record has a path; asking one without it is an error.
+struct DocumentRecord {
+  std::optional<std::string> path;
+};
+
+/// The record's path, "" when it has none.
+inline std::string path_or_empty(const SourceFileRecord& record) { return record.path.value_or(""); }
+
+/// The record's path. Throws `MissingEntry` when it has none.
+const std::string& required_path(const DocumentRecord& record);
+
+/// A file's text. It may be read only when it is asked for, so that holding the texts of a whole
+/// repository does not hold its bytes.
+class Text {
+ public:
+  Text() = default;
+  explicit Text(std::string text) : read_([text = std::move(text)] { return text; }) {}
+  explicit Text(std::function<std::string()> read) : read_(std::move(read)) {}
+
+  /// The text, UTF-8. A deferred text is read anew at each call.
+  std::string str() const { return read_ ? read_() : std::string(); }
+
+ private:
+  std::function<std::string()> read_;
+};
+
+struct ReadTextOptions {
+  std::size_t max_chars;  ///< characters (code points), not bytes
+};
+
+/// A path in the form that the planner uses: relative to the repository, "/" as its separator, no
+/// "./" and no empty pieces. Idempotent.
+std::string _norm(std::string_view path);
+
+/// The first `max_chars` characters of a file. A file that is missing, unreadable or not text
+/// has the text "".
+Text _read_text(const std::filesystem::path& path, ReadTextOptions options);
+
+/// What the wiki generator knows about its repository.
+class RepoFactsMixin {
+ public:
+  virtual ~RepoFactsMixin() = default;
+
+  /// The handle of the repository's index.
+  virtual const Repository& repository() const = 0;
+  /// The repository's root directory.
+  virtual std::filesystem::path repo_root() const = 0;
+  /// The source files of the index, in the index's order.
+  virtual std::vector<SourceFileRecord> _source_files() const = 0;
+};
+
+}  // namespace kestrix
