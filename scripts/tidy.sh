@@ -13,10 +13,25 @@ else
 fi
 [ ${#files[@]} -gt 0 ] || { echo "no C++ files" >&2; exit 1; }
 
+# A misspelt check would check nothing, and nobody would notice.
+verify_check_names() {
+  local known pattern
+  known=$(clang-tidy --list-checks --checks='*')
+  while read -r pattern; do
+    pattern=${pattern#-}
+    grep -qx " *${pattern//\*/.*}" <<<"$known" || {
+      echo "$1 names no check of clang-tidy: $pattern" >&2
+      return 1
+    }
+  done < <(sed -n '/^Checks:/,/^[A-Z]/{s/^ *\(-\?[a-z][a-zA-Z0-9.*-]*\),\?$/\1/p}' "$1")
+}
+
+verify_check_names .clang-tidy
+verify_check_names tests/.clang-tidy
 clang-format --dry-run --Werror "${files[@]}"
 
 mapfile -t sources < <(printf '%s\n' "${files[@]}" | grep '\.cpp$' || true)
 [ ${#sources[@]} -gt 0 ] || exit 0
 printf '%s\0' "${sources[@]}" |
-  xargs -0 -n 1 -P "$(nproc)" clang-tidy --quiet -p build/tidy
+  xargs -0 -n 1 -P "$(nproc)" clang-tidy --quiet -p build/tidy 2>/dev/null
 echo "${#files[@]} files formatted as .clang-format says, ${#sources[@]} without a finding of clang-tidy"
