@@ -23,3 +23,14 @@ function(kestrix_add_layer folder)
     add_subdirectory(${PROJECT_SOURCE_DIR}/${folder} ${PROJECT_BINARY_DIR}/${folder})
   endif()
 endfunction()
+
+# kestrix_add_tests(TARGET SOURCES FILE... LIBRARIES TARGET...): a GoogleTest executable whose cases
+# are tests of ctest, each with a limit in seconds that only a hang reaches.
+function(kestrix_add_tests target)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LIBRARIES")
+  add_executable(${target} ${arg_SOURCES})
+  kestrix_defaults(${target})
+  target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR})
+  target_link_libraries(${target} PRIVATE ${arg_LIBRARIES} GTest::gmock GTest::gtest_main)
+  gtest_discover_tests(${target} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
+endfunction()
