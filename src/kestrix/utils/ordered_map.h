@@ -6,6 +6,7 @@
 #include <functional>
 #include <memory>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -20,11 +21,15 @@ struct StringHash {
   }
 };
 
+template <class Key>
+using KeyHash = std::conditional_t<std::is_convertible_v<const Key&, std::string_view>, StringHash,
+                                   std::hash<Key>>;
+
 /// A hash map that iterates in insertion order.
 ///
 /// Overwriting a value keeps the entry's place. The entries lie in one vector: small maps stay
 /// small, and inserting moves entries, so it invalidates references and iterators.
-template <class Key, class Value, class Hash = StringHash>
+template <class Key, class Value, class Hash = KeyHash<Key>>
 using OrderedMap = tsl::ordered_map<Key, Value, Hash, std::equal_to<>,
                                     std::allocator<std::pair<Key, Value>>,
                                     std::vector<std::pair<Key, Value>>>;

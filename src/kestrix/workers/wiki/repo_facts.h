@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "kestrix/index/repository.h"
+#include "kestrix/utils/error.h"
 
 namespace kestrix {
 
@@ -24,10 +25,15 @@ struct DocumentRecord {
 };
 
 /// The record's path, "" when it has none.
-inline std::string path_or_empty(const SourceFileRecord& record) { return record.path.value_or(""); }
+inline std::string path_or_empty(const SourceFileRecord& record) {
+  return record.path.value_or("");
+}
 
 /// The record's path. Throws `MissingEntry` when it has none.
-const std::string& required_path(const DocumentRecord& record);
+inline const std::string& required_path(const DocumentRecord& record) {
+  if (!record.path) throw MissingEntry("a document record has no \"path\" entry");
+  return *record.path;
+}
 
 /// A file's text. It may be read only when it is asked for, so that holding the texts of a whole
 /// repository does not hold its bytes.

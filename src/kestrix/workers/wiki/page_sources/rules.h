@@ -1,0 +1,311 @@
+#pragma once
+
+// The selection rules: pure functions over paths, file edges and counts. They keep no state, catch
+// nothing, change no argument, and may run on any thread.
+//
+// A range of edges may be any input range whose elements `source_of`, `target_of` and `weight_of`
+// accept. It is read at most once, in order, and of each edge only what the rule needs to know.
+// Paths are ordered by code point, which for UTF-8 is byte order.
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <iterator>
+#include <optional>
+#include <ranges>
+#include <string>
+#include <string_view>
+#include <tuple>
+#include <type_traits>
+#include <unordered_map>
+#include <unordered_set>
+#include <utility>
+#include <vector>
+
+#include "kestrix/utils/counter.h"
+#include "kestrix/utils/ordered_map.h"
+#include "kestrix/utils/path_filter.h"
+#include "kestrix/workers/wiki/page_sources/constants.h"
+#include "kestrix/workers/wiki/page_sources/path_text.h"
+#include "kestrix/workers/wiki_cluster.h"
+#include "kestrix/workers/wiki_split.h"
+
+namespace kestrix {
+
+/// Whether a path lies in a directory of test data. Whole directory names count, in any case
+/// (ASCII); the file's own name does not.
+bool is_fixture_path(std::string_view path);
+
+/// Whether a path lies in a directory of archived documents, by the same test.
+bool is_archived_path(std::string_view path);
+
+/// Whether a path is a configuration file by its name (any case) or by a directory named exactly
+/// "config" above it.
+bool is_config_path(std::string_view path);
+
+/// The type of an edge's paths.
+template <class Edges>
+using EdgePath =
+    std::remove_cvref_t<decltype(source_of(*std::ranges::begin(std::declval<Edges&>())))>;
+
+/// The type in which results hold paths of type `Path`.
+template <class Path>
+using OwnedPath = std::remove_cvref_t<decltype(owned(std::declval<const Path&>()))>;
+
+/// Per file, the files that depend on it, each with the summed weight of the dependency.
+template <class Path, class Weight>
+using DependentsOf = OrderedMap<Path, Counter<Path, Weight>>;
+
+/// What `dependents_of` makes of a host's own edges. The paths are the edges' views.
+using Dependents = DependentsOf<std::string_view, double>;
+
+/// The design documents with the archived ones last, each group in its given order, cut to
+/// `max_files` after the reordering. A negative `max_files` drops that many from the end.
+template <class Path>
+std::vector<Path> current_first(std::vector<Path> docs,
+                                std::ptrdiff_t max_files = MAX_ASPECT_FILES) {
+  std::ranges::stable_partition(docs,
+                                [](const Path& path) { return !is_archived_path(text_of(path)); });
+  return first_entries(std::move(docs), max_files);
+}
+
+/// The retrieval topic of a code page: its title, then the distinct stems of its files in order,
+/// without those that begin with "__", at most `TOPIC_STEMS`, with single spaces between.
+template <std::ranges::input_range Files>
+std::string unit_topic(std::string_view title, Files&& files) {
+  std::string topic(title);
+  std::unordered_set<std::string> seen;
+  std::size_t kept = 0;
+  for (auto&& path : files) {
+    const auto [word, fresh] = seen.insert(std::string(text_of(stem(path))));
+    if (!fresh || word->starts_with("__") || ++kept > TOPIC_STEMS) continue;
+    topic.append(1, ' ').append(*word);
+  }
+  return topic;
+}
+
+namespace detail {
+
+/// The distinct entry points of one call, each with its number and its directory.
+template <class Path>
+class Roots {
+ public:
+  struct Root {
+    std::uint32_t number;
+    std::string_view directory;
+  };
+
+  template <class Range>
+  explicit Roots(const Range& paths) {
+    roots_.reserve(std::ranges::size(paths));
+    for (const auto& path : paths) {
+      const auto number = static_cast<std::uint32_t>(roots_.size());
+      const auto added = roots_.try_emplace(Path(path), Root{number, {}}).first;
+      added->second.directory = directory_of(text_of(added->first));
+    }
+  }
+
+  const Root* find(const Path& path) const {
+    const auto found = roots_.find(path);
+    return found == roots_.end() ? nullptr : &found->second;
+  }
+
+ private:
+  std::unordered_map<Path, Root> roots_;
+};
+
+/// How many distinct roots each source reaches.
+template <class Path>
+class Reach {
+ public:
+  struct Entry {
+    Path source;
+    std::size_t roots;
+  };
+
+  void add(const Path& source, std::uint32_t root) {
+    const auto [entry, fresh] = numbers_.try_emplace(source, entries_.size());
+    if (fresh) entries_.push_back({source, 0});
+    const auto pair = (static_cast<std::uint64_t>(entry->second) << 32U) | root;
+    if (pairs_.insert(pair).second) ++entries_[entry->second].roots;
+  }
+
+  /// The sources that reach at least `least` roots, the farthest reach first, then by path.
+  std::vector<Entry> ranked(std::size_t least) && {
+    std::erase_if(entries_, [least](const Entry& entry) { return entry.roots < least; });
+    std::ranges::sort(entries_, [](const Entry& a, const Entry& b) {
+      return a.roots != b.roots ? a.roots > b.roots : text_of(a.source) < text_of(b.source);
+    });
+    return std::move(entries_);
+  }
+
+ private:
+  std::unordered_map<Path, std::size_t> numbers_;
+  std::vector<Entry> entries_;
+  std::unordered_set<std::uint64_t> pairs_;
+};
+
+}  // namespace detail
+
+/// The dispatch that a class of entry points shares: the files that depend on at least a third of
+/// the roots (and on two), most roots first, then by path, at most `limit`.
+///
+/// A dependency counts when it leads from a file that is no root into a root of another directory,
+/// so a package that re-exports its own entry points is not their dispatch. With fewer than
+/// `DISPATCH_MIN_ROOTS` roots the result is empty and `edges` is not touched. `roots` is any sized
+/// range of paths; its entries are counted as they come.
+///
+/// Linear in the edges, plus a sort of the files that pass the threshold.
+template <std::ranges::sized_range RootPaths, std::ranges::input_range Edges>
+auto dispatch_files(const RootPaths& roots, Edges&& edges, std::size_t limit = DISPATCH_FILES)
+    -> std::vector<OwnedPath<EdgePath<Edges>>> {
+  using Path = EdgePath<Edges>;
+  const std::size_t count = std::ranges::size(roots);
+  if (count < DISPATCH_MIN_ROOTS) return {};
+  const detail::Roots<Path> known(roots);
+  detail::Reach<Path> reach;
+  for (auto&& edge : edges) {
+    const auto* root = known.find(target_of(edge));
+    if (root == nullptr) continue;
+    const Path source = source_of(edge);
+    if (known.find(source) != nullptr) continue;
+    if (directory_of(text_of(source)) != root->directory) reach.add(source, root->number);
+  }
+  const auto least =
+      std::max<std::size_t>(2, (count + DISPATCH_MIN_ROOTS - 1) / DISPATCH_MIN_ROOTS);
+  std::vector<OwnedPath<Path>> files;
+  for (const auto& entry : std::move(reach).ranked(least) | std::views::take(limit)) {
+    files.push_back(owned(entry.source));
+  }
+  return files;
+}
+
+/// Turns edges around: per file, who depends on it and how strongly. Keys and counts are inserted
+/// in the order in which their first edge is met. An edge from a file to itself adds nothing; any
+/// other creates its entries, whatever its weight.
+template <std::ranges::input_range Edges>
+auto dependents_of(Edges&& edges) {
+  using Path = EdgePath<Edges>;
+  using Weight = std::remove_cvref_t<decltype(weight_of(*std::ranges::begin(edges)))>;
+  DependentsOf<Path, Weight> dependents;
+  for (auto&& edge : edges) {
+    const Path source = source_of(edge);
+    const Path target = target_of(edge);
+    if (source != target) dependents[target].add(source, weight_of(edge));
+  }
+  return dependents;
+}
+
+/// The test files that an examples page shows, at most `max_files`: test data left out, the files
+/// that the most other tests import first, then those that reach the most production files, then
+/// by path. `tests` is taken as given, duplicates and all; a negative `max_files` drops that many
+/// from the end. Asks the host's `is_test_path` only about targets of a candidate's edges that are
+/// no candidates themselves.
+template <std::ranges::input_range Tests, std::ranges::input_range Edges>
+auto example_sources(Tests&& tests, Edges&& edges, std::ptrdiff_t max_files = MAX_ASPECT_FILES) {
+  using Path = EdgePath<Edges>;
+  struct Tally {
+    std::int64_t users = 0;    // imports by other candidates
+    std::int64_t reached = 0;  // imports of production files
+  };
+  using Test = std::ranges::range_value_t<Tests>;
+  struct Candidate {
+    Test path;
+    const Tally* tally;
+  };
+  std::unordered_map<Path, Tally> tallies;
+  std::vector<Candidate> candidates;
+  for (auto&& path : tests) {
+    if (!is_fixture_path(text_of(path))) candidates.push_back({Test(path), nullptr});
+  }
+  tallies.reserve(candidates.size());
+  for (auto& candidate : candidates) {
+    candidate.tally = &tallies.try_emplace(Path(candidate.path)).first->second;
+  }
+  for (auto&& edge : edges) {
+    const auto source = tallies.find(source_of(edge));
+    if (source == tallies.end()) continue;
+    const Path target = target_of(edge);
+    if (const auto found = tallies.find(target); found != tallies.end()) {
+      ++found->second.users;
+    } else if (!is_test_path(target)) {
+      ++source->second.reached;
+    }
+  }
+  std::ranges::sort(candidates, {}, [](const Candidate& candidate) {
+    return std::tuple(-candidate.tally->users, -candidate.tally->reached, text_of(candidate.path));
+  });
+  std::vector<Test> ranked;
+  ranked.reserve(candidates.size());
+  for (auto& candidate : candidates) ranked.push_back(std::move(candidate.path));
+  return first_entries(std::move(ranked), max_files);
+}
+
+// How `extension_sources` reads its maps. A host with maps of its own brings overloads.
+
+/// The entries whose path `keep` accepts, in their order.
+template <class Path, class Count, class Keep>
+Counter<Path, Count> filtered(const Counter<Path, Count>& counts, Keep keep) {
+  Counter<Path, Count> kept;
+  for (const auto& [path, count] : counts) {
+    if (keep(path)) kept.add(path, count);
+  }
+  return kept;
+}
+
+template <class Path, class Count>
+bool holds(const Counter<Path, Count>& counts, const Path& path) {
+  return counts.contains(path);
+}
+
+/// Whether at least one dependent is recorded for `path`, whatever its weight.
+template <class Dependent, class Weight, class Path>
+bool is_used(const DependentsOf<Dependent, Weight>& dependents, const Path& path) {
+  const auto found = dependents.find(path);
+  return found != dependents.end() && !found->second.empty();
+}
+
+/// The dependent of `path` with the highest weight, the first counted among equals; none when
+/// nothing depends on it.
+template <class Dependent, class Weight, class Path>
+std::optional<OwnedPath<Dependent>> strongest_dependent(
+    const DependentsOf<Dependent, Weight>& dependents, const Path& path) {
+  if (!is_used(dependents, path)) return std::nullopt;
+  return owned(dependents.find(path)->second.most_common(1).front().first);
+}
+
+/// The files of the extending page: at most `EXTENSION_CONTRACTS` files that hold a contract to
+/// implement or a registry to add to, those that other files already use before those that nothing
+/// uses yet; then at most `EXTENSION_WIRING` files where the picked registries are wired in, each
+/// the strongest dependent of one of them unless it is picked itself.
+///
+/// Ranking within the used and the unused files is the host rule `extension_files`, which is called
+/// once for each side.
+template <class Counts, class DependentsMap>
+auto extension_sources(const Counts& interfaces, const Counts& registries,
+                       const DependentsMap& dependents) {
+  const auto strongest = [&](bool used) {
+    const auto on_side = [&](const auto& path) { return is_used(dependents, path) == used; };
+    return extension_files(filtered(interfaces, on_side), filtered(registries, on_side),
+                           EXTENSION_CONTRACTS);
+  };
+  auto picked = strongest(true);
+  std::ranges::move(strongest(false), std::back_inserter(picked));
+  picked = first_entries(std::move(picked), EXTENSION_CONTRACTS);
+
+  decltype(picked) wiring;
+  const auto listed = [](const auto& files, const auto& path) {
+    return std::ranges::find(files, path) != files.end();
+  };
+  for (const auto& path : picked) {
+    if (!holds(registries, path)) continue;
+    auto user = strongest_dependent(dependents, path);
+    if (user && !listed(picked, *user) && !listed(wiring, *user))
+      wiring.push_back(std::move(*user));
+  }
+  wiring = first_entries(std::move(wiring), EXTENSION_WIRING);
+  std::ranges::move(wiring, std::back_inserter(picked));
+  return picked;
+}
+
+}  // namespace kestrix
