@@ -12,7 +12,7 @@ namespace kestrix::index {
 struct SymbolFact {
   SymbolKind kind;
   std::string name;
-  std::string signature;  ///< the declaration's head up to its body, on one line
+  std::string signature;   ///< the declaration's head up to its body, on one line
   std::uint32_t line = 0;  ///< 1-based
 
   friend bool operator==(const SymbolFact&, const SymbolFact&) = default;
@@ -26,18 +26,27 @@ struct NameUse {
   friend bool operator==(const NameUse&, const NameUse&) = default;
 };
 
+/// One name that an import statement brings in.
+struct ImportedName {
+  std::string name;        ///< as its module knows it; "*" for all of them
+  std::string exported;    ///< the name under which this file hands it on ("*" for all under their
+                           ///< own); "" when it does not
+  std::uint32_t uses = 0;  ///< uses of the name that it is bound to here
+
+  friend bool operator==(const ImportedName&, const ImportedName&) = default;
+};
+
 /// One import statement (or include, require, use, mod) as written.
 ///
 /// `form` tells apart what the language writes differently (quotes or angle brackets, static,
 /// wildcard, re-export …); its values belong to the language, which documents them.
 struct ImportFact {
-  std::string module;           ///< "a.b", "../x", "java.util.List", "crate::a::b", "vector"
+  std::string module;  ///< "a.b", "../x", "java.util.List", "crate::a::b", "vector"
   std::uint16_t form = 0;
-  std::uint16_t level = 0;      ///< leading dots of a relative import; 0 where there are none
-  std::vector<NameUse> names;   ///< the imported names as their module knows them ("*": all of them),
-                                ///< each with the uses of the name that it is bound to here
-  std::uint32_t uses = 0;       ///< uses of what the statement binds as a whole (the module's name)
-  std::uint32_t line = 0;       ///< 1-based
+  std::uint16_t level = 0;          ///< leading dots of a relative import; 0 where there are none
+  std::vector<ImportedName> names;  ///< in source order
+  std::uint32_t uses = 0;  ///< uses of what the statement binds as a whole (the module's name)
+  std::uint32_t line = 0;  ///< 1-based
 
   friend bool operator==(const ImportFact&, const ImportFact&) = default;
 };
@@ -50,8 +59,8 @@ struct FileFacts {
   std::vector<ImportFact> imports;    ///< in source order
   std::vector<std::string> declares;  ///< names that other files can reach: types and, where the
                                       ///< language imports them, functions and values; ascending
-  std::vector<NameUse> uses;          ///< only for languages whose packages need no import: type-like
-                                      ///< names that are used and not declared here; ascending
+  std::vector<NameUse> uses;  ///< only for languages whose packages need no import: type-like
+                              ///< names that are used and not declared here; ascending
 
   friend bool operator==(const FileFacts&, const FileFacts&) = default;
 };
