@@ -1,6 +1,7 @@
 #include "kestrix/utils/error.h"
 
 #include <boost/core/demangle.hpp>
+#include <boost/stacktrace/frame.hpp>  // defines what stacktrace.hpp only declares
 #include <typeinfo>
 
 namespace kestrix {
