@@ -1,19 +1,19 @@
 # Every library from outside, found once. The targets to link:
 #
-#   component    fmt::fmt  re2::re2  tsl::ordered_map  Boost::headers  spdlog::spdlog
-#   native host  SQLiteCpp  SQLite::SQLite3  libgit2::libgit2  tree-sitter::tree-sitter
+#   component    re2::re2  tsl::ordered_map  Boost::headers
+#   native host  fmt::fmt  spdlog::spdlog  SQLiteCpp  SQLite::SQLite3  libgit2::libgit2  tree-sitter::tree-sitter
 #                nlohmann_json::nlohmann_json  CLI11::CLI11  Threads::Threads
 #   tests        GTest::gtest  GTest::gtest_main  GTest::gmock
 #   bench        benchmark::benchmark
-#   python       pybind11::module (through pybind11_add_module)
+#   python       pybind11_add_module; Python_EXECUTABLE runs the tests
 
 find_package(Threads REQUIRED)
-find_package(fmt REQUIRED)
 find_package(RE2 REQUIRED)
 find_package(tsl-ordered-map REQUIRED)
 find_package(Boost 1.74 REQUIRED)
 
 if(KESTRIX_PROGRAM)
+  find_package(fmt REQUIRED)
   find_package(spdlog REQUIRED)
   find_package(SQLite3 REQUIRED)
   find_package(SQLiteCpp REQUIRED)
@@ -32,9 +32,9 @@ if(KESTRIX_BENCH)
 endif()
 
 if(KESTRIX_PYTHON)
-  find_package(Python3 3.9 COMPONENTS Interpreter Development.Module)
+  find_package(Python 3.9 COMPONENTS Interpreter Development.Module)
   find_package(pybind11 CONFIG)
-  if(NOT Python3_Development.Module_FOUND OR NOT pybind11_FOUND)
+  if(NOT Python_FOUND OR NOT pybind11_FOUND)
     message(WARNING "The Python module is left out: it needs python3-dev and pybind11-dev.")
     set(KESTRIX_PYTHON OFF)
   endif()

@@ -91,6 +91,7 @@ class Generator : public kestrix::PageSourcesMixin {
 
   std::vector<kestrix::SourceFileRecord> _source_files() const override {
     std::vector<kestrix::SourceFileRecord> records;
+    records.reserve(FILES.size());
     for (const auto path : FILES) records.push_back({std::string(path)});
     return records;
   }
