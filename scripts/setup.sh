@@ -93,13 +93,14 @@ setup() {
 
 unlock_build() { exec 9>&-; }
 
-# configure PRESET: only the first time and when the presets changed; CMake itself watches the rest.
+# configure PRESET: only the first time, and afresh when the presets changed or the work tree moved;
+# CMake itself watches the rest.
 configure() {
   local stamp=$root/build/$1/.configured
-  [ "$stamp" -nt "$root/CMakePresets.json" ] && return
+  [ "$stamp" -nt "$root/CMakePresets.json" ] && [ "$(<"$stamp")" = "$root" ] && return
   say "Configuring build/$1"
-  (cd "$root" && quietly "Configuring" cmake --preset "$1")
-  touch "$stamp"
+  (cd "$root" && quietly "Configuring" cmake --fresh --preset "$1")
+  printf '%s' "$root" >"$stamp"
 }
 
 # build PRESET [TARGET...]
