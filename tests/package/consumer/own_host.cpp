@@ -1,11 +1,7 @@
 // A host of one's own, as small as it gets: a repository that is a table in memory. It defines the
 // functions that the detectors call, derives the class whose members they read, and asks.
 
-#include <kestrix/utils/best_effort.h>
-#include <kestrix/workers/project_units.h>
-#include <kestrix/workers/report_generator.h>
 #include <kestrix/workers/wiki/page_sources.h>
-#include <kestrix/workers/wiki_types.h>
 
 #include <algorithm>
 #include <array>

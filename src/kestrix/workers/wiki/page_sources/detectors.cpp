@@ -1,18 +1,11 @@
 #include "kestrix/workers/wiki/page_sources/detectors.h"
 
-#include <re2/re2.h>
-
 #include "kestrix/utils/best_effort.h"
 #include "kestrix/workers/wiki/page_sources/recipes.h"
 
 namespace kestrix {
 
 const Logger logger("kestrix.workers.wiki.page_sources");
-
-bool is_registry_name(std::string_view name) {
-  static const RE2 pattern(std::string("(?i)") + REGISTRY_RE);
-  return RE2::PartialMatch(re2::StringPiece(name.data(), name.size()), pattern);
-}
 
 void warn(const PageSourcesMixin& /*host*/, std::string_view message, const std::exception& error) {
   logger.warning(message, describe(error));

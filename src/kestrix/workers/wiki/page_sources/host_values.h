@@ -55,10 +55,6 @@ inline bool is_layer(const Component& component, std::string_view layer) {
 }
 inline std::string_view pattern_of(const Component& component) { return component.path_pattern; }
 
-/// Whether a constant's or variable's name is that of a registry: one of the registry words, or
-/// ending in "_" and one of them, in any case.
-bool is_registry_name(std::string_view name);
-
 inline void insert_all(PathSet& set, const std::vector<std::string>& paths) {
   set.insert(paths.begin(), paths.end());
 }

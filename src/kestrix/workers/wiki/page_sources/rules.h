@@ -43,6 +43,10 @@ bool is_archived_path(std::string_view path);
 /// "config" above it.
 bool is_config_path(std::string_view path);
 
+/// Whether a constant's or variable's name is that of a registry: one of the registry words, or
+/// ending in "_" and one of them, in any case.
+bool is_registry_name(std::string_view name);
+
 /// The type of an edge's paths.
 template <class Edges>
 using EdgePath =
