@@ -68,8 +68,8 @@ using Dependents = DependentsOf<std::string_view, double>;
 template <class Path>
 std::vector<Path> current_first(std::vector<Path> docs,
                                 std::ptrdiff_t max_files = MAX_ASPECT_FILES) {
-  std::ranges::stable_partition(docs,
-                                [](const Path& path) { return !is_archived_path(text_of(path)); });
+  std::stable_partition(docs.begin(), docs.end(),
+                        [](const Path& path) { return !is_archived_path(text_of(path)); });
   return first_entries(std::move(docs), max_files);
 }
 
@@ -95,7 +95,7 @@ template <class Path>
 class Roots {
  public:
   struct Root {
-    std::uint32_t number;
+    std::uint32_t number = 0;
     std::string_view directory;
   };
 
@@ -124,7 +124,7 @@ class Reach {
  public:
   struct Entry {
     Path source;
-    std::size_t roots;
+    std::size_t roots = 0;
   };
 
   void add(const Path& source, std::uint32_t root) {
@@ -178,7 +178,8 @@ auto dispatch_files(const RootPaths& roots, Edges&& edges, std::size_t limit = D
   const auto least =
       std::max<std::size_t>(2, (count + DISPATCH_MIN_ROOTS - 1) / DISPATCH_MIN_ROOTS);
   std::vector<OwnedPath<Path>> files;
-  for (const auto& entry : std::move(reach).ranked(least) | std::views::take(limit)) {
+  for (const auto& entry : std::move(reach).ranked(least)) {
+    if (files.size() == limit) break;
     files.push_back(owned(entry.source));
   }
   return files;
