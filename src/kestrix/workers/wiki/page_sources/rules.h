@@ -17,7 +17,6 @@
 #include <string_view>
 #include <tuple>
 #include <type_traits>
-#include <unordered_map>
 #include <unordered_set>
 #include <utility>
 #include <vector>
@@ -94,28 +93,25 @@ namespace detail {
 template <class Path>
 class Roots {
  public:
-  struct Root {
-    std::uint32_t number = 0;
-    std::string_view directory;
-  };
-
   template <class Range>
   explicit Roots(const Range& paths) {
-    roots_.reserve(std::ranges::size(paths));
+    numbers_.max_load_factor(0.25F);  // most look-ups are of paths that are no root
+    numbers_.reserve(std::ranges::size(paths));
     for (const auto& path : paths) {
-      const auto number = static_cast<std::uint32_t>(roots_.size());
-      const auto added = roots_.try_emplace(Path(path), Root{number, {}}).first;
-      added->second.directory = directory_of(text_of(added->first));
+      numbers_.try_emplace(Path(path), static_cast<std::uint32_t>(numbers_.size()));
     }
   }
 
-  const Root* find(const Path& path) const {
-    const auto found = roots_.find(path);
-    return found == roots_.end() ? nullptr : &found->second;
+  std::optional<std::uint32_t> number_of(const Path& path) const {
+    const auto found = numbers_.find(path);
+    if (found == numbers_.end()) return std::nullopt;
+    return found->second;
   }
 
+  bool contains(const Path& path) const { return numbers_.contains(path); }
+
  private:
-  std::unordered_map<Path, Root> roots_;
+  OrderedMap<Path, std::uint32_t> numbers_;
 };
 
 /// How many distinct roots each source reaches.
@@ -128,10 +124,10 @@ class Reach {
   };
 
   void add(const Path& source, std::uint32_t root) {
-    const auto [entry, fresh] = numbers_.try_emplace(source, entries_.size());
-    if (fresh) entries_.push_back({source, 0});
-    const auto pair = (static_cast<std::uint64_t>(entry->second) << 32U) | root;
-    if (pairs_.insert(pair).second) ++entries_[entry->second].roots;
+    const auto number = sources_.try_emplace(source, sources_.size()).first->second;
+    if (number == entries_.size()) entries_.push_back({source, 0});
+    const auto pair = (static_cast<std::uint64_t>(number) << 32U) | root;
+    if (pairs_.insert(pair).second) ++entries_[number].roots;
   }
 
   /// The sources that reach at least `least` roots, the farthest reach first, then by path.
@@ -144,7 +140,7 @@ class Reach {
   }
 
  private:
-  std::unordered_map<Path, std::size_t> numbers_;
+  OrderedMap<Path, std::size_t> sources_;
   std::vector<Entry> entries_;
   std::unordered_set<std::uint64_t> pairs_;
 };
@@ -169,11 +165,12 @@ auto dispatch_files(const RootPaths& roots, Edges&& edges, std::size_t limit = D
   const detail::Roots<Path> known(roots);
   detail::Reach<Path> reach;
   for (auto&& edge : edges) {
-    const auto* root = known.find(target_of(edge));
-    if (root == nullptr) continue;
+    const Path target = target_of(edge);
+    const auto root = known.number_of(target);
+    if (!root) continue;
     const Path source = source_of(edge);
-    if (known.find(source) != nullptr) continue;
-    if (directory_of(text_of(source)) != root->directory) reach.add(source, root->number);
+    if (known.contains(source)) continue;
+    if (directory_of(text_of(source)) != directory_of(text_of(target))) reach.add(source, *root);
   }
   const auto least =
       std::max<std::size_t>(2, (count + DISPATCH_MIN_ROOTS - 1) / DISPATCH_MIN_ROOTS);
@@ -196,7 +193,9 @@ auto dependents_of(Edges&& edges) {
   for (auto&& edge : edges) {
     const Path source = source_of(edge);
     const Path target = target_of(edge);
-    if (source != target) dependents[target].add(source, weight_of(edge));
+    if (source != target) {
+      dependents.try_emplace(target).first.value().add(source, weight_of(edge));
+    }
   }
   return dependents;
 }
@@ -216,29 +215,29 @@ auto example_sources(Tests&& tests, Edges&& edges, std::ptrdiff_t max_files = MA
   using Test = std::ranges::range_value_t<Tests>;
   struct Candidate {
     Test path;
-    const Tally* tally;
+    Tally tally;
   };
-  std::unordered_map<Path, Tally> tallies;
   std::vector<Candidate> candidates;
   for (auto&& path : tests) {
-    if (!is_fixture_path(text_of(path))) candidates.push_back({Test(path), nullptr});
+    if (!is_fixture_path(text_of(path))) candidates.push_back({Test(path), {}});
   }
+  OrderedMap<Path, Tally> tallies;
+  tallies.max_load_factor(0.25F);  // many look-ups are of paths that are no candidate
   tallies.reserve(candidates.size());
-  for (auto& candidate : candidates) {
-    candidate.tally = &tallies.try_emplace(Path(candidate.path)).first->second;
-  }
+  for (const auto& candidate : candidates) tallies.try_emplace(Path(candidate.path));
   for (auto&& edge : edges) {
-    const auto source = tallies.find(source_of(edge));
+    auto source = tallies.find(source_of(edge));
     if (source == tallies.end()) continue;
     const Path target = target_of(edge);
-    if (const auto found = tallies.find(target); found != tallies.end()) {
-      ++found->second.users;
+    if (auto found = tallies.find(target); found != tallies.end()) {
+      ++found.value().users;
     } else if (!is_test_path(target)) {
-      ++source->second.reached;
+      ++source.value().reached;
     }
   }
+  for (auto& candidate : candidates) candidate.tally = tallies.find(Path(candidate.path))->second;
   std::ranges::sort(candidates, {}, [](const Candidate& candidate) {
-    return std::tuple(-candidate.tally->users, -candidate.tally->reached, text_of(candidate.path));
+    return std::tuple(-candidate.tally.users, -candidate.tally.reached, text_of(candidate.path));
   });
   std::vector<Test> ranked;
   ranked.reserve(candidates.size());
