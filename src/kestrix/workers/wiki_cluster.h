@@ -43,15 +43,38 @@ struct AspectFileLimit {
 };
 inline constexpr AspectFileLimit MAX_ASPECT_FILES{};
 
-/// The files that define data, strongest evidence first, then by path: DDL (also inside string
-/// literals) or several data classes in one file.
+/// The files that define data, strongest evidence first, then by path, at most `MAX_ASPECT_FILES`.
+///
+/// A file defines data when it holds a DDL statement (also inside a string literal), a class that
+/// is mapped to storage, a definition in a schema language, or at least two data classes. The
+/// repository's own definitions come before those of its samples, then migrations, then generated
+/// and vendored files. The evidence is in cluster/data_signals.h.
+///
+/// Texts are read one at a time, each at most once, and only those whose name can hold data
+/// definitions; none is kept. A text that cannot be read is "" and defines nothing.
 std::vector<std::string> data_model_files(const PathTexts& texts);
 
-/// The design documents among `documents`, best first, at most `max_files`.
+/// The design documents among `documents`, best first, at most `max_files`; each distinct path
+/// once.
+///
+/// Judged from the paths alone. A design document is prose that lies in a folder named for such
+/// documents ("adr", "decisions", "rfcs", "proposals", "design", "architecture" …), that is called
+/// DESIGN, ARCHITECTURE or DECISIONS, or that is one of a series of numbered entries. Templates and
+/// the index pages of such folders are none, nor is what a test or a dependency brings along.
+///
+/// Order: numbered and dated entries, the highest number or newest date first; the other documents
+/// of folders that hold entries; documents by their own name; those of the folders "design" and
+/// "architecture". Ties by path.
 std::vector<std::string> decision_docs(const std::vector<std::string>& documents,
                                        std::size_t max_files);
 
-/// Ranks contract and registry files, best first, at most `limit`.
+/// Ranks contract and registry files, best first, at most `limit`; each path once, nothing for
+/// empty maps.
+///
+/// A file that holds both sorts comes first, by the sum of its counts. The others alternate, a
+/// contract file and then a registry file, each sort by its own count: a repository has many
+/// contracts and few registries, and neither crowds the other out. What one sort leaves the other
+/// fills. Ties by path.
 std::vector<std::string> extension_files(const PathCounts& contracts, const PathCounts& registries,
                                          std::size_t limit);
 

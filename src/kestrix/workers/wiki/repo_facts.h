@@ -55,11 +55,13 @@ struct ReadTextOptions {
 };
 
 /// A path in the form that the planner uses: relative to the repository, "/" as its separator, no
-/// "./" and no empty pieces. Idempotent.
+/// "." and no empty pieces, so none at its ends either. ".." and "\" are left as they are: the
+/// index holds no path with the one, and the other is part of a name. Idempotent.
 std::string _norm(std::string_view path);
 
-/// The first `max_chars` characters of a file. A file that is missing, unreadable or not text
-/// has the text "".
+/// The first `max_chars` characters of a file, read when the text is asked for. A file that is
+/// missing, unreadable or not text has the text "". The last piece of the path is never followed as
+/// a link, and only regular files are read; nothing waits on a pipe or a device.
 Text _read_text(const std::filesystem::path& path, ReadTextOptions options);
 
 /// What the wiki generator knows about its repository.

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+#include <vector>
+
+namespace kestrix {
+
+/// A stretch of a text: [begin, end).
+struct Stretch {
+  std::size_t begin;
+  std::size_t end;
+};
+
+/// Whether the line that holds `at` begins as a comment of any language.
+bool on_comment_line(std::string_view text, std::size_t at);
+
+/// What stands between the brace at `open` and its partner, without either; to the end of the text
+/// when it has none, and never more than a few thousand bytes.
+std::string_view block_at(std::string_view text, std::size_t open);
+
+/// The strings in triple quotes of a Python source, in order.
+struct TripleQuoted : Stretch {
+  bool documentation;  ///< the string is a statement, not a value
+};
+std::vector<TripleQuoted> triple_quoted(std::string_view text);
+
+/// Whether the members between an interface's braces are all fields: none is a method, a call or a
+/// callback, and there is one at least.
+bool holds_only_fields(std::string_view block);
+
+}  // namespace kestrix

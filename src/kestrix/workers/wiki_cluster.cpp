@@ -1,0 +1,75 @@
+#include "kestrix/workers/wiki_cluster.h"
+
+#include <algorithm>
+#include <tuple>
+#include <utility>
+
+#include "kestrix/workers/cluster/data_ranking.h"
+#include "kestrix/workers/cluster/data_signals.h"
+#include "kestrix/workers/cluster/design_documents.h"
+
+namespace kestrix {
+namespace {
+
+using Ranked = std::vector<std::pair<std::int64_t, std::string>>;
+
+// Highest count first, then by path.
+std::vector<std::string> by_count(Ranked counts) {
+  std::ranges::sort(counts, {}, [](const auto& entry) {
+    return std::tuple(-entry.first, std::string_view(entry.second));
+  });
+  std::vector<std::string> paths;
+  paths.reserve(counts.size());
+  for (auto& entry : counts) paths.push_back(std::move(entry.second));
+  return paths;
+}
+
+std::vector<std::string> in_both(const PathCounts& a, const PathCounts& b) {
+  Ranked counts;
+  for (const auto& [path, count] : a) {
+    if (b.contains(path)) counts.emplace_back(count + b[path], path);
+  }
+  return by_count(std::move(counts));
+}
+
+std::vector<std::string> only_in(const PathCounts& a, const PathCounts& b) {
+  Ranked counts;
+  for (const auto& [path, count] : a) {
+    if (!b.contains(path)) counts.emplace_back(count, path);
+  }
+  return by_count(std::move(counts));
+}
+
+}  // namespace
+
+AspectFileLimit::operator std::ptrdiff_t() const { return 12; }
+
+std::vector<std::string> data_model_files(const PathTexts& texts) {
+  DataRanking ranking(static_cast<std::size_t>(std::ptrdiff_t{MAX_ASPECT_FILES}));
+  for (const auto& [path, text] : texts) {
+    if (may_define_data(path)) ranking.add(path, data_signals(path, text.str()));
+  }
+  return ranking.best();
+}
+
+std::vector<std::string> decision_docs(const std::vector<std::string>& documents,
+                                       std::size_t max_files) {
+  auto ranked = rank_design_documents(documents);
+  if (ranked.size() > max_files) ranked.resize(max_files);
+  return ranked;
+}
+
+std::vector<std::string> extension_files(const PathCounts& contracts, const PathCounts& registries,
+                                         std::size_t limit) {
+  auto ranked = in_both(contracts, registries);
+  const auto implemented = only_in(contracts, registries);
+  const auto registered = only_in(registries, contracts);
+  for (std::size_t i = 0; i < std::max(implemented.size(), registered.size()); ++i) {
+    if (i < implemented.size()) ranked.push_back(implemented[i]);
+    if (i < registered.size()) ranked.push_back(registered[i]);
+  }
+  if (ranked.size() > limit) ranked.resize(limit);
+  return ranked;
+}
+
+}  // namespace kestrix

@@ -1,0 +1,191 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "kestrix/workers/cluster/data_ranking.h"
+#include "kestrix/workers/cluster/data_signals.h"
+#include "kestrix/workers/wiki_cluster.h"
+
+namespace kestrix {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+struct Source {
+  std::string_view path;
+  std::string_view text;
+};
+
+bool is_data(const Source& source) {
+  return may_define_data(source.path) && defines_data(data_signals(source.path, source.text));
+}
+
+constexpr Source kData[] = {
+    // DDL
+    {"a.sql", "CREATE TABLE users (id int);"},
+    {"a.sql", "create temp table if not exists \"s\".users\n(id int);"},
+    {"a.sql", "CREATE TYPE mood AS ENUM ('a');"},
+    {"a.sql", "ALTER TABLE users ADD COLUMN age int;"},
+    {"a.py", "SQL = '''CREATE TABLE users (id int)'''"},
+    {"a.py", "db.execute(\n    \"\"\"\n    CREATE TABLE users (id int)\"\"\")"},
+    {"a.py", "sql_create = 'CREATE TABLE %(table)s (%(definition)s)'"},
+    {"a.go", "const q = `CREATE TABLE users (\n id int)`"},
+    {"a.go", "q := fmt.Sprintf(\"CREATE TABLE %s\", name)"},
+    {"a.java", "String q = \"CREATE TABLE \" + name + \" (id int)\";"},
+    {"a.js", "db.run(`create table if not exists ${prefix}users (id int)`)"},
+    {"a.c", "exec(db, \"CREATE TABLE \\\"users\\\" (id)\");"},
+    {"a.c", "\"CREATE TABLE users \"\n  \"(id int)\""},
+    // data classes, in twos
+    {"a.py", "@dataclass\nclass A:\n  x: int\n\n@dataclasses.dataclass(frozen=True)\nclass B:\n"},
+    {"a.py", "@attr.s\nclass A: pass\n@define\nclass B: pass\n"},
+    {"a.py", "class A(BaseModel):\n  x: int\nclass B(A, pydantic.BaseModel):\n  y: int\n"},
+    {"a.py", "class A(TypedDict, total=False):\n  x: int\nclass B(NamedTuple):\n  y: int\n"},
+    {"a.ts", "interface A { x: string }\nexport type B = {\n  y: (string | number)[] // (id)\n}\n"},
+    {"a.ts", "const A = z.object({})\nexport const B = z.object({})\n"},
+    {"A.java", "public record A(int x) {}\nrecord B<T>(T y) {}"},
+    {"a.kt", "data class A(val x: Int)\ninternal data class B(val y: Int)"},
+    {"a.cs", "public record A(int X);\npublic sealed record B { }"},
+    {"a.go",
+     "type A struct {\n\tX int `json:\"x\"`\n}\ntype B struct {\n\tY int `yaml:\"y\"`\n}\n"},
+    {"a.rs", "#[derive(Debug, Serialize)]\nstruct A;\n#[derive(serde::Deserialize)]\nenum B {}"},
+    // classes that are mapped to storage
+    {"a.py", "class A(models.Model):\n    x = models.CharField()\n"},
+    {"a.py", "class A(TimeStamped):\n    x = models.CharField()\n"},
+    {"a.py", "class A(Base):\n    __tablename__ = 'a'\n    x: Mapped[int] = mapped_column()\n"},
+    {"a.ts", "@Entity()\nexport class A {}\n"},
+    {"a.ts", "import mongoose from 'mongoose'\nconst a = new Schema({})\n"},
+    {"A.java", "@Entity\npublic class A {}"},
+    {"a.cs", "class ShopContext : DbContext { }"},
+    {"a.go", "type A struct {\n\tID int `gorm:\"primaryKey\"`\n}\n"},
+    {"a.rs", "#[derive(Queryable)]\nstruct A;"},
+    {"a.rb", "class A < ApplicationRecord\nend"},
+    {"db/schema.rb", "# This file is auto-generated\n  create_table \"users\" do |t|\n"},
+    {"A.php", "#[ORM\\Entity]\nclass A {}"},
+    // schema languages
+    {"a.proto", "message A {\n}"},
+    {"a.graphql", "type A {\n x: Int }"},
+    {"a.prisma", "model A {\n}"},
+    {"a.thrift", "struct A {\n}"},
+    {"a.avsc", "{\"type\": \"record\", \"name\": \"A\"}"},
+    {"a.json", "{\"$schema\": \"http://json-schema.org/draft-07/schema#\", \"properties\": {}}"},
+    {"a.yaml", "openapi: 3.0.1\ncomponents:\n  schemas:\n    A:\n"},
+};
+
+constexpr Source kOther[] = {
+    // prose about DDL
+    {"a.py", "'''Emits a CREATE TABLE statement (see below).'''"},
+    {"a.py", "def f():\n    \"\"\"Runs::\n\n        CREATE TABLE users (id int)\n    \"\"\""},
+    {"a.py", "raise Error('could not create table %s' % name)"},
+    {"a.go", "// CREATE TABLE users (id int)\n"},
+    {"a.go", "return fmt.Errorf(\"create table %s: %w\", name, err)"},
+    {"a.java", "/**\n * CREATE TABLE users (id int)\n */"},
+    {"a.sql", "-- CREATE TABLE users (id int)\nSELECT 1;"},
+    {"a.py", "print('CREATE TABLE')"},
+    {"a.sql", "ALTER TABLE users DROP COLUMN age;"},
+    // one data class, or none
+    {"a.py", "@dataclass\nclass A:\n  x: int\n"},
+    {"a.py", "class A(BaseModelFactory):\n  x = 1\nclass B(MyBaseModel2):\n  y = 1\n"},
+    {"a.py", "'''\nclass A(BaseModel):\nclass B(BaseModel):\n'''\n"},
+    {"a.py", "q.annotate(\n    output_field=models.CharField(),\n)\n"},
+    {"a.ts", "interface A { run(): void }\ninterface B { on: () => void }\ninterface C {}\n"},
+    {"a.tsx", "interface AProps { x: string }\ntype BProps = { y: string }\n"},
+    {"a.ts", "import {Schema} from 'prosemirror'\nconst a = new Schema({})\n"},
+    {"a.ts", " * @Entity()\n * class A {}\n"},
+    {"A.java", "@Entities\nclass A { Record record = record(1); }"},
+    {"a.go", "type A struct {\n\tX int\n}\ntype B struct {\n\tY int\n}\n"},
+    {"a.rs", "#[derive(Debug, Clone)]\nstruct A;\n#[derive(Parser)]\nstruct B;"},
+    {"a.rb", "def create_table(name)\nend\ncreate_table_for(x)"},
+    // documents that are no schema
+    {"package.json", "{\"$schema\": \"http://json-schema.org/x\", \"properties\": {}}"},
+    {"a.json", "{\"$schema\": \"https://json.schemastore.org/a\", \"properties\": {}}"},
+    {"a.json", "{\"properties\": {}, \"definitions\": {}}"},
+    {"a.yaml", "info:\n  openapi: 3.0.1\nschemas:\n"},
+    {"a.graphql", "query A {\n type { x }\n}"},
+    {"a.md", "CREATE TABLE users (id int);"},
+    {"a.py", ""},
+};
+
+TEST(DataModelFiles, RecognisesDefinitions) {
+  for (const auto& source : kData) {
+    EXPECT_TRUE(is_data(source)) << source.path << "\n"
+                                 << source.text << "\n"
+                                 << to_string(data_signals(source.path, source.text));
+  }
+}
+
+TEST(DataModelFiles, PassesOverNearMisses) {
+  for (const auto& source : kOther) {
+    EXPECT_FALSE(is_data(source)) << source.path << "\n"
+                                  << source.text << "\n"
+                                  << to_string(data_signals(source.path, source.text));
+  }
+}
+
+std::vector<std::string> ranked(const std::vector<Source>& sources) {
+  PathTexts texts;
+  for (const auto& source : sources) {
+    texts.try_emplace(std::string(source.path), Text(std::string(source.text)));
+  }
+  return data_model_files(texts);
+}
+
+constexpr std::string_view kTable = "CREATE TABLE users (id int);\n";
+constexpr std::string_view kRecords = "@dataclass\nclass A: pass\n@dataclass\nclass B: pass\n";
+
+TEST(DataModelFiles, StrongestFirstThenByPath) {
+  const std::string two = std::string(kTable) + std::string(kTable);
+  EXPECT_THAT(ranked({{"z.sql", kTable}, {"m.py", kRecords}, {"b.sql", two}, {"a.sql", kTable}}),
+              ElementsAre("b.sql", "a.sql", "z.sql", "m.py"));
+}
+
+TEST(DataModelFiles, TheProductsOwnComeFirstThenSamplesMigrationsGeneratedVendored) {
+  const std::string generated = "// Code generated by tool. DO NOT EDIT.\n" + std::string(kTable);
+  EXPECT_THAT(ranked({{"vendor/x/a.sql", kTable},
+                      {"a.go", generated},
+                      {"app/migrations/0001.sql", kTable},
+                      {"db/V1__init.sql", kTable},
+                      {"examples/a.sql", kTable},
+                      {"z.py", kRecords}}),
+              ElementsAre("z.py", "examples/a.sql", "app/migrations/0001.sql", "db/V1__init.sql",
+                          "a.go", "vendor/x/a.sql"));
+}
+
+TEST(DataModelFiles, ReadsEachTextAtMostOnceAndOnlyWhereDataCanBe) {
+  int reads = 0;
+  PathTexts texts;
+  for (const auto* path : {"a.sql", "style.css", "yarn.lock", "logo.svg"}) {
+    texts.try_emplace(path, Text([&reads] { return ++reads, std::string(kTable); }));
+  }
+  EXPECT_THAT(data_model_files(texts), ElementsAre("a.sql"));
+  EXPECT_EQ(reads, 1);
+}
+
+TEST(DataModelFiles, KeepsTheBestOfManyInAnyOrder) {
+  std::vector<std::string> paths;
+  PathTexts texts;
+  for (int i = 99; i >= 10; --i) paths.push_back(std::to_string(i) + ".sql");
+  for (const auto& path : paths) texts.try_emplace(path, Text(std::string(kTable)));
+  const auto best = data_model_files(texts);
+  ASSERT_EQ(best.size(), 12U);
+  EXPECT_EQ(best.front(), "10.sql");
+  EXPECT_EQ(best.back(), "21.sql");
+}
+
+TEST(DataModelFiles, NothingGivesNothing) { EXPECT_THAT(ranked({}), IsEmpty()); }
+
+TEST(DataModelFiles, EndsOnHostileText) {
+  std::string deep = "type A struct {";
+  for (int i = 0; i < 100000; ++i) deep += "{ \"\"\" ' type B struct {\n";
+  for (const auto* path : {"a.go", "a.ts", "a.py", "a.rs", "a.sql", "a.json"}) {
+    data_signals(path, deep);
+    data_signals(path, "CREATE TABLE" + std::string(400000, ' '));
+    data_signals(path, std::string(400000, '('));
+  }
+}
+
+}  // namespace
+}  // namespace kestrix
