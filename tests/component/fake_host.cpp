@@ -4,7 +4,6 @@
 #include <fmt/ranges.h>
 
 #include <algorithm>
-#include <ranges>
 
 #include "kestrix/utils/best_effort.h"
 
@@ -58,8 +57,9 @@ SymbolSearch FakeRepository::search_symbols(std::span<const std::string_view> pa
 
 std::unordered_map<SymbolId, std::string> FakeRepository::get_file_paths_batch(
     std::span<const Symbol> symbols) const {
-  world->called("get_file_paths_batch(" + list(symbols | std::views::transform(&Symbol::name)) +
-                ")");
+  Paths names;
+  for (const Symbol& symbol : symbols) names.push_back(symbol.name);
+  world->called("get_file_paths_batch(" + list(names) + ")");
   return world->symbol_files;
 }
 

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <ranges>
+#include <sstream>
 
 #include "tests/component/fake_host.h"
 
@@ -117,14 +118,20 @@ TEST(DispatchFiles, DoesNotTouchTheEdgesOfFewRoots) {
   EXPECT_THROW(dispatch_files(kThree, edges), Error);
 }
 
-TEST(DispatchFiles, ReadsARangeThatCanBeReadOnce) {
-  std::istringstream sources("p/run.py p/run.py");
-  int next = 0;
-  auto edges =
-      std::views::istream<std::string>(sources) | std::views::transform([&](const std::string&) {
-        return edge("p/run.py", kThree[static_cast<std::size_t>(next++)]);
-      });
-  EXPECT_EQ(dispatch_files(kThree, edges), Paths{"p/run.py"});
+// An edge that holds its own paths, as a stream gives it.
+struct Streamed {
+  std::string source;
+  std::string target;
+};
+std::istream& operator>>(std::istream& in, Streamed& edge) {
+  return in >> edge.source >> edge.target;
+}
+std::string source_of(const Streamed& edge) { return edge.source; }
+std::string target_of(const Streamed& edge) { return edge.target; }
+
+TEST(DispatchFiles, ReadsARangeThatCanBeReadOnceAndOwnsItsPaths) {
+  std::istringstream text("p/run.py h/a.py p/run.py h/b.py h/i.py h/a.py");
+  EXPECT_EQ(dispatch_files(kThree, std::ranges::istream_view<Streamed>(text)), Paths{"p/run.py"});
 }
 
 TEST(DependentsOf, SumsWeightsInTheOrderOfTheFirstEdges) {

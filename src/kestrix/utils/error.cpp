@@ -11,25 +11,30 @@ std::string type_of(const std::exception& error) {
   return boost::core::demangle(typeid(error).name());
 }
 
-const Error* innermost_error(const std::exception& error) {
-  const auto* found = dynamic_cast<const Error*>(&error);
-  try {
-    std::rethrow_if_nested(error);
-  } catch (const Error& cause) {
-    found = &cause;
-  } catch (...) {  // a cause without a trace adds nothing here
+void note_trace(const std::exception& error, Failure& failure) {
+  if (const auto* own = dynamic_cast<const Error*>(&error)) {
+    failure.trace = boost::stacktrace::to_string(own->trace());
   }
-  return found;
 }
 
-void append_causes(const std::exception& error, std::vector<std::string>& causes) {
-  try {
-    std::rethrow_if_nested(error);
-  } catch (const std::exception& cause) {
-    causes.push_back(type_of(cause) + ": " + cause.what());
-    append_causes(cause, causes);
-  } catch (...) {
-    causes.emplace_back("unknown exception");
+std::exception_ptr cause_of(const std::exception& error) {
+  const auto* nested = dynamic_cast<const std::nested_exception*>(&error);
+  return nested == nullptr ? nullptr : nested->nested_ptr();
+}
+
+// The trace nearest to where things went wrong, and what each nested exception says.
+void follow_causes(const std::exception& error, Failure& failure) {
+  for (auto cause = cause_of(error); cause != nullptr;) {
+    try {
+      std::rethrow_exception(cause);
+    } catch (const std::exception& nested) {
+      failure.causes.push_back(type_of(nested) + ": " + nested.what());
+      note_trace(nested, failure);
+      cause = cause_of(nested);
+    } catch (...) {
+      failure.causes.emplace_back("unknown exception");
+      cause = nullptr;
+    }
   }
 }
 
@@ -37,10 +42,11 @@ void append_causes(const std::exception& error, std::vector<std::string>& causes
 
 Failure describe(const std::exception& error) {
   Failure failure{type_of(error), error.what(), {}, {}};
-  append_causes(error, failure.causes);
-  const Error* traced = innermost_error(error);
-  failure.trace = boost::stacktrace::to_string(traced != nullptr ? traced->trace()
-                                                                 : boost::stacktrace::stacktrace());
+  note_trace(error, failure);
+  follow_causes(error, failure);
+  if (failure.trace.empty()) {
+    failure.trace = boost::stacktrace::to_string(boost::stacktrace::stacktrace());
+  }
   return failure;
 }
 
