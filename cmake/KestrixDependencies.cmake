@@ -12,8 +12,11 @@ find_package(RE2 REQUIRED)
 find_package(tsl-ordered-map REQUIRED)
 find_package(Boost 1.74 REQUIRED)
 
-if(KESTRIX_PROGRAM)
+if(KESTRIX_PROGRAM OR KESTRIX_TESTS OR KESTRIX_BENCH)
   find_package(fmt REQUIRED)
+endif()
+
+if(KESTRIX_PROGRAM)
   find_package(spdlog REQUIRED)
   find_package(SQLite3 REQUIRED)
   find_package(SQLiteCpp REQUIRED)
