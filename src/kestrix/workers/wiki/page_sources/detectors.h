@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "kestrix/utils/logger.h"
+#include "kestrix/workers/project_units.h"
 #include "kestrix/workers/report_generator.h"
 #include "kestrix/workers/wiki/page_sources/host_values.h"
 #include "kestrix/workers/wiki/repo_facts.h"
@@ -34,6 +35,9 @@ class PageSourcesMixin : public RepoFactsMixin {
   using Path = std::string;
   using PathSet = kestrix::PathSet;
   using SymbolList = kestrix::SymbolList;
+  using Texts = PathTexts;
+  using Counts = PathCounts;
+  using Roots = RootMap;
 
   /// The paths that aspect pages may be grounded in: exactly the indexed source files that
   /// `_test_files` leaves out, in the form that `_norm` gives.

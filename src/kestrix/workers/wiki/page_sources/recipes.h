@@ -3,8 +3,9 @@
 // The detectors as recipes over a host: the object into which the detectors are mixed. Every step
 // is a call to one of its members, to a host function, or to a rule.
 //
-// `Host` names its types: `Path`, `PathSet` and `SymbolList`. The types select the functions that a
-// recipe calls, so a host whose values are of other types brings overloads beside those types.
+// `Host` names its types: `Path`, `PathSet`, `SymbolList`, and those of the maps that host
+// functions are given: `Texts`, `Counts` and `Roots`. The types select the functions that a recipe
+// calls, so a host whose values are of other types brings overloads beside those types.
 //
 // Nothing is kept between calls, and what a recipe does not catch reaches its caller.
 
@@ -87,8 +88,7 @@ auto _exception_files(const Host& host) {
 
 template <class Host>
 auto _data_model_files(const Host& host) {
-  using Text = decltype(_read_text(host.repo_root(), ReadTextOptions{}));
-  OrderedMap<typename Host::Path, Text> texts;
+  typename Host::Texts texts;
   for (auto&& path : host._planner_paths()) {
     auto text = _read_text(joined(host.repo_root(), path), {.max_chars = DETECTOR_READ_CHARS});
     texts.insert_or_assign(path, std::move(text));
@@ -109,37 +109,45 @@ auto _decision_files(const Host& host) {
 template <class Host>
 struct ExtensionSymbols {
   using Repository = std::remove_cvref_t<decltype(std::declval<const Host&>().repository())>;
+  using Search = decltype(std::declval<const Repository&>().search_symbols(
+      std::string_view(), std::declval<SymbolSearchOptions>()));
+  using Range =
+      decltype(append(std::declval<typename Host::SymbolList&>(), std::declval<Search>().symbols));
   using Paths = decltype(std::declval<const Repository&>().get_file_paths_batch(
       std::declval<const typename Host::SymbolList&>()));
 
   typename Host::SymbolList symbols;
-  SymbolRange classes;    ///< all classes
-  SymbolRange contracts;  ///< all symbols of the interface kind
-  SymbolRange named;      ///< constants, then variables, with a name like a registry's
+  Range classes;    ///< all classes
+  Range contracts;  ///< all symbols of the interface kind
+  Range constants;  ///< those with a name like a registry's
+  Range variables;  ///< those with a name like a registry's
   Paths paths;
 };
 
 template <class Host>
 ExtensionSymbols<Host> look_up_extensions(const Host& host) {
-  typename Host::SymbolList symbols;
   const auto scan = [&](const auto& query, SymbolKind kind) {
-    return append(symbols, host.repository()
-                               .search_symbols(query, {.kind = kind, .limit = SYMBOL_SCAN_LIMIT})
-                               .symbols);
+    return host.repository()
+        .search_symbols(query, {.kind = kind, .limit = SYMBOL_SCAN_LIMIT})
+        .symbols;
   };
-  const auto classes = scan(std::string_view("%"), SymbolKind::kClass);
-  const auto contracts = scan(std::string_view("%"), SymbolKind::kInterface);
-  const auto constants = scan(REGISTRY_PATTERNS, SymbolKind::kConstant);
-  const auto variables = scan(REGISTRY_PATTERNS, SymbolKind::kVariable);
-  auto paths = host.repository().get_file_paths_batch(symbols);
-  return {
-      std::move(symbols), classes, contracts, {constants.first, variables.last}, std::move(paths)};
+  auto classes = scan(std::string_view("%"), SymbolKind::kClass);
+  auto contracts = scan(std::string_view("%"), SymbolKind::kInterface);
+  auto constants = scan(REGISTRY_PATTERNS, SymbolKind::kConstant);
+  auto variables = scan(REGISTRY_PATTERNS, SymbolKind::kVariable);
+  typename Host::SymbolList all;
+  const auto first = append(all, std::move(classes));
+  const auto second = append(all, std::move(contracts));
+  const auto third = append(all, std::move(constants));
+  const auto fourth = append(all, std::move(variables));
+  auto paths = host.repository().get_file_paths_batch(all);
+  return {std::move(all), first, second, third, fourth, std::move(paths)};
 }
 
 /// The root of every domain-layer component, mapped to itself.
 template <class Host>
 auto domain_roots(const Host& host) {
-  OrderedMap<typename Host::Path, typename Host::Path> roots;
+  typename Host::Roots roots;
   for (auto&& component : host.repository().get_all_components({.source_only = true})) {
     if (!is_layer(component, DOMAIN_LAYER)) continue;
     if (auto root = root_of_pattern(pattern_of(component))) roots.insert_or_assign(*root, *root);
@@ -149,8 +157,8 @@ auto domain_roots(const Host& host) {
 
 template <class Host>
 struct ExtensionCounts {
-  Counter<typename Host::Path, std::int64_t> interfaces;
-  Counter<typename Host::Path, std::int64_t> registries;
+  typename Host::Counts interfaces;
+  typename Host::Counts registries;
 };
 
 template <class Host, class Roots>
@@ -158,7 +166,7 @@ ExtensionCounts<Host> count_extensions(const ExtensionSymbols<Host>& found, cons
   ExtensionCounts<Host> counts;
   const auto path_of = [&](const auto& symbol) {
     return has_id(symbol) ? typename Host::Path(_norm(file_of(found.paths, symbol)))
-                          : typename Host::Path();
+                          : typename Host::Path("");
   };
   for (auto&& symbol : slice(found.symbols, found.classes)) {
     if (search(INTERFACE_SIGNATURE_RE, signature_of(symbol))) {
@@ -169,8 +177,10 @@ ExtensionCounts<Host> count_extensions(const ExtensionSymbols<Host>& found, cons
     const auto path = path_of(symbol);
     if (most_specific(domain, path)) counts.interfaces.add(path, 1);
   }
-  for (auto&& symbol : slice(found.symbols, found.named)) {
-    if (is_registry_name(name_of(symbol))) counts.registries.add(path_of(symbol), 1);
+  for (const auto& named : {found.constants, found.variables}) {
+    for (auto&& symbol : slice(found.symbols, named)) {
+      if (is_registry_name(name_of(symbol))) counts.registries.add(path_of(symbol), 1);
+    }
   }
   return counts;
 }

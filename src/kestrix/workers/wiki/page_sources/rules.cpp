@@ -1,7 +1,5 @@
 #include "kestrix/workers/wiki/page_sources/rules.h"
 
-#include <re2/re2.h>
-
 #include <algorithm>
 #include <string>
 
@@ -39,11 +37,6 @@ bool is_config_path(std::string_view path) {
   std::ranges::transform(base, base.begin(), ascii_lower);
   return CONFIG_BASENAMES.contains(base) || base.starts_with(".env") ||
          path.starts_with("config/") || path.find("/config/") != std::string_view::npos;
-}
-
-bool is_registry_name(std::string_view name) {
-  static const RE2 pattern(std::string("(?i)") + REGISTRY_RE);
-  return RE2::PartialMatch(re2::StringPiece(name.data(), name.size()), pattern);
 }
 
 }  // namespace kestrix

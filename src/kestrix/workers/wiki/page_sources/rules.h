@@ -19,6 +19,7 @@
 #include <type_traits>
 #include <unordered_set>
 #include <utility>
+#include <variant>
 #include <vector>
 
 #include "kestrix/utils/counter.h"
@@ -72,18 +73,25 @@ std::vector<Path> current_first(std::vector<Path> docs,
   return first_entries(std::move(docs), max_files);
 }
 
-/// The retrieval topic of a code page: its title, then the distinct stems of its files in order,
-/// without those that begin with "__", at most `TOPIC_STEMS`, with single spaces between.
+/// The words that a code page's files add to its topic: their distinct stems in order, without
+/// those that begin with "__", at most `TOPIC_STEMS`.
+template <std::ranges::input_range Files>
+auto topic_stems(Files&& files) {
+  using Stem = std::remove_cvref_t<decltype(stem(*std::ranges::begin(files)))>;
+  OrderedMap<Stem, std::monostate> distinct;
+  for (auto&& path : files) distinct.try_emplace(stem(path));
+  std::vector<Stem> stems;
+  for (const auto& entry : distinct) {
+    if (!text_of(entry.first).starts_with("__")) stems.push_back(entry.first);
+  }
+  return first_entries(std::move(stems), TOPIC_STEMS);
+}
+
+/// The retrieval topic of a code page: its title, then `topic_stems`, with single spaces between.
 template <std::ranges::input_range Files>
 std::string unit_topic(std::string_view title, Files&& files) {
   std::string topic(title);
-  std::unordered_set<std::string> seen;
-  std::size_t kept = 0;
-  for (auto&& path : files) {
-    const auto [word, fresh] = seen.insert(std::string(text_of(stem(path))));
-    if (!fresh || word->starts_with("__") || ++kept > TOPIC_STEMS) continue;
-    topic.append(1, ' ').append(*word);
-  }
+  for (const auto& word : topic_stems(files)) topic.append(1, ' ').append(word);
   return topic;
 }
 
@@ -182,6 +190,20 @@ auto dispatch_files(const RootPaths& roots, Edges&& edges, std::size_t limit = D
   return files;
 }
 
+/// The type of what `dependents_of` returns. A host with maps of its own specialises it for its
+/// paths, and brings overloads of the functions that read and write such a map.
+template <class Path, class Weight>
+struct DependentsType {
+  using type = DependentsOf<Path, Weight>;
+};
+
+/// Adds `weight` to what `source` counts among the dependents of `target`.
+template <class Path, class Weight>
+void add_dependent(DependentsOf<Path, Weight>& dependents, const Path& target, const Path& source,
+                   Weight weight) {
+  dependents.try_emplace(target).first.value().add(source, weight);
+}
+
 /// Turns edges around: per file, who depends on it and how strongly. Keys and counts are inserted
 /// in the order in which their first edge is met. An edge from a file to itself adds nothing; any
 /// other creates its entries, whatever its weight.
@@ -189,13 +211,11 @@ template <std::ranges::input_range Edges>
 auto dependents_of(Edges&& edges) {
   using Path = EdgePath<Edges>;
   using Weight = std::remove_cvref_t<decltype(weight_of(*std::ranges::begin(edges)))>;
-  DependentsOf<Path, Weight> dependents;
+  typename DependentsType<Path, Weight>::type dependents;
   for (auto&& edge : edges) {
     const Path source = source_of(edge);
     const Path target = target_of(edge);
-    if (source != target) {
-      dependents.try_emplace(target).first.value().add(source, weight_of(edge));
-    }
+    if (source != target) add_dependent(dependents, target, source, weight_of(edge));
   }
   return dependents;
 }
@@ -290,8 +310,8 @@ auto extension_sources(const Counts& interfaces, const Counts& registries,
                        const DependentsMap& dependents) {
   const auto strongest = [&](bool used) {
     const auto on_side = [&](const auto& path) { return is_used(dependents, path) == used; };
-    return extension_files(filtered(interfaces, on_side), filtered(registries, on_side),
-                           EXTENSION_CONTRACTS);
+    const auto contracts = filtered(interfaces, on_side);
+    return extension_files(contracts, filtered(registries, on_side), EXTENSION_CONTRACTS);
   };
   auto picked = strongest(true);
   std::ranges::move(strongest(false), std::back_inserter(picked));
