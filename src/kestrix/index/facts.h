@@ -28,8 +28,8 @@ struct NameUse {
 
 /// One name that an import statement brings in.
 struct ImportedName {
-  std::string name;        ///< as its module knows it; "*" for all of them
-  std::string exported;    ///< the name under which this file hands it on ("*" for all under their
+  std::string name{};      ///< as its module knows it; "*" for all of them
+  std::string exported{};  ///< the name under which this file hands it on ("*" for all under their
                            ///< own); "" when it does not
   std::uint32_t uses = 0;  ///< uses of the name that it is bound to here
 
@@ -41,10 +41,10 @@ struct ImportedName {
 /// `form` tells apart what the language writes differently (quotes or angle brackets, static,
 /// wildcard, re-export …); its values belong to the language, which documents them.
 struct ImportFact {
-  std::string module;  ///< "a.b", "../x", "java.util.List", "crate::a::b", "vector"
+  std::string module{};  ///< "a.b", "../x", "java.util.List", "crate::a::b", "vector"
   std::uint16_t form = 0;
-  std::uint16_t level = 0;          ///< leading dots of a relative import; 0 where there are none
-  std::vector<ImportedName> names;  ///< in source order
+  std::uint16_t level = 0;            ///< leading dots of a relative import; 0 where there are none
+  std::vector<ImportedName> names{};  ///< in source order
   std::uint32_t uses = 0;  ///< uses of what the statement binds as a whole (the module's name)
   std::uint32_t line = 0;  ///< 1-based
 

@@ -2,10 +2,12 @@
 
 #include <tree_sitter/api.h>
 
+#include <cstdint>
 #include <span>
 #include <string_view>
 
 #include "kestrix/index/facts.h"
+#include "kestrix/index/lexis.h"
 #include "kestrix/index/resolver.h"
 
 namespace kestrix::index {
@@ -17,19 +19,24 @@ class SourceTree;
 /// A language is its grammar, its query file, a function that turns the parsed tree into facts, and
 /// the resolver that it may share with its relatives. Adding one touches no other.
 struct Language {
-  std::string_view name;                        ///< "python"
-  std::span<const std::string_view> extensions; ///< with the dot, lower case
+  std::string_view name;  ///< "python"
+  /// Extensions with their dot, and whole file names; lower case.
+  std::span<const std::string_view> files;
   const TSLanguage* (*grammar)();
-  std::string_view query;                       ///< text of languages/<name>.scm
+  std::string_view query;  ///< text of languages/<name>.scm
+  const Lexis* lexis;
+  /// Words that announce a pattern marked `anywhere` ("import"): it may start with one or hold it.
+  std::span<const std::string_view> keywords;
   FileFacts (*read)(const SourceTree& tree);
   ResolverFactory resolver;
   std::uint32_t version = 1;  ///< raised whenever the facts of unchanged files would differ
 };
 
-/// Every language, in name order.
+/// Every language, in name order. Immutable; usable from any thread.
 std::span<const Language* const> languages();
 
-/// The language of a path by its extension (or whole name); null when none reads it.
+/// The language of a path by its whole name, else by its extension; null when none reads it. Case
+/// is ignored.
 const Language* language_of(std::string_view path);
 
 /// Looks a language up by its name; null when there is none.

@@ -1,0 +1,106 @@
+#include "kestrix/index/reader.h"
+
+#include <tree_sitter/api.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <stdexcept>
+#include <vector>
+
+#include "kestrix/index/language.h"
+#include "kestrix/index/outline.h"
+#include "kestrix/index/source_tree.h"
+#include "kestrix/utils/error.h"
+
+namespace kestrix::index {
+namespace {
+
+struct ParserDeleter {
+  void operator()(TSParser* parser) const { ts_parser_delete(parser); }
+};
+struct TreeDeleter {
+  void operator()(TSTree* tree) const { ts_tree_delete(tree); }
+};
+using ParserPtr = std::unique_ptr<TSParser, ParserDeleter>;
+using TreePtr = std::unique_ptr<TSTree, TreeDeleter>;
+
+const Query& query_of(const Language& language) {
+  static std::mutex mutex;
+  static std::map<const Language*, Query> queries;
+  const std::lock_guard lock(mutex);
+  auto found = queries.find(&language);
+  if (found == queries.end()) {
+    found = queries.try_emplace(&language, language.grammar(), language.query, language.name).first;
+  }
+  return found->second;
+}
+
+TreePtr parse(const Language& language, std::string_view text, std::chrono::microseconds budget) {
+  thread_local const ParserPtr parser(ts_parser_new());
+  if (!ts_parser_set_language(parser.get(), language.grammar())) {
+    throw Error("the grammar of " + std::string(language.name) +
+                " does not fit the parser library");
+  }
+  ts_parser_set_timeout_micros(parser.get(), static_cast<std::uint64_t>(budget.count()));
+  TreePtr tree(ts_parser_parse_string(parser.get(), nullptr, text.data(),
+                                      static_cast<std::uint32_t>(text.size())));
+  if (tree == nullptr) ts_parser_reset(parser.get());
+  return tree;
+}
+
+struct Words {
+  WordCounts counts;
+  std::vector<std::uint32_t> hits;  // where the keywords of patterns that count anywhere stand
+};
+
+Words words_of(const Language& language, std::string_view text) {
+  Words words;
+  words.counts.reset(text.size());
+  WordScanner scanner(text, *language.lexis);
+  for (Word word; scanner.next(word);) {
+    if (std::ranges::find(language.keywords, word.text) != language.keywords.end()) {
+      words.hits.push_back(static_cast<std::uint32_t>(word.offset));
+    }
+    if (!word.member) words.counts.add(word.text);
+  }
+  return words;
+}
+
+// What an import statement itself says is no use of the names that it binds.
+void forget_imports(const Outline& outline, const Query& query, const Lexis& lexis,
+                    std::string_view text, WordCounts& counts) {
+  std::uint32_t done = 0;
+  for (const OutlineMatch& match : outline.matches) {
+    for (const TSQueryCapture& capture : outline.captures_of(match)) {
+      const std::uint32_t start = ts_node_start_byte(capture.node);
+      const std::uint32_t end = ts_node_end_byte(capture.node);
+      if (query.capture_name(capture.index) != "import" || start < done) continue;
+      WordScanner scanner(text.substr(start, end - start), lexis);
+      for (Word word; scanner.next(word);) {
+        if (!word.member) counts.remove(word.text);
+      }
+      done = end;
+    }
+  }
+}
+
+}  // namespace
+
+std::optional<FileFacts> read_facts(const Language& language, std::string_view text,
+                                    const ReadOptions& options) {
+  if (text.size() >= UINT32_MAX) return std::nullopt;
+  const Query& query = query_of(language);
+  const TreePtr tree = parse(language, text, options.parse_budget);
+  if (tree == nullptr) return std::nullopt;
+  Words words = words_of(language, text);
+  const TSNode root = ts_tree_root_node(tree.get());
+  Outline outline = outline_of(root, query, text, words.hits);
+  forget_imports(outline, query, *language.lexis, text, words.counts);
+  return language.read(
+      SourceTree(root, text, *language.lexis, query, std::move(outline), std::move(words.counts)));
+}
+
+}  // namespace kestrix::index

@@ -1,0 +1,58 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "kestrix/index/language.h"
+#include "kestrix/index/reader.h"
+#include "tests/languages/facts_text.h"
+
+namespace kestrix::index {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::vector<fs::path> fixtures() {
+  std::vector<fs::path> files;
+  for (const auto& entry : fs::recursive_directory_iterator(KESTRIX_LANGUAGE_FIXTURES)) {
+    if (entry.is_regular_file()) files.push_back(entry.path());
+  }
+  std::ranges::sort(files);
+  return files;
+}
+
+std::string read_file(const fs::path& path) {
+  std::ifstream in(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(in), {}};
+}
+
+TEST(Fixtures, EveryFactIsFoundAndNoOther) {
+  for (const fs::path& path : fixtures()) {
+    SCOPED_TRACE(path.string());
+    const Language* language = language_of(path.filename().string());
+    ASSERT_NE(language, nullptr);
+    const std::string text = read_file(path);
+    const auto facts = read_facts(*language, text);
+    ASSERT_TRUE(facts.has_value());
+    const auto expected = expected_facts(text);
+    EXPECT_FALSE(expected.empty());
+    EXPECT_EQ(facts_text(*facts), expected);
+  }
+}
+
+TEST(Fixtures, EveryLanguageHasOne) {
+  std::set<std::string_view> seen;
+  for (const fs::path& path : fixtures()) {
+    if (const Language* language = language_of(path.filename().string()))
+      seen.insert(language->name);
+  }
+  for (const Language* language : languages()) EXPECT_TRUE(seen.contains(language->name));
+}
+
+}  // namespace
+}  // namespace kestrix::index
