@@ -25,7 +25,7 @@ class FileTable {
   virtual std::size_t size() const = 0;
   virtual std::string_view path(FileId id) const = 0;
   virtual std::optional<FileId> find(std::string_view path) const = 0;
-  /// Facts of a parsed file; empty facts for a file that was only recorded.
+  /// Facts of a parsed file, without its symbols; empty facts for a file that was only recorded.
   virtual const FileFacts& facts(FileId id) const = 0;
   /// Name of the file's language as in the language table, "" when it has none.
   virtual std::string_view language(FileId id) const = 0;

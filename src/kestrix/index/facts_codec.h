@@ -1,0 +1,17 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "kestrix/index/facts.h"
+
+namespace kestrix::index {
+
+/// All that resolvers read of a file's facts, as compact bytes. Symbols are left out: the store has
+/// a table for them.
+std::string encode_facts(const FileFacts& facts);
+
+/// The inverse; `symbols` is empty. Throws `CorruptIndex` when `bytes` are no encoded facts.
+FileFacts decode_facts(std::string_view bytes);
+
+}  // namespace kestrix::index

@@ -1,0 +1,111 @@
+#include "kestrix/index/file_scan.h"
+
+#include <algorithm>
+#include <chrono>
+#include <mutex>
+#include <optional>
+#include <utility>
+
+#include "kestrix/index/classification.h"
+#include "kestrix/index/content_hash.h"
+#include "kestrix/index/facts_codec.h"
+#include "kestrix/index/file_reading.h"
+#include "kestrix/index/language.h"
+#include "kestrix/index/reader.h"
+#include "kestrix/utils/text_decoding.h"
+
+namespace kestrix::index {
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::nanoseconds;
+
+// Above this the trees of several files at once would make the peak of memory.
+constexpr std::size_t kParsedAloneBytes = std::size_t{512} << 10;
+
+// How late a change may happen after a stamp was taken and still leave the same stamp behind: a
+// tick of the kernel's clock, or the whole seconds of some file systems.
+constexpr nanoseconds kTick = milliseconds(20);
+constexpr nanoseconds kCoarseTick = milliseconds(2500);
+
+bool is_settled(const FileStamp& stamp, nanoseconds now) {
+  const auto changed = nanoseconds(std::max(stamp.changed_ns, stamp.modified_ns));
+  const bool coarse = changed % std::chrono::seconds(1) == nanoseconds::zero();
+  return changed + (coarse ? kCoarseTick : kTick) < now;
+}
+
+nanoseconds now() { return std::chrono::system_clock::now().time_since_epoch(); }
+
+FileStamp lasting_stamp(const FileBytes& file, nanoseconds before) {
+  FileStamp stamp = file.stamp;
+  if (file.changed || !is_settled(stamp, before)) stamp.size = -1;
+  return stamp;
+}
+
+std::optional<FileFacts> parse(const Language& language, std::string_view text) {
+  static std::mutex alone;
+  std::unique_lock<std::mutex> lock;
+  if (text.size() > kParsedAloneBytes) lock = std::unique_lock(alone);
+  return read_facts(language, text);
+}
+
+void take_text(ScannedFile& file, const Language* language, const std::string& text) {
+  FileRow& row = file.row;
+  row.traits.set(Trait::kGenerated, is_generated(row.path, text));
+  row.traits.set(Trait::kMinified, is_minified(row.path, text));
+  if (language == nullptr || row.traits.has(Trait::kMinified)) return;
+  auto facts = parse(*language, text);
+  file.parsed = facts.has_value();
+  row.traits.set(Trait::kGaveUp, !file.parsed);
+  if (!facts) return;
+  file.facts = encode_facts(*facts);
+  file.symbols = std::move(facts->symbols);
+}
+
+void take_content(ScannedFile& file, FileBytes content) {
+  FileRow& row = file.row;
+  row.traits.set(Trait::kLarge, content.truncated);
+  if (is_binary(content.bytes)) return row.traits.set(Trait::kBinary);
+  const Language* language = language_of(row.path);
+  row.traits.set(Trait::kDocument, language == nullptr && is_document_path(row.path));
+  if (language != nullptr) row.language = language->name;
+  if (!content.truncated) take_text(file, language, decode_text(std::move(content.bytes)));
+}
+
+// What was read of a file is what its row and its facts are made of.
+bool has_same_content(const FileRow* known, const FileBytes& content, std::uint64_t hash) {
+  return known != nullptr && known->hash == hash && !known->traits.has(Trait::kUnreadable) &&
+         known->traits.has(Trait::kLarge) == content.truncated;
+}
+
+}  // namespace
+
+ScannedFile scan_file(const RootDirectory& root, const ScanTask& task) {
+  const auto before = now();
+  FileBytes content = read_source(root, task.path);
+  ScannedFile file;
+  if (content.status == ReadStatus::kVanished) {
+    file.outcome = ScanOutcome::kVanished;
+    return file;
+  }
+  file.row.path = task.path;
+  if (task.known != nullptr) file.row.id = task.known->id;
+  if (content.status == ReadStatus::kUnreadable) {
+    file.row.traits.set(Trait::kUnreadable);
+    file.row.stamp.size = -1;
+    return file;
+  }
+  const FileStamp stamp = lasting_stamp(content, before);
+  const std::uint64_t hash = content_hash(content.bytes);
+  if (has_same_content(task.known, content, hash)) {
+    file.outcome = ScanOutcome::kUnchanged;
+    file.row = *task.known;
+  } else {
+    take_content(file, std::move(content));
+  }
+  file.row.stamp = stamp;
+  file.row.hash = hash;
+  return file;
+}
+
+}  // namespace kestrix::index

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "kestrix/index/facts.h"
+#include "kestrix/index/root_directory.h"
+#include "kestrix/index/store.h"
+
+namespace kestrix::index {
+
+/// One file to be looked into.
+struct ScanTask {
+  std::string path;
+  const FileRow* known = nullptr;  ///< what the index has of it, if anything; not owned
+};
+
+enum class ScanOutcome {
+  kVanished,   ///< there is no such file any more
+  kUnchanged,  ///< the content is that of `known`: only the stamp differs
+  kRead,       ///< the row and the facts are new
+};
+
+struct ScannedFile {
+  ScanOutcome outcome = ScanOutcome::kRead;
+  FileRow row;                      ///< with the id of `known`, or none
+  bool parsed = false;              ///< whether there are facts
+  std::string facts;                ///< encoded
+  std::vector<SymbolFact> symbols;  ///< in source order
+};
+
+/// Reads, classifies and parses one file. May be called from several threads. What is wrong with
+/// the file itself goes into the row's traits.
+ScannedFile scan_file(const RootDirectory& root, const ScanTask& task);
+
+}  // namespace kestrix::index

@@ -1,0 +1,186 @@
+#include "kestrix/index/index.h"
+
+#include <algorithm>
+#include <iterator>
+#include <numeric>
+#include <utility>
+
+#include "kestrix/index/corrupt_index.h"
+#include "kestrix/index/language.h"
+#include "kestrix/index/name_pattern.h"
+#include "kestrix/index/store.h"
+
+namespace kestrix::index {
+
+// Fills an index from a store, table by table.
+class RepositoryIndex::Loader {
+ public:
+  Loader(RepositoryIndex& index, Store& store) : index_(index), store_(store) {}
+
+  void load(const PathRules& rules) {
+    store_.begin_read();
+    load_files();
+    load_symbols();
+    load_edges();
+    index_.skipped_ = store_.skip_counts();
+    store_.end_read();
+    for (const auto& [reason, count] : file_skips_) index_.skipped_.add(reason, count);
+    find_components(rules);
+  }
+
+ private:
+  void load_files() {
+    for (const FileRow& row : store_.files()) {
+      count_traits(row.traits);
+      if (!row.traits.is_text()) continue;
+      ids_.emplace(row.id, static_cast<FileId>(index_.files_.size()));
+      index_.files_.push_back(
+          {index_.texts_.keep(row.path), language_name(row.language),
+           row.traits.has(Trait::kDocument),
+           row.traits.has(Trait::kGenerated) || row.traits.has(Trait::kMinified)});
+      if (!row.language.empty()) count_language(row);
+    }
+  }
+
+  // The name in the language table lives as long as the program.
+  static std::string_view language_name(std::string_view name) {
+    if (name.empty()) return {};
+    const Language* language = language_named(name);
+    if (language == nullptr) throw CorruptIndex("a file's language does not exist");
+    return language->name;
+  }
+
+  void count_language(const FileRow& row) {
+    LanguageCounts& counts = index_.languages_[language_name(row.language)];
+    ++counts.files;
+    counts.unresolved += row.unresolved;
+  }
+
+  void count_traits(const Traits& traits) {
+    constexpr std::pair<Trait, std::string_view> kReasons[] = {
+        {Trait::kBinary, skipped::kBinary},
+        {Trait::kUnreadable, skipped::kUnreadable},
+        {Trait::kMinified, skipped::kMinified},
+        {Trait::kGaveUp, skipped::kParseBudget}};
+    for (const auto& [trait, reason] : kReasons) {
+      if (traits.has(trait)) file_skips_.add(reason);
+    }
+    if (traits.has(Trait::kLarge) && traits.is_text()) file_skips_.add(skipped::kLarge);
+  }
+
+  FileId id_of(std::int64_t row) const {
+    const auto found = ids_.find(row);
+    if (found == ids_.end()) throw CorruptIndex("the index speaks of a file that it has not");
+    return found->second;
+  }
+
+  void load_symbols() {
+    store_.each_symbol([&](std::int64_t file, const SymbolRow& symbol) {
+      index_.symbols_.push_back({symbol.kind, index_.texts_.keep(symbol.name),
+                                 index_.texts_.keep(symbol.signature), id_of(file), symbol.line});
+    });
+    std::ranges::stable_sort(index_.symbols_, {}, &IndexedSymbol::file);
+  }
+
+  void load_edges() {
+    store_.each_edge([&](std::int64_t source, const EdgeRow& edge) {
+      index_.edges_.push_back({id_of(source), id_of(edge.target), edge.weight});
+    });
+    std::ranges::sort(index_.edges_, {},
+                      [](const IndexedEdge& edge) { return std::pair(edge.source, edge.target); });
+    index_.first_edge_.assign(index_.files_.size() + 1, 0);
+    for (const IndexedEdge& edge : index_.edges_) ++index_.first_edge_[edge.source + 1];
+    std::partial_sum(index_.first_edge_.begin(), index_.first_edge_.end(),
+                     index_.first_edge_.begin());
+  }
+
+  void find_components(const PathRules& rules) {
+    if (rules.components == nullptr) return;
+    std::vector<std::string> all;
+    std::vector<std::string> sources;
+    for (const IndexedFile& file : index_.files_) {
+      all.emplace_back(file.path);
+      const bool is_test = rules.is_test != nullptr && rules.is_test(file.path);
+      if (!file.document && !is_test) sources.emplace_back(file.path);
+    }
+    index_.components_ = rules.components(all);
+    index_.source_components_ = rules.components(sources);
+  }
+
+  RepositoryIndex& index_;
+  Store& store_;
+  std::unordered_map<std::int64_t, FileId> ids_;
+  SkipCounts file_skips_;
+};
+
+std::unique_ptr<RepositoryIndex> RepositoryIndex::load(Store& store, const PathRules& rules) {
+  std::unique_ptr<RepositoryIndex> index(new RepositoryIndex);
+  Loader(*index, store).load(rules);
+  return index;
+}
+
+std::optional<FileId> RepositoryIndex::find(std::string_view path) const {
+  const auto found = std::ranges::lower_bound(files_, path, {}, &IndexedFile::path);
+  if (found == files_.end() || found->path != path) return std::nullopt;
+  return static_cast<FileId>(found - files_.begin());
+}
+
+std::span<const IndexedEdge> RepositoryIndex::edges_from(FileId source) const {
+  const auto first = first_edge_[source];
+  return std::span(edges_).subspan(first, first_edge_[source + 1] - first);
+}
+
+Statistics RepositoryIndex::statistics() const {
+  Statistics statistics;
+  statistics.files = files_.size();
+  for (const IndexedFile& file : files_) {
+    ++(file.document ? statistics.documents : statistics.sources);
+    if (file.generated) ++statistics.generated;
+  }
+  for (const IndexedSymbol& symbol : symbols_) ++statistics.symbols[symbol.kind];
+  statistics.edges = edges_.size();
+  statistics.languages = languages_;
+  statistics.skipped = skipped_;
+  return statistics;
+}
+
+SymbolSearch RepositoryIndex::search_symbols(std::string_view pattern,
+                                             SymbolSearchOptions options) const {
+  return search_symbols(std::span(&pattern, 1), options);
+}
+
+SymbolSearch RepositoryIndex::search_symbols(std::span<const std::string_view> patterns,
+                                             SymbolSearchOptions options) const {
+  const std::vector<NamePattern> wanted(patterns.begin(), patterns.end());
+  SymbolSearch found;
+  for (std::size_t place = 0; place < symbols_.size(); ++place) {
+    const IndexedSymbol& symbol = symbols_[place];
+    if (symbol.kind != options.kind) continue;
+    const auto matches = [&](const NamePattern& pattern) { return pattern.matches(symbol.name); };
+    if (std::ranges::none_of(wanted, matches)) continue;
+    ++found.total;
+    if (found.symbols.size() >= options.limit) continue;
+    found.symbols.push_back({static_cast<SymbolId>(place + 1), std::string(symbol.name),
+                             std::string(symbol.signature)});
+  }
+  found.truncated = found.total > std::ssize(found.symbols);
+  return found;
+}
+
+std::unordered_map<SymbolId, std::string> RepositoryIndex::get_file_paths_batch(
+    std::span<const Symbol> symbols) const {
+  std::unordered_map<SymbolId, std::string> paths;
+  paths.reserve(symbols.size());
+  for (const Symbol& symbol : symbols) {
+    if (symbol.id < 1 || symbol.id > std::ssize(symbols_)) continue;
+    const IndexedSymbol& known = symbols_[static_cast<std::size_t>(symbol.id - 1)];
+    paths.try_emplace(symbol.id, files_[known.file].path);
+  }
+  return paths;
+}
+
+std::vector<Component> RepositoryIndex::get_all_components(ComponentOptions options) const {
+  return options.source_only ? source_components_ : components_;
+}
+
+}  // namespace kestrix::index

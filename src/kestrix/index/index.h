@@ -1,0 +1,111 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "kestrix/index/repository.h"
+#include "kestrix/index/resolver.h"
+#include "kestrix/index/skip_counts.h"
+#include "kestrix/index/text_blocks.h"
+
+namespace kestrix::index {
+
+class Store;
+
+/// The host's rules about paths that the handle applies. Without them it knows no components.
+struct PathRules {
+  /// The components that folders show, found among paths.
+  std::vector<Component> (*components)(std::span<const std::string> paths) = nullptr;
+  /// Whether a path is a test file; none are by default.
+  bool (*is_test)(std::string_view path) = nullptr;
+};
+
+/// A text file of the index. Binary and unreadable files are only counted.
+struct IndexedFile {
+  std::string_view path;      ///< relative to the repository's root
+  std::string_view language;  ///< "" when no language reads it
+  bool document = false;      ///< prose; all other files are source
+  bool generated = false;     ///< made by a program, or minified
+};
+
+struct IndexedSymbol {
+  SymbolKind kind;
+  std::string_view name;
+  std::string_view signature;
+  FileId file;
+  std::uint32_t line;
+};
+
+struct IndexedEdge {
+  FileId source;
+  FileId target;
+  double weight;
+};
+
+struct LanguageCounts {
+  std::uint64_t files = 0;
+  std::uint64_t unresolved = 0;  ///< imports that looked local and led nowhere
+};
+
+/// What `page-sources index` prints.
+struct Statistics {
+  std::uint64_t files = 0;  ///< documents and source files
+  std::uint64_t documents = 0;
+  std::uint64_t sources = 0;
+  std::uint64_t generated = 0;
+  std::uint64_t edges = 0;
+  std::map<SymbolKind, std::uint64_t> symbols;           ///< by kind
+  std::map<std::string_view, LanguageCounts> languages;  ///< by name; views into the index
+  SkipCounts skipped;
+};
+
+/// The handle of an index: one complete state of it, held in memory.
+///
+/// All views that it hands out are valid as long as it lives. Immutable; safe to use from several
+/// threads. Files ascend by the bytes of their paths, and a file's place is its id; symbols come in
+/// the order of their files and then of their source, and a symbol's id is its place, counted from
+/// one. So the same files give the same ids, however the index came to be.
+class RepositoryIndex : public Repository {
+ public:
+  /// Reads the whole store in one state.
+  static std::unique_ptr<RepositoryIndex> load(Store& store, const PathRules& rules);
+
+  std::span<const IndexedFile> files() const { return files_; }
+  std::span<const IndexedSymbol> symbols() const { return symbols_; }
+  std::span<const IndexedEdge> edges() const { return edges_; }  ///< by source, then target
+  std::optional<FileId> find(std::string_view path) const;
+  /// The edges that lead from one file.
+  std::span<const IndexedEdge> edges_from(FileId source) const;
+  Statistics statistics() const;
+
+  SymbolSearch search_symbols(std::string_view pattern, SymbolSearchOptions options) const override;
+  SymbolSearch search_symbols(std::span<const std::string_view> patterns,
+                              SymbolSearchOptions options) const override;
+  std::unordered_map<SymbolId, std::string> get_file_paths_batch(
+      std::span<const Symbol> symbols) const override;
+  std::vector<Component> get_all_components(ComponentOptions options) const override;
+
+ private:
+  class Loader;
+
+  RepositoryIndex() = default;
+
+  TextBlocks texts_;  // what the views point into
+  std::vector<IndexedFile> files_;
+  std::vector<IndexedSymbol> symbols_;
+  std::vector<IndexedEdge> edges_;
+  std::vector<std::uint32_t> first_edge_;  // by file, and one behind the last
+  std::vector<Component> components_;
+  std::vector<Component> source_components_;
+  SkipCounts skipped_;
+  std::map<std::string_view, LanguageCounts> languages_;
+};
+
+}  // namespace kestrix::index

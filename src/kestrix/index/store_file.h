@@ -1,0 +1,50 @@
+#pragma once
+
+#include <SQLiteCpp/SQLiteCpp.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+
+namespace kestrix::index {
+
+/// Marks an SQLite file as this program's index ("KPSi").
+inline constexpr std::int32_t kApplicationId = 0x4B505369;
+
+/// What stands in the place of the index.
+enum class PlaceContent {
+  kNothing,          ///< no file, or an empty one
+  kIndex,            ///< an index, of whatever version and in whatever condition
+  kForeignDatabase,  ///< an SQLite file of another program
+  kForeignFile,      ///< anything else
+};
+
+/// Looks at the file without SQLite. Throws `Error` when it cannot be read.
+PlaceContent look_at(const std::filesystem::path& path);
+
+struct OpenedFile {
+  std::unique_ptr<SQLite::Database> database;
+  bool writable;
+};
+
+/// Opens the file, which may be missing, for reading and writing, or for reading alone where it
+/// lies in a place that cannot be written to.
+OpenedFile open_database(const std::filesystem::path& path, bool create);
+
+/// Throws what an SQLite failure with `path` means: `CorruptIndex`, or an `Error` with a remedy.
+[[noreturn]] void raise(const std::filesystem::path& path, const SQLite::Exception& failure);
+
+/// Tells a file from another one at the same path; all zero for no file.
+struct FileIdentity {
+  std::uint64_t device = 0;
+  std::uint64_t inode = 0;
+
+  friend bool operator==(const FileIdentity&, const FileIdentity&) = default;
+};
+
+FileIdentity identity_of(const std::filesystem::path& path);
+
+/// Removes a damaged index and its companions, unless another process has put a new one there.
+void remove_database(const std::filesystem::path& path, const FileIdentity& damaged);
+
+}  // namespace kestrix::index

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kestrix::index {
+
+/// What git knows of a work tree, as far as choosing files goes. Plain data.
+///
+/// It is read without running anything that the repository's configuration names: no filter, hook
+/// or file monitor.
+struct WorkTree {
+  /// The directory's path below the top of the work tree, "" for the top itself.
+  std::string prefix;
+  std::filesystem::path top;
+  /// Paths below `prefix`, relative to it, ascending by bytes: tracked files and links …
+  std::vector<std::string> tracked;
+  /// … and the places of submodules.
+  std::vector<std::string> submodules;
+  /// Text of the ignore files that stand outside the work tree.
+  std::string info_exclude;
+  std::string global_excludes;
+  bool ignore_case = false;
+
+  bool is_tracked(std::string_view path) const;
+  bool is_submodule(std::string_view path) const;
+  bool tracks_below(std::string_view directory) const;
+};
+
+struct WorkTreeLookup {
+  std::optional<WorkTree> work_tree;
+  bool damaged = false;  ///< there is git data, but it cannot be read
+};
+
+/// The work tree that holds `directory`, an absolute path without symbolic links.
+WorkTreeLookup find_work_tree(const std::filesystem::path& directory);
+
+}  // namespace kestrix::index

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <fmt/format.h>
+
+#include <string>
+
+#include "kestrix/index/indexer.h"
+#include "tests/index/scratch.h"
+
+namespace kestrix::index {
+
+/// A repository with an index beside it.
+class IndexFixture {
+ public:
+  void write(std::string_view path, std::string_view text = "") const {
+    scratch_.write(fmt::format("repo/{}", path), text);
+  }
+  void remove(std::string_view path) const { scratch_.remove(fmt::format("repo/{}", path)); }
+
+  IndexOptions options(std::string_view file = "index.sqlite") const {
+    IndexOptions options;
+    options.root = scratch_ / "repo";
+    options.file = scratch_ / file;
+    return options;
+  }
+
+  RefreshedIndex refreshed() const { return refresh_and_open(options()); }
+  const Scratch& scratch() const { return scratch_; }
+
+ private:
+  Scratch scratch_;
+};
+
+/// All that an index holds, as text.
+inline std::string dump(const RepositoryIndex& index) {
+  std::string text;
+  for (const IndexedFile& file : index.files()) {
+    text +=
+        fmt::format("file {} {} {} {}\n", file.path, file.language, file.document, file.generated);
+  }
+  for (const IndexedSymbol& symbol : index.symbols()) {
+    text += fmt::format("symbol {} {} {} {}:{}\n", to_string(symbol.kind), symbol.name,
+                        symbol.signature, index.files()[symbol.file].path, symbol.line);
+  }
+  for (const IndexedEdge& edge : index.edges()) {
+    text += fmt::format("edge {} {} {}\n", edge.source, edge.target, edge.weight);
+  }
+  const Statistics statistics = index.statistics();
+  for (const auto& [language, counts] : statistics.languages) {
+    text += fmt::format("unresolved {} {}\n", language, counts.unresolved);
+  }
+  for (const auto& [reason, count] : statistics.skipped)
+    text += fmt::format("{}: {}\n", reason, count);
+  return text;
+}
+
+}  // namespace kestrix::index

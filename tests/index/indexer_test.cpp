@@ -1,0 +1,164 @@
+#include "kestrix/index/indexer.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <random>
+#include <string>
+#include <vector>
+
+#include "tests/index/index_fixture.h"
+
+namespace kestrix::index {
+namespace {
+
+class Indexer : public testing::Test, protected IndexFixture {};
+
+TEST_F(Indexer, ReadsOnlyWhatLooksChanged) {
+  write("a.py", "import b\n");
+  write("b.py", "class B: pass\n");
+  EXPECT_EQ(refreshed().result.added, 2U);
+  EXPECT_EQ(refreshed().result.unchanged, 2U);
+
+  write("b.py", "class B: pass\nclass C: pass\n");
+  scratch().run("touch repo/a.py");
+  const auto [index, result] = refreshed();
+  EXPECT_EQ(result.changed, 1U);
+  EXPECT_EQ(result.unchanged, 1U);
+  EXPECT_EQ(index->symbols().size(), 2U);
+  EXPECT_EQ(index->edges().size(), 1U);
+}
+
+TEST_F(Indexer, SeesAnEditThatKeepsSizeAndTime) {
+  write("a.py", "class A: pass\n");
+  for (const char* text : {"class B: pass\n", "class C: pass\n", "class D: pass\n"}) {
+    refreshed();
+    const auto time = std::filesystem::last_write_time(scratch() / "repo/a.py");
+    write("a.py", text);
+    std::filesystem::last_write_time(scratch() / "repo/a.py", time);
+    EXPECT_EQ(refreshed().index->symbols().front().name, std::string_view(text).substr(6, 1));
+  }
+}
+
+TEST_F(Indexer, GivesOneResultForAnyNumberOfThreads) {
+  for (int i = 0; i < 200; ++i) {
+    write(fmt::format("p/m{}.py", i),
+          fmt::format("from p.m{} import A\nclass A: pass\nA()\n", (i * 7 + 3) % 200));
+  }
+  write("p/__init__.py");
+  std::string first;
+  for (const unsigned threads : {1U, 2U, 3U, 8U}) {
+    IndexOptions with_threads = options(fmt::format("index{}.sqlite", threads));
+    with_threads.threads = threads;
+    const std::string text = dump(*refresh_and_open(with_threads).index);
+    if (first.empty()) first = text;
+    EXPECT_EQ(text, first) << threads;
+  }
+  EXPECT_NE(first.find("edge"), first.npos);
+}
+
+// Edits a repository at random, in the ways that people and tools do.
+class Editor {
+ public:
+  explicit Editor(const IndexFixture& files) : files_(files) {}
+
+  void edit() {
+    switch (pick(6)) {
+      case 0:
+      case 1:
+        return files_.write(any_path(), any_text());
+      case 2:
+        return files_.remove(any_path());
+      case 3:
+        return files_.remove(fmt::format("p{}", pick(3)));
+      case 4:
+        return rename(any_path(), any_path());
+      default:
+        return files_.write(fmt::format("p{}/x{}.bin", pick(3), pick(2)),
+                            pick(2) == 0 ? "a" : kZero);
+    }
+  }
+
+ private:
+  int pick(int below) { return std::uniform_int_distribution<int>(0, below - 1)(random_); }
+
+  std::string any_path() {
+    const int name = pick(6);
+    return fmt::format("p{}/{}.py", pick(3), name == 0 ? "__init__" : fmt::format("m{}", name));
+  }
+
+  std::string any_text() {
+    std::string text;
+    for (int line = pick(4); line > 0; --line) {
+      text += fmt::format("from p{}.m{} import C{}\nimport p{}\nfrom .m{} import *\n", pick(3),
+                          pick(6), pick(4), pick(3), pick(6));
+    }
+    return text + fmt::format("class C{}: pass\nC{}()\n", pick(4), pick(4));
+  }
+
+  void rename(const std::string& from, const std::string& to) {
+    const auto root = files_.scratch() / "repo";
+    if (std::filesystem::exists(root / from) &&
+        std::filesystem::exists((root / to).parent_path())) {
+      std::filesystem::rename(root / from, root / to);
+    }
+  }
+
+  static constexpr std::string_view kZero{"\0", 1};
+  const IndexFixture& files_;
+  std::mt19937 random_{20240229};
+};
+
+TEST_F(Indexer, EndsWhereARebuildWould) {
+  Editor editor(*this);
+  write("README.md");
+  for (int round = 0; round < 60; ++round) {
+    for (int edits = 0; edits < 1 + round % 5; ++edits) editor.edit();
+    const std::string refreshed_dump = dump(*refreshed().index);
+    scratch().remove("fresh.sqlite");
+    ASSERT_EQ(refreshed_dump, dump(*refresh_and_open(options("fresh.sqlite")).index)) << round;
+  }
+}
+
+TEST_F(Indexer, DoesNotTakeACopyForTheOriginal) {
+  write("a.py", "class A: pass\n");
+  const std::string original = dump(*refreshed().index);
+  scratch().run("cp -a repo copy");
+  IndexOptions of_copy = options();
+  of_copy.root = scratch() / "copy";
+  const auto [index, result] = refresh_and_open(of_copy);
+  EXPECT_NE(result.rebuilt, "");
+  EXPECT_EQ(dump(*index), original);
+}
+
+TEST_F(Indexer, ReportsProgressAndStopsWhenAsked) {
+  for (int i = 0; i < 50; ++i) write(fmt::format("m{}.py", i), "class A: pass\n");
+  const auto before = refreshed().index->files().size();
+  for (int i = 0; i < 50; ++i) write(fmt::format("n{}.py", i), "class A: pass\n");
+  StopFlag stop = false;
+  std::size_t reports = 0;
+  IndexOptions stopped = options();
+  stopped.stop = &stop;
+  stopped.progress = [&](std::size_t done, std::size_t total) {
+    EXPECT_EQ(total, 50U);
+    EXPECT_EQ(done, ++reports);
+    stop = done == 10;
+  };
+  EXPECT_THROW(refresh(stopped), StopRequest);
+  EXPECT_EQ(reports, 10U);
+  EXPECT_EQ(open(options())->files().size(), before);
+}
+
+TEST_F(Indexer, SkipsWhatCannotBeRead) {
+  write("a.py");
+  write("secret.py");
+  ::chmod((scratch() / "repo/secret.py").c_str(), 0);
+  if (::geteuid() == 0) GTEST_SKIP() << "root reads everything";
+  const auto [index, result] = refreshed();
+  EXPECT_EQ(index->statistics().skipped[skipped::kUnreadable], 1U);
+  ::chmod((scratch() / "repo/secret.py").c_str(), 0600);
+  EXPECT_EQ(refreshed().index->files().size(), 2U);
+}
+
+}  // namespace
+}  // namespace kestrix::index

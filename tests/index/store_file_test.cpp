@@ -1,0 +1,150 @@
+#include "kestrix/index/store_file.h"
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <string>
+
+#include "kestrix/index/cache_path.h"
+#include "kestrix/utils/error.h"
+#include "tests/index/index_fixture.h"
+
+namespace kestrix::index {
+namespace {
+
+using testing::AllOf;
+using testing::HasSubstr;
+
+class IndexFile : public testing::Test, protected IndexFixture {
+ protected:
+  IndexFile() { write("a.py", "class A: pass\n"); }
+
+  void expect_refused(const std::string& file, const std::string& why) const {
+    const std::string before = scratch().read(file);
+    try {
+      refresh(options(file));
+      ADD_FAILURE() << file << " was taken";
+    } catch (const Error& error) {
+      EXPECT_THAT(error.what(), AllOf(HasSubstr((scratch() / file).native()), HasSubstr(why)));
+    }
+    EXPECT_EQ(scratch().read(file), before);
+  }
+};
+
+TEST_F(IndexFile, RefusesWhatBelongsToOthers) {
+  scratch().write("notes.txt", "not a database\n");
+  expect_refused("notes.txt", "not an index");
+  SQLite::Database(scratch() / "other.sqlite", SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE)
+      .exec("CREATE TABLE t (x)");
+  expect_refused("other.sqlite", "another program");
+  std::filesystem::create_directory(scratch() / "folder");
+  ::mkfifo((scratch() / "pipe").c_str(), 0600);
+  for (const char* place : {"folder", "pipe", "missing/index.sqlite"}) {
+    EXPECT_THROW(refresh(options(place)), Error) << place;
+  }
+  EXPECT_THROW(open(options("never-made.sqlite")), Error);
+}
+
+TEST_F(IndexFile, TakesAnEmptyFile) {
+  scratch().write("index.sqlite");
+  EXPECT_EQ(refreshed().index->files().size(), 1U);
+}
+
+TEST_F(IndexFile, RebuildsADamagedIndex) {
+  for (int i = 0; i < 50; ++i) write(fmt::format("m{}.py", i), "class A: pass\nX = 1\n");
+  const std::string whole = dump(*refreshed().index);
+  const std::string good = scratch().read("index.sqlite");
+  const std::pair<std::size_t, std::size_t> holes[] = {
+      {100, 400}, {4096, 4096}, {8192, 16384}, {good.size() / 2, good.size() / 2}};
+  for (const auto& [at, size] : holes) {
+    std::string bad = good;
+    bad.replace(at, std::min(size, bad.size() - at), std::min(size, bad.size() - at), '\xAA');
+    scratch().write("index.sqlite", bad);
+    EXPECT_EQ(dump(*refreshed().index), whole) << "hole at " << at;
+  }
+  scratch().write("index.sqlite", good.substr(0, good.size() / 3));
+  EXPECT_EQ(dump(*refreshed().index), whole);
+}
+
+TEST_F(IndexFile, RebuildsAnIndexOfAnotherVersion) {
+  const std::string whole = dump(*refreshed().index);
+  const auto exec = [&](const char* sql) {
+    SQLite::Database(scratch() / "index.sqlite", SQLite::OPEN_READWRITE).exec(sql);
+  };
+  for (const char* sql : {"PRAGMA user_version = 999", "UPDATE setting SET value = 'old'",
+                          "PRAGMA user_version = 0; DROP TABLE file"}) {
+    exec(sql);
+    const auto [index, result] = refreshed();
+    EXPECT_NE(result.rebuilt, "") << sql;
+    EXPECT_EQ(dump(*index), whole) << sql;
+  }
+  EXPECT_EQ(refreshed().result.rebuilt, "");
+}
+
+TEST_F(IndexFile, WaitsForAnotherWriterAndThenGivesUp) {
+  refreshed();
+  write("b.py");
+  SQLite::Database other(scratch() / "index.sqlite", SQLite::OPEN_READWRITE);
+  other.exec("BEGIN IMMEDIATE");
+  IndexOptions impatient = options();
+  impatient.lock_timeout = std::chrono::milliseconds(50);
+  EXPECT_THROW(refresh(impatient), Error);
+  EXPECT_EQ(open(options())->files().size(), 1U) << "readers see the state before";
+  other.exec("ROLLBACK");
+  EXPECT_EQ(refresh(impatient).added, 1U);
+}
+
+TEST_F(IndexFile, SurvivesAKill) {
+  const std::string before = dump(*refreshed().index);
+  for (int i = 0; i < 300; ++i) write(fmt::format("m{}.py", i), "class A: pass\n");
+  const pid_t child = ::fork();
+  if (child == 0) {
+    IndexOptions killed = options();
+    killed.progress = [](std::size_t done, std::size_t) {
+      if (done == 150) ::raise(SIGKILL);
+    };
+    refresh(killed);
+    ::_exit(0);
+  }
+  int status = 0;
+  ::waitpid(child, &status, 0);
+  ASSERT_TRUE(WIFSIGNALED(status));
+  EXPECT_EQ(dump(*open(options())), before);
+  EXPECT_EQ(refresh(options()).added, 300U);
+}
+
+TEST_F(IndexFile, KeepsItsOwnFilesOutOfTheIndex) {
+  IndexOptions inside = options("repo/index.sqlite");
+  EXPECT_EQ(refresh_and_open(inside).index->statistics().skipped[skipped::kBinary], 0U);
+  EXPECT_EQ(refresh(inside).added, 0U);
+}
+
+TEST_F(IndexFile, LiesInTheUsersCacheByDefault) {
+  const auto root = scratch() / "repo";
+  ::setenv("XDG_CACHE_HOME", (scratch() / "cache").c_str(), 1);
+  const auto place = default_index_path(root);
+  EXPECT_EQ(place.parent_path(), scratch() / "cache/page-sources");
+  EXPECT_NE(place, default_index_path(scratch() / "other/repo"));
+  IndexOptions by_default = options();
+  by_default.file.reset();
+  EXPECT_EQ(refresh(by_default).file, place);
+  scratch().write(place.lexically_relative(scratch().path()).native(), "no longer an index\n");
+  EXPECT_EQ(refresh(by_default).added, 1U) << "nothing else belongs there";
+
+  scratch().write("cache-file");
+  ::setenv("XDG_CACHE_HOME", (scratch() / "cache-file").c_str(), 1);
+  EXPECT_THROW(refresh(by_default), Error);
+  ::setenv("XDG_CACHE_HOME", (root / "sub").c_str(), 1);
+  EXPECT_THROW(refresh(by_default), Error);
+  ::setenv("XDG_CACHE_HOME", "relative", 1);
+  ::setenv("HOME", (scratch() / "home").c_str(), 1);
+  EXPECT_EQ(default_index_path(root).parent_path(), scratch() / "home/.cache/page-sources");
+  ::unsetenv("XDG_CACHE_HOME");
+}
+
+}  // namespace
+}  // namespace kestrix::index
