@@ -27,6 +27,9 @@ constexpr std::string_view kTests[] = {
     "core/src/commonTest/kotlin/Fakes.kt",
     "core/src/testFixtures/java/Fakes.java",
     "ui/__mocks__/api.ts",
+    "integration-tests/app/Main.kt",
+    "packages/unit_tests/helpers.py",
+    "src/snapshots/render.snap",
     "tests/sample/src/main/java/App.java",
     // names, in the manner of each language
     "app/test_views.py",
@@ -70,6 +73,8 @@ constexpr std::string_view kProduct[] = {
     "src/main/java/org/frame/test/MockRequest.java",
     "src/main/java/org/frame/DataTest.java",
     "attest/sign.py",
+    "spring-test/Runner.java",
+    "speed_test/app.js",
     "contests/models.py",
     "latest/index.js",
     "lib/t/format.js",
