@@ -98,15 +98,6 @@ TEST(IsTestPath, LeavesProductCodeThatSoundsLikeATest) {
   for (const auto path : kProduct) EXPECT_FALSE(is_test_path(path)) << path;
 }
 
-TEST(IsDocumentPath, TakesProseByItsExtension) {
-  for (const auto path : {"README.md", "docs/a.RST", "a.adoc", "notes.txt", "plan.org"}) {
-    EXPECT_TRUE(is_document_path(path)) << path;
-  }
-  for (const auto path : {"a.py", "CMakeLists.txt", "requirements-dev.txt", "md", "a.md/b", ""}) {
-    EXPECT_FALSE(is_document_path(path)) << path;
-  }
-}
-
 TEST(Stem, DropsTheDirectoryAndTheLastSuffix) {
   const std::pair<std::string_view, std::string_view> cases[] = {
       {"src/parser.py", "parser"},

@@ -105,14 +105,6 @@ constexpr auto kLanguages = std::to_array<LanguageConventions>({
     {kSnapshotExtensions, kSnapshot},
 });
 
-constexpr auto kDocumentExtensions = std::to_array<std::string_view>(
-    {"md", "markdown", "mdown", "mkd", "mdx", "rst", "rest", "adoc", "asciidoc", "asc", "txt",
-     "text", "org", "textile", "rdoc", "pod", "wiki", "mediawiki", "creole"});
-
-// Plain text that a tool reads.
-constexpr auto kToolFiles =
-    std::to_array<std::string_view>({"cmakelists.txt", "robots.txt", "constraints.txt"});
-
 bool is_among(Names names, std::string_view text) {
   return std::ranges::any_of(names, [text](auto name) { return ascii::equals(text, name); });
 }
@@ -171,12 +163,6 @@ bool is_test_name(std::string_view name) {
                              [stem](const Convention& c) { return c.admits(stem); });
 }
 
-// Lists of packages: "requirements.txt", "requirements-dev.txt", "dev-requirements.txt".
-bool is_requirements(std::string_view name) {
-  return ascii::ends_with(name, ".txt") &&
-         (name.starts_with("requirements") || ascii::ends_with(name, "requirements.txt"));
-}
-
 std::string_view name_of(std::string_view path) { return path.substr(path.rfind('/') + 1); }
 
 }  // namespace
@@ -184,13 +170,6 @@ std::string_view name_of(std::string_view path) { return path.substr(path.rfind(
 bool is_test_path(std::string_view path) {
   const auto verdict = judge_directories(path);
   return verdict == Verdict::kTest || (verdict == Verdict::kOpen && is_test_name(name_of(path)));
-}
-
-bool is_document_path(std::string_view path) {
-  const auto name = name_of(path);
-  const auto dot = name.rfind('.');
-  return dot != std::string_view::npos && is_among(kDocumentExtensions, name.substr(dot + 1)) &&
-         !is_among(kToolFiles, name) && !is_requirements(name);
 }
 
 }  // namespace kestrix

@@ -6,6 +6,7 @@
 #include <array>
 #include <span>
 
+#include "kestrix/index/classification.h"
 #include "kestrix/utils/ascii.h"
 
 namespace kestrix {
@@ -80,10 +81,9 @@ DataOrigin origin_of_folders(std::string_view path) {
 }
 
 bool has_generated_name(std::string_view name) {
-  static const RE2 pattern(
-      R"((?i)\.pb\.\w+$|_pb2(?:_grpc)?\.pyi?$|\.g\.(?:cs|dart)$|[._]generated\.|)"
-      R"(^zz_generated|\.designer\.cs$|modelsnapshot\.cs$|\.min\.\w+$)");
-  return RE2::PartialMatch(piece(name), pattern);
+  static const RE2 pattern(R"((?i)_pb2_grpc\.py$|_pb2\.pyi$|[._]generated\.|\.gen\.\w+$|)"
+                           R"(^zz_generated|modelsnapshot\.cs$)");
+  return index::is_generated(name, {}) || RE2::PartialMatch(piece(name), pattern);
 }
 
 bool has_migration_name(std::string_view name) {
@@ -93,19 +93,21 @@ bool has_migration_name(std::string_view name) {
   return RE2::PartialMatch(piece(name), pattern);
 }
 
-bool has_generator_header(std::string_view text) {
+// A comment near the top that begins with the notice, whether or not it forbids to edit.
+bool has_generator_notice(std::string_view text) {
   static const RE2 pattern(
-      R"((?im)^\s*(?://+|#+|/\*+|\*+|--+|;+|<!--|"""|''')(?:\W*generated (?:by|with|from)\b|)"
-      R"([^\n]*?(?:code generated|@generated\b|auto-?generated|automatically generated|)"
-      R"(this file (?:is|was) generated|machine.generated|)"
-      R"(generated [^\n]*do not (?:edit|modify|change))))");
+      R"((?im)^\s*(?://+|#+|/\*+|\*+|--+|;+|<!--|"""|''')\W*generated (?:by|with|from)\b)");
   return RE2::PartialMatch(piece(text.substr(0, kHeader)), pattern);
 }
 
-bool is_minified(std::string_view text) {
+bool is_squeezed(std::string_view text) {
   if (text.size() < kShortText) return false;
   const auto lines = static_cast<std::size_t>(std::ranges::count(text, '\n')) + 1;
   return text.size() / lines > kLongAverageLine;
+}
+
+bool is_made_by_a_program(std::string_view name, std::string_view text) {
+  return index::is_generated(name, text) || has_generator_notice(text) || is_squeezed(text);
 }
 
 }  // namespace
@@ -122,9 +124,9 @@ DataOrigin origin_of_path(std::string_view path) {
 
 DataOrigin origin_of(std::string_view path, std::string_view text) {
   const auto origin = origin_of_path(path);
-  const bool generated =
-      !is_among(kSchemaDumps, name_of(path)) && (has_generator_header(text) || is_minified(text));
-  return generated ? std::max(origin, DataOrigin::kGenerated) : origin;
+  const auto name = name_of(path);
+  const bool made = !is_among(kSchemaDumps, name) && is_made_by_a_program(name, text);
+  return made ? std::max(origin, DataOrigin::kGenerated) : origin;
 }
 
 }  // namespace kestrix
