@@ -16,6 +16,8 @@ class Wildmatch {
  public:
   explicit Wildmatch(std::string_view pattern, bool ignore_case = false);
 
+  bool is_valid() const { return valid_; }
+
   /// Whether the pattern matches the whole of `path`. A malformed pattern matches nothing.
   bool matches(std::string_view path) const;
 

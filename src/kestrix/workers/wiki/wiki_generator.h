@@ -1,0 +1,34 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "kestrix/index/index.h"
+#include "kestrix/workers/wiki/page_sources.h"
+
+namespace kestrix {
+
+/// The generator of a repository on disk: the object that the native host mixes the detectors into.
+///
+/// Its planner gives exactly the indexed source files that are no tests, so that each source file
+/// is either one of `_planner_paths` or one of `_test_files`. Immutable; safe to use from several
+/// threads.
+class WikiGenerator : public PageSourcesMixin {
+ public:
+  /// `index` must outlive the generator; `root` is the directory that its paths are relative to.
+  WikiGenerator(const index::RepositoryIndex& index, std::filesystem::path root);
+
+  const Repository& repository() const override { return index_; }
+  std::filesystem::path repo_root() const override { return root_; }
+  std::vector<SourceFileRecord> _source_files() const override;
+  std::vector<std::string> _planner_paths() const override { return planner_paths_; }
+  std::vector<DocumentRecord> _indexed_documents() const override;
+
+ private:
+  const index::RepositoryIndex& index_;
+  std::filesystem::path root_;
+  std::vector<std::string> planner_paths_;  // asked for by nearly every detector
+};
+
+}  // namespace kestrix
