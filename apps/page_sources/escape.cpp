@@ -1,0 +1,108 @@
+#include "apps/page_sources/escape.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cstddef>
+
+namespace kestrix::program {
+namespace {
+
+constexpr unsigned char byte_at(std::string_view text, std::size_t at) {
+  return static_cast<unsigned char>(text[at]);
+}
+
+constexpr bool is_control(unsigned char c) { return c < 0x20 || c == 0x7f; }
+
+struct LeadByte {
+  std::size_t length;          // of the sequence that it begins, 0 for none
+  unsigned char least_second;  // bounds of the byte that follows it
+  unsigned char most_second;
+};
+
+// Table 3-7 of the Unicode standard: no overlong form, no surrogate, nothing past U+10FFFF.
+constexpr LeadByte lead_byte(unsigned char c) {
+  if (c < 0x80) return {1, 0, 0};
+  if (c >= 0xc2 && c <= 0xdf) return {2, 0x80, 0xbf};
+  if (c == 0xe0) return {3, 0xa0, 0xbf};
+  if (c == 0xed) return {3, 0x80, 0x9f};
+  if (c >= 0xe1 && c <= 0xef) return {3, 0x80, 0xbf};
+  if (c == 0xf0) return {4, 0x90, 0xbf};
+  if (c >= 0xf1 && c <= 0xf3) return {4, 0x80, 0xbf};
+  if (c == 0xf4) return {4, 0x80, 0x8f};
+  return {0, 0, 0};
+}
+
+// Length of the valid UTF-8 sequence at the start of `text`, 0 when there is none.
+constexpr std::size_t sequence_length(std::string_view text) {
+  const LeadByte lead = lead_byte(byte_at(text, 0));
+  if (lead.length < 2) return lead.length;
+  if (text.size() < lead.length) return 0;
+  const unsigned char second = byte_at(text, 1);
+  if (second < lead.least_second || second > lead.most_second) return 0;
+  for (std::size_t i = 2; i < lead.length; ++i) {
+    if ((byte_at(text, i) & 0xc0U) != 0x80) return 0;
+  }
+  return lead.length;
+}
+
+// Copies `text`, with `escape` for what `is_special` picks and `stray` for the bytes outside valid
+// UTF-8.
+template <class IsSpecial, class Escape, class Stray>
+std::string escaped(std::string_view text, IsSpecial is_special, Escape escape, Stray stray) {
+  std::string out;
+  out.reserve(text.size() + 2);
+  while (!text.empty()) {
+    const std::size_t length = sequence_length(text);
+    const unsigned char first = byte_at(text, 0);
+    if (length == 0) {
+      out += stray(first);
+    } else if (length == 1 && is_special(first)) {
+      out += escape(first);
+    } else {
+      out += text.substr(0, length);
+    }
+    text.remove_prefix(std::max<std::size_t>(length, 1));
+  }
+  return out;
+}
+
+constexpr std::string_view kShortEscapes = "\aa\bb\tt\nn\vv\ff\rr\"\"\\\\";
+
+std::string octal(unsigned char c) { return fmt::format("\\{:03o}", c); }
+
+std::string c_escape(unsigned char c) {
+  for (std::size_t i = 0; i < kShortEscapes.size(); i += 2) {
+    if (byte_at(kShortEscapes, i) == c) return {'\\', kShortEscapes[i + 1]};
+  }
+  return octal(c);
+}
+
+bool needs_c_escape(unsigned char c) { return is_control(c) || c == '"' || c == '\\'; }
+
+std::string json_escape(unsigned char c) {
+  if (is_control(c) && c != '\n' && c != '\t') return fmt::format("\\u{:04x}", c);
+  return c_escape(c);
+}
+
+}  // namespace
+
+std::string json_string(std::string_view text) {
+  const auto stray = [](unsigned char c) { return fmt::format("\\udc{:02x}", c); };
+  return '"' + escaped(text, needs_c_escape, json_escape, stray) + '"';
+}
+
+std::string c_quoted(std::string_view text) {
+  const std::string inner = escaped(text, needs_c_escape, c_escape, octal);
+  return inner == text ? inner : '"' + inner + '"';
+}
+
+std::string dot_string(std::string_view text) {
+  const auto is_special = [](unsigned char c) { return c == '"' || c == '\\'; };
+  const auto escape = [](unsigned char c) { return std::string{'\\', static_cast<char>(c)}; };
+  return '"' + escaped(c_quoted(text), is_special, escape, octal) + '"';
+}
+
+std::string one_line(std::string_view text) { return escaped(text, is_control, c_escape, octal); }
+
+}  // namespace kestrix::program
