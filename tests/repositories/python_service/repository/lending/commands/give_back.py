@@ -1,0 +1,5 @@
+from lending.store import Store
+
+
+def run(store: Store, book_id):
+    store.book(book_id)

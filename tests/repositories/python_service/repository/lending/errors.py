@@ -1,0 +1,10 @@
+class LendingError(Exception):
+    """Base of what the desk raises."""
+
+
+class BookUnknownError(LendingError):
+    pass
+
+
+class BookLentError(LendingError):
+    pass

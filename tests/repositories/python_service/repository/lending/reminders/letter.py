@@ -1,0 +1,6 @@
+from lending.reminders.channels import Channel
+
+
+class Letter(Channel):
+    def send(self, reader, text):
+        print(f"To {reader}: {text}")

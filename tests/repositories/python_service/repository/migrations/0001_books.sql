@@ -1,0 +1,11 @@
+CREATE TABLE books (
+  id INTEGER PRIMARY KEY,
+  title TEXT NOT NULL
+);
+
+CREATE TABLE loans (
+  id INTEGER PRIMARY KEY,
+  book_id INTEGER NOT NULL REFERENCES books (id),
+  reader TEXT NOT NULL,
+  due TEXT NOT NULL
+);

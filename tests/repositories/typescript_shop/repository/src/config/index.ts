@@ -1,0 +1,1 @@
+export const config = { port: Number(process.env.PORT ?? 8080) };

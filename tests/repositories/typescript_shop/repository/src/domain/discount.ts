@@ -1,0 +1,3 @@
+export abstract class Discount {
+  abstract apply(sum: number): number;
+}

@@ -1,0 +1,9 @@
+export interface Order {
+  id: string;
+  lines: OrderLine[];
+}
+
+export interface OrderLine {
+  article: string;
+  count: number;
+}

@@ -1,0 +1,3 @@
+export class ShopError extends Error {}
+
+export class UnknownOrderError extends ShopError {}

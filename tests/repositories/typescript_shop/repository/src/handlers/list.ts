@@ -1,0 +1,5 @@
+import type { Order } from "@shop/entities";
+
+export function list(): Order[] {
+  return [];
+}
