@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <tree_sitter/api.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -52,6 +53,21 @@ TEST(Fixtures, EveryLanguageHasOne) {
       seen.insert(language->name);
   }
   for (const Language* language : languages()) EXPECT_TRUE(seen.contains(language->name));
+}
+
+// The queries are read by this program's own compiler; the parser library's knows more of what a
+// grammar can hold.
+TEST(Queries, AreValidForTheParserLibrary) {
+  for (const Language* language : languages()) {
+    SCOPED_TRACE(language->name);
+    std::uint32_t offset = 0;
+    TSQueryError error = TSQueryErrorNone;
+    TSQuery* query =
+        ts_query_new(language->grammar(), language->query.data(),
+                     static_cast<std::uint32_t>(language->query.size()), &offset, &error);
+    EXPECT_EQ(error, TSQueryErrorNone) << language->query.substr(offset, 60);
+    ts_query_delete(query);
+  }
 }
 
 }  // namespace

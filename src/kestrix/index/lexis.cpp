@@ -213,7 +213,8 @@ bool WordScanner::operand_may_start() const {
 }
 
 bool WordScanner::skip_regex() {
-  if (text_[at_] != '/' || !operand_may_start()) return false;
+  const bool closes_tag = at_ > 0 && text_[at_ - 1] == '<';
+  if (text_[at_] != '/' || closes_tag || !operand_may_start()) return false;
   bool in_class = false;
   for (std::size_t i = at_ + 1; i < text_.size() && text_[i] != '\n'; ++i) {
     if (text_[i] == '\\') {

@@ -13,7 +13,6 @@ namespace kestrix::index {
 
 /// One match of a query, its captures being a slice of the outline's.
 struct OutlineMatch {
-  std::uint32_t start;  ///< byte where its first node starts
   std::uint16_t pattern;
   std::uint16_t nesting;  ///< how many "@members" nodes hold it
   std::uint32_t first_capture;
@@ -21,7 +20,7 @@ struct OutlineMatch {
 };
 
 struct Outline {
-  std::vector<OutlineMatch> matches;  ///< by start, then by pattern
+  std::vector<OutlineMatch> matches;  ///< in source order of the nodes offered, then by pattern
   std::vector<TSQueryCapture> captures;
 
   std::span<const TSQueryCapture> captures_of(const OutlineMatch& match) const {
@@ -29,15 +28,16 @@ struct Outline {
   }
 };
 
-/// Runs a query on the outline of a file: the children of the root and of every node that the query
-/// captures as "@enter" or "@members" (and of syntax errors among them). Of each such child the
-/// query sees the child itself, what starts at the same byte, and as deep below it as a pattern
-/// reaches that began there. Bodies that nothing enters are not walked.
+/// Runs a query on the outline of a file: it is offered the children of the root and of every node
+/// that it captures as "@enter" or "@members" (and of syntax errors among them). A pattern's root
+/// is the node offered; below it the pattern reaches as deep as it says. Bodies that nothing enters
+/// are not walked.
 ///
 /// `hits` are byte offsets, ascending, of words that a pattern marked `anywhere` may start with or
-/// hold: each node on the way to one is offered to those patterns, at any depth.
+/// hold: each node on the way to one is offered to those patterns, at any depth, until one of them
+/// has captured something up to that place.
 ///
-/// Costs the number of nodes offered, never recurses; a match is reported once.
+/// Costs the number of nodes offered and never recurses on the depth of the tree.
 Outline outline_of(TSNode root, const Query& query, std::string_view text,
                    std::span<const std::uint32_t> hits);
 

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <utility>
 
 #include "kestrix/utils/error.h"
 
@@ -15,84 +16,210 @@ CaptureRole role_of(std::string_view capture) {
   return CaptureRole::kFact;
 }
 
-std::string_view text_of(TSNode node, std::string_view text) {
-  const std::uint32_t start = ts_node_start_byte(node);
-  return text.substr(start, ts_node_end_byte(node) - start);
+bool is_word(char c) {
+  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' ||
+         c == '-' || c == '.' || c == '?' || c == '!';
+}
+
+}  // namespace
+
+// Recursive on the nesting of the query files, which come with this program.
+class QueryParser {
+ public:
+  QueryParser(const TSLanguage* language, std::string_view text, std::string_view name,
+              Query& query)
+      : language_(language), text_(text), name_(name), query_(query) {}
+
+  void run() {
+    while (skip_space(), at_ < text_.size()) query_.patterns_.push_back(pattern());
+  }
+
+ private:
+  using Kind = PatternNode::Kind;
+
+  [[noreturn]] void fail(std::string_view why) const {
+    const auto line = 1 + std::ranges::count(text_.substr(0, at_), '\n');
+    throw Error(fmt::format("the query of {} is wrong in line {}: {}", name_, line, why));
+  }
+
+  void skip_space() {
+    while (at_ < text_.size()) {
+      if (text_[at_] == ';') {
+        at_ = std::min(text_.find('\n', at_), text_.size());
+      } else if (std::string_view(" \t\r\n").find(text_[at_]) != std::string_view::npos) {
+        ++at_;
+      } else {
+        return;
+      }
+    }
+  }
+
+  bool sees(std::string_view token) {
+    skip_space();
+    return text_.substr(at_).starts_with(token);
+  }
+  bool take(std::string_view token) {
+    if (!sees(token)) return false;
+    at_ += token.size();
+    return true;
+  }
+  void expect(std::string_view token) {
+    if (!take(token)) fail(fmt::format("\"{}\" is missing", token));
+  }
+
+  std::string_view word() {
+    skip_space();
+    const std::size_t start = at_;
+    while (at_ < text_.size() && is_word(text_[at_])) ++at_;
+    if (start == at_) fail("a name is missing");
+    return text_.substr(start, at_ - start);
+  }
+
+  std::string literal() {
+    expect("\"");
+    std::string value;
+    while (at_ < text_.size() && text_[at_] != '"') {
+      if (text_[at_] == '\\') ++at_;
+      value += text_.substr(at_++, 1);
+    }
+    expect("\"");
+    return value;
+  }
+
+  // A node, or a group of a node and its predicates.
+  Query::Pattern pattern() {
+    Query::Pattern pattern;
+    const std::size_t start = at_;
+    const bool group = take("(") && (sees("(") || sees("[")) && !sees("(#");
+    if (!group) at_ = start;
+    pattern.root = node();
+    if (!group) return pattern;
+    while (take("(#")) predicate(pattern);
+    expect(")");
+    return pattern;
+  }
+
+  void predicate(Query::Pattern& pattern) {
+    const std::string_view verb = word();
+    if (verb == "set!") {
+      if (word() != "anywhere") fail("only \"anywhere\" can be set");
+      pattern.anywhere = true;
+    } else if (verb == "eq?" || verb == "any-of?") {
+      expect("@");
+      Query::Predicate& predicate = pattern.predicates.emplace_back();
+      predicate.capture = capture(word());
+      while (sees("\"")) predicate.texts.push_back(literal());
+    } else {
+      fail("no such predicate");
+    }
+    expect(")");
+  }
+
+  std::uint32_t capture(std::string_view name) {
+    const auto found = std::ranges::find(query_.names_, name);
+    if (found == query_.names_.end()) {
+      query_.names_.emplace_back(name);
+      query_.roles_.push_back(role_of(name));
+      return static_cast<std::uint32_t>(query_.names_.size() - 1);
+    }
+    return static_cast<std::uint32_t>(found - query_.names_.begin());
+  }
+
+  PatternNode node() {
+    PatternNode node;
+    if (take("[")) {
+      node.kind = Kind::kOneOf;
+      while (!sees("]")) node.children.push_back(this->node());
+      expect("]");
+    } else if (sees("\"")) {
+      node.kind = Kind::kSymbol;
+      node.symbol = symbol(literal(), false);
+    } else if (take("(")) {
+      named(node);
+    } else if (take("_")) {
+      node.kind = Kind::kAny;
+    } else {
+      fail("a node is missing");
+    }
+    node.optional = take("?");
+    if (sees("*") || sees("+")) fail("a node can not be repeated");
+    while (take("@")) node.names.push_back(capture(word()));
+    return node;
+  }
+
+  void named(PatternNode& node) {
+    const std::string_view type = word();
+    node.kind = type == "_" ? Kind::kAnyNamed : Kind::kSymbol;
+    if (type != "_") node.symbol = symbol(std::string(type), true);
+    bool anchored = false;
+    while (!take(")")) {
+      if (take(".")) {
+        anchored = true;
+        if (sees(")") && !node.children.empty()) node.children.back().last = true;
+      } else if (take("!")) {
+        node.absent.push_back(field(word()));
+      } else {
+        node.children.push_back(child());
+        node.children.back().first = std::exchange(anchored, false);
+      }
+    }
+  }
+
+  PatternNode child() {
+    skip_space();
+    TSFieldId id = 0;
+    const std::size_t start = at_;
+    if (is_word(text_[at_]) && text_[at_] != '_') {
+      id = field(word());
+      expect(":");
+    } else {
+      at_ = start;
+    }
+    PatternNode child = node();
+    child.field = id;
+    return child;
+  }
+
+  TSSymbol symbol(const std::string& type, bool named) const {
+    const TSSymbol symbol = ts_language_symbol_for_name(
+        language_, type.data(), static_cast<std::uint32_t>(type.size()), named);
+    if (symbol == 0) fail(fmt::format("the grammar has no \"{}\"", type));
+    return symbol;
+  }
+
+  TSFieldId field(std::string_view name) const {
+    const TSFieldId field = ts_language_field_id_for_name(language_, name.data(),
+                                                          static_cast<std::uint32_t>(name.size()));
+    if (field == 0) fail(fmt::format("the grammar has no field \"{}\"", name));
+    return field;
+  }
+
+  const TSLanguage* language_;
+  std::string_view text_;
+  std::string_view name_;
+  Query& query_;
+  std::size_t at_ = 0;
+};
+
+namespace {
+
+void collect_roots(const PatternNode& node, std::vector<TSSymbol>& symbols) {
+  if (node.kind == PatternNode::Kind::kSymbol) symbols.push_back(node.symbol);
+  if (node.kind != PatternNode::Kind::kOneOf) return;
+  for (const PatternNode& alternative : node.children) collect_roots(alternative, symbols);
 }
 
 }  // namespace
 
 Query::Query(const TSLanguage* language, std::string_view text, std::string_view name) {
-  std::uint32_t offset = 0;
-  TSQueryError error = TSQueryErrorNone;
-  query_.reset(ts_query_new(language, text.data(), static_cast<std::uint32_t>(text.size()), &offset,
-                            &error));
-  if (query_ == nullptr) {
-    throw Error(fmt::format("the query of {} is wrong (error {}) at byte {}: {}", name,
-                            static_cast<int>(error), offset, text.substr(offset, 40)));
+  QueryParser(language, text, name, *this).run();
+  by_symbol_.resize(ts_language_symbol_count(language));
+  for (std::size_t at = 0; at < patterns_.size(); ++at) {
+    std::vector<TSSymbol> roots;
+    collect_roots(patterns_[at].root, roots);
+    if (roots.empty()) throw Error(fmt::format("a pattern of {} has no type at its root", name));
+    for (const TSSymbol root : roots) by_symbol_[root].push_back(static_cast<std::uint16_t>(at));
   }
-  for (std::uint32_t i = 0; i < ts_query_capture_count(query_.get()); ++i) {
-    std::uint32_t length = 0;
-    const char* capture = ts_query_capture_name_for_id(query_.get(), i, &length);
-    names_.emplace_back(capture, length);
-    roles_.push_back(role_of(names_.back()));
-  }
-  patterns_.resize(ts_query_pattern_count(query_.get()));
-  for (std::uint32_t i = 0; i < patterns_.size(); ++i) read_predicates(i, name);
-}
-
-std::string_view Query::string_value(std::uint32_t id) const {
-  std::uint32_t length = 0;
-  const char* value = ts_query_string_value_for_id(query_.get(), id, &length);
-  return {value, length};
-}
-
-void Query::read_predicates(std::uint32_t pattern, std::string_view name) {
-  std::uint32_t count = 0;
-  const TSQueryPredicateStep* steps =
-      ts_query_predicates_for_pattern(query_.get(), pattern, &count);
-  const TSQueryPredicateStep* const end = steps + count;
-  while (steps != end) {
-    const auto* done = std::find_if(steps, end, [](const TSQueryPredicateStep& step) {
-      return step.type == TSQueryPredicateStepTypeDone;
-    });
-    add_predicate(patterns_[pattern], steps, static_cast<std::uint32_t>(done - steps), name);
-    steps = done == end ? end : done + 1;
-  }
-}
-
-void Query::add_predicate(Pattern& pattern, const TSQueryPredicateStep* steps, std::uint32_t count,
-                          std::string_view name) {
-  const std::string_view verb = string_value(steps[0].value_id);
-  const auto literal = [](const TSQueryPredicateStep& step) {
-    return step.type == TSQueryPredicateStepTypeString;
-  };
-  if (verb == "set!" && count == 2 && string_value(steps[1].value_id) == "anywhere") {
-    pattern.anywhere = true;
-    return;
-  }
-  if ((verb != "eq?" && verb != "any-of?") || count < 3 || literal(steps[1]) ||
-      !std::all_of(steps + 2, steps + count, literal)) {
-    throw Error(fmt::format("the query of {} has a predicate that is not known: #{}", name, verb));
-  }
-  Predicate& predicate = pattern.predicates.emplace_back(Predicate{steps[1].value_id, {}});
-  for (const auto* step = steps + 2; step != steps + count; ++step) {
-    predicate.texts.emplace_back(string_value(step->value_id));
-  }
-}
-
-bool Query::admits(const TSQueryMatch& match, std::string_view text) const {
-  const auto holds = [&](const Predicate& predicate) {
-    for (std::uint16_t i = 0; i < match.capture_count; ++i) {
-      if (match.captures[i].index != predicate.capture) continue;
-      if (std::ranges::find(predicate.texts, text_of(match.captures[i].node, text)) ==
-          predicate.texts.end()) {
-        return false;
-      }
-    }
-    return true;
-  };
-  return std::ranges::all_of(patterns_[match.pattern_index].predicates, holds);
 }
 
 }  // namespace kestrix::index

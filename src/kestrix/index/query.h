@@ -3,9 +3,10 @@
 #include <tree_sitter/api.h>
 
 #include <cstdint>
-#include <memory>
+#include <span>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace kestrix::index {
@@ -17,45 +18,61 @@ enum class CaptureRole : std::uint8_t {
   kMembers,  ///< "@members": entered too, one level deeper (the body of a class)
 };
 
+/// A node of a pattern, and what it asks of the node that it matches.
+struct PatternNode {
+  enum class Kind : std::uint8_t { kSymbol, kAnyNamed, kAny, kOneOf };
+
+  Kind kind = Kind::kAny;
+  bool optional = false;
+  bool first = false;  ///< nothing but comments and unnamed nodes stands before it
+  bool last = false;   ///< nothing but comments and unnamed nodes stands behind it
+  TSSymbol symbol = 0;
+  TSFieldId field = 0;               ///< 0: in any field or none
+  std::vector<TSFieldId> absent;     ///< fields that the node must not have
+  std::vector<std::uint32_t> names;  ///< captures
+  std::vector<PatternNode>
+      children;  ///< of kOneOf: the alternatives; else in order, others between
+};
+
 /// A language's query file, compiled. Immutable, shared by all threads.
 ///
-/// Predicates: `#eq?` and `#any-of?` against literal texts. Directive: `(#set! anywhere)` marks a
-/// pattern that counts wherever it stands in the file. Anything else is an error.
+/// The files are tree-sitter queries, and this reads the part of that language which the outline
+/// needs: nodes, tokens, fields, absent fields, wildcards, alternatives, "?", anchors, captures. Of
+/// the predicates `#eq?` and `#any-of?` with literal texts, of the directives `(#set! anywhere)`,
+/// which marks a pattern that counts wherever it stands in the file. The parser library's own
+/// compiler analyses how patterns may fail, which takes it 50 ms and more for a large grammar;
+/// this one takes well under one.
 class Query {
  public:
-  /// Throws Error naming `name` and the place when the text is no valid query of the language.
-  Query(const TSLanguage* language, std::string_view text, std::string_view name);
-
-  const TSQuery* get() const { return query_.get(); }
-  bool anywhere(std::uint32_t pattern) const { return patterns_[pattern].anywhere; }
-  CaptureRole role(std::uint32_t capture) const { return roles_[capture]; }
-  std::string_view capture_name(std::uint32_t capture) const { return names_[capture]; }
-
-  /// Whether the match fulfils its pattern's predicates.
-  bool admits(const TSQueryMatch& match, std::string_view text) const;
-
- private:
   struct Predicate {
     std::uint32_t capture;
     std::vector<std::string> texts;
   };
   struct Pattern {
-    bool anywhere = false;
+    PatternNode root;
     std::vector<Predicate> predicates;
-  };
-  struct Deleter {
-    void operator()(TSQuery* query) const { ts_query_delete(query); }
+    bool anywhere = false;
   };
 
-  void read_predicates(std::uint32_t pattern, std::string_view name);
-  void add_predicate(Pattern& pattern, const TSQueryPredicateStep* steps, std::uint32_t count,
-                     std::string_view name);
-  std::string_view string_value(std::uint32_t id) const;
+  /// Throws Error that names `name` and the place when the text is no query of the language.
+  Query(const TSLanguage* language, std::string_view text, std::string_view name);
 
-  std::unique_ptr<TSQuery, Deleter> query_;
+  /// The patterns whose root such a node may be, in the order of the file.
+  std::span<const std::uint16_t> patterns_of(TSSymbol symbol) const {
+    return symbol < by_symbol_.size() ? std::span(by_symbol_[symbol])
+                                      : std::span<const std::uint16_t>();
+  }
+  const Pattern& pattern(std::uint16_t at) const { return patterns_[at]; }
+  CaptureRole role(std::uint32_t capture) const { return roles_[capture]; }
+  std::string_view capture_name(std::uint32_t capture) const { return names_[capture]; }
+
+ private:
+  friend class QueryParser;
+
   std::vector<Pattern> patterns_;
+  std::vector<std::vector<std::uint16_t>> by_symbol_;
+  std::vector<std::string> names_;
   std::vector<CaptureRole> roles_;
-  std::vector<std::string_view> names_;
 };
 
 }  // namespace kestrix::index

@@ -58,7 +58,7 @@ class SourceTree {
   }
   static std::uint32_t line(TSNode node) { return ts_node_start_point(node).row + 1; }
 
-  /// Calls `visit(match)` for each match, by where it starts, then by pattern.
+  /// Calls `visit(match)` for each match, in source order, then in the order of the query file.
   template <class Visit>
   void for_each_match(Visit visit) const {
     for (const OutlineMatch& match : outline_.matches) {
@@ -92,9 +92,7 @@ template <class Visit>
 void for_each_child(TSNode node, Visit visit) {
   TreeCursor cursor(node);
   for (bool more = cursor.to_first_child(); more; more = cursor.to_next_sibling()) {
-    if (!ts_node_is_named(cursor.node())) continue;
-    const char* field = cursor.field();
-    visit(cursor.node(), field == nullptr ? std::string_view() : std::string_view(field));
+    if (ts_node_is_named(cursor.node())) visit(cursor.node(), cursor.field());
   }
 }
 

@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <utility>
 
+#include "kestrix/index/tree_cursor.h"
+
 namespace kestrix::index {
 namespace {
 
@@ -58,6 +60,14 @@ class OneLine {
   bool broken_ = false;
 };
 
+// Decorators may stand inside of what they decorate.
+TSNode first_of(TSNode declaration) {
+  TreeCursor cursor(declaration);
+  bool more = cursor.to_first_child();
+  while (more && cursor.field() == "decorator") more = cursor.to_next_sibling();
+  return more ? cursor.node() : declaration;
+}
+
 }  // namespace
 
 bool is_upper_case(std::string_view name) {
@@ -94,14 +104,24 @@ std::optional<SymbolFact> symbol_of(const SourceTree& tree, const Match& match) 
     const auto declaration = match.node(capture);
     if (!declaration) continue;
     const auto body = match.node("body");
+    const TSNode head = match.node("head").value_or(first_of(*declaration));
     const std::uint32_t end = body ? ts_node_start_byte(*body) : ts_node_end_byte(*declaration);
     SymbolFact symbol{kind, std::string(tree.text(*name)),
-                      head_of(tree, ts_node_start_byte(*declaration), end),
-                      tree.line(*declaration)};
+                      head_of(tree, ts_node_start_byte(head), end), SourceTree::line(head)};
     if (capture == "binding" && is_upper_case(symbol.name)) symbol.kind = SymbolKind::kConstant;
     return symbol;
   }
   return std::nullopt;
+}
+
+void add_symbol(const SourceTree& tree, const Match& match, FileFacts& facts) {
+  auto symbol = symbol_of(tree, match);
+  if (!symbol) return;
+  if (!facts.symbols.empty()) {
+    const SymbolFact& last = facts.symbols.back();
+    if (last.line == symbol->line && last.name == symbol->name) return;
+  }
+  facts.symbols.push_back(std::move(*symbol));
 }
 
 }  // namespace kestrix::index

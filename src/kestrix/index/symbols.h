@@ -25,7 +25,12 @@ std::string head_of(const SourceTree& tree, std::uint32_t start, std::uint32_t e
 ///
 /// A match declares one when it captures the declaration as "@class", "@interface", "@constant",
 /// "@variable" or "@binding" (a constant when its name is upper-case, else a variable) and its name
-/// as "@name". The head reaches up to the node captured as "@body", else to the declaration's end.
+/// as "@name". The head reaches from "@head", else from the declaration's start, up to "@body",
+/// else to the declaration's end.
 std::optional<SymbolFact> symbol_of(const SourceTree& tree, const Match& match);
+
+/// Adds the symbol that a match declares, unless the symbol before it has its name and line: of
+/// patterns that fit the same declaration the first one counts.
+void add_symbol(const SourceTree& tree, const Match& match, FileFacts& facts);
 
 }  // namespace kestrix::index

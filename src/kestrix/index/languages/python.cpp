@@ -89,8 +89,8 @@ FileFacts read(const SourceTree& tree) {
     if (const auto import = match.node("import")) {
       const bool from = type_of(*import) == "import_from_statement";
       (from ? add_import_from : add_import)(tree, *import, facts);
-    } else if (auto symbol = symbol_of(tree, match)) {
-      facts.symbols.push_back(std::move(*symbol));
+    } else {
+      add_symbol(tree, match, facts);
     }
   });
   return facts;

@@ -6,7 +6,7 @@
 [
   (if_statement) (elif_clause) (else_clause)
   (try_statement) (except_clause) (except_group_clause) (finally_clause)
-  (with_statement) (block) (decorated_definition)
+  (with_statement) (block) (decorated_definition) (expression_statement)
 ] @enter
 
 (class_definition name: (identifier) @name body: (block) @body @members) @class
