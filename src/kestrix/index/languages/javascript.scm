@@ -1,0 +1,3 @@
+; inherits: ecmascript/common
+
+(field_definition property: (property_identifier) @name value: (_)? @body) @binding
