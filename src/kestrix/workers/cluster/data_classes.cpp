@@ -6,6 +6,8 @@
 #include <array>
 #include <cstddef>
 #include <memory>
+#include <mutex>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -39,18 +41,18 @@ std::string joined(std::span<const Evidence> evidence) {
 /// more closely, in place.
 class DataLanguage {
  public:
-  explicit DataLanguage(const DataLanguageRow& row)
-      : row_(row), pattern_(joined(row.evidence), options()) {}
+  explicit DataLanguage(const DataLanguageRow& row) : row_(row) {}
 
   const DataLanguageRow& row() const { return row_; }
 
   DataSignals count(std::string_view text) const {
     const re2::StringPiece input(text.data(), text.size());
+    const RE2& pattern = compiled();
     DefinitionCounter counter(text, row_.syntax);
     Matches found;
     const int groups = static_cast<int>(row_.evidence.size()) + 2;
     for (std::size_t at = 0;
-         pattern_.Match(input, at, text.size(), RE2::UNANCHORED, found.data(), groups);) {
+         pattern.Match(input, at, text.size(), RE2::UNANCHORED, found.data(), groups);) {
       const auto begin = static_cast<std::size_t>(found[0].data() - text.data());
       counter.add(kind_of(found), {begin, begin + found[0].size()});
       at = std::max(begin + found[0].size(), at + 1);
@@ -67,8 +69,15 @@ class DataLanguage {
     return row_.evidence[group - 2].kind;
   }
 
+  // Few repositories need every language, and compiling one takes longer than reading many files.
+  const RE2& compiled() const {
+    std::call_once(once_, [this] { pattern_.emplace(joined(row_.evidence), options()); });
+    return *pattern_;
+  }
+
   const DataLanguageRow& row_;
-  RE2 pattern_;
+  mutable std::once_flag once_;
+  mutable std::optional<RE2> pattern_;
 };
 
 const DataLanguage* data_language_of(std::string_view path) {

@@ -14,7 +14,7 @@ constexpr std::array kPython{
     Evidence{kRecord, R"(^[ \t]*@(?:dataclass(?:es\.dataclass)?|pydantic\.dataclasses\.dataclass|)"
                       R"(attrs?\.(?:s|attrs|attributes|define|frozen|mutable|dataclass)|)"
                       R"(define|frozen|mutable)(?:\(|[ \t]*(?:#.*)?\r?$))"},
-    Evidence{kPythonClass, R"(^[ \t]*class\s+\w+\s*(?:\[[^\]\n]*\])?\s*\([^)]{0,400}\))"},
+    Evidence{kPythonClass, R"(^[ \t]*class\s+\w+\s*(?:\[[^\]\n]*\])?\s*\()"},
     Evidence{kColumn, R"(^[ \t]+__tablename__\s*[:=])"},
     Evidence{kColumn, R"(^[ \t]+\w+(?:\s*:[^=\n]+)?\s+=\s+(?:(?:\w+\.)*(?:mapped_column|Column)\(|)"
                       R"(models\.(?:\w+Field|ForeignKey)\())"},
@@ -80,7 +80,7 @@ constexpr std::array kGo{
 
 constexpr std::array kRustExtensions{Name("rs")};
 constexpr std::array kRust{
-    Evidence{kDerive, R"(\bderive\s*\([^)]{0,400}\))"},
+    Evidence{kDerive, R"(\bderive\s*\()"},
     Evidence{kEntity, R"(^[ \t]*(?:diesel::)?table!\s*[{(])"},
 };
 

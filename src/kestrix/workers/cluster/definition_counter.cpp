@@ -19,6 +19,9 @@ using Names = std::span<const std::string_view>;
 // level, and a large one is no stronger evidence than a page of definitions.
 constexpr std::uint32_t kMostDocumentMembers = 20;
 
+// Found by hand: a pattern with a bounded run this long is too large an automaton to be fast.
+constexpr std::size_t kLongestList = 400;
+
 constexpr auto kMappedBases = std::to_array<std::string_view>(
     {"models.Model", "db.Model", "DeclarativeBase", "DeclarativeBaseNoMeta", "EmbeddedDocument",
      "Document", "DynamicDocument", "table=True"});
@@ -70,6 +73,13 @@ bool is_component_properties(std::string_view declaration) {
 
 std::string_view DefinitionCounter::text_at(Stretch place) const {
   return text_.substr(place.begin, place.end - place.begin);
+}
+
+std::optional<std::string_view> DefinitionCounter::list_behind(Stretch place) const {
+  const auto list = text_.substr(place.end, kLongestList + 1);
+  const auto end = list.find(')');
+  if (end == std::string_view::npos) return std::nullopt;
+  return list.substr(0, end);
 }
 
 const TripleQuoted* DefinitionCounter::string_around(std::size_t at) {
@@ -146,12 +156,12 @@ void DefinitionCounter::add_ddl(Stretch place) {
 }
 
 void DefinitionCounter::add_python_class(Stretch place) {
-  const auto head = text_at(place);
-  const auto bases = head.substr(head.find('('));
+  const auto bases = list_behind(place);
+  if (!bases) return;
   bool mapped = false;
   bool validated = false;
   bool record = false;
-  for_each_name(bases, [&](std::string_view base) {
+  for_each_name(*bases, [&](std::string_view base) {
     mapped = mapped || contains(kMappedBases, base);
     validated = validated || contains(kValidatedBases, base);
     record = record || contains(kRecordBases, base);
@@ -191,9 +201,11 @@ void DefinitionCounter::add_tagged_struct(Stretch place) {
 }
 
 void DefinitionCounter::add_derive(Stretch place) {
+  const auto traits = list_behind(place);
+  if (!traits) return;
   bool mapped = false;
   bool record = false;
-  for_each_name(text_at(place), [&](std::string_view trait) {
+  for_each_name(*traits, [&](std::string_view trait) {
     mapped = mapped || contains(kMappedTraits, last_name(trait));
     record = record || contains(kRecordTraits, last_name(trait));
   });

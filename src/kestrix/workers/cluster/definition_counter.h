@@ -30,6 +30,9 @@ class DefinitionCounter {
   void add_derive(Stretch place);
 
   std::string_view text_at(Stretch place) const;
+  /// What stands between the parenthesis that ends `place` and the one that closes it; none when
+  /// that is not near.
+  std::optional<std::string_view> list_behind(Stretch place) const;
   const TripleQuoted* string_around(std::size_t at);
 
   std::string_view text_;
