@@ -140,6 +140,32 @@ TEST_F(GitWalk, TakesNamesAsBytes) {
   expect_as_git();
 }
 
+TEST_F(GitWalk, ReadsEveryFormOfTheIndex) {
+  repo(".gitignore", "*.log\n");
+  for (const char* path :
+       {"a/b/one.log", "a/b/two.log", "a/c.log", "long-name-of-a-file.log", "z"}) {
+    repo(path);
+  }
+  git("add -f . && git rm -q --cached z && git add -N z");
+  for (const char* form : {"2", "3", "4"}) {
+    git(std::string("update-index --index-version ") + form);
+    expect_as_git();
+    expect_as_git("repo/a");
+  }
+  git("update-index --split-index");
+  EXPECT_EQ(walk_in(scratch_ / "repo").skipped[skipped::kGitUnreadable], 1U);
+
+  scratch_.run("git init -q --object-format=sha256 long && cd long && touch a b && git add a");
+  expect_as_git("long");
+}
+
+TEST_F(GitWalk, ReadsASparseIndex) {
+  for (const char* path : {"in/a", "out/b", "out/deep/c", "d"}) repo(path);
+  git("add . && git -c user.name=n -c user.email=e commit -q -m x && "
+      "git sparse-checkout set --sparse-index in");
+  EXPECT_THAT(paths_of(walk_in(scratch_ / "repo")), ElementsAre("d", "in/a"));
+}
+
 TEST_F(GitWalk, ReadsALinkedWorkTree) {
   repo("a");
   git("add a && git -c user.name=n -c user.email=e commit -q -m x && git worktree add -q "

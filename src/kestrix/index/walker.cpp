@@ -1,6 +1,5 @@
 #include "kestrix/index/walker.h"
 
-#include <dirent.h>
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <sys/stat.h>
@@ -14,6 +13,7 @@
 #include <string_view>
 #include <utility>
 
+#include "kestrix/index/directory_listing.h"
 #include "kestrix/index/file_reading.h"
 #include "kestrix/index/ignore_rules.h"
 #include "kestrix/index/work_tree.h"
@@ -24,24 +24,6 @@ namespace {
 
 constexpr std::size_t kMaxIgnoreBytes = std::size_t{1} << 20;
 
-enum class EntryKind { kFile, kDirectory, kSymbolicLink, kSpecial };
-
-struct Entry {
-  std::string name;
-  EntryKind kind;
-  FileStamp stamp;  // of a file
-};
-
-struct Directory {
-  std::string path;  // "" for the root
-  int fd;
-  std::vector<Entry> entries;
-
-  std::string path_of(std::string_view name) const {
-    return path.empty() ? std::string(name) : (path + "/").append(name);
-  }
-};
-
 // Says what is walked. One implementation for git work trees, one for all else.
 class Policy {
  public:
@@ -51,58 +33,14 @@ class Policy {
   virtual ~Policy() = default;
 
   // Called before the directory's entries are asked for.
-  virtual void enter(const RootDirectory& root, const Directory& directory) = 0;
+  virtual void enter(const DirectoryListing& directory) = 0;
   // Both give the reason to leave the entry out, "" to take it.
   virtual std::string_view reject_file(const std::string& path) = 0;
-  virtual std::string_view reject_directory(const Directory& parent, const Entry& entry,
+  virtual std::string_view reject_directory(const DirectoryListing& parent,
+                                            const DirectoryEntry& entry,
                                             const std::string& path) = 0;
   virtual void finish(SkipCounts& skipped) const = 0;
 };
-
-EntryKind kind_of_mode(mode_t mode) {
-  if (S_ISREG(mode)) return EntryKind::kFile;
-  if (S_ISDIR(mode)) return EntryKind::kDirectory;
-  return S_ISLNK(mode) ? EntryKind::kSymbolicLink : EntryKind::kSpecial;
-}
-
-std::optional<Entry> entry_of(int directory, const dirent& item) {
-  if (item.d_type == DT_DIR) return Entry{item.d_name, EntryKind::kDirectory, {}};
-  if (item.d_type == DT_LNK) return Entry{item.d_name, EntryKind::kSymbolicLink, {}};
-  struct stat status {};
-  if (::fstatat(directory, item.d_name, &status, AT_SYMLINK_NOFOLLOW) != 0) return std::nullopt;
-  return Entry{item.d_name, kind_of_mode(status.st_mode), stamp_of(status)};
-}
-
-struct CloseDirectory {
-  void operator()(DIR* directory) const { ::closedir(directory); }
-};
-using DirectoryStream = std::unique_ptr<DIR, CloseDirectory>;
-
-DirectoryStream open_directory(const RootDirectory& root, const std::string& path) {
-  FileDescriptor fd = root.open(path, O_RDONLY | O_DIRECTORY | O_NONBLOCK);
-  if (!fd) return nullptr;
-  DirectoryStream stream(::fdopendir(fd.get()));
-  if (stream) fd.release();
-  return stream;
-}
-
-bool is_self_or_parent(std::string_view name) { return name == "." || name == ".."; }
-
-std::vector<Entry> read_entries(DIR* stream) {
-  std::vector<Entry> entries;
-  const int fd = ::dirfd(stream);
-  // NOLINTNEXTLINE(concurrency-mt-unsafe): the stream is this thread's own
-  while (const dirent* item = ::readdir(stream)) {
-    if (is_self_or_parent(item->d_name)) continue;
-    if (auto entry = entry_of(fd, *item)) entries.push_back(*std::move(entry));
-  }
-  return entries;
-}
-
-const Entry* find(const Directory& directory, std::string_view name) {
-  const auto found = std::ranges::find(directory.entries, name, &Entry::name);
-  return found == directory.entries.end() ? nullptr : &*found;
-}
 
 class Walk {
  public:
@@ -115,7 +53,7 @@ class Walk {
       check_stop(options_.stop);
       std::string path = std::move(pending_.back());
       pending_.pop_back();
-      visit(std::move(path));
+      visit(path);
     }
     policy_.finish(result_.skipped);
     std::ranges::sort(result_.files, {}, &WalkedFile::path);
@@ -123,21 +61,19 @@ class Walk {
   }
 
  private:
-  void visit(std::string path) {
-    const DirectoryStream stream = open_directory(root_, path);
-    if (!stream) return refuse(path);
-    const Directory directory{std::move(path), ::dirfd(stream.get()), read_entries(stream.get())};
-    policy_.enter(root_, directory);
-    for (const Entry& entry : directory.entries) take(directory, entry);
+  void visit(const std::string& path) {
+    const auto directory = list_directory(root_, path);
+    if (!directory) return refuse(path);
+    policy_.enter(*directory);
+    for (const DirectoryEntry& entry : directory->entries) take(*directory, entry);
   }
 
   void refuse(const std::string& path) {
-    if (path.empty())
-      throw Error(fmt::format("{}: {}", root_.path().native(), std::strerror(errno)));
-    result_.skipped.add(skipped::kUnreadableDirectory);
+    if (!path.empty()) return result_.skipped.add(skipped::kUnreadableDirectory);
+    throw Error(fmt::format("{}: {}", root_.path().native(), std::strerror(errno)));
   }
 
-  void take(const Directory& directory, const Entry& entry) {
+  void take(const DirectoryListing& directory, const DirectoryEntry& entry) {
     if (entry.name == ".git") return;
     std::string path = directory.path_of(entry.name);
     if (std::ranges::find(options_.excluded, path) != options_.excluded.end()) return;
@@ -178,13 +114,12 @@ class GitPolicy : public Policy {
     scopes_.push_back({"", std::move(rules), root_is_ignored});
   }
 
-  void enter(const RootDirectory& root, const Directory& directory) override {
+  void enter(const DirectoryListing& directory) override {
     while (!covers(scopes_.back().path, directory.path)) scopes_.pop_back();
-    const Scope& above = scopes_.back();
-    Scope scope{directory.path, above.rules, above.ignored || ignores(directory.path, true)};
-    const Entry* file = find(directory, ".gitignore");
-    if (file != nullptr && file->kind == EntryKind::kFile && !scope.ignored) {
-      const auto text = read_file(root, directory.path_of(file->name), kMaxIgnoreBytes).bytes;
+    Scope scope{directory.path, scopes_.back().rules, std::nullopt};
+    const DirectoryEntry* file = directory.find(".gitignore");
+    if (file != nullptr && file->kind == EntryKind::kFile) {
+      const auto text = read_file(root_, directory.path_of(file->name), kMaxIgnoreBytes).bytes;
       scope.rules = std::make_shared<const IgnoreScope>(
           std::move(scope.rules), from_top(directory.path), IgnoreRules(text, tree_.ignore_case));
     }
@@ -196,14 +131,14 @@ class GitPolicy : public Policy {
       ++tracked_seen_;
       return {};
     }
-    return scopes_.back().ignored || ignores(path, false) ? skipped::kIgnored : std::string_view();
+    return is_ignored(path, false) ? skipped::kIgnored : std::string_view();
   }
 
-  std::string_view reject_directory(const Directory&, const Entry&,
+  std::string_view reject_directory(const DirectoryListing&, const DirectoryEntry&,
                                     const std::string& path) override {
     if (tree_.is_submodule(path)) return skipped::kSubmodule;
     if (tree_.tracks_below(path)) return {};
-    if (scopes_.back().ignored || ignores(path, true)) return skipped::kIgnored;
+    if (is_ignored(path, true)) return skipped::kIgnored;
     return is_repository(root_, path) ? skipped::kNestedRepository : std::string_view();
   }
 
@@ -215,7 +150,7 @@ class GitPolicy : public Policy {
   struct Scope {
     std::string path;
     std::shared_ptr<const IgnoreScope> rules;  // may be none
-    bool ignored;                              // all in it, but for tracked files
+    std::optional<bool> ignored;  // all in it, but for tracked files; found out when asked
   };
 
   static bool covers(std::string_view directory, std::string_view path) {
@@ -228,9 +163,23 @@ class GitPolicy : public Policy {
     return path.empty() ? tree_.prefix : tree_.prefix + "/" + path;
   }
 
-  bool ignores(const std::string& path, bool is_directory) const {
-    const auto& rules = scopes_.back().rules;
-    return !path.empty() && rules != nullptr && rules->ignores(from_top(path), is_directory);
+  // Of an untracked file or directory in the directory that was entered last.
+  bool is_ignored(const std::string& path, bool is_directory) {
+    return all_is_ignored() || ignores(scopes_.back(), path, is_directory);
+  }
+
+  bool all_is_ignored() {
+    std::size_t at = scopes_.size() - 1;
+    while (!scopes_[at].ignored) --at;  // the first scope always knows
+    for (++at; at < scopes_.size(); ++at) {
+      const Scope& above = scopes_[at - 1];
+      scopes_[at].ignored = *above.ignored || ignores(above, scopes_[at].path, true);
+    }
+    return *scopes_.back().ignored;
+  }
+
+  bool ignores(const Scope& scope, const std::string& path, bool is_directory) const {
+    return !path.empty() && scope.rules->ignores(from_top(path), is_directory);
   }
 
   const RootDirectory& root_;
@@ -261,10 +210,10 @@ class PlainPolicy : public Policy {
  public:
   explicit PlainPolicy(const RootDirectory& root) : root_(root) {}
 
-  void enter(const RootDirectory&, const Directory&) override {}
+  void enter(const DirectoryListing&) override {}
   std::string_view reject_file(const std::string&) override { return {}; }
 
-  std::string_view reject_directory(const Directory& parent, const Entry& entry,
+  std::string_view reject_directory(const DirectoryListing& parent, const DirectoryEntry& entry,
                                     const std::string& path) override {
     const bool left_out = std::ranges::find(kFolders, entry.name) != kFolders.end() ||
                           is_build_target(parent, entry.name) || is_marked(path);
@@ -275,10 +224,10 @@ class PlainPolicy : public Policy {
 
  private:
   // "target" may also be a package's name, deeper down.
-  static bool is_build_target(const Directory& parent, std::string_view name) {
+  static bool is_build_target(const DirectoryListing& parent, std::string_view name) {
     if (name != "target") return false;
     return parent.path.empty() || std::ranges::any_of(kTargetOwners, [&](std::string_view owner) {
-             return find(parent, owner) != nullptr;
+             return parent.find(owner) != nullptr;
            });
   }
 

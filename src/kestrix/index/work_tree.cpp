@@ -1,13 +1,17 @@
 #include "kestrix/index/work_tree.h"
 
-#include <git2.h>
+#include <sys/stat.h>
 
 #include <algorithm>
-#include <array>
-#include <cstdlib>
-#include <memory>
+#include <cstdint>
+#include <string_view>
+#include <system_error>
+#include <utility>
 
 #include "kestrix/index/file_reading.h"
+#include "kestrix/index/git_config.h"
+#include "kestrix/index/git_index.h"
+#include "kestrix/utils/ascii.h"
 
 namespace kestrix::index {
 namespace {
@@ -15,61 +19,54 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::size_t kMaxIgnoreBytes = std::size_t{1} << 20;
+constexpr std::size_t kMaxIndexBytes = std::size_t{1} << 30;
+constexpr std::size_t kMaxLinkBytes = std::size_t{16} << 10;
 
-template <auto kFree>
-struct Freed {
-  template <class T>
-  void operator()(T* object) const {
-    kFree(object);
-  }
-};
-using GitRepository = std::unique_ptr<git_repository, Freed<git_repository_free>>;
-using GitIndex = std::unique_ptr<git_index, Freed<git_index_free>>;
-using GitConfig = std::unique_ptr<git_config, Freed<git_config_free>>;
-
-class GitText {
- public:
-  GitText() = default;
-  GitText(const GitText&) = delete;
-  GitText& operator=(const GitText&) = delete;
-  ~GitText() { git_buf_dispose(&buffer_); }
-
-  git_buf* get() { return &buffer_; }
-  std::string str() const { return {buffer_.ptr, buffer_.size}; }
-
- private:
-  git_buf buffer_{};
-};
-
-// Shut down never: another user of the library in this process may still be at work.
-void start_library() {
-  static const bool started = [] {
-    git_libgit2_init();
-    // Nothing of the repository is executed, so another owner's is no danger.
-    git_libgit2_opts(GIT_OPT_SET_OWNER_VALIDATION, 0);
-    // None of these changes the index or the ignore rules.
-    std::array extensions = {"partialclone", "preciousobjects", "worktreeconfig",
-                             "relativeworktrees"};
-    git_libgit2_opts(GIT_OPT_SET_EXTENSIONS, extensions.data(), extensions.size());
-    return true;
-  }();
-  static_cast<void>(started);
+bool is_there(const fs::path& path) {
+  std::error_code ignored;
+  return fs::exists(path, ignored);
 }
 
-bool has_git_above(const fs::path& directory) {
+std::string first_line(const fs::path& file) {
+  std::string text = read_small_file(file, kMaxLinkBytes);
+  text.resize(std::min(text.find_last_not_of("\r\n") + 1, text.size()));
+  return text;
+}
+
+// Where a work tree's data lies: a linked work tree has an index of its own and shares the rest.
+struct GitDirectories {
+  fs::path own;
+  fs::path common;
+};
+
+// "gitdir: PATH" in place of the directory.
+fs::path follow_link(const fs::path& place) {
+  constexpr std::string_view kLink = "gitdir: ";
   std::error_code ignored;
-  for (fs::path at = directory;; at = at.parent_path()) {
-    if (fs::exists(fs::symlink_status(at / ".git", ignored))) return true;
-    if (at == at.parent_path()) return false;
+  if (!fs::is_regular_file(place, ignored)) return place;
+  const std::string text = first_line(place);
+  return text.starts_with(kLink) ? place.parent_path() / text.substr(kLink.size()) : place;
+}
+
+std::optional<GitDirectories> git_directories(const fs::path& place) {
+  std::error_code failure;
+  const fs::path own = fs::canonical(follow_link(place), failure);
+  if (failure) return std::nullopt;
+  const std::string shared = first_line(own / "commondir");
+  const fs::path common = shared.empty() ? own : fs::canonical(own / shared, failure);
+  const std::string head = first_line(own / "HEAD");
+  const bool has_head =
+      head.starts_with("ref: ") || (head.size() >= 40 && std::ranges::all_of(head, ascii::is_word));
+  if (failure || !has_head || !is_there(common / "objects") || !is_there(common / "refs")) {
+    return std::nullopt;
   }
+  return GitDirectories{own, common};
 }
 
 std::optional<std::string> path_below(const fs::path& top, const fs::path& directory) {
   const std::string& whole = directory.native();
-  std::string base = top.native();
-  while (base.size() > 1 && base.ends_with('/')) base.pop_back();
-  if (whole == base) return "";
-  if (!base.ends_with('/')) base += '/';
+  if (whole == top.native()) return "";
+  const std::string base = top == top.root_path() ? top.native() : top.native() + "/";
   if (!whole.starts_with(base)) return std::nullopt;
   return whole.substr(base.size());
 }
@@ -79,56 +76,69 @@ bool is_inside_git_data(std::string_view prefix) {
          prefix.find("/.git/") != prefix.npos;
 }
 
-bool read_index(git_repository* repository, WorkTree& tree) {
-  git_index* opened = nullptr;
-  if (git_repository_index(&opened, repository) != 0) return false;
-  const GitIndex index(opened);
+bool read_config(const GitDirectories& git, GitConfig& config) {
+  if (!config.read_user_files() || !config.read(git.common / "config")) return false;
+  return !config.is_true("extensions.worktreeconfig") || config.read(git.own / "config.worktree");
+}
+
+bool read_index(const GitDirectories& git, const GitConfig& config, WorkTree& tree) {
+  const fs::path file = git.own / "index";
+  if (!is_there(file)) return true;  // nothing was ever added
   const std::string below = tree.prefix.empty() ? "" : tree.prefix + "/";
-  const std::size_t count = git_index_entrycount(index.get());
-  tree.tracked.reserve(count);
-  for (std::size_t at = 0; at < count; ++at) {
-    const git_index_entry* entry = git_index_get_byindex(index.get(), at);
-    const std::string_view path = entry->path;
-    if (!path.starts_with(below)) continue;
-    auto& paths = entry->mode == GIT_FILEMODE_COMMIT ? tree.submodules : tree.tracked;
-    paths.emplace_back(path.substr(below.size()));
-  }
-  for (auto* paths : {&tree.tracked, &tree.submodules}) {
-    if (!std::ranges::is_sorted(*paths)) std::ranges::sort(*paths);
-    const auto repeated = std::ranges::unique(*paths);  // a path in conflict has several entries
-    paths->erase(repeated.begin(), repeated.end());
-  }
+  const bool long_ids = config.value("extensions.objectformat") == "sha256";
+  auto paths = read_git_index(read_small_file(file, kMaxIndexBytes), below, long_ids ? 32 : 20);
+  if (!paths) return false;
+  tree.tracked = std::move(paths->files);
+  tree.submodules = std::move(paths->submodules);
   return true;
 }
 
 fs::path default_global_excludes() {
-  if (const char* xdg = std::getenv("XDG_CONFIG_HOME"); xdg != nullptr && *xdg != '\0') {
-    return fs::path(xdg) / "git/ignore";
-  }
-  const char* home = std::getenv("HOME");
-  return home == nullptr ? fs::path() : fs::path(home) / ".config/git/ignore";
+  const std::string xdg = environment("XDG_CONFIG_HOME");
+  if (!xdg.empty()) return fs::path(xdg) / "git/ignore";
+  const std::string home = environment("HOME");
+  return home.empty() ? fs::path() : fs::path(home) / ".config/git/ignore";
 }
 
-bool read_settings(git_repository* repository, WorkTree& tree) {
-  git_config* opened = nullptr;
-  if (git_repository_config_snapshot(&opened, repository) != 0) return false;
-  const GitConfig config(opened);
-  int ignore_case = 0;
-  if (git_config_get_bool(&ignore_case, config.get(), "core.ignorecase") == 0) {
-    tree.ignore_case = ignore_case != 0;
-  }
-  GitText excludes;
-  const bool named = git_config_get_path(excludes.get(), config.get(), "core.excludesfile") == 0;
-  const fs::path path = named ? fs::path(excludes.str()) : default_global_excludes();
-  if (!path.empty()) tree.global_excludes = read_small_file(path, kMaxIgnoreBytes);
-  return true;
+void read_excludes(const GitDirectories& git, const GitConfig& config, WorkTree& tree) {
+  tree.ignore_case = config.is_true("core.ignorecase");
+  tree.info_exclude = read_small_file(git.common / "info/exclude", kMaxIgnoreBytes);
+  const auto global = config.path("core.excludesfile").value_or(default_global_excludes());
+  if (!global.empty()) tree.global_excludes = read_small_file(tree.top / global, kMaxIgnoreBytes);
 }
 
-bool read_info_exclude(git_repository* repository, WorkTree& tree) {
-  GitText info;
-  if (git_repository_item_path(info.get(), repository, GIT_REPOSITORY_ITEM_INFO) != 0) return false;
-  tree.info_exclude = read_small_file(fs::path(info.str()) / "exclude", kMaxIgnoreBytes);
-  return true;
+// The directory whose ".git" it is, unless the configuration says otherwise.
+std::optional<fs::path> top_of(const fs::path& holder, const GitDirectories& git,
+                               const GitConfig& config) {
+  if (config.is_true("core.bare")) return std::nullopt;
+  const auto named = config.path("core.worktree");
+  if (!named) return holder;
+  std::error_code failure;
+  fs::path top = fs::canonical(git.own / *named, failure);
+  if (failure) return std::nullopt;
+  return top;
+}
+
+WorkTreeLookup read_work_tree(const fs::path& holder, const GitDirectories& git,
+                              const fs::path& directory) {
+  constexpr bool kDamaged = true;
+  GitConfig config(git.own);
+  if (!read_config(git, config)) return {{}, kDamaged};
+  const auto top = top_of(holder, git, config);
+  auto prefix = top ? path_below(*top, directory) : std::nullopt;
+  if (!prefix || is_inside_git_data(*prefix)) return {};
+  WorkTree tree;
+  tree.top = *top;
+  tree.prefix = *std::move(prefix);
+  read_excludes(git, config, tree);
+  if (!read_index(git, config, tree)) return {{}, kDamaged};
+  return {std::move(tree), !kDamaged};
+}
+
+// Like git, the search for a work tree does not leave the file system.
+std::uint64_t device_of(const fs::path& path) {
+  struct stat status {};
+  return ::stat(path.c_str(), &status) == 0 ? status.st_dev : 0;
 }
 
 bool contains(const std::vector<std::string>& sorted, std::string_view path) {
@@ -148,28 +158,15 @@ bool WorkTree::tracks_below(std::string_view directory) const {
 }
 
 WorkTreeLookup find_work_tree(const fs::path& directory) {
-  if (!has_git_above(directory)) return {};
-  start_library();
-  git_repository* opened = nullptr;
-  const int error = git_repository_open_ext(&opened, directory.c_str(), 0, nullptr);
-  const GitRepository repository(opened);
-  if (error != 0) {
-    std::error_code ignored;
-    return {{}, error != GIT_ENOTFOUND || fs::exists(directory / ".git", ignored)};
+  const bool expected = is_there(directory / ".git");
+  const auto device = device_of(directory);
+  for (fs::path holder = directory; device_of(holder) == device; holder = holder.parent_path()) {
+    if (const auto git = git_directories(holder / ".git")) {
+      return read_work_tree(holder, *git, directory);
+    }
+    if (holder == holder.parent_path()) break;
   }
-  const char* work_directory = git_repository_workdir(repository.get());
-  if (work_directory == nullptr) return {};
-  std::error_code failure;
-  WorkTree tree;
-  tree.top = fs::canonical(work_directory, failure);
-  auto prefix = failure ? std::nullopt : path_below(tree.top, directory);
-  if (!prefix || is_inside_git_data(*prefix)) return {};
-  tree.prefix = *std::move(prefix);
-  const bool readable = read_index(repository.get(), tree) &&
-                        read_settings(repository.get(), tree) &&
-                        read_info_exclude(repository.get(), tree);
-  if (!readable) return {{}, true};
-  return {std::move(tree), false};
+  return {{}, expected};
 }
 
 }  // namespace kestrix::index
