@@ -1,7 +1,7 @@
 # Every library from outside, found once. The targets to link:
 #
 #   component    re2::re2  tsl::ordered_map  Boost::headers
-#   native host  fmt::fmt  spdlog::spdlog  SQLiteCpp  SQLite::SQLite3  libgit2::libgit2  tree-sitter::tree-sitter
+#   native host  fmt::fmt  spdlog::spdlog  SQLiteCpp  SQLite::SQLite3  tree-sitter::tree-sitter
 #                nlohmann_json::nlohmann_json  CLI11::CLI11  Threads::Threads
 #   tests        GTest::gtest  GTest::gtest_main  GTest::gmock
 #   bench        benchmark::benchmark
@@ -20,7 +20,6 @@ if(KESTRIX_PROGRAM)
   find_package(spdlog REQUIRED)
   find_package(SQLite3 REQUIRED)
   find_package(SQLiteCpp REQUIRED)
-  find_package(LibGit2 REQUIRED)
   find_package(TreeSitter REQUIRED)
   find_package(nlohmann_json REQUIRED)
   find_package(CLI11 REQUIRED)
