@@ -34,8 +34,8 @@ page-sources SUBCOMMAND --help tells more. Exit codes: 0 done, 1 the work failed
 constexpr const char* kPagesNotes = R"~(
 GLOB is matched against whole paths as git's ":(glob)" does: * and ? stay within a
 directory, ** crosses directories, a directory's name stands for all below it.
-Without GLOB, the flows page shows the directories of three or more production files
-of which one file outside depends on several: the farthest reach first, at most five.
+Without GLOB, the flows page shows the directories of which one file outside uses at
+least three production files and a third of them: the farthest reach first, at most five.
 
 Examples:
   page-sources pages ~/src/app --page errors --page flows

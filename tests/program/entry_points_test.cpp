@@ -17,12 +17,11 @@ using Strings = std::vector<std::string>;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-FileEdge edge(std::string_view source, std::string_view target) { return {source, target, 1}; }
+FileEdge use(std::string_view source, std::string_view target) { return {source, target, 2}; }
 
-// One of several edges from `source` into `targets`.
-std::vector<FileEdge> edges_from(std::string_view source, const Strings& targets) {
+std::vector<FileEdge> uses(std::string_view source, const Strings& targets) {
   std::vector<FileEdge> edges;
-  for (const auto& target : targets) edges.push_back(edge(source, target));
+  for (const auto& target : targets) edges.push_back(use(source, target));
   return edges;
 }
 
@@ -32,66 +31,74 @@ Strings names(const std::vector<EntryPointClass>& classes) {
   return out;
 }
 
-const Strings kJobs{"jobs/a.py", "jobs/b.py", "jobs/c.py"};
+Strings with(Strings paths, const Strings& more) {
+  paths.insert(paths.end(), more.begin(), more.end());
+  return paths;
+}
 
-TEST(EntryPointClasses, AreDirectoriesThatOneOutsiderReaches) {
-  const Strings paths{"main.py", "jobs/c.py", "jobs/a.py", "jobs/b.py", "jobs/a.py"};
-  EXPECT_THAT(entry_point_classes(paths, edges_from("main.py", {"jobs/a.py", "jobs/b.py"})),
+const Strings kJobs{"jobs/a", "jobs/b", "jobs/c"};
+
+TEST(EntryPointClasses, AreTheFilesOfADirectoryThatOneOutsiderUses) {
+  const Strings paths{"main", "jobs/c", "jobs/a", "jobs/b", "jobs/a", "jobs/notes.json"};
+  EXPECT_THAT(entry_point_classes(paths, uses("main", kJobs)),
               ElementsAre(EntryPointClass{"jobs", kJobs}));
 }
 
-TEST(EntryPointClasses, NeedThreeFilesAndSeveralReachedByOne) {
+TEST(EntryPointClasses, NeedThreeFilesUsedByOneFileOutside) {
   struct Case {
     const char* what;
     Strings paths;
     std::vector<FileEdge> edges;
   };
-  const Strings seven{"m.py",      "jobs/1.py", "jobs/2.py", "jobs/3.py",
-                      "jobs/4.py", "jobs/5.py", "jobs/6.py", "jobs/7.py"};
+  auto edges_of_ten = uses("m", kJobs);
+  Strings ten{"m"};
+  for (const char* name : {"d", "e", "f", "g", "h", "i", "j"}) {
+    ten.push_back(std::string("jobs/") + name);
+  }
+  ten = with(ten, kJobs);
+  for (std::size_t i = 1; i < 8; ++i) edges_of_ten.push_back(use(ten[i], "jobs/a"));
   const std::vector<Case> cases{
-      {"two files", {"m.py", "jobs/a.py", "jobs/b.py"}, edges_from("m.py", kJobs)},
-      {"one reached", {"m.py", kJobs[0], kJobs[1], kJobs[2]}, edges_from("m.py", {kJobs[0]})},
-      {"one reached twice",
-       {"m.py", kJobs[0], kJobs[1], kJobs[2]},
-       {edge("m.py", kJobs[0]), edge("m.py", kJobs[0])}},
-      {"two reached, by one each",
-       {"m.py", "n.py", kJobs[0], kJobs[1], kJobs[2]},
-       {edge("m.py", kJobs[0]), edge("n.py", kJobs[1])}},
-      {"reached from inside", kJobs, edges_from("jobs/a.py", kJobs)},
-      {"reached from below",
-       {kJobs[0], kJobs[1], kJobs[2], "jobs/x/m.py"},
-       edges_from("jobs/x/m.py", kJobs)},
-      {"the top, which has no outside",
-       {"a.py", "b.py", "c.py", "x/m.py"},
-       edges_from("x/m.py", {"a.py", "b.py", "c.py"})},
-      {"two of seven", seven, edges_from("m.py", {"jobs/1.py", "jobs/2.py"})},
-      {"an outsider that is not among the paths", kJobs, edges_from("m.py", kJobs)},
+      {"two files", {"m", "jobs/a", "jobs/b"}, uses("m", kJobs)},
+      {"two used", with({"m"}, kJobs), uses("m", {"jobs/a", "jobs/b"})},
+      {"two used, one of them twice", with({"m"}, kJobs),
+       uses("m", {"jobs/a", "jobs/b", "jobs/b"})},
+      {"three used, by two files",
+       with({"m", "n"}, kJobs),
+       {use("m", "jobs/a"), use("m", "jobs/b"), use("n", "jobs/c")}},
+      {"only handed on",
+       with({"m"}, kJobs),
+       {{"m", "jobs/a", 1}, {"m", "jobs/b", 1}, {"m", "jobs/c", 1}}},
+      {"used from inside", with({"jobs/d"}, kJobs), uses("jobs/d", kJobs)},
+      {"used from below", with({"jobs/x/m"}, kJobs), uses("jobs/x/m", kJobs)},
+      {"the top, which has no outside", {"a", "b", "c", "x/m"}, uses("x/m", {"a", "b", "c"})},
+      {"three of ten", ten, edges_of_ten},
+      {"an outsider that is not among the paths", kJobs, uses("m", kJobs)},
   };
   for (const Case& each : cases) {
     EXPECT_THAT(entry_point_classes(each.paths, each.edges), IsEmpty()) << each.what;
   }
+  const Strings nine(ten.begin(), ten.end() - 4);
+  EXPECT_THAT(names(entry_point_classes(with({"jobs/a", "jobs/b", "jobs/c"}, nine), edges_of_ten)),
+              ElementsAre("jobs"));
 }
 
 TEST(EntryPointClasses, ComeByReachThenDirectoryWhateverTheOrderOfTheInput) {
-  Strings paths{"main.py"};
-  std::vector<FileEdge> edges;
+  Strings paths{"main", "jobs.d/x"};
+  Strings used;
   for (const std::string directory : {"f", "e", "d", "c", "b", "a"}) {
-    for (const std::string file : {"/1", "/2", "/3"}) paths.push_back(directory + file);
+    for (const std::string file : {"/1", "/2", "/3", "/4"}) {
+      paths.push_back(directory + file);
+      if ((directory != "b" && directory != "f") || file != "/4") used.push_back(paths.back());
+    }
   }
-  paths.push_back("jobs.d/x");  // a sibling by name is no file of "jobs"
-  for (std::size_t i = 1; i + 1 < paths.size(); ++i) {
-    const bool left_out = paths[i] == "b/1" || paths[i] == "f/1";
-    if (!left_out) edges.push_back(edge("main.py", paths[i]));
-  }
+  auto edges = uses("main", used);
   std::mt19937 random(7);
   for (int round = 0; round < 10; ++round) {
-    EXPECT_THAT(names(entry_point_classes(paths, edges)), ElementsAre("a", "c", "d", "e", "b"));
-    EXPECT_THAT(names(entry_point_classes(paths, edges, 1)), ElementsAre("a"));
-    std::ranges::shuffle(edges, random);
-    const Strings shuffled_paths = paths;  // the edges' views need the old strings
-    Strings shuffled = shuffled_paths;
+    Strings shuffled = paths;
     std::ranges::shuffle(shuffled, random);
+    std::ranges::shuffle(edges, random);
     EXPECT_THAT(names(entry_point_classes(shuffled, edges)), ElementsAre("a", "c", "d", "e", "b"));
+    EXPECT_THAT(names(entry_point_classes(shuffled, edges, 1)), ElementsAre("a"));
   }
 }
 

@@ -13,10 +13,12 @@
 namespace kestrix {
 namespace {
 
+constexpr double kImportAlone = 1;
+
 struct Directory {
   std::string_view path;
   std::vector<std::string_view> files;
-  std::size_t reach = 0;  // files that the farthest reaching outsider depends on
+  std::size_t reach = 0;  // files that the farthest reaching outsider uses
 };
 
 bool lies_below(std::string_view path, std::string_view directory) {
@@ -24,22 +26,20 @@ bool lies_below(std::string_view path, std::string_view directory) {
                                path[directory.size()] == '/');
 }
 
-// The directories of a set of files, and how far outsiders reach into each.
+// The directories of the files that take part in dependencies, and how far outsiders reach into
+// each.
 class Directories {
  public:
-  explicit Directories(std::span<const std::string> paths) {
-    for (const std::string& path : paths) {
-      if (number_of_file_.try_emplace(path, 0).second) place(path);
-    }
-  }
+  explicit Directories(std::span<const std::string> paths) : paths_(paths.begin(), paths.end()) {}
 
   void count(std::span<const FileEdge> edges) {
     for (const FileEdge& edge : edges) {
-      const auto target = number_of_file_.find(edge.target);
-      if (target == number_of_file_.end() || !number_of_file_.contains(edge.source)) continue;
-      Directory& directory = directories_[target->second];
-      if (lies_below(edge.source, directory.path)) continue;
-      auto& reached = reached_[{edge.source, target->second}];
+      if (!paths_.contains(edge.source) || !paths_.contains(edge.target)) continue;
+      place(edge.source);
+      const std::size_t number = place(edge.target);
+      Directory& directory = directories_[number];
+      if (edge.weight <= kImportAlone || lies_below(edge.source, directory.path)) continue;
+      auto& reached = reached_[{edge.source, number}];
       reached.insert(edge.target);
       directory.reach = std::max(directory.reach, reached.size());
     }
@@ -55,24 +55,25 @@ class Directories {
     }
   };
 
-  void place(std::string_view path) {
+  // Returns the number of the file's directory.
+  std::size_t place(std::string_view path) {
     const std::string_view directory = directory_of(path);
-    const auto [entry, fresh] = number_of_directory_.try_emplace(directory, directories_.size());
+    const auto [entry, fresh] = numbers_.try_emplace(directory, directories_.size());
     if (fresh) directories_.push_back({directory, {}, 0});
-    directories_[entry->second].files.push_back(path);
-    number_of_file_[path] = entry->second;
+    if (placed_.insert(path).second) directories_[entry->second].files.push_back(path);
+    return entry->second;
   }
 
+  std::unordered_set<std::string_view> paths_;
+  std::unordered_set<std::string_view> placed_;
+  std::unordered_map<std::string_view, std::size_t> numbers_;
   std::vector<Directory> directories_;
-  std::unordered_map<std::string_view, std::size_t> number_of_directory_;
-  std::unordered_map<std::string_view, std::size_t> number_of_file_;
   std::unordered_map<Pair, std::unordered_set<std::string_view>, PairHash> reached_;
 };
 
 bool shows_a_class(const Directory& directory) {
-  const std::size_t files = directory.files.size();
-  const std::size_t third = (files + DISPATCH_MIN_ROOTS - 1) / DISPATCH_MIN_ROOTS;
-  return files >= DISPATCH_MIN_ROOTS && directory.reach >= std::max<std::size_t>(2, third);
+  const std::size_t third = (directory.files.size() + DISPATCH_MIN_ROOTS - 1) / DISPATCH_MIN_ROOTS;
+  return directory.reach >= std::max(DISPATCH_MIN_ROOTS, third);
 }
 
 EntryPointClass class_of(const Directory& directory) {

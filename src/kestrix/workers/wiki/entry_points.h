@@ -27,10 +27,12 @@ EntryPointClass entry_points_matching(std::string_view pattern, std::span<const 
 
 /// The classes of entry points that the structure shows.
 ///
-/// A class is the files of one directory, without those of directories below it: at least
-/// `DISPATCH_MIN_ROOTS` of `paths`, several of which one file outside the directory depends on.
-/// Several means as many as a shared dispatch has to reach. Only edges among `paths` count. The
-/// class that one file reaches most of comes first, then by directory; at most `limit`.
+/// A class is the files of one directory, without those of directories below it, that take part in
+/// a dependency: at least `DISPATCH_MIN_ROOTS` of `paths`, several of which one file outside the
+/// directory uses. Several means as many as a shared dispatch has to reach, and no fewer than
+/// `DISPATCH_MIN_ROOTS`. A file is used when the edge weighs more than the import alone: a package
+/// that only hands its files on is no dispatch. Only edges among `paths` count. The class that one
+/// file reaches most of comes first, then by directory; at most `limit`.
 ///
 /// Linear in the edges, plus a sort of the classes.
 std::vector<EntryPointClass> entry_point_classes(std::span<const std::string> paths,
