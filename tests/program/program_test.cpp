@@ -268,7 +268,8 @@ TEST_P(FixtureRepository, AnswersPageByPageAsAllAtOnce) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Repositories, FixtureRepository, testing::Values("python_service"),
+INSTANTIATE_TEST_SUITE_P(Repositories, FixtureRepository,
+                         testing::Values("python_service", "typescript_shop"),
                          [](const auto& tested) { return tested.param; });
 
 }  // namespace
