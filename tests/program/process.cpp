@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <spawn.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -77,8 +78,14 @@ std::string read_file(const std::filesystem::path& path) {
   return {std::istreambuf_iterator<char>(in), {}};
 }
 
-pid_t ProgramUnderTest::start(int out, const std::vector<std::string>& arguments) const {
+std::filesystem::path ProgramUnderTest::output(const char* stream, int number) const {
+  return outputs_.path() / (stream + std::to_string(number));
+}
+
+pid_t ProgramUnderTest::start(int out, const std::vector<std::string>& arguments,
+                              int number) const {
   std::vector<std::string> all{PAGE_SOURCES_PROGRAM};
+  if (!before.empty()) all = {"/bin/sh", "-c", before + "; exec \"$@\"", "sh", all.front()};
   all.insert(all.end(), arguments.begin(), arguments.end());
   auto set = environment;
   set.try_emplace("HOME", outputs_.path());
@@ -89,9 +96,9 @@ pid_t ProgramUnderTest::start(int out, const std::vector<std::string>& arguments
   if (out >= 0) {
     actions.duplicate(out, STDOUT_FILENO);
   } else {
-    actions.write_to(STDOUT_FILENO, outputs_.path() / "out");
+    actions.write_to(STDOUT_FILENO, output("out", number));
   }
-  actions.write_to(STDERR_FILENO, outputs_.path() / "err");
+  actions.write_to(STDERR_FILENO, output("err", number));
   actions.change_directory(path());
   pid_t process = 0;
   check(posix_spawn(&process, all.front().c_str(), actions.get(), nullptr, pointers(all).data(),
@@ -100,14 +107,15 @@ pid_t ProgramUnderTest::start(int out, const std::vector<std::string>& arguments
   return process;
 }
 
-Ended ProgramUnderTest::finish(pid_t process) const {
+Ended ProgramUnderTest::finish(pid_t process, int number) const {
   int status = 0;
-  while (waitpid(process, &status, 0) < 0 && errno == EINTR) {
+  rusage usage{};
+  while (wait4(process, &status, 0, &usage) < 0 && errno == EINTR) {
   }
   const int code = WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
-  const auto out = outputs_.path() / "out";
+  const auto out = output("out", number);
   return {code, std::filesystem::exists(out) ? read_file(out) : "",
-          read_file(outputs_.path() / "err")};
+          read_file(output("err", number)), usage.ru_maxrss};
 }
 
 Ended ProgramUnderTest::run(const std::vector<std::string>& arguments) const {
@@ -118,10 +126,23 @@ Ended ProgramUnderTest::run_into(int out, const std::vector<std::string>& argume
   return finish(start(out, arguments));
 }
 
-Ended ProgramUnderTest::run_and_signal(int signal,
-                                       const std::vector<std::string>& arguments) const {
+std::vector<Ended> ProgramUnderTest::run_together(
+    const std::vector<std::vector<std::string>>& runs) const {
+  std::vector<pid_t> processes;
+  for (const auto& arguments : runs) {
+    processes.push_back(start(-1, arguments, static_cast<int>(processes.size())));
+  }
+  std::vector<Ended> all;
+  for (const pid_t process : processes) {
+    all.push_back(finish(process, static_cast<int>(all.size())));
+  }
+  return all;
+}
+
+Ended ProgramUnderTest::run_and_signal(int signal, const std::vector<std::string>& arguments,
+                                       std::chrono::milliseconds moment) const {
   const pid_t process = start(-1, arguments);
-  std::this_thread::sleep_for(std::chrono::milliseconds(30));
+  std::this_thread::sleep_for(moment);
   kill(process, signal);
   return finish(process);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <filesystem>
 #include <map>
 #include <string>
@@ -30,6 +31,7 @@ struct Ended {
   int code = 0;  ///< 128 and the signal's number when one ended it
   std::string out;
   std::string err;
+  long peak_kib = 0;  ///< the most memory that it held at a time
 };
 
 /// The real program, with its working directory and its cache in a fresh directory.
@@ -41,14 +43,20 @@ class ProgramUnderTest {
   Ended run(const std::vector<std::string>& arguments) const;
   /// The same with standard output open on an existing file descriptor.
   Ended run_into(int out, const std::vector<std::string>& arguments) const;
+  /// Starts several at once and waits for all.
+  std::vector<Ended> run_together(const std::vector<std::vector<std::string>>& runs) const;
   /// Starts it, sends it the signal after a moment, and waits.
-  Ended run_and_signal(int signal, const std::vector<std::string>& arguments) const;
+  Ended run_and_signal(int signal, const std::vector<std::string>& arguments,
+                       std::chrono::milliseconds moment = std::chrono::milliseconds(30)) const;
 
   std::map<std::string, std::string> environment{{"PATH", "/usr/bin:/bin"}};
+  /// Commands of a shell that run before the program in its process: limits, a trap.
+  std::string before;
 
  private:
-  pid_t start(int out, const std::vector<std::string>& arguments) const;
-  Ended finish(pid_t process) const;
+  pid_t start(int out, const std::vector<std::string>& arguments, int number = 0) const;
+  Ended finish(pid_t process, int number = 0) const;
+  std::filesystem::path output(const char* stream, int number) const;
 
   FreshDirectory directory_;
   FreshDirectory outputs_;

@@ -1,0 +1,202 @@
+// Repositories made to break a reader. Each run ends by itself, answers, and holds its memory.
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <array>
+#include <atomic>
+#include <functional>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "tests/program/process.h"
+
+namespace kestrix::program {
+namespace {
+
+using testing::HasSubstr;
+
+constexpr std::array kExtensions{".py", ".js", ".ts",  ".tsx", ".java", ".kt", ".go",
+                                 ".rs", ".c",  ".cpp", ".h",   ".cs",   ".rb", ".php"};
+
+std::string repeated(std::string_view text, std::size_t count) {
+  std::string all;
+  all.reserve(text.size() * count);
+  for (std::size_t i = 0; i < count; ++i) all += text;
+  return all;
+}
+
+void make_links(const FreshDirectory& repo) {
+  const auto& top = repo.path() / "repo";
+  std::filesystem::create_directories(top / "a/b");
+  std::filesystem::create_symlink(".", top / "self");
+  std::filesystem::create_symlink("../..", top / "a/b/up");
+  std::filesystem::create_symlink("/etc", top / "etc");
+  std::filesystem::create_symlink("/etc/passwd", top / "passwd.py");
+  std::filesystem::create_symlink("nowhere", top / "dangling.py");
+}
+
+void make_special_files(const FreshDirectory& repo) {
+  repo.write("repo/real.py", "x = 1\n");
+  const auto top = repo.path() / "repo";
+  ASSERT_EQ(mkfifo((top / "fifo.py").c_str(), 0600), 0);
+  sockaddr_un address{};
+  address.sun_family = AF_UNIX;
+  const auto path = top / "s.py";
+  ASSERT_LT(path.native().size(), sizeof address.sun_path);
+  path.native().copy(address.sun_path, sizeof address.sun_path - 1);
+  const int socket_fd = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  ASSERT_EQ(bind(socket_fd, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+  close(socket_fd);
+}
+
+void make_odd_names(const FreshDirectory& repo) {
+  for (const std::string& name :
+       {std::string("new\nline"), std::string("tab\t\x01\x7f"), std::string("\xff\xfe\xc3"),
+        std::string(252, 'n'), std::string(" "), std::string("-rf"), std::string("\"quoted\\")}) {
+    repo.write("repo/" + name + ".py", "class OddError(Exception): pass\n");
+  }
+}
+
+void make_depth(const FreshDirectory& repo) {
+  std::filesystem::create_directory(repo.path() / "repo");
+  int folder = open((repo.path() / "repo").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  for (int i = 0; i < 2000; ++i) {
+    ASSERT_EQ(mkdirat(folder, "d", 0700), 0);
+    const int next = openat(folder, "d", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    close(folder);
+    folder = next;
+  }
+  const int file = openat(folder, "deep.py", O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
+  EXPECT_EQ(write(file, "x=1\n", 4), 4);
+  close(file);
+  close(folder);
+}
+
+void make_crowd(const FreshDirectory& repo) {
+  std::filesystem::create_directory(repo.path() / "repo");
+  const int folder = open((repo.path() / "repo").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  for (int i = 0; i < 50000; ++i) {
+    const std::string name = "f" + std::to_string(i) + ".txt";
+    close(openat(folder, name.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
+  }
+  close(folder);
+}
+
+void make_giants(const FreshDirectory& repo) {
+  repo.write("repo/zeros.py", "");
+  std::filesystem::resize_file(repo.path() / "repo/zeros.py", std::uintmax_t{1} << 30U);
+  repo.write("repo/line.js", "var a=[" + repeated("1,", 25'000'000) + "1]");
+  repo.write("repo/text.py", repeated("x = 1\n", 400'000));
+  std::filesystem::resize_file(repo.path() / "repo/text.py", std::uintmax_t{1} << 30U);
+}
+
+void make_nesting(const FreshDirectory& repo) {
+  for (const char* extension : kExtensions) {
+    const std::string name = std::string("repo/n") + extension;
+    for (const auto& [kind, open_text] :
+         {std::pair("brace", "{"), {"paren", "("}, {"call", "f(["}, {"type", "a<"}}) {
+      repo.write(name + "." + kind + extension, repeated(open_text, 16384));
+    }
+  }
+  repo.write("repo/if.py", [] {
+    std::string text;
+    for (int i = 0; i < 700; ++i) text += repeated(" ", static_cast<std::size_t>(i)) + "if x:\n";
+    return text;
+  }());
+}
+
+// Every grammar is fed every other language's text, and bytes that are no text at all.
+void make_mixtures(const FreshDirectory& repo) {
+  const std::array<std::string, 8> texts{
+      "from . import (a,\nclass A(B: pass\n\"\"\"",
+      "import {a, b} from './x';\nexport * from\nclass {`${",
+      "package a.b; import static x.*; class A<T extends { /*",
+      "package main\nimport (\n\"x\"\nfunc (",
+      "#[path=\"\nmod a; use a::{b::{c, d}, self}; r#\"",
+      "#include \"\n#define X \\\n\\\n template<class T> struct { = 0",
+      "<?php namespace A; use B\\{C, D}; require 'x' . __DIR__; <<<EOT\n",
+      std::string("nul\0in the text\xff\xfe\x80", 20)};
+  for (std::size_t i = 0; i < texts.size(); ++i) {
+    for (const char* extension : kExtensions) {
+      repo.write("repo/m" + std::to_string(i) + extension, repeated(texts[i], 50));
+    }
+  }
+}
+
+struct HostileCase {
+  const char* name;
+  std::function<void(const FreshDirectory&)> make;
+  const char* told;  ///< a line of the figures
+};
+
+class HostileRepository : public testing::TestWithParam<HostileCase> {};
+
+TEST_P(HostileRepository, IsIndexedWithinItsMemory) {
+  const ProgramUnderTest program;
+  GetParam().make(program.directory());
+  const Ended index = program.run({"index", "repo", "--index", "i.db"});
+  ASSERT_EQ(index.code, 0) << index.err;
+  EXPECT_THAT(index.out, HasSubstr(GetParam().told));
+  const Ended pages = program.run({"pages", "repo", "--index", "i.db"});
+  EXPECT_EQ(pages.code, 0) << pages.err;
+#ifndef __SANITIZE_ADDRESS__
+  EXPECT_LT(std::max(index.peak_kib, pages.peak_kib), 400 * 1024);
+#endif
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    All, HostileRepository,
+    testing::Values(HostileCase{"Links", make_links, "files        0\n"},
+                    HostileCase{"SpecialFiles", make_special_files, "files        1\n"},
+                    HostileCase{"OddNames", make_odd_names, "class        7\n"},
+                    HostileCase{"Depth", make_depth, "files        1\n"},
+                    HostileCase{"Crowd", make_crowd, "files        50000\n"},
+                    HostileCase{"Giants", make_giants, "left out\n"},
+                    HostileCase{"Nesting", make_nesting, "files        57\n"},
+                    HostileCase{"Mixtures", make_mixtures, "binary file"}),
+    [](const auto& test) { return test.param.name; });
+
+TEST(HostileRepository, MayChangeWhileItIsRead) {
+  const ProgramUnderTest program;
+  std::atomic<bool> done = false;
+  program.directory().write("repo/stays.py", "class StaysError(Exception): pass\n");
+  std::thread restless([&] {
+    for (int i = 0; !done; ++i) {
+      const std::string name = "repo/d" + std::to_string(i % 50) + "/f.py";
+      std::error_code ignored;
+      if (i % 3 == 0) std::filesystem::remove_all((program.path() / name).parent_path(), ignored);
+      if (i % 3 != 0) program.directory().write(name, repeated("import stays\n", i % 900 + 1U));
+    }
+  });
+  for (int i = 0; i < 20; ++i) {
+    const Ended ended = program.run({"pages", "repo", "--page", "errors", "--index", "i.db"});
+    EXPECT_EQ(ended.code, 0) << ended.err;
+    EXPECT_EQ(ended.out, "errors (1)\n  stays.py\n");
+  }
+  done = true;
+  restless.join();
+}
+
+TEST(HostileRepository, MayHoldWhatItsUserCannotRead) {
+  if (geteuid() == 0) GTEST_SKIP() << "root reads everything";
+  const ProgramUnderTest program;
+  program.directory().write("repo/a.py", "x = 1\n");
+  program.directory().write("repo/secret.py", "x = 1\n");
+  program.directory().write("repo/closed/b.py", "x = 1\n");
+  std::filesystem::permissions(program.path() / "repo/secret.py", std::filesystem::perms::none);
+  std::filesystem::permissions(program.path() / "repo/closed", std::filesystem::perms::none);
+  const Ended ended = program.run({"index", "repo"});
+  std::filesystem::permissions(program.path() / "repo/closed", std::filesystem::perms::owner_all);
+  EXPECT_EQ(ended.code, 0) << ended.err;
+  EXPECT_THAT(ended.out, HasSubstr("files        1\n"));
+}
+
+}  // namespace
+}  // namespace kestrix::program
