@@ -70,8 +70,8 @@ constexpr Source kData[] = {
     {"a.graphql", "type A {\n x: Int }"},
     {"a.prisma", "model A {\n}"},
     {"a.thrift", "struct A {\n}"},
-    {"a.avsc", "{\"type\": \"record\", \"name\": \"A\"}"},
-    {"a.json", "{\"$schema\": \"http://json-schema.org/draft-07/schema#\", \"properties\": {}}"},
+    {"a.avsc", R"({"type": "record", "name": "A"})"},
+    {"a.json", R"({"$schema": "http://json-schema.org/draft-07/schema#", "properties": {}})"},
     {"a.yaml", "openapi: 3.0.1\ncomponents:\n  schemas:\n    A:\n"},
 };
 
@@ -100,9 +100,9 @@ constexpr Source kOther[] = {
     {"a.rs", "#[derive(Debug, Clone)]\nstruct A;\n#[derive(Parser)]\nstruct B;"},
     {"a.rb", "def create_table(name)\nend\ncreate_table_for(x)"},
     // documents that are no schema
-    {"package.json", "{\"$schema\": \"http://json-schema.org/x\", \"properties\": {}}"},
-    {"a.json", "{\"$schema\": \"https://json.schemastore.org/a\", \"properties\": {}}"},
-    {"a.json", "{\"properties\": {}, \"definitions\": {}}"},
+    {"package.json", R"({"$schema": "http://json-schema.org/x", "properties": {}})"},
+    {"a.json", R"({"$schema": "https://json.schemastore.org/a", "properties": {}})"},
+    {"a.json", R"({"properties": {}, "definitions": {}})"},
     {"a.yaml", "info:\n  openapi: 3.0.1\nschemas:\n"},
     {"a.graphql", "query A {\n type { x }\n}"},
     {"a.md", "CREATE TABLE users (id int);"},

@@ -49,6 +49,7 @@ std::vector<Component> components_of(std::span<const std::string> paths) {
     }
   }
   std::vector<Component> components;
+  components.reserve(layers.size());
   for (const auto& [pattern, layer] : layers) {
     components.push_back({std::string(layer), pattern});
   }

@@ -251,8 +251,7 @@ std::vector<std::string> rank_design_documents(const std::vector<std::string>& d
     if (const auto document = judge(path, lengths)) found.push_back(*document);
   }
   std::ranges::sort(found, {}, &DesignDocument::key);
-  const auto repeated = std::ranges::unique(found);
-  found.erase(repeated.begin(), repeated.end());
+  found.erase(std::unique(found.begin(), found.end()), found.end());
   std::vector<std::string> paths;
   paths.reserve(found.size());
   for (const auto& document : found) paths.emplace_back(document.path);
