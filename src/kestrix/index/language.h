@@ -3,7 +3,9 @@
 #include <tree_sitter/api.h>
 
 #include <cstdint>
+#include <optional>
 #include <span>
+#include <string>
 #include <string_view>
 
 #include "kestrix/index/facts.h"
@@ -29,6 +31,9 @@ struct Language {
   std::span<const std::string_view> keywords;
   FileFacts (*read)(const SourceTree& tree);
   ResolverFactory resolver;
+  /// A copy of the text, of equal length, in which what the grammar cannot read is blank; it is
+  /// parsed in the text's stead. None when nothing is in the way; null for a language without need.
+  std::optional<std::string> (*mask)(std::string_view text) = nullptr;
   std::uint32_t version = 1;  ///< raised whenever the facts of unchanged files would differ
 };
 

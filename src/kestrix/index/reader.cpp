@@ -39,6 +39,8 @@ const Query& query_of(const Language& language) {
 }
 
 TreePtr parse(const Language& language, std::string_view text, std::chrono::microseconds budget) {
+  const auto masked = language.mask == nullptr ? std::nullopt : language.mask(text);
+  if (masked) text = *masked;
   thread_local const ParserPtr parser(ts_parser_new());
   if (!ts_parser_set_language(parser.get(), language.grammar())) {
     throw Error("the grammar of " + std::string(language.name) +
