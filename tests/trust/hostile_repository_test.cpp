@@ -134,6 +134,8 @@ struct HostileCase {
   const char* name;
   std::function<void(const FreshDirectory&)> make;
   const char* told;  ///< a line of the figures
+
+  friend void PrintTo(const HostileCase& hostile, std::ostream* out) { *out << hostile.name; }
 };
 
 class HostileRepository : public testing::TestWithParam<HostileCase> {};
