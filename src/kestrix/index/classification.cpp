@@ -19,10 +19,10 @@ constexpr std::array<std::string_view, 19> kProseExtensions = {
     ".mdx",  ".mediawiki", ".mkd",     ".org",      ".qmd", ".rdoc",  ".rmd",
     ".rst",  ".text",      ".textile", ".txt",      ".wiki"};
 
-constexpr std::array<std::string_view, 15> kProseNames = {
-    "authors",      "changelog", "changes", "code_of_conduct", "contributing",
-    "contributors", "copying",   "history", "install",         "license",
-    "maintainers",  "news",      "notice",  "readme",          "todo"};
+constexpr std::array<std::string_view, 18> kProseNames = {
+    "architecture", "authors",     "changelog", "changes", "code_of_conduct", "contributing",
+    "contributors", "copying",     "decisions", "design",  "history",         "install",
+    "license",      "maintainers", "news",      "notice",  "readme",          "todo"};
 
 // Read by tools, whatever they are called.
 constexpr std::array<std::string_view, 5> kToolTexts = {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <algorithm>
 #include <cstddef>
 #include <string_view>
 
@@ -19,8 +18,11 @@ constexpr bool is_space(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
 /// Whether `text` is `lower_case`, which holds no capital, in any case.
 constexpr bool equals(std::string_view text, std::string_view lower_case) {
-  return text.size() == lower_case.size() &&
-         std::ranges::equal(text, lower_case, {}, [](char c) { return lower(c); });
+  if (text.size() != lower_case.size()) return false;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (lower(text[i]) != lower_case[i]) return false;
+  }
+  return true;
 }
 
 constexpr bool ends_with(std::string_view text, std::string_view lower_case) {

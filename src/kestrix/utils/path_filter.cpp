@@ -14,33 +14,10 @@ namespace {
 
 using Names = std::span<const std::string_view>;
 
-constexpr auto kTestDirectories = std::to_array<std::string_view>({"test",
-                                                                   "tests",
-                                                                   "__tests__",
-                                                                   "spec",
-                                                                   "specs",
-                                                                   "testing",
-                                                                   "testdata",
-                                                                   "test_data",
-                                                                   "e2e",
-                                                                   "benches",
-                                                                   "__mocks__",
-                                                                   "__fixtures__",
-                                                                   "unittest",
-                                                                   "unittests",
-                                                                   "unit_tests",
-                                                                   "unit-tests",
-                                                                   "__snapshots__",
-                                                                   "integration_tests",
-                                                                   "integration-tests",
-                                                                   "integrationtest",
-                                                                   "integrationtests",
-                                                                   "functional_tests",
-                                                                   "functional-tests",
-                                                                   "e2e_tests",
-                                                                   "e2e-tests",
-                                                                   "acceptance_tests",
-                                                                   "acceptance-tests"});
+constexpr auto kTestDirectories = std::to_array<std::string_view>(
+    {"test", "tests", "__tests__", "spec", "specs", "testing", "testdata", "test_data", "e2e",
+     "benches", "__mocks__", "__fixtures__", "__snapshots__", "unittest", "unittests",
+     "integrationtest", "integrationtests"});
 
 constexpr auto kProductionTrees =
     std::to_array<std::string_view>({"java", "kotlin", "scala", "groovy", "resources"});
@@ -108,6 +85,10 @@ constexpr auto kUnderscore = std::to_array<Convention>({{kSuffix, "_test"}});
 constexpr auto kPluralExtensions = std::to_array<std::string_view>({"cs", "fs", "vb", "swift"});
 constexpr auto kPlural = std::to_array<Convention>({{kSuffix, "Tests"}});
 
+// Recorded output that a test compares with.
+constexpr auto kSnapshotExtensions = std::to_array<std::string_view>({"snap"});
+constexpr auto kSnapshot = std::to_array<Convention>({{kPrefix, ""}});
+
 constexpr auto kPhpExtensions = std::to_array<std::string_view>({"php"});
 constexpr auto kPhp = std::to_array<Convention>({{kSuffix, "Test"}});
 
@@ -121,18 +102,16 @@ constexpr auto kLanguages = std::to_array<LanguageConventions>({
     {kUnderscoreExtensions, kUnderscore},
     {kPluralExtensions, kPlural},
     {kPhpExtensions, kPhp},
+    {kSnapshotExtensions, kSnapshot},
 });
-
-constexpr auto kDocumentExtensions = std::to_array<std::string_view>(
-    {"md", "markdown", "mdown", "mkd", "mdx", "rst", "rest", "adoc", "asciidoc", "asc", "txt",
-     "text", "org", "textile", "rdoc", "pod", "wiki", "mediawiki", "creole"});
-
-// Plain text that a tool reads.
-constexpr auto kToolFiles =
-    std::to_array<std::string_view>({"cmakelists.txt", "robots.txt", "constraints.txt"});
 
 bool is_among(Names names, std::string_view text) {
   return std::ranges::any_of(names, [text](auto name) { return ascii::equals(text, name); });
+}
+
+// A folder of tests of some sort: "unit_tests", "integration-tests".
+bool is_sort_of_tests(std::string_view piece) {
+  return ascii::ends_with(piece, "-tests") || ascii::ends_with(piece, "_tests");
 }
 
 // A project folder such as "Shop.UnitTests".
@@ -158,8 +137,9 @@ Verdict judge_directories(std::string_view path) {
   for (std::size_t begin = 0, slash = 0; (slash = path.find('/', begin)) != std::string_view::npos;
        begin = slash + 1) {
     const auto piece = path.substr(begin, slash - begin);
-    if (is_among(kTestDirectories, piece) || is_dotted_test_project(piece) ||
-        is_test_source_set(parent, piece) || (begin == 0 && piece == "t")) {
+    if (is_among(kTestDirectories, piece) || is_sort_of_tests(piece) ||
+        is_dotted_test_project(piece) || is_test_source_set(parent, piece) ||
+        (begin == 0 && piece == "t")) {
       return Verdict::kTest;
     }
     if (before == "src" && parent == "main" && is_among(kProductionTrees, piece)) {
@@ -183,12 +163,6 @@ bool is_test_name(std::string_view name) {
                              [stem](const Convention& c) { return c.admits(stem); });
 }
 
-// Lists of packages: "requirements.txt", "requirements-dev.txt", "dev-requirements.txt".
-bool is_requirements(std::string_view name) {
-  return ascii::ends_with(name, ".txt") &&
-         (name.starts_with("requirements") || ascii::ends_with(name, "requirements.txt"));
-}
-
 std::string_view name_of(std::string_view path) { return path.substr(path.rfind('/') + 1); }
 
 }  // namespace
@@ -196,13 +170,6 @@ std::string_view name_of(std::string_view path) { return path.substr(path.rfind(
 bool is_test_path(std::string_view path) {
   const auto verdict = judge_directories(path);
   return verdict == Verdict::kTest || (verdict == Verdict::kOpen && is_test_name(name_of(path)));
-}
-
-bool is_document_path(std::string_view path) {
-  const auto name = name_of(path);
-  const auto dot = name.rfind('.');
-  return dot != std::string_view::npos && is_among(kDocumentExtensions, name.substr(dot + 1)) &&
-         !is_among(kToolFiles, name) && !is_requirements(name);
 }
 
 }  // namespace kestrix

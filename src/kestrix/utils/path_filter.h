@@ -9,15 +9,10 @@ namespace kestrix {
 /// path.
 ///
 /// The directories decide first, by their whole names and in any case: a file below "tests",
-/// "spec", "testdata" … is a test whatever it is called, and one in the production tree of a build
-/// tool ("src/main/java/…") is none. Then the naming conventions of the file's language do, in the
-/// language's own case. Words that merely contain "test" mean nothing: "testutils/" and
-/// "utils/test.py" are production code.
+/// "spec", "testdata", "integration-tests" … is a test whatever it is called, and one in the
+/// production tree of a build tool ("src/main/java/…") is none. Then the naming conventions of the
+/// file's language do, in the language's own case. Words that merely contain "test" mean nothing:
+/// "testutils/" and "utils/test.py" are production code.
 bool is_test_path(std::string_view path);
-
-/// Whether a path names a document: prose by its extension (Markdown, reStructuredText, AsciiDoc,
-/// plain text, Org …). Everything else that is text is a source file, plain text that a tool reads
-/// ("requirements.txt", "CMakeLists.txt") included.
-bool is_document_path(std::string_view path);
 
 }  // namespace kestrix

@@ -1,12 +1,14 @@
 #include "kestrix/workers/wiki_cluster.h"
 
 #include <algorithm>
+#include <array>
 #include <tuple>
 #include <utility>
 
 #include "kestrix/workers/cluster/data_ranking.h"
 #include "kestrix/workers/cluster/data_signals.h"
 #include "kestrix/workers/cluster/design_documents.h"
+#include "kestrix/workers/cluster/file_origin.h"
 
 namespace kestrix {
 namespace {
@@ -40,14 +42,30 @@ std::vector<std::string> only_in(const PathCounts& a, const PathCounts& b) {
   return by_count(std::move(counts));
 }
 
+using Candidates = std::array<std::vector<const PathTexts::value_type*>, kDataOrigins.size()>;
+
+// The files that are worth reading, by what their path says of their origin.
+Candidates candidates(const PathTexts& texts) {
+  Candidates by_origin;
+  for (const auto& entry : texts) {
+    if (!may_define_data(entry.first)) continue;
+    by_origin[static_cast<std::size_t>(origin_of_path(entry.first))].push_back(&entry);
+  }
+  return by_origin;
+}
+
 }  // namespace
 
 AspectFileLimit::operator std::ptrdiff_t() const { return 12; }
 
 std::vector<std::string> data_model_files(const PathTexts& texts) {
   DataRanking ranking(static_cast<std::size_t>(std::ptrdiff_t{MAX_ASPECT_FILES}));
-  for (const auto& [path, text] : texts) {
-    if (may_define_data(path)) ranking.add(path, data_signals(path, text.str()));
+  const auto by_origin = candidates(texts);
+  for (const auto origin : kDataOrigins) {
+    for (const auto* entry : by_origin[static_cast<std::size_t>(origin)]) {
+      ranking.add(entry->first, data_signals(entry->first, entry->second.str()));
+    }
+    if (ranking.is_settled(origin)) break;
   }
   return ranking.best();
 }

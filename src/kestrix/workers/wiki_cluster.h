@@ -48,10 +48,11 @@ inline constexpr AspectFileLimit MAX_ASPECT_FILES{};
 /// A file defines data when it holds a DDL statement (also inside a string literal), a class that
 /// is mapped to storage, a definition in a schema language, or at least two data classes. The
 /// repository's own definitions come before those of its samples, then migrations, then generated
-/// and vendored files. The evidence is in cluster/data_signals.h.
+/// and vendored files. The evidence is told in cluster/data_signals.h.
 ///
 /// Texts are read one at a time, each at most once, and only those whose name can hold data
-/// definitions; none is kept. A text that cannot be read is "" and defines nothing.
+/// definitions and that can still be among the best; none is kept. A text that cannot be read is ""
+/// and defines nothing.
 std::vector<std::string> data_model_files(const PathTexts& texts);
 
 /// The design documents among `documents`, best first, at most `max_files`; each distinct path

@@ -15,9 +15,10 @@ constexpr std::array kPython{
                       R"(attrs?\.(?:s|attrs|attributes|define|frozen|mutable|dataclass)|)"
                       R"(define|frozen|mutable)(?:\(|[ \t]*(?:#.*)?\r?$))"},
     Evidence{kPythonClass, R"(^[ \t]*class\s+\w+\s*(?:\[[^\]\n]*\])?\s*\()"},
-    Evidence{kColumn, R"(^[ \t]+__tablename__\s*[:=])"},
-    Evidence{kColumn, R"(^[ \t]+\w+(?:\s*:[^=\n]+)?\s+=\s+(?:(?:\w+\.)*(?:mapped_column|Column)\(|)"
-                      R"(models\.(?:\w+Field|ForeignKey)\())"},
+    Evidence{kMapping, R"(^[ \t]+__tablename__\s*=\s*f?["'])"},
+    Evidence{kMapping,
+             R"(^[ \t]+\w+(?:\s*:[^=\n]+)?\s+=\s+(?:(?:\w+\.)*(?:mapped_column|Column)\(|)"
+             R"(models\.(?:\w+Field|ForeignKey)\())"},
     Evidence{kEntity, R"(^[ \t]*\w+\s*=\s*(?:sa\.|sqlalchemy\.|db\.)?Table\(\s*["'])"},
     Evidence{kRecord, R"(^[ \t]*\w+\s*=\s*(?:collections\.)?namedtuple\()"},
 };
@@ -30,7 +31,7 @@ constexpr std::array kScript{
     Evidence{kSchema, R"(^[ \t]*@(?:ObjectType|InputType)\s*\()"},
     Evidence{kEntity, R"(\bnew\s+EntitySchema\b|=\s*(?:pg|mysql|sqlite)Table\s*\(|)"
                       R"(=\s*sequelize\.define\s*\()"},
-    Evidence{kMongoose, R"(\bnew\s+(?:mongoose\.)?Schema\s*(?:<[^()]{0,200}>\s*)?\()"},
+    Evidence{kMongoose, R"(\bnew\s+(?:mongoose\.)?Schema\s*(?:<[^()]*>\s*)?\()"},
     Evidence{kSchema, R"(=\s*(?:z\s*\.\s*(?:strictObject|looseObject|object)|)"
                       R"((?:yup|Yup|Joi)\s*\.\s*object)\s*\()"},
     Evidence{kColumn,
@@ -47,7 +48,7 @@ constexpr std::array kJava{
                       R"(Embedded|ElementCollection)\b)"},
     Evidence{kRecord,
              R"(^[ \t]*(?:(?:public|private|protected|static|final|sealed|strictfp|@\w+)\s+)*)"
-             R"(record\s+[A-Z]\w*\s*(?:<[^()]{0,200}>)?\s*\()"},
+             R"(record\s+[A-Z]\w*\s*(?:<[^()\n]*>)?\s*\()"},
     Evidence{kRecord, R"(^[ \t]*@(?:lombok\.)?Data[ \t]*\r?$)"},
 };
 
@@ -66,10 +67,12 @@ constexpr std::array kCSharpExtensions{Name("cs")};
 constexpr std::array kCSharp{
     Evidence{kEntity, R"(\bclass\s+\w+[^{;\n]*:\s*(?:[\w.]+\.)?(?:Identity)?DbContext\b)"},
     Evidence{kEntity, R"(\bDbSet<)"},
+    Evidence{kEntity, R"(\bclass\s+\w+\s*(?:<[^>\n]*>)?\s*:\s*(?:[\w.]+\.)?)"
+                      R"((?:\w*Entity|AggregateRoot|ValueObject)(?:<[^>\n]*>)?\s*(?:,|\{|;|\r?$))"},
     Evidence{kEntity, R"(^[ \t]*\[(?:Table\(|BsonCollection))"},
     Evidence{kRecord, R"(^[ \t]*(?:(?:public|internal|private|protected|sealed|abstract|readonly|)"
                       R"(partial|static|file)\s+)*record\s+(?:struct\s+|class\s+)?[A-Z]\w*)"
-                      R"(\s*(?:<[^()]{0,200}>)?\s*[({:;])"},
+                      R"(\s*(?:<[^()\n]*>)?\s*[({:;])"},
 };
 
 constexpr std::array kGoExtensions{Name("go")};
@@ -91,7 +94,7 @@ constexpr std::array kRuby{
              R"(Sequel::Model)\b)"},
     Evidence{kEntity, R"(^[ \t]*include\s+(?:::)?Mongoid::Document\b)"},
     Evidence{kDdlCall, R"(^[ \t]*create_table[ (]\s*["':])"},
-    Evidence{kColumn, R"(^[ \t]*(?:belongs_to|has_many|has_one|has_and_belongs_to_many)\s+:)"},
+    Evidence{kMapping, R"(^[ \t]*(?:belongs_to|has_many|has_one|has_and_belongs_to_many)\s+:)"},
     Evidence{kRecord, R"(\b(?:Struct\.new|Data\.define)\b|<\s*(?:Dry::Struct|T::Struct)\b)"},
 };
 
@@ -102,6 +105,9 @@ constexpr std::array kPhp{
                       R"(ActiveRecord)\b)"},
     Evidence{kColumn, R"(^[ \t]*(?:#\[|\*[ \t]*@)(?:\w+\\)*(?:Column|Id|OneToMany|ManyToOne|)"
                       R"(OneToOne|ManyToMany)\b)"},
+    Evidence{kMapping,
+             R"(\$this->(?:hasOne|hasMany|belongsTo|belongsToMany|morph(?:To|One|Many)\w*))"
+             R"(\()"},
     Evidence{kDdlCall, R"(\bSchema::create\s*\()"},
 };
 
@@ -128,7 +134,7 @@ constexpr std::array kPlainExtensions{
 constexpr std::span<const Evidence> kPlain;
 
 constexpr std::array kProtoExtensions{Name("proto")};
-constexpr std::array kProto{Evidence{kSchema, R"(^[ \t]*message\s+\w+\s*\{)"}};
+constexpr std::array kProto{Evidence{kMessage, R"(^[ \t]*message\s+\w+\s*\{)"}};
 
 constexpr std::array kGraphqlExtensions{Name("graphql"), Name("graphqls"), Name("gql")};
 constexpr std::array kGraphql{
@@ -161,7 +167,7 @@ constexpr std::array kYaml{
 
 constexpr std::array kLanguages{
     DataLanguageRow{kPythonExtensions, DataSyntax::kPython, kPython},
-    DataLanguageRow{kScriptExtensions, DataSyntax::kCode, kScript},
+    DataLanguageRow{kScriptExtensions, DataSyntax::kScript, kScript},
     DataLanguageRow{kJavaExtensions, DataSyntax::kCode, kJava},
     DataLanguageRow{kKotlinExtensions, DataSyntax::kCode, kKotlin},
     DataLanguageRow{kCSharpExtensions, DataSyntax::kCode, kCSharp},

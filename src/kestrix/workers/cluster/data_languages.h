@@ -14,14 +14,16 @@ enum class EvidenceKind {
   kSchema,
   kRecord,
   kColumn,
+  kMapping,  ///< a member that only a mapped class has; counts the class if nothing else does
 
   kDdl,
   kDdlCall,        ///< a call of a migration library that creates a table
-  kPythonClass,    ///< a class with bases
+  kMessage,        ///< a message of an interface language, unless it is what a call takes or gives
+  kPythonClass,    ///< a class with bases; ends at their parenthesis
   kMongoose,       ///< a schema, if the file uses the library at all
   kFields,         ///< a type that counts when its block only holds fields; ends at the brace
   kTaggedStruct,   ///< a Go struct that counts when its fields are tagged; ends at the brace
-  kDerive,         ///< the traits that a Rust type derives
+  kDerive,         ///< the traits that a Rust type derives; ends at their parenthesis
   kDialect,        ///< what says that a document is a schema
   kSchemaMembers,  ///< what such a document defines
 };
@@ -34,6 +36,7 @@ struct Evidence {
 
 enum class DataSyntax {
   kCode,
+  kScript,    ///< code whose template literals may hold more code
   kPython,    ///< code whose strings in triple quotes may hold more code
   kSchema,    ///< every definition of the file is one of data
   kDocument,  ///< JSON or YAML, a schema only if it says so

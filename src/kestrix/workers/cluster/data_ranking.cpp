@@ -32,6 +32,11 @@ void DataRanking::add(std::string_view path, const DataSignals& signals) {
   entries_.resize(kept_);
 }
 
+bool DataRanking::is_settled(DataOrigin origin) const {
+  const auto as_near = [origin](const Entry& entry) { return entry.signals.origin <= origin; };
+  return static_cast<std::size_t>(std::ranges::count_if(entries_, as_near)) >= kept_;
+}
+
 std::vector<std::string> DataRanking::best() const {
   auto ranked = entries_;
   std::ranges::sort(ranked, before);

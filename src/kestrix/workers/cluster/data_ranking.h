@@ -27,6 +27,9 @@ class DataRanking {
   /// Adds a file; one that defines no data is passed over.
   void add(std::string_view path, const DataSignals& signals);
 
+  /// Whether no file of a farther origin can be among the best any more.
+  bool is_settled(DataOrigin origin) const;
+
   /// The paths of the best files, best first.
   std::vector<std::string> best() const;
 

@@ -19,7 +19,7 @@ constexpr auto kNotData = std::to_array<std::string_view>(
      "mkdocs.yml", "docker-compose.yml"});
 
 constexpr auto kOriginNames =
-    std::to_array<std::string_view>({"product", "sample", "migration", "generated", "vendored"});
+    std::to_array<std::string_view>({"product", "aside", "migration", "generated", "vendored"});
 
 }  // namespace
 

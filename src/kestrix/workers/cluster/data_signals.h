@@ -6,8 +6,9 @@
 
 namespace kestrix {
 
-/// Where a file's definitions come from, the nearest to the product first.
-enum class DataOrigin { kProduct, kSample, kMigration, kGenerated, kVendored };
+/// Where a file's definitions come from, the nearest to the product first. Aside from it stand
+/// samples, documentation, and what serves its developers: scripts, helpers of tests.
+enum class DataOrigin { kProduct, kAside, kMigration, kGenerated, kVendored };
 
 /// What was seen in one file: each count is of definitions that pass the whole test, not of words.
 struct DataSignals {

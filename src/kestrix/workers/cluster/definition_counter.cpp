@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <array>
-#include <functional>
 #include <span>
 
 #include "kestrix/utils/ascii.h"
@@ -19,17 +18,32 @@ using Names = std::span<const std::string_view>;
 // level, and a large one is no stronger evidence than a page of definitions.
 constexpr std::uint32_t kMostDocumentMembers = 20;
 
-// Found by hand: a pattern with a bounded run this long is too large an automaton to be fast.
-constexpr std::size_t kLongestList = 400;
+struct BaseName {
+  std::string_view name;
+  ClassSort sort;
+};
 
-constexpr auto kMappedBases = std::to_array<std::string_view>(
-    {"models.Model", "db.Model", "DeclarativeBase", "DeclarativeBaseNoMeta", "EmbeddedDocument",
-     "Document", "DynamicDocument", "table=True"});
-constexpr auto kValidatedBases = std::to_array<std::string_view>(
-    {"BaseModel", "pydantic.BaseModel", "RootModel", "SQLModel", "Schema", "msgspec.Struct"});
-constexpr auto kRecordBases =
-    std::to_array<std::string_view>({"TypedDict", "typing.TypedDict", "typing_extensions.TypedDict",
-                                     "NamedTuple", "typing.NamedTuple"});
+constexpr auto kBases = std::to_array<BaseName>({
+    {"models.Model", ClassSort::kMapped},
+    {"db.Model", ClassSort::kMapped},
+    {"EmbeddedDocument", ClassSort::kMapped},
+    {"Document", ClassSort::kMapped},
+    {"DynamicDocument", ClassSort::kMapped},
+    {"table=True", ClassSort::kMapped},
+    {"BaseModel", ClassSort::kValidated},
+    {"pydantic.BaseModel", ClassSort::kValidated},
+    {"RootModel", ClassSort::kValidated},
+    {"SQLModel", ClassSort::kValidated},
+    {"Schema", ClassSort::kValidated},
+    {"msgspec.Struct", ClassSort::kValidated},
+    {"TypedDict", ClassSort::kRecord},
+    {"typing.TypedDict", ClassSort::kRecord},
+    {"typing_extensions.TypedDict", ClassSort::kRecord},
+    {"NamedTuple", ClassSort::kRecord},
+    {"typing.NamedTuple", ClassSort::kRecord},
+});
+
+constexpr std::size_t kLongestList = 400;
 
 constexpr auto kMappedTraits =
     std::to_array<std::string_view>({"Queryable", "QueryableByName", "Insertable", "Identifiable",
@@ -42,13 +56,28 @@ bool contains(Names names, std::string_view name) {
 }
 
 // Calls `take` with each word of a list of names, where "." and "=" are part of a name.
-void for_each_name(std::string_view list, const std::function<void(std::string_view)>& take) {
+template <class Take>
+void for_each_name(std::string_view list, Take take) {
   const auto is_part = [](char c) { return ascii::is_word(c) || c == '.' || c == '='; };
   for (auto at = list.begin(); at != list.end();) {
     const auto begin = std::find_if(at, list.end(), is_part);
     at = std::find_if_not(begin, list.end(), is_part);
     if (begin != at) take(std::string_view(begin, at));
   }
+}
+
+// What stands between an opening parenthesis that ends before `at` and the next closing one.
+std::string_view list_at(std::string_view text, std::size_t at) {
+  const auto list = text.substr(at, kLongestList);
+  return list.substr(0, list.find(')'));
+}
+
+// The name in "class Name(" or "class Name[T](".
+std::string_view declared_class(std::string_view head) {
+  head = head.substr(0, head.find_first_of("[("));
+  while (!head.empty() && ascii::is_space(head.back())) head.remove_suffix(1);
+  const auto begin = std::find_if_not(head.rbegin(), head.rend(), ascii::is_word).base();
+  return {begin, head.end()};
 }
 
 std::string_view last_name(std::string_view path) { return path.substr(path.rfind(':') + 1); }
@@ -63,24 +92,20 @@ bool has_tag(std::string_view block) {
   return RE2::PartialMatch({block.data(), block.size()}, pattern);
 }
 
-// Properties of a user-interface component are no data of the product.
-bool is_component_properties(std::string_view declaration) {
-  static const RE2 pattern(R"((?:interface|type)\s+\w*Props\b)");
+// "message GetUserRequest {": what a procedure takes and gives, not what there is.
+bool is_call_envelope(std::string_view declaration) {
+  static const RE2 pattern(R"((?:Request|Response|Reply)\s*\{$)");
+  return RE2::PartialMatch({declaration.data(), declaration.size()}, pattern);
+}
+
+// Properties of a user-interface component, and the actions of its store, are no data of the
+// product.
+bool is_component_type(std::string_view declaration) {
+  static const RE2 pattern(R"((?:interface|type)\s+\w*(?:Props|Action)\b)");
   return RE2::PartialMatch({declaration.data(), declaration.size()}, pattern);
 }
 
 }  // namespace
-
-std::string_view DefinitionCounter::text_at(Stretch place) const {
-  return text_.substr(place.begin, place.end - place.begin);
-}
-
-std::optional<std::string_view> DefinitionCounter::list_behind(Stretch place) const {
-  const auto list = text_.substr(place.end, kLongestList + 1);
-  const auto end = list.find(')');
-  if (end == std::string_view::npos) return std::nullopt;
-  return list.substr(0, end);
-}
 
 const TripleQuoted* DefinitionCounter::string_around(std::size_t at) {
   if (!strings_) strings_ = triple_quoted(text_);
@@ -89,9 +114,21 @@ const TripleQuoted* DefinitionCounter::string_around(std::size_t at) {
   return inside ? &(*strings_)[next_string_] : nullptr;
 }
 
+bool DefinitionCounter::is_documentation(std::size_t at) {
+  if (syntax_ != DataSyntax::kPython) return false;
+  const auto* string = string_around(at);
+  return string != nullptr && string->documentation;
+}
+
+bool DefinitionCounter::is_quoted_code(std::size_t at) {
+  if (syntax_ == DataSyntax::kPython) return string_around(at) != nullptr;
+  return syntax_ == DataSyntax::kScript && literals_.hold(at);
+}
+
 void DefinitionCounter::add(EvidenceKind kind, Stretch place) {
   if (kind == EvidenceKind::kDdl) return add_ddl(place);
-  if (syntax_ == DataSyntax::kPython && string_around(place.begin) != nullptr) return;
+  if (kind == EvidenceKind::kPythonClass) return add_python_class(place);
+  if (is_quoted_code(place.begin)) return;
   switch (kind) {
     case EvidenceKind::kTable:
     case EvidenceKind::kDdlCall:
@@ -107,10 +144,13 @@ void DefinitionCounter::add(EvidenceKind kind, Stretch place) {
       ++signals_.records;
       break;
     case EvidenceKind::kColumn:
-      add_column();
+      ++signals_.columns;
       break;
-    case EvidenceKind::kPythonClass:
-      add_python_class(place);
+    case EvidenceKind::kMapping:
+      add_mapping();
+      break;
+    case EvidenceKind::kMessage:
+      if (!is_call_envelope(text_.substr(place.begin, place.end - place.begin))) ++signals_.schemas;
       break;
     case EvidenceKind::kMongoose:
       if (text_.find("mongoose") != std::string_view::npos) ++signals_.entities;
@@ -131,6 +171,7 @@ void DefinitionCounter::add(EvidenceKind kind, Stretch place) {
       ++signals_.schemas;
       break;
     case EvidenceKind::kDdl:
+    case EvidenceKind::kPythonClass:
       break;
   }
 }
@@ -146,46 +187,40 @@ DataSignals DefinitionCounter::signals() const {
 
 void DefinitionCounter::add_ddl(Stretch place) {
   if (syntax_ == DataSyntax::kDocument) return;
-  if (syntax_ == DataSyntax::kPython) {
-    const auto* string = string_around(place.begin);
-    if (string != nullptr && string->documentation) return;
-  }
   const auto ddl = ddl_at(text_, place.begin);
-  if (ddl == Ddl::kCreates) ++signals_.tables;
-  if (ddl == Ddl::kAdds) ++signals_.alterations;
+  if (ddl == Ddl::kNone || is_documentation(place.begin)) return;
+  ++(ddl == Ddl::kCreates ? signals_.tables : signals_.alterations);
+}
+
+ClassSort DefinitionCounter::sort_of_base(std::string_view base) const {
+  const auto own = classes_.find(base);
+  if (own != classes_.end()) return own->second;
+  const auto known = std::ranges::find(kBases, base, &BaseName::name);
+  return known == kBases.end() ? ClassSort::kPlain : known->sort;
 }
 
 void DefinitionCounter::add_python_class(Stretch place) {
-  const auto bases = list_behind(place);
-  if (!bases) return;
-  bool mapped = false;
-  bool validated = false;
-  bool record = false;
-  for_each_name(*bases, [&](std::string_view base) {
-    mapped = mapped || contains(kMappedBases, base);
-    validated = validated || contains(kValidatedBases, base);
-    record = record || contains(kRecordBases, base);
-  });
-  class_is_mapped_ = mapped;
-  if (mapped) {
-    ++signals_.entities;
-  } else if (validated) {
-    ++signals_.schemas;
-  } else if (record) {
-    ++signals_.records;
-  }
+  auto sort = ClassSort::kPlain;
+  for_each_name(list_at(text_, place.end),
+                [&](std::string_view base) { sort = std::max(sort, sort_of_base(base)); });
+  class_is_mapped_ = sort == ClassSort::kMapped;
+  if (sort == ClassSort::kPlain || is_quoted_code(place.begin)) return;
+  const auto head = text_.substr(place.begin, place.end - place.begin);
+  classes_.insert_or_assign(declared_class(head), sort);
+  if (sort == ClassSort::kMapped) ++signals_.entities;
+  if (sort == ClassSort::kValidated) ++signals_.schemas;
+  if (sort == ClassSort::kRecord) ++signals_.records;
 }
 
-void DefinitionCounter::add_column() {
+void DefinitionCounter::add_mapping() {
   ++signals_.columns;
-  if (syntax_ == DataSyntax::kPython && !class_is_mapped_) {
-    ++signals_.entities;
-    class_is_mapped_ = true;
-  }
+  const bool fresh = syntax_ == DataSyntax::kPython ? !class_is_mapped_ : signals_.entities == 0;
+  if (fresh) ++signals_.entities;
+  class_is_mapped_ = true;
 }
 
 void DefinitionCounter::add_fields(Stretch place) {
-  if (is_component_properties(text_at(place))) return;
+  if (is_component_type(text_.substr(place.begin, place.end - place.begin))) return;
   if (holds_only_fields(block_at(text_, place.end - 1))) ++signals_.records;
 }
 
@@ -193,19 +228,14 @@ void DefinitionCounter::add_tagged_struct(Stretch place) {
   if (place.begin < block_end_) return;
   const auto block = block_at(text_, place.end - 1);
   block_end_ = place.end + block.size();
-  if (has_mapping_tag(block)) {
-    ++signals_.entities;
-  } else if (has_tag(block)) {
-    ++signals_.records;
-  }
+  if (block.find('`') == std::string_view::npos || !has_tag(block)) return;
+  ++(has_mapping_tag(block) ? signals_.entities : signals_.records);
 }
 
 void DefinitionCounter::add_derive(Stretch place) {
-  const auto traits = list_behind(place);
-  if (!traits) return;
   bool mapped = false;
   bool record = false;
-  for_each_name(*traits, [&](std::string_view trait) {
+  for_each_name(list_at(text_, place.end), [&](std::string_view trait) {
     mapped = mapped || contains(kMappedTraits, last_name(trait));
     record = record || contains(kRecordTraits, last_name(trait));
   });

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <optional>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "kestrix/workers/cluster/data_languages.h"
@@ -10,6 +11,9 @@
 #include "kestrix/workers/cluster/source_text.h"
 
 namespace kestrix {
+
+/// What a Python class makes of the classes that have it as a base.
+enum class ClassSort { kPlain, kRecord, kValidated, kMapped };
 
 /// Looks at each place that a scan of one text found and counts what it really is. Places come in
 /// ascending order. The text outlives the counter.
@@ -24,16 +28,15 @@ class DefinitionCounter {
  private:
   void add_ddl(Stretch place);
   void add_python_class(Stretch place);
-  void add_column();
+  void add_mapping();
   void add_fields(Stretch place);
   void add_tagged_struct(Stretch place);
   void add_derive(Stretch place);
 
-  std::string_view text_at(Stretch place) const;
-  /// What stands between the parenthesis that ends `place` and the one that closes it; none when
-  /// that is not near.
-  std::optional<std::string_view> list_behind(Stretch place) const;
+  bool is_quoted_code(std::size_t at);
+  bool is_documentation(std::size_t at);
   const TripleQuoted* string_around(std::size_t at);
+  ClassSort sort_of_base(std::string_view base) const;
 
   std::string_view text_;
   DataSyntax syntax_;
@@ -41,8 +44,10 @@ class DefinitionCounter {
   bool dialect_ = false;         ///< a document said that it is a schema
   bool class_is_mapped_ = true;  ///< the latest class of the text counts as an entity already
   std::size_t block_end_ = 0;    ///< of the latest block that was looked into
+  std::unordered_map<std::string_view, ClassSort> classes_;  ///< of the text, by name
   std::optional<std::vector<TripleQuoted>> strings_;
   std::size_t next_string_ = 0;
+  TemplateLiterals literals_{text_};
 };
 
 }  // namespace kestrix

@@ -10,8 +10,8 @@
 #include <tuple>
 #include <unordered_map>
 
+#include "kestrix/index/classification.h"
 #include "kestrix/utils/ascii.h"
-#include "kestrix/utils/path_filter.h"
 #include "kestrix/workers/wiki_split.h"
 
 namespace kestrix {
@@ -228,7 +228,7 @@ std::string_view naming_piece(std::string_view path, std::string_view own_stem) 
 
 std::optional<DesignDocument> judge(std::string_view path, const SeriesLengths& lengths) {
   const auto directory = directory_of(path);
-  if (!is_document_path(path) || has_piece(directory, kForeignFolders)) return std::nullopt;
+  if (!index::is_document_path(path) || has_piece(directory, kForeignFolders)) return std::nullopt;
   const auto place = place_of(directory, lengths);
   const auto own_stem = stem(path);
   const auto name = naming_piece(path, own_stem);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 #include "kestrix/utils/ascii.h"
 
@@ -42,14 +43,69 @@ bool opens_parameters(std::string_view before) {
   return type_operators.find(last_visible(before)) == std::string_view::npos;
 }
 
-// A string that stands where a statement does documents what it stands in.
-bool is_statement(std::string_view before) {
+// A string that begins a line outside all brackets is a statement of its own, unless a backslash
+// joins the line to the one before.
+bool is_statement(std::string_view before, int depth) {
   if (!before.empty() && ascii::lower(before.back()) == 'r') before.remove_suffix(1);
-  const auto line = before.substr(line_begin(before, before.size()));
-  if (!without_indent(line).empty()) return false;
-  const char last = last_visible(before);
-  return last == '\0' || last == ':' || last == '"' || last == '\'';
+  const auto begin = line_begin(before, before.size());
+  return depth == 0 && without_indent(before.substr(begin)).empty() &&
+         !before.substr(0, begin).ends_with("\\\n");
 }
+
+constexpr auto kMarks = [] {
+  std::array<bool, 256> marks{};
+  for (const char c : std::string_view("#\"'()[]{}")) marks[static_cast<unsigned char>(c)] = true;
+  return marks;
+}();
+
+/// Finds the strings in triple quotes of a Python source without mistaking a comment's or a plain
+/// string's quotes for theirs.
+class PythonStrings {
+ public:
+  explicit PythonStrings(std::string_view text) : text_(text) {}
+
+  std::vector<TripleQuoted> find() {
+    while (at_ < text_.size()) step();
+    return std::move(found_);
+  }
+
+ private:
+  void step() {
+    while (at_ < text_.size() && !kMarks[static_cast<unsigned char>(text_[at_])]) ++at_;
+    if (at_ == text_.size()) return;
+    const char c = text_[at_];
+    if (c == '#') {
+      at_ = std::min(text_.find('\n', at_), text_.size());
+    } else if (c == '"' || c == '\'') {
+      read_string(c);
+    } else {
+      const bool opens = c == '(' || c == '[' || c == '{';
+      if (opens || depth_ > 0) depth_ += opens ? 1 : -1;
+      ++at_;
+    }
+  }
+
+  void read_string(char quote) {
+    const auto marks = text_.substr(at_, 3);
+    if (marks.size() < 3 || marks[1] != quote || marks[2] != quote) return read_plain(quote);
+    const auto close = text_.find(marks, at_ + 3);
+    const auto end = close == std::string_view::npos ? text_.size() : close + 3;
+    found_.push_back({{at_, end}, is_statement(text_.substr(0, at_), depth_)});
+    at_ = end;
+  }
+
+  void read_plain(char quote) {
+    for (++at_; at_ < text_.size() && text_[at_] != quote && text_[at_] != '\n'; ++at_) {
+      if (text_[at_] == '\\') ++at_;
+    }
+    ++at_;
+  }
+
+  std::string_view text_;
+  std::size_t at_ = 0;
+  int depth_ = 0;
+  std::vector<TripleQuoted> found_;
+};
 
 }  // namespace
 
@@ -63,8 +119,7 @@ std::string_view block_at(std::string_view text, std::size_t open) {
   const auto body = text.substr(open + 1, kLongestBlock);
   std::size_t depth = 1;
   for (std::size_t i = 0; i < body.size(); ++i) {
-    i = behind_comment(body, i);
-    if (i >= body.size()) break;
+    if (body[i] == '/' && (i = behind_comment(body, i)) >= body.size()) break;
     if (body[i] == '{') ++depth;
     if (body[i] == '}' && --depth == 0) return body.substr(0, i);
   }
@@ -72,30 +127,22 @@ std::string_view block_at(std::string_view text, std::size_t open) {
 }
 
 std::vector<TripleQuoted> triple_quoted(std::string_view text) {
-  std::vector<TripleQuoted> found;
-  for (std::size_t at = 0; (at = text.find_first_of("\"'#", at)) != std::string_view::npos;) {
-    const auto rest = text.substr(at);
-    const char quote = rest.front();
-    if (quote == '#') {
-      at = std::min(text.find('\n', at), text.size());
-    } else if (rest.size() >= 3 && rest[1] == quote && rest[2] == quote) {
-      const auto close = text.find(rest.substr(0, 3), at + 3);
-      const auto end = close == std::string_view::npos ? text.size() : close + 3;
-      found.push_back({{at, end}, is_statement(text.substr(0, at))});
-      at = end;
-    } else {
-      const auto stop = text.find_first_of(quote == '"' ? "\"\n" : "'\n", at + 1);
-      at = stop == std::string_view::npos ? text.size() : stop + 1;
-    }
+  return PythonStrings(text).find();
+}
+
+bool TemplateLiterals::hold(std::size_t at) {
+  while ((read_ = text_.find('`', read_)) < at) {
+    if (read_ == 0 || text_[read_ - 1] != '\\') inside_ = !inside_;
+    ++read_;
   }
-  return found;
+  read_ = std::min(read_, at);
+  return inside_;
 }
 
 bool holds_only_fields(std::string_view block) {
   bool has_field = false;
   for (std::size_t i = 0; i < block.size(); ++i) {
-    i = behind_comment(block, i);
-    if (i >= block.size()) break;
+    if (block[i] == '/' && (i = behind_comment(block, i)) >= block.size()) break;
     if (block[i] == '(' && opens_parameters(block.substr(0, i))) return false;
     if (block[i] == '=' && block.substr(i).starts_with("=>")) return false;
     has_field = has_field || block[i] == ':';

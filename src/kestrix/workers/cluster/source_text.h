@@ -25,6 +25,20 @@ struct TripleQuoted : Stretch {
 };
 std::vector<TripleQuoted> triple_quoted(std::string_view text);
 
+/// Tells which places of a script lie in a template literal. Asked for ascending places, it reads
+/// the text once.
+class TemplateLiterals {
+ public:
+  explicit TemplateLiterals(std::string_view text) : text_(text) {}
+
+  bool hold(std::size_t at);
+
+ private:
+  std::string_view text_;
+  std::size_t read_ = 0;
+  bool inside_ = false;
+};
+
 /// Whether the members between an interface's braces are all fields: none is a method, a call or a
 /// callback, and there is one at least.
 bool holds_only_fields(std::string_view block);
