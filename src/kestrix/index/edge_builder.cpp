@@ -15,36 +15,40 @@ namespace kestrix::index {
 namespace {
 
 using FileIds = std::vector<FileId>;
+using Edges = std::vector<EdgeRow>;
+
+struct Group {
+  ResolverFactory resolver;
+  FileIds files;
+};
 
 // Languages that share a resolver are resolved together, so that it is built once.
-std::vector<std::pair<ResolverFactory, FileIds>> group_by_resolver(const IndexedFiles& files) {
-  std::vector<std::pair<ResolverFactory, FileIds>> groups;
-  for (FileId id = 0; id < files.size(); ++id) {
-    if (!files.is_parsed(id)) continue;
+std::vector<Group> group_by_resolver(const IndexedFiles& files, std::span<const FileId> sources) {
+  std::vector<Group> groups;
+  for (const FileId id : sources) {
+    if (!files.row(id).traits.has(Trait::kParsed)) continue;
     const Language* language = language_named(files.language(id));
     if (language == nullptr || language->resolver == nullptr) continue;
-    auto group =
-        std::ranges::find(groups, language->resolver, &std::pair<ResolverFactory, FileIds>::first);
+    auto group = std::ranges::find(groups, language->resolver, &Group::resolver);
     if (group == groups.end()) group = groups.insert(groups.end(), {language->resolver, {}});
-    group->second.push_back(id);
+    group->files.push_back(id);
   }
   return groups;
 }
 
 struct FileEdges {
   FileId file;
-  std::vector<EdgeRow> edges;  // ascending by target
+  Edges edges;  // ascending by target
   std::uint32_t unresolved;
 };
 
-std::vector<EdgeRow> merge(const IndexedFiles& files, FileId source,
-                           std::span<const Dependency> dependencies) {
+Edges merge(const IndexedFiles& files, FileId source, std::span<const Dependency> dependencies) {
   std::map<std::int64_t, double> weights;
   for (const Dependency& dependency : dependencies) {
     if (dependency.target == source || dependency.target >= files.size()) continue;
     weights[files.row(dependency.target).id] += dependency.weight;
   }
-  std::vector<EdgeRow> edges;
+  Edges edges;
   edges.reserve(weights.size());
   for (const auto& [target, weight] : weights) edges.push_back({target, weight});
   return edges;
@@ -53,29 +57,48 @@ std::vector<EdgeRow> merge(const IndexedFiles& files, FileId source,
 class EdgeBuild {
  public:
   EdgeBuild(Store& store, const IndexedFiles& files, const EdgeBuildOptions& options)
-      : store_(store), files_(files), options_(options) {
-    store.each_edge(
-        [&](std::int64_t source, const EdgeRow& edge) { old_[source].push_back(edge); });
-  }
+      : store_(store), files_(files), options_(options) {}
 
-  void run() {
-    for (const auto& [factory, ids] : group_by_resolver(files_)) resolve(factory, ids);
+  void run_all() {
+    store_.each_edge(
+        [&](std::int64_t source, const EdgeRow& edge) { old_[source].push_back(edge); });
+    FileIds all(files_.size());
+    std::ranges::generate(all, [id = FileId{0}]() mutable { return id++; });
+    run(all);
     // What is left belongs to files that have no facts any more.
     for (const auto& [source, edges] : old_) store_.put_edges(source, {});
-    clear_unresolved();
+    mark_consulted(true);
+  }
+
+  void run(std::span<const FileId> sources) {
+    for (const Group& group : group_by_resolver(files_, sources)) resolve(group);
+  }
+
+  // Files that resolvers have read: when one changes, all may resolve otherwise.
+  void mark_consulted(bool unmark) {
+    for (FileId id = 0; id < files_.size(); ++id) {
+      FileRow& row = files_.row(id);
+      const bool marked = row.traits.has(Trait::kConsulted);
+      if (files_.was_read(id) == marked || (marked && !unmark)) continue;
+      row.traits.set(Trait::kConsulted, !marked);
+      store_.put_file(row);
+    }
   }
 
  private:
-  void resolve(ResolverFactory factory, const FileIds& ids) {
+  void resolve(const Group& group) {
     check_stop(options_.stop);
-    const std::unique_ptr<Resolver> resolver = factory(files_);
-    Workers<std::vector<FileEdges>> workers(thread_count(options_.threads), options_.stop);
-    const std::size_t chunks = (ids.size() + kChunk - 1) / kChunk;
+    const std::unique_ptr<Resolver> resolver = group.resolver(files_);
+    Workers<std::vector<FileEdges>> workers(options_.threads, options_.stop);
+    const std::size_t chunks = (group.files.size() + kChunk - 1) / kChunk;
+    // Nothing is written before the last has resolved: facts may still come out of the store.
+    std::vector<std::vector<FileEdges>> results;
     workers.run(
-        chunks, [&](std::size_t chunk) { return resolve_chunk(*resolver, ids, chunk); },
-        [&](const std::vector<FileEdges>& resolved) {
-          for (const FileEdges& file : resolved) take(file);
-        });
+        chunks, [&](std::size_t chunk) { return resolve_chunk(*resolver, group.files, chunk); },
+        [&](std::vector<FileEdges> resolved) { results.push_back(std::move(resolved)); });
+    for (const auto& resolved : results) {
+      for (const FileEdges& file : resolved) take(file);
+    }
   }
 
   std::vector<FileEdges> resolve_chunk(const Resolver& resolver, const FileIds& ids,
@@ -91,19 +114,14 @@ class EdgeBuild {
   }
 
   void take(const FileEdges& file) {
-    const FileRow& row = files_.row(file.file);
-    if (row.unresolved != file.unresolved) store_.set_unresolved(row.id, file.unresolved);
-    const auto old = old_.find(row.id);
-    const bool same = old == old_.end() ? file.edges.empty() : old->second == file.edges;
-    if (!same) store_.put_edges(row.id, file.edges);
-    if (old != old_.end()) old_.erase(old);
-  }
-
-  void clear_unresolved() {
-    for (FileId id = 0; id < files_.size(); ++id) {
-      const FileRow& row = files_.row(id);
-      if (!files_.is_parsed(id) && row.unresolved != 0) store_.set_unresolved(row.id, 0);
+    FileRow& row = files_.row(file.file);
+    if (row.unresolved != file.unresolved) {
+      row.unresolved = file.unresolved;
+      store_.put_file(row);
     }
+    const auto old = old_.extract(row.id);
+    if (old.empty() ? file.edges.empty() : old.mapped() == file.edges) return;
+    store_.put_edges(row.id, file.edges);
   }
 
   static constexpr std::size_t kChunk = 32;
@@ -111,13 +129,21 @@ class EdgeBuild {
   Store& store_;
   const IndexedFiles& files_;
   const EdgeBuildOptions& options_;
-  std::unordered_map<std::int64_t, std::vector<EdgeRow>> old_;  // by source, ascending by target
+  std::unordered_map<std::int64_t, Edges> old_;  // by source
 };
 
 }  // namespace
 
 void rebuild_edges(Store& store, const IndexedFiles& files, const EdgeBuildOptions& options) {
-  EdgeBuild(store, files, options).run();
+  EdgeBuild(store, files, options).run_all();
+}
+
+void rebuild_edges_of(std::span<const FileId> sources, Store& store, const IndexedFiles& files,
+                      const EdgeBuildOptions& options) {
+  for (const FileId id : sources) store.put_edges(files.row(id).id, {});
+  EdgeBuild build(store, files, options);
+  build.run(sources);
+  build.mark_consulted(false);
 }
 
 }  // namespace kestrix::index

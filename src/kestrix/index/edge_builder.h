@@ -1,5 +1,8 @@
 #pragma once
 
+#include <optional>
+#include <span>
+
 #include "kestrix/index/indexed_files.h"
 #include "kestrix/index/store.h"
 #include "kestrix/utils/stop.h"
@@ -12,7 +15,11 @@ struct EdgeBuildOptions {
 };
 
 /// Resolves the imports of all files and brings the store's edges in line; writes only what
-/// differs. Within the caller's transaction.
+/// differs. Within the caller's transaction. Rows keep up with the store.
 void rebuild_edges(Store& store, const IndexedFiles& files, const EdgeBuildOptions& options);
+
+/// The same for some files alone, when nothing that the others' imports lead to has changed.
+void rebuild_edges_of(std::span<const FileId> sources, Store& store, const IndexedFiles& files,
+                      const EdgeBuildOptions& options);
 
 }  // namespace kestrix::index

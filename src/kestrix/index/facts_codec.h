@@ -14,4 +14,8 @@ std::string encode_facts(const FileFacts& facts);
 /// The inverse; `symbols` is empty. Throws `CorruptIndex` when `bytes` are no encoded facts.
 FileFacts decode_facts(std::string_view bytes);
 
+/// Whether other files see the same in both: all but how often names are used and where imports
+/// stand.
+bool look_alike_from_outside(FileFacts a, FileFacts b);
+
 }  // namespace kestrix::index

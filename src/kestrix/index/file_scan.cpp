@@ -55,8 +55,7 @@ void take_text(ScannedFile& file, const Language* language, const std::string& t
   row.traits.set(Trait::kMinified, is_minified(row.path, text));
   if (language == nullptr || row.traits.has(Trait::kMinified)) return;
   auto facts = parse(*language, text);
-  file.parsed = facts.has_value();
-  row.traits.set(Trait::kGaveUp, !file.parsed);
+  row.traits.set(facts ? Trait::kParsed : Trait::kGaveUp);
   if (!facts) return;
   file.facts = encode_facts(*facts);
   file.symbols = std::move(facts->symbols);

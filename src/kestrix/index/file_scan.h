@@ -25,8 +25,7 @@ enum class ScanOutcome {
 struct ScannedFile {
   ScanOutcome outcome = ScanOutcome::kRead;
   FileRow row;                      ///< with the id of `known`, or none
-  bool parsed = false;              ///< whether there are facts
-  std::string facts;                ///< encoded
+  std::string facts;                ///< encoded; for a row that is parsed
   std::vector<SymbolFact> symbols;  ///< in source order
 };
 

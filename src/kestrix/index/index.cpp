@@ -17,20 +17,18 @@ class RepositoryIndex::Loader {
  public:
   Loader(RepositoryIndex& index, Store& store) : index_(index), store_(store) {}
 
-  void load(const PathRules& rules) {
-    store_.begin_read();
-    load_files();
+  void load(std::span<const FileRow> rows, const PathRules& rules) {
+    load_files(rows);
     load_symbols();
     load_edges();
     index_.skipped_ = store_.skip_counts();
-    store_.end_read();
     for (const auto& [reason, count] : file_skips_) index_.skipped_.add(reason, count);
     find_components(rules);
   }
 
  private:
-  void load_files() {
-    for (const FileRow& row : store_.files()) {
+  void load_files(std::span<const FileRow> rows) {
+    for (const FileRow& row : rows) {
       count_traits(row.traits);
       if (!row.traits.is_text()) continue;
       ids_.emplace(row.id, static_cast<FileId>(index_.files_.size()));
@@ -113,9 +111,10 @@ class RepositoryIndex::Loader {
   SkipCounts file_skips_;
 };
 
-std::unique_ptr<RepositoryIndex> RepositoryIndex::load(Store& store, const PathRules& rules) {
+std::unique_ptr<RepositoryIndex> RepositoryIndex::load(Store& store, std::span<const FileRow> rows,
+                                                       const PathRules& rules) {
   std::unique_ptr<RepositoryIndex> index(new RepositoryIndex);
-  Loader(*index, store).load(rules);
+  Loader(*index, store).load(rows, rules);
   return index;
 }
 

@@ -18,6 +18,7 @@
 namespace kestrix::index {
 
 class Store;
+struct FileRow;
 
 /// The host's rules about paths that the handle applies. Without them it knows no components.
 struct PathRules {
@@ -74,8 +75,10 @@ struct Statistics {
 /// one. So the same files give the same ids, however the index came to be.
 class RepositoryIndex : public Repository {
  public:
-  /// Reads the whole store in one state.
-  static std::unique_ptr<RepositoryIndex> load(Store& store, const PathRules& rules);
+  /// Reads the store within the caller's transaction; `rows` are all of its files, ascending by
+  /// path.
+  static std::unique_ptr<RepositoryIndex> load(Store& store, std::span<const FileRow> rows,
+                                               const PathRules& rules);
 
   std::span<const IndexedFile> files() const { return files_; }
   std::span<const IndexedSymbol> symbols() const { return symbols_; }

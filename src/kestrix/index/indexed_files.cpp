@@ -1,5 +1,7 @@
 #include "kestrix/index/indexed_files.h"
 
+#include <utility>
+
 #include "kestrix/index/corrupt_index.h"
 #include "kestrix/index/facts_codec.h"
 #include "kestrix/index/file_reading.h"
@@ -13,22 +15,17 @@ constexpr std::size_t kMaxProjectFileBytes = std::size_t{16} << 20;
 
 }  // namespace
 
-IndexedFiles::IndexedFiles(Store& store, const RootDirectory& root)
-    : root_(root), rows_(store.files()) {
-  std::erase_if(rows_, [](const FileRow& row) { return !row.traits.is_text(); });
-  slots_ = std::make_unique<Slot[]>(rows_.size());
-  std::unordered_map<std::int64_t, FileId> by_row;
-  for (FileId id = 0; id < rows_.size(); ++id) {
-    ids_.emplace(rows_[id].path, id);
-    by_row.emplace(rows_[id].id, id);
+IndexedFiles::IndexedFiles(std::span<FileRow> rows, Store& store, const RootDirectory& root,
+                           FactsLoading loading)
+    : store_(store), root_(root), loading_(loading) {
+  rows_.reserve(rows.size());
+  for (FileRow& row : rows) {
+    if (row.traits.is_text()) rows_.push_back(&row);
   }
-  store.each_facts([&](std::int64_t file, std::string_view bytes) {
-    const auto found = by_row.find(file);
-    if (found == by_row.end()) throw CorruptIndex("facts without a file");
-    Slot& slot = slots_[found->second];
-    slot.parsed = true;
-    slot.encoded = bytes;
-  });
+  slots_ = std::make_unique<Slot[]>(rows_.size());
+  ids_.reserve(rows_.size());
+  for (FileId id = 0; id < rows_.size(); ++id) ids_.emplace(rows_[id]->path, id);
+  if (loading_ == FactsLoading::kAll) load_all();
 }
 
 std::optional<FileId> IndexedFiles::find(std::string_view path) const {
@@ -38,19 +35,37 @@ std::optional<FileId> IndexedFiles::find(std::string_view path) const {
 }
 
 const FileFacts& IndexedFiles::facts(FileId id) const {
-  const Slot& slot = slots_[id];
+  Slot& slot = slots_[id];
   std::call_once(slot.decoded, [&] {
-    if (!slot.parsed) return;
-    slot.facts = decode_facts(slot.encoded);
-    slot.encoded = std::string();
+    const std::string encoded = encoded_facts(id);
+    if (!encoded.empty()) slot.facts = decode_facts(encoded);
   });
   return slot.facts;
 }
 
 std::string IndexedFiles::read(FileId id) const {
-  FileBytes content = read_file(root_, rows_[id].path, kMaxProjectFileBytes);
+  slots_[id].read = true;
+  FileBytes content = read_file(root_, rows_[id]->path, kMaxProjectFileBytes);
   if (content.status != ReadStatus::kRead || content.truncated) return {};
   return decode_text(std::move(content.bytes));
+}
+
+void IndexedFiles::load_all() {
+  std::unordered_map<std::int64_t, FileId> by_row;
+  by_row.reserve(rows_.size());
+  for (FileId id = 0; id < rows_.size(); ++id) by_row.emplace(rows_[id]->id, id);
+  store_.each_facts([&](std::int64_t file, std::string_view bytes) {
+    const auto found = by_row.find(file);
+    if (found == by_row.end()) throw CorruptIndex("facts without a file");
+    slots_[found->second].encoded = bytes;
+  });
+}
+
+std::string IndexedFiles::encoded_facts(FileId id) const {
+  if (!rows_[id]->traits.has(Trait::kParsed)) return {};
+  if (loading_ == FactsLoading::kAll) return std::exchange(slots_[id].encoded, {});
+  const std::lock_guard lock(store_mutex_);
+  return store_.facts(rows_[id]->id).value_or(std::string());
 }
 
 }  // namespace kestrix::index

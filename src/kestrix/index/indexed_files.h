@@ -3,6 +3,8 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
+#include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -14,34 +16,47 @@
 
 namespace kestrix::index {
 
-/// The text files of the store as resolvers see them. Facts stay encoded until one asks for them.
+/// When the table takes encoded facts out of the store: all at once where most will be asked for,
+/// else each by itself.
+enum class FactsLoading { kAll, kSingly };
+
+/// The text files of the store as resolvers see them. Facts are decoded when one first asks.
 class IndexedFiles : public FileTable {
  public:
-  /// Reads the store within the caller's transaction. `root` must outlive the table.
-  IndexedFiles(Store& store, const RootDirectory& root);
+  /// Reads the store within the caller's transaction. `rows` ascend by path; they, the store and
+  /// the root must outlive the table.
+  IndexedFiles(std::span<FileRow> rows, Store& store, const RootDirectory& root,
+               FactsLoading loading);
 
   std::size_t size() const override { return rows_.size(); }
-  std::string_view path(FileId id) const override { return rows_[id].path; }
+  std::string_view path(FileId id) const override { return rows_[id]->path; }
   std::optional<FileId> find(std::string_view path) const override;
   const FileFacts& facts(FileId id) const override;
-  std::string_view language(FileId id) const override { return rows_[id].language; }
+  std::string_view language(FileId id) const override { return rows_[id]->language; }
   std::string read(FileId id) const override;
 
-  const FileRow& row(FileId id) const { return rows_[id]; }
-  bool is_parsed(FileId id) const { return slots_[id].parsed; }
+  FileRow& row(FileId id) const { return *rows_[id]; }
+  /// Whether a resolver has read the file's text.
+  bool was_read(FileId id) const { return slots_[id].read; }
 
  private:
   struct Slot {
-    bool parsed = false;
-    mutable std::once_flag decoded;
-    mutable std::string encoded;
-    mutable FileFacts facts;
+    std::once_flag decoded;
+    FileFacts facts;
+    std::string encoded;
+    std::atomic<bool> read = false;
   };
 
+  void load_all();
+  std::string encoded_facts(FileId id) const;
+
+  Store& store_;
   const RootDirectory& root_;
-  std::vector<FileRow> rows_;  // ascending by path
+  FactsLoading loading_;
+  std::vector<FileRow*> rows_;
   std::unordered_map<std::string_view, FileId> ids_;
   std::unique_ptr<Slot[]> slots_;
+  mutable std::mutex store_mutex_;
 };
 
 }  // namespace kestrix::index

@@ -169,7 +169,9 @@ std::vector<FileRow> Store::files() {
               "SELECT id, path, language, traits, size, modified, changed, inode, hash, unresolved"
               " FROM file");
     while (rows.next()) files.push_back(read_file_row(rows));
-    std::ranges::sort(files, {}, &FileRow::path);
+    if (!std::ranges::is_sorted(files, {}, &FileRow::path)) {
+      std::ranges::sort(files, {}, &FileRow::path);
+    }
     const auto twice = std::ranges::adjacent_find(files, {}, &FileRow::path);
     if (twice != files.end()) throw CorruptIndex("a path stands in the index twice");
     return files;
@@ -181,6 +183,19 @@ void Store::each_edge(const TakeEdge& take) {
     Rows rows(*database_, "SELECT source, target, weight FROM edge ORDER BY source, target");
     while (rows.next()) take(rows.integer(0), {rows.integer(1), rows.real(2)});
   });
+}
+
+std::optional<std::string> Store::facts(std::int64_t file) {
+  return guarded([&]() -> std::optional<std::string> {
+    auto& query = statement("SELECT bytes FROM facts WHERE file = ?");
+    query.bind(1, file);
+    if (!query.executeStep()) return std::nullopt;
+    return query.getColumn(0).getString();
+  });
+}
+
+int Store::data_version() {
+  return guarded([&] { return database_->execAndGet("PRAGMA data_version").getInt(); });
 }
 
 void Store::each_facts(const TakeFacts& take) {
@@ -277,15 +292,6 @@ void Store::put_file(const FileRow& row) {
     insert.bind(9, static_cast<std::int64_t>(row.hash));
     insert.bind(10, row.unresolved);
     insert.exec();
-  });
-}
-
-void Store::set_unresolved(std::int64_t file, std::uint32_t unresolved) {
-  guarded([&] {
-    auto& update = statement("UPDATE file SET unresolved = ? WHERE id = ?");
-    update.bind(1, unresolved);
-    update.bind(2, file);
-    update.exec();
   });
 }
 

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -30,6 +31,8 @@ enum class Trait : std::uint32_t {
   kGaveUp = 1U << 4U,      ///< parsing took too long
   kBinary = 1U << 5U,      ///< seen, but not part of the index
   kUnreadable = 1U << 6U,  ///< seen, but not part of the index
+  kParsed = 1U << 7U,      ///< there are facts of it
+  kConsulted = 1U << 8U,   ///< resolvers read its text: a project file
 };
 
 class Traits {
@@ -101,6 +104,11 @@ class Store {
   std::string setting(const std::string& name);  ///< "" when it was never set
   SkipCounts skip_counts();
   std::vector<FileRow> files();  ///< ascending by path
+  /// The encoded facts of one file; none when it was not parsed.
+  std::optional<std::string> facts(std::int64_t file);
+  /// Changes whenever another connection has written.
+  int data_version();
+
   // Views that are handed over hold until the function returns.
   using TakeFacts = std::function<void(std::int64_t file, std::string_view bytes)>;
   void each_facts(const TakeFacts& take);
@@ -116,7 +124,6 @@ class Store {
   void set_setting(const std::string& name, const std::string& value);
   void set_skip_counts(const SkipCounts& counts);
   void put_file(const FileRow& row);
-  void set_unresolved(std::int64_t file, std::uint32_t unresolved);
   void remove_file(std::int64_t file);
   void put_facts(std::int64_t file, const std::string& bytes, std::span<const SymbolFact> symbols);
   void remove_facts(std::int64_t file);

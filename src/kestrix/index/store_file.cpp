@@ -101,7 +101,8 @@ void mark_as_index(const fs::path& path, SQLite::Database& database) {
 }
 
 OpenedFile open_for_writing(const fs::path& path, bool create) {
-  const int flags = SQLite::OPEN_READWRITE | (create ? SQLite::OPEN_CREATE : 0);
+  const int flags =
+      SQLite::OPEN_READWRITE | SQLite::OPEN_NOMUTEX | (create ? SQLite::OPEN_CREATE : 0);
   auto database = std::make_unique<SQLite::Database>(path, flags, kBusyMilliseconds);
   if (create) mark_as_index(path, *database);
   database->exec("PRAGMA synchronous = NORMAL; PRAGMA cache_size = -8192");

@@ -33,6 +33,7 @@ class Workers {
   /// as soon as the flag is set. No thread outlives the call.
   template <class Make, class Take>
   void run(std::size_t count, const Make& make, const Take& take) {
+    if (count == 1) return take(make(0));
     std::vector<std::jthread> crew;
     const Closer closer{*this};  // goes before the crew, which waits for it
     for (std::size_t i = 0; i < std::min<std::size_t>(threads_, count); ++i) {

@@ -1,0 +1,216 @@
+#include "kestrix/index/refresher.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <system_error>
+#include <unordered_set>
+
+#include "kestrix/index/content_hash.h"
+#include "kestrix/index/edge_builder.h"
+#include "kestrix/index/facts_codec.h"
+#include "kestrix/index/indexed_files.h"
+#include "kestrix/index/language.h"
+#include "kestrix/index/workers.h"
+
+namespace kestrix::index {
+namespace {
+
+namespace fs = std::filesystem;
+
+// Raised whenever this library takes something else from unchanged files.
+constexpr int kReaderVersion = 1;
+
+const std::string kRootSetting = "root";
+
+// The index and its companions, where they lie in the repository.
+std::vector<std::string> own_files_below(const fs::path& root, const fs::path& index) {
+  std::error_code failure;
+  const fs::path real = fs::weakly_canonical(index, failure);
+  const std::string below = real.lexically_relative(root).native();
+  if (failure || below.empty() || below == ".." || below.starts_with("../")) return {};
+  return {below, below + "-wal", below + "-shm", below + "-journal"};
+}
+
+}  // namespace
+
+RefreshResult Refresher::refresh() {
+  run([] {});
+  return std::move(result_);
+}
+
+RefreshedIndex Refresher::refresh_and_open() {
+  std::unique_ptr<RepositoryIndex> index;
+  run([&] { index = RepositoryIndex::load(store_, rows_, options_.path_rules); });
+  return {std::move(index), std::move(result_)};
+}
+
+void Refresher::run(const std::function<void()>& finish) {
+  result_.file = store_.path();
+  const auto own_files = own_files_below(root_.path(), store_.path());
+  const WalkResult walked = walk(root_, {.excluded = own_files, .stop = options_.stop});
+  store_.begin_read();
+  const bool up_to_date = is_up_to_date(walked);
+  if (up_to_date) finish();
+  const int seen = store_.data_version();
+  store_.end_read();
+  if (up_to_date) return;
+  store_.begin_write(options_.lock_timeout, options_.stop);
+  if (store_.data_version() != seen) is_up_to_date(walked);
+  bring_up_to_date(walked);
+  finish();
+  check_stop(options_.stop);
+  store_.commit();
+}
+
+bool Refresher::is_up_to_date(const WalkResult& walked) {
+  result_.rebuilt = reason_to_rebuild();
+  rows_.clear();
+  if (!result_.rebuilt.empty()) return false;
+  rows_ = store_.files();
+  const RefreshPlan plan = plan_refresh(rows_, walked.files);
+  result_.unchanged = plan.unchanged;
+  return plan.empty() && store_.skip_counts() == walked.skipped;
+}
+
+std::string Refresher::reason_to_rebuild() {
+  if (!store_.has_current_schema()) return "no index of this version";
+  if (store_.setting(kReaderSetting) != reader_version()) return "an index of other readers";
+  // Stamps tell a file from what it was, not from its copy elsewhere.
+  if (store_.setting(kRootSetting) != root_.path().native()) return "an index of another directory";
+  return {};
+}
+
+void Refresher::bring_up_to_date(const WalkResult& walked) {
+  if (!result_.rebuilt.empty()) recreate();
+  skipped_ = walked.skipped;
+  const RefreshPlan plan = plan_refresh(rows_, walked.files);
+  result_.unchanged = plan.unchanged;
+  for (const FileRow* row : plan.gone) remove(*row);
+  scan(plan);
+  merge_rows(plan);
+  resolve();
+  store_.set_skip_counts(skipped_);
+}
+
+void Refresher::recreate() {
+  store_.recreate_tables();
+  store_.set_setting(kReaderSetting, reader_version());
+  store_.set_setting(kRootSetting, root_.path().native());
+}
+
+void Refresher::remove(const FileRow& row) {
+  store_.remove_file(row.id);
+  ++result_.removed;
+  all_resolve_anew_ |= row.traits.is_text();
+}
+
+void Refresher::scan(const RefreshPlan& plan) {
+  using Scanned = std::pair<std::size_t, ScannedFile>;
+  std::int64_t next_id = 1;
+  for (const FileRow& row : rows_) next_id = std::max(next_id, row.id + 1);
+  const std::size_t total = plan.tasks.size();
+  std::size_t done = 0;
+  Workers<Scanned> workers(thread_count(options_.threads), options_.stop);
+  workers.run(
+      total,
+      [&](std::size_t i) { return Scanned(i, scan_file(root_, plan.tasks[i])); },
+      [&](Scanned scanned) {
+        auto& [place, file] = scanned;
+        // The place in the plan makes ids independent of which thread was first.
+        if (file.row.id == 0) file.row.id = next_id + static_cast<std::int64_t>(place);
+        take(plan.tasks[place], std::move(file));
+        if (options_.progress) options_.progress(++done, total);
+      });
+}
+
+void Refresher::take(const ScanTask& task, ScannedFile file) {
+  switch (file.outcome) {
+    case ScanOutcome::kVanished:
+      skipped_.add(skipped::kVanished);
+      if (task.known != nullptr) remove(*task.known);
+      return;
+    case ScanOutcome::kUnchanged:
+      ++result_.unchanged;
+      store_.put_file(file.row);
+      fresh_.push_back(std::move(file.row));
+      return;
+    case ScanOutcome::kRead:
+      put(task, std::move(file));
+  }
+}
+
+void Refresher::put(const ScanTask& task, ScannedFile file) {
+  if (task.known == nullptr) {
+    ++result_.added;
+    all_resolve_anew_ |= file.row.traits.is_text();
+  } else {
+    ++result_.changed;
+    note_change(*task.known, file);
+    store_.remove_facts(task.known->id);
+  }
+  store_.put_file(file.row);
+  if (file.row.traits.has(Trait::kParsed)) {
+    store_.put_facts(file.row.id, file.facts, file.symbols);
+  }
+  fresh_.push_back(std::move(file.row));
+}
+
+void Refresher::note_change(const FileRow& before, const ScannedFile& after) {
+  if (all_resolve_anew_) return;
+  if (!leaves_others_alone(before, after))
+    all_resolve_anew_ = true;
+  else if (after.row.traits.has(Trait::kParsed))
+    resolve_anew_.push_back(after.row.path);
+}
+
+// Whether no other file's imports can resolve to something else than before.
+bool Refresher::leaves_others_alone(const FileRow& before, const ScannedFile& after) {
+  const bool parsed = after.row.traits.has(Trait::kParsed);
+  if (before.traits.has(Trait::kConsulted) || before.traits.has(Trait::kParsed) != parsed ||
+      before.traits.is_text() != after.row.traits.is_text()) {
+    return false;
+  }
+  if (!parsed) return true;
+  const auto facts = store_.facts(before.id);
+  return facts && look_alike_from_outside(decode_facts(*facts), decode_facts(after.facts));
+}
+
+void Refresher::merge_rows(const RefreshPlan& plan) {
+  std::unordered_set<std::string_view> replaced;
+  for (const FileRow* row : plan.gone) replaced.insert(row->path);
+  for (const ScanTask& task : plan.tasks) replaced.insert(task.path);
+  std::vector<FileRow> rows = std::move(fresh_);
+  for (FileRow& row : rows_) {
+    if (!replaced.contains(row.path)) rows.push_back(std::move(row));
+  }
+  std::ranges::sort(rows, {}, &FileRow::path);
+  rows_ = std::move(rows);
+}
+
+void Refresher::resolve() {
+  const EdgeBuildOptions options{thread_count(options_.threads), options_.stop};
+  if (all_resolve_anew_) {
+    const IndexedFiles files(rows_, store_, root_, FactsLoading::kAll);
+    rebuild_edges(store_, files, options);
+  } else if (!resolve_anew_.empty()) {
+    const IndexedFiles files(rows_, store_, root_, FactsLoading::kSingly);
+    std::vector<FileId> sources;
+    for (const std::string& path : resolve_anew_) sources.push_back(files.find(path).value());
+    rebuild_edges_of(sources, store_, files, options);
+  }
+}
+
+const std::string& reader_version() {
+  static const std::string version = [] {
+    std::string parts = fmt::format("{}", kReaderVersion);
+    for (const Language* language : languages()) {
+      parts += fmt::format("\n{} {}\n{}", language->name, language->version, language->query);
+    }
+    return fmt::format("{:016x}", content_hash(parts));
+  }();
+  return version;
+}
+
+}  // namespace kestrix::index
