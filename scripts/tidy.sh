@@ -28,10 +28,12 @@ verify_check_names() {
 
 verify_check_names .clang-tidy
 verify_check_names tests/.clang-tidy
-clang-format --dry-run --Werror "${files[@]}"
+status=0
+clang-format --dry-run --Werror "${files[@]}" || status=1
 
 mapfile -t sources < <(printf '%s\n' "${files[@]}" | grep '\.cpp$' || true)
-[ ${#sources[@]} -gt 0 ] || exit 0
 printf '%s\0' "${sources[@]}" |
-  xargs -0 -n 1 -P "$(nproc)" clang-tidy --quiet -p build/tidy 2>/dev/null
-echo "${#files[@]} files formatted as .clang-format says, ${#sources[@]} without a finding of clang-tidy"
+  xargs -0 -r -n 1 -P "$(nproc)" clang-tidy --quiet -p build/tidy 2>/dev/null || status=1
+
+[ "$status" = 0 ] || { echo "not tidy" >&2; exit 1; }
+echo "${#files[@]} files formatted, ${#sources[@]} sources without a finding"

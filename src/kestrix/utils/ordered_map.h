@@ -30,8 +30,8 @@ using KeyHash = std::conditional_t<std::is_convertible_v<const Key&, std::string
 /// Overwriting a value keeps the entry's place. The entries lie in one vector: small maps stay
 /// small, and inserting moves entries, so it invalidates references and iterators.
 template <class Key, class Value, class Hash = KeyHash<Key>>
-using OrderedMap = tsl::ordered_map<Key, Value, Hash, std::equal_to<>,
-                                    std::allocator<std::pair<Key, Value>>,
-                                    std::vector<std::pair<Key, Value>>>;
+using OrderedMap =
+    tsl::ordered_map<Key, Value, Hash, std::equal_to<>, std::allocator<std::pair<Key, Value>>,
+                     std::vector<std::pair<Key, Value>>>;
 
 }  // namespace kestrix
