@@ -1,6 +1,6 @@
 #!/bin/bash
 # tidy.sh [FILE...]: clang-format in check mode and clang-tidy over the project's C++ files, or over
-# those named. Needs the configured preset tidy for the compile commands.
+# those named, relative to the top. The compile commands are those of build/tidy.
 set -euo pipefail
 
 root=$(cd -- "$(dirname -- "${BASH_SOURCE[0]}")/.." && pwd)

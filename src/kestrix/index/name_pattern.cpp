@@ -39,9 +39,10 @@ bool NamePattern::matches(std::string_view name) const {
   if (!std::ranges::equal(name.substr(end), last_, same)) return false;
   std::string_view rest = name.substr(first_.size(), end - first_.size());
   for (const std::string& piece : middle_) {
-    const auto found = std::ranges::search(rest, piece, same);
-    if (found.empty()) return false;
-    rest = std::string_view(found.end(), rest.end());
+    const auto* const found =
+        std::search(rest.begin(), rest.end(), piece.begin(), piece.end(), same);
+    if (found == rest.end()) return false;
+    rest.remove_prefix(static_cast<std::size_t>(found - rest.begin()) + piece.size());
   }
   return true;
 }
