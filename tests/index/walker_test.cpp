@@ -37,8 +37,7 @@ Paths listed_by_git(const Scratch& scratch, const std::string& directory) {
     at += paths.back().size() + 1;
   }
   std::ranges::sort(paths);
-  const auto twice = std::ranges::unique(paths);
-  paths.erase(twice.begin(), twice.end());
+  paths.erase(std::unique(paths.begin(), paths.end()), paths.end());
   std::erase_if(paths, [](const std::string& path) {  // what git lists without its being a file
     return path == ".out" || path == ".err" || path.ends_with('/');
   });

@@ -170,7 +170,7 @@ TEST(HostileRepository, MayChangeWhileItIsRead) {
   std::atomic<bool> done = false;
   program.directory().write("repo/stays.py", "class StaysError(Exception): pass\n");
   std::thread restless([&] {
-    for (int i = 0; !done; ++i) {
+    for (unsigned i = 0; !done; ++i) {
       const std::string name = "repo/d" + std::to_string(i % 50) + "/f.py";
       std::error_code ignored;
       if (i % 3 == 0) std::filesystem::remove_all((program.path() / name).parent_path(), ignored);

@@ -1,7 +1,6 @@
 #include "kestrix/index/ignore_rules.h"
 
 #include <algorithm>
-#include <ranges>
 
 #include "kestrix/utils/ascii.h"
 

@@ -65,8 +65,8 @@ Configs::Config Configs::effective(std::string_view path) const {
     for (std::string& base : bases_of(raw->second)) open.push_back(std::move(base));
   }
   Config config{{}, std::nullopt, is_main(base_name(path))};
-  for (const std::string& file : order | std::views::reverse) {
-    apply(raw_.at(file), folder_of(path), config);
+  for (auto file = order.rbegin(); file != order.rend(); ++file) {
+    apply(raw_.at(*file), folder_of(path), config);
   }
   return config;
 }

@@ -92,8 +92,7 @@ EntryPointClass entry_points_matching(std::string_view pattern,
   std::ranges::copy_if(paths, std::back_inserter(found.roots),
                        [&glob](const std::string& path) { return glob.matches(path); });
   std::ranges::sort(found.roots);
-  const auto repeated = std::ranges::unique(found.roots);
-  found.roots.erase(repeated.begin(), repeated.end());
+  found.roots.erase(std::unique(found.roots.begin(), found.roots.end()), found.roots.end());
   return found;
 }
 

@@ -44,7 +44,8 @@ class Reader {
     tree_.for_each_match([this](const Match& match) { visit(match); });
     for (const auto& [local, exported] : exports_) hand_on(local, exported);
     std::ranges::sort(facts_.declares);
-    facts_.declares.erase(std::ranges::unique(facts_.declares).begin(), facts_.declares.end());
+    facts_.declares.erase(std::unique(facts_.declares.begin(), facts_.declares.end()),
+                          facts_.declares.end());
     return std::move(facts_);
   }
 
