@@ -1,5 +1,7 @@
 #include "kestrix/index/reader.h"
 
+#include <fmt/format.h>
+#include <time.h>
 #include <tree_sitter/api.h>
 
 #include <algorithm>
@@ -7,11 +9,12 @@
 #include <map>
 #include <memory>
 #include <mutex>
-#include <stdexcept>
+#include <utility>
 #include <vector>
 
 #include "kestrix/index/language.h"
 #include "kestrix/index/outline.h"
+#include "kestrix/index/parser_memory.h"
 #include "kestrix/index/source_tree.h"
 #include "kestrix/utils/error.h"
 
@@ -38,19 +41,30 @@ const Query& query_of(const Language& language) {
   return found->second;
 }
 
-TreePtr parse(const Language& language, std::string_view text, std::chrono::microseconds budget) {
+std::chrono::microseconds thread_time() {
+  timespec now{};
+  clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+  return std::chrono::duration_cast<std::chrono::microseconds>(
+      std::chrono::seconds(now.tv_sec) + std::chrono::nanoseconds(now.tv_nsec));
+}
+
+// The library counts the time that passes. On a busy machine that is not what the parser got: what
+// it still has is granted, so that which files are given up depends less on the load.
+TreePtr parse(TSParser* parser, const Language& language, std::string_view text,
+              std::chrono::microseconds budget) {
+  if (!ts_parser_set_language(parser, language.grammar())) {
+    throw Error(fmt::format("the grammar of {} does not fit the parser library", language.name));
+  }
   const auto masked = language.mask == nullptr ? std::nullopt : language.mask(text);
   if (masked) text = *masked;
-  thread_local const ParserPtr parser(ts_parser_new());
-  if (!ts_parser_set_language(parser.get(), language.grammar())) {
-    throw Error("the grammar of " + std::string(language.name) +
-                " does not fit the parser library");
+  const auto end = thread_time() + budget;
+  for (auto left = budget; left.count() > 0; left = end - thread_time()) {
+    ts_parser_set_timeout_micros(parser, static_cast<std::uint64_t>(left.count()));
+    TreePtr tree(ts_parser_parse_string(parser, nullptr, text.data(),
+                                        static_cast<std::uint32_t>(text.size())));
+    if (tree != nullptr) return tree;
   }
-  ts_parser_set_timeout_micros(parser.get(), static_cast<std::uint64_t>(budget.count()));
-  TreePtr tree(ts_parser_parse_string(parser.get(), nullptr, text.data(),
-                                      static_cast<std::uint32_t>(text.size())));
-  if (tree == nullptr) ts_parser_reset(parser.get());
-  return tree;
+  return nullptr;
 }
 
 struct Words {
@@ -95,7 +109,9 @@ std::optional<FileFacts> read_facts(const Language& language, std::string_view t
                                     const ReadOptions& options) {
   if (text.size() >= UINT32_MAX) return std::nullopt;
   const Query& query = query_of(language);
-  const TreePtr tree = parse(language, text, options.parse_budget);
+  const ParserMemory memory;
+  const ParserPtr parser(ts_parser_new());
+  const TreePtr tree = parse(parser.get(), language, text, options.parse_budget);
   if (tree == nullptr) return std::nullopt;
   Words words = words_of(language, text);
   const TSNode root = ts_tree_root_node(tree.get());

@@ -11,12 +11,13 @@ namespace kestrix::index {
 struct Language;
 
 struct ReadOptions {
-  /// A file that takes longer to parse is given up.
+  /// A file whose parse takes more of the thread's time is given up.
   std::chrono::milliseconds parse_budget{2000};
 };
 
 /// Parses `text` (UTF-8, may hold invalid bytes) and returns its facts; none when the budget ran
-/// out. Deterministic; never recurses on the depth of the input. Each thread keeps its own parser.
+/// out. Deterministic but for the budget; never recurses on the depth of the input. Usable from
+/// several threads.
 std::optional<FileFacts> read_facts(const Language& language, std::string_view text,
                                     const ReadOptions& options = {});
 

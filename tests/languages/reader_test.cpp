@@ -1,0 +1,104 @@
+#include "kestrix/index/reader.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <random>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "kestrix/index/language.h"
+
+namespace kestrix::index {
+namespace {
+
+using std::chrono::milliseconds;
+
+std::string repeated(std::string_view text, std::size_t times) {
+  std::string result;
+  for (std::size_t i = 0; i < times; ++i) result += text;
+  return result;
+}
+
+std::string noise(std::size_t size) {
+  std::mt19937 random(7);
+  std::string text;
+  for (std::size_t i = 0; i < size; ++i) text += static_cast<char>(random());
+  return text;
+}
+
+const Language& language(std::string_view name) { return *language_named(name); }
+
+// What is asked is only that the reader comes back: sanitizers and the time limit do the rest.
+TEST(Reader, SurvivesHostileText) {
+  const std::vector<std::string> texts = {
+      "",
+      std::string(100'000, '\0'),
+      noise(50'000),
+      repeated("{", 70'000),  // more open braces than a 16-bit count holds
+      repeated("(", 70'000),
+      repeated("<a>", 40'000),
+      repeated("`${", 40'000),
+      repeated("a?b:", 20'000),
+      repeated("import(\"./a\").then(", 20'000),
+      repeated("/*", 50'000),
+      repeated("\"\"\"", 30'001),
+      repeated("if(a){require('b')}else ", 5'000),
+      "class \xF0\x28 {} import \xE9 from './\xFF'; const \xC3 = 1",
+  };
+  for (const Language* language : languages()) {
+    SCOPED_TRACE(language->name);
+    for (const std::string& text : texts) {
+      read_facts(*language, text, {.parse_budget = milliseconds(1000)});
+    }
+  }
+}
+
+TEST(Reader, GivesUpWhenTheBudgetRunsOut) {
+  const std::string text = repeated("a = b\n", 100'000);
+  EXPECT_FALSE(read_facts(language("python"), text, {.parse_budget = milliseconds(1)}).has_value());
+  EXPECT_TRUE(read_facts(language("python"), "a = b").has_value());
+}
+
+TEST(Reader, FindsTheSameOnEveryThread) {
+  const std::string text = repeated("from a import b\nclass C(b): x = b\n", 200);
+  const auto expected = read_facts(language("python"), text);
+  std::vector<std::thread> threads;
+  std::vector<int> same(8, 0);
+  for (int& result : same) {
+    threads.emplace_back([&] {
+      result = read_facts(language("python"), text) == expected &&
+               read_facts(language("typescript"), "import './x'")->imports.size() == 1;
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(same, std::vector<int>(8, 1));
+}
+
+TEST(Reader, CutsLongSignaturesBetweenCharacters) {
+  const std::string base = repeated("\xC3\xA9", 400);  // two bytes each
+  const auto facts = read_facts(language("python"), "class Ab(" + base + "): pass");
+  ASSERT_EQ(facts->symbols.size(), 1U);
+  const std::string& signature = facts->symbols[0].signature;
+  EXPECT_EQ(signature, "class Ab(" + base.substr(0, signature.size() - 9));
+  EXPECT_EQ(signature.size(), 499U);
+}
+
+TEST(Languages, AreFoundByWholeNameOrExtension) {
+  const auto name = [](std::string_view path) {
+    const Language* found = language_of(path);
+    return found == nullptr ? std::string_view("none") : found->name;
+  };
+  EXPECT_EQ(name("a/b.py"), "python");
+  EXPECT_EQ(name("a.py/B.PYI"), "python");
+  EXPECT_EQ(name("a.d.ts"), "typescript");
+  EXPECT_EQ(name("a.test.tsx"), "tsx");
+  for (const auto* path : {"", "py", "a.py/b", "a.", "a.pyx", ".py.", "a.py "}) {
+    EXPECT_EQ(name(path), "none") << path;
+  }
+  EXPECT_EQ(language_named("nothing"), nullptr);
+}
+
+}  // namespace
+}  // namespace kestrix::index
