@@ -35,22 +35,22 @@ TEST(Reader, SurvivesHostileText) {
   const std::vector<std::string> texts = {
       "",
       std::string(100'000, '\0'),
-      noise(50'000),
+      noise(10'000),
       repeated("{", 70'000),  // more open braces than a 16-bit count holds
-      repeated("(", 70'000),
-      repeated("<a>", 40'000),
-      repeated("`${", 40'000),
-      repeated("a?b:", 20'000),
-      repeated("import(\"./a\").then(", 20'000),
-      repeated("/*", 50'000),
-      repeated("\"\"\"", 30'001),
-      repeated("if(a){require('b')}else ", 5'000),
+      repeated("(", 20'000),
+      repeated("<a>", 5'000),
+      repeated("`${", 10'000),
+      repeated("a?b:", 5'000),
+      repeated("import(\"./a\").then(", 3'000),
+      repeated("/*", 20'000),
+      repeated("\"\"\"", 10'001),
+      repeated("if(a){require('b')}else ", 1'000),
       "class \xF0\x28 {} import \xE9 from './\xFF'; const \xC3 = 1",
   };
   for (const Language* language : languages()) {
     SCOPED_TRACE(language->name);
     for (const std::string& text : texts) {
-      read_facts(*language, text, {.parse_budget = milliseconds(1000)});
+      read_facts(*language, text, {.parse_budget = milliseconds(500)});
     }
   }
 }
