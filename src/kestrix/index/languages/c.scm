@@ -13,4 +13,4 @@
 (function_definition) @function
 (preproc_function_def name: (_) @macro)
 (preproc_def name: (_) @macro)
-(preproc_def name: (_) @name value: (_) @body) @constant
+(preproc_def name: (_) @name value: (_)) @constant

@@ -21,4 +21,4 @@
 (function_definition) @function
 (preproc_function_def name: (_) @macro)
 (preproc_def name: (_) @macro)
-(preproc_def name: (_) @name value: (_) @body) @constant
+(preproc_def name: (_) @name value: (_)) @constant

@@ -84,11 +84,13 @@ class Masking {
     }
   }
 
-  // "MACRO namespace a {", and "MACRO" alone on its line before anything that starts with a word.
+  // "MACRO namespace a {", and "MACRO" alone on its line before a word or a comment.
   std::size_t mask_before_declaration(std::size_t at) {
     const std::size_t end = macro_end(at);
     const std::size_t next = skip_space(end);
-    const bool alone = next > end && skip_blanks(end) < next && !word_at(next).empty();
+    const bool code = !word_at(next).empty() || text_.substr(next).starts_with("//") ||
+                      text_.substr(next).starts_with("/*");
+    const bool alone = code && skip_blanks(end) < next;
     if (next == end || (!alone && !contains(kDeclarationWords, word_at(next)))) return at;
     blank(at, end);
     return next;

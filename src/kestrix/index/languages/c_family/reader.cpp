@@ -104,8 +104,9 @@ class Reader {
       declare(*macro);
     } else if (const auto alias = match.node("alias")) {
       declare(*alias);
-    } else {
-      index::add_symbol(tree_, match, facts_);
+    } else if (const auto constant = match.node("constant")) {
+      const TSNode name = *match.node("name");
+      add_symbol(SymbolKind::kConstant, name, *constant, ts_node_end_byte(name));
     }
   }
 
