@@ -1,0 +1,122 @@
+#include "kestrix/index/resolve/jvm.h"
+
+#include <algorithm>
+#include <array>
+#include <deque>
+#include <string>
+#include <string_view>
+#include <unordered_set>
+#include <vector>
+
+#include "kestrix/index/languages/packaged/reading.h"
+#include "kestrix/index/resolve/dependencies.h"
+#include "kestrix/index/resolve/packages.h"
+#include "kestrix/index/resolve/paths.h"
+
+namespace kestrix::index {
+namespace {
+
+constexpr std::array<std::string_view, 2> kPlatform = {"java", "kotlin"};
+
+std::string_view first_part(std::string_view dotted) { return dotted.substr(0, dotted.find('.')); }
+
+// The package of a dotted name, as its letters tell: what stands before the first type.
+std::string_view likely_package(std::string_view dotted) {
+  std::size_t end = 0;
+  while (end < dotted.size()) {
+    const std::size_t dot = std::min(dotted.find('.', end), dotted.size());
+    if (dot == dotted.size() || packaged::is_type_like(dotted.substr(end, dot - end))) break;
+    end = dot + 1;
+  }
+  return dotted.substr(0, end == 0 ? 0 : end - 1);
+}
+
+// The class that holds the functions of a Kotlin file.
+std::string facade_of(std::string_view path) {
+  const std::string_view name = base_name(path);
+  std::string facade(name.substr(0, name.rfind('.')));
+  if (facade.front() >= 'a' && facade.front() <= 'z') {
+    facade.front() = static_cast<char>(facade.front() - 'a' + 'A');
+  }
+  return facade + "Kt";
+}
+
+class JvmResolver : public Resolver {
+ public:
+  explicit JvmResolver(const FileTable& files) : files_(files), packages_(files) {
+    for (FileId id = 0; id < files.size(); ++id) {
+      const std::string_view language = files.language(id);
+      if (language == "java" || language == "kotlin") add_file(id, language == "kotlin");
+    }
+  }
+
+  Resolution resolve(FileId file) const override {
+    const FileFacts& facts = files_.facts(file);
+    Dependencies found(file);
+    std::vector<std::string_view> wildcards;
+    for (const ImportFact& import : facts.imports) {
+      if (is_platform(import.module, facts.package)) continue;
+      if (static_cast<JvmImport>(import.form) == JvmImport::kEverything &&
+          packages_.contains(import.module, file)) {
+        wildcards.push_back(import.module);
+      } else {
+        resolve_name(import, file, found);
+      }
+    }
+    resolve_uses(file, wildcards, found);
+    return found.take();
+  }
+
+ private:
+  void add_file(FileId id, bool kotlin) {
+    const FileFacts& facts = files_.facts(id);
+    for (const std::string& name : facts.declares) packages_.declare(facts.package, name, id);
+    const auto is_type = [](const std::string& name) { return packaged::is_type_like(name); };
+    if (!kotlin || std::ranges::all_of(facts.declares, is_type)) return;
+    facades_.push_back(facade_of(files_.path(id)));
+    packages_.declare(facts.package, facades_.back(), id);
+  }
+
+  static bool is_platform(std::string_view module, std::string_view package) {
+    const std::string_view first = first_part(module);
+    return std::ranges::find(kPlatform, first) != kPlatform.end() && first != first_part(package);
+  }
+
+  void resolve_name(const ImportFact& import, FileId file, Dependencies& found) const {
+    const auto targets = packages_.find_dotted(import.module, file);
+    const bool in_code = static_cast<JvmImport>(import.form) == JvmImport::kInCode;
+    for (const FileId target : targets) found.add(target, (in_code ? 0.0 : 1.0) + import.uses);
+    const bool looks_local = packages_.contains(likely_package(import.module), file);
+    if (targets.empty() && !in_code && looks_local) found.miss();
+  }
+
+  void resolve_uses(FileId file, const std::vector<std::string_view>& wildcards,
+                    Dependencies& found) const {
+    const FileFacts& facts = files_.facts(file);
+    std::unordered_set<FileId> imported;
+    for (const NameUse& use : facts.uses) {
+      if (const auto own = packages_.find_one(facts.package, use.name, file)) {
+        found.add(*own, use.uses);
+        continue;
+      }
+      for (const std::string_view package : wildcards) {
+        const auto target = packages_.find_one(package, use.name, file);
+        if (!target) continue;
+        found.add(*target, (imported.insert(*target).second ? 1.0 : 0.0) + use.uses);
+        break;
+      }
+    }
+  }
+
+  const FileTable& files_;
+  std::deque<std::string> facades_;  // what packages_ views
+  Packages packages_;
+};
+
+}  // namespace
+
+std::unique_ptr<Resolver> make_jvm_resolver(const FileTable& files) {
+  return std::make_unique<JvmResolver>(files);
+}
+
+}  // namespace kestrix::index

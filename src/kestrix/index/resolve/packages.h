@@ -1,0 +1,59 @@
+#pragma once
+
+#include <optional>
+#include <span>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "kestrix/index/resolver.h"
+
+namespace kestrix::index {
+
+/// Which file declares which name of which package (or namespace).
+///
+/// Filled once, then only read. Keeps views of the names that it is given. A look-up costs the
+/// length of a path, however many files declare the name.
+class Packages {
+ public:
+  explicit Packages(const FileTable& files) : files_(files) {}
+
+  /// Files are given in ascending order.
+  void declare(std::string_view package, std::string_view name, FileId file);
+
+  /// Whether a file that `from` may reach belongs to the package.
+  bool contains(std::string_view package, FileId from) const;
+
+  /// The files that declare the name in the tree nearest to `from`: several when they are equally
+  /// near, at most `kMostEqual`. Product code does not see what tests and examples declare.
+  std::span<const FileId> find(std::string_view package, std::string_view name, FileId from) const;
+
+  /// The one file that `find` gives, or the one of them that is named after the name; none when
+  /// the name is ambiguous.
+  std::optional<FileId> find_one(std::string_view package, std::string_view name,
+                                 FileId from) const;
+
+  /// `find` for the longest prefix of a dotted name that is a declared name of a package.
+  std::span<const FileId> find_dotted(std::string_view dotted, FileId from) const;
+
+  static constexpr std::size_t kMostEqual = 8;
+
+ private:
+  struct Declared {
+    std::vector<FileId> product;
+    std::vector<FileId> aside;  // in folders of tests and examples
+  };
+  struct Package {
+    bool product = false;
+    std::unordered_map<std::string_view, Declared> names;
+  };
+
+  bool is_aside(FileId file) const;
+  std::size_t nearness(FileId file, FileId from) const;
+  std::span<const FileId> nearest(std::span<const FileId> declaring, FileId from) const;
+
+  const FileTable& files_;
+  std::unordered_map<std::string_view, Package> packages_;
+};
+
+}  // namespace kestrix::index
