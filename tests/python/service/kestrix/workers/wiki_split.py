@@ -1,0 +1,2 @@
+def stem(path):
+    return path.rpartition("/")[2].partition(".")[0]

@@ -1,0 +1,257 @@
+"""The module itself: its names, how its functions present themselves, and that nothing leaks."""
+
+import copy
+import gc
+import importlib
+import inspect
+import os
+import pickle
+import pydoc
+import sys
+import threading
+import unittest
+import weakref
+from pathlib import Path
+from unittest import mock
+
+import plain_page_sources as plain
+from kestrix.workers.wiki import page_sources as native
+from kestrix.workers.wiki.repo_facts import RepoFactsMixin
+from worlds import DataclassEdge, NamedTupleEdge, SlotsEdge, World
+
+RULES = (
+    "is_fixture_path", "current_first", "unit_topic", "dispatch_files", "dependents_of",
+    "extension_sources", "example_sources",
+)  # fmt: skip
+DETECTORS = [name for name in vars(native.PageSourcesMixin) if not name.startswith("__")]
+
+
+class Names(unittest.TestCase):
+    def test_every_name_of_the_plain_version_is_there(self):
+        for name, value in vars(plain).items():
+            if name.isupper() or name.startswith("_") and not name.startswith("__"):
+                if name not in ("_lies_in",):
+                    with self.subTest(name=name):
+                        self.assertEqual(getattr(native, name), value)
+                        self.assertIs(type(getattr(native, name)), type(value))
+        self.assertEqual(native.logger.name, "kestrix.workers.wiki.page_sources")
+
+    def test_the_class(self):
+        mixin = native.PageSourcesMixin
+        self.assertEqual(mixin.__bases__, (RepoFactsMixin,))
+        self.assertEqual(mixin.__module__, native.__name__)
+        self.assertEqual(
+            DETECTORS,
+            "_file_edges _config_files _has_exceptions _exception_files _data_model_files "
+            "_decision_files _extension_files _test_files _example_files _flow_dispatch".split(),
+        )
+        self.assertEqual(list(mixin.__annotations__), ["_planner_paths", "_indexed_documents"])
+        self.assertEqual(mixin._has_exceptions.label, "wiki.exception_classes")
+        self.assertEqual(mixin._exception_files.label, "wiki.exception_files")
+
+    def test_functions_and_methods_present_themselves(self):
+        for name in RULES:
+            function = getattr(native, name)
+            with self.subTest(name=name):
+                self.assertEqual((function.__name__, function.__qualname__), (name, name))
+                self.assertEqual(
+                    inspect.signature(function), inspect.signature(getattr(plain, name))
+                )
+                self.assertIn(function.__doc__, inspect.getdoc(function))
+        for name in DETECTORS:
+            method = getattr(native.PageSourcesMixin, name)
+            with self.subTest(name=name):
+                self.assertEqual(method.__qualname__, f"PageSourcesMixin.{name}")
+                self.assertEqual(
+                    inspect.signature(method),
+                    inspect.signature(getattr(plain.PageSourcesMixin, name)),
+                )
+                self.assertTrue(inspect.isroutine(method))
+                self.assertTrue(inspect.getdoc(method))
+        self.assertIn("dispatch_files(roots, edges, limit=3)", pydoc.plain(pydoc.render_doc(native)))
+
+    def test_functions_are_pickled_and_copied_by_name(self):
+        for value in (native.dependents_of, native.PageSourcesMixin._test_files):
+            for protocol in range(pickle.HIGHEST_PROTOCOL + 1):
+                self.assertIs(pickle.loads(pickle.dumps(value, protocol)), value)
+            self.assertIs(copy.deepcopy(value), value)
+
+    def test_methods_bind_like_functions(self):
+        bound = native.PageSourcesMixin._file_edges.__get__(self)
+        self.assertEqual((bound.__self__, bound.__name__), (self, "_file_edges"))
+        with mock.patch.object(native.PageSourcesMixin, "_test_files", lambda self: ["patched"]):
+            with World(1).hosting(native) as generator:
+                self.assertEqual(generator._test_files(), ["patched"])
+
+    def test_arguments_are_named_in_refusals(self):
+        method = native.PageSourcesMixin._flow_dispatch
+        for args, kwargs, said in (
+            ((), {}, "missing required argument: 'self'"),
+            ((1,), {}, r"PageSourcesMixin._flow_dispatch\(\) missing required argument: 'roots'"),
+            ((1, 2, 3), {}, "takes at most 2 positional arguments but 3 were given"),
+            ((1, 2), {"roots": 3}, "multiple values for argument 'roots'"),
+            ((1,), {"root": 3}, "unexpected keyword argument 'root'"),
+        ):
+            with self.subTest(said=said), self.assertRaisesRegex(TypeError, said):
+                method(*args, **kwargs)
+
+    def test_a_host_without_a_name_refuses_the_import(self):
+        from kestrix.workers import wiki_split
+
+        name = native.__name__
+        with mock.patch.dict(sys.modules), mock.patch.object(wiki_split, "stem", create=True):
+            del wiki_split.stem, sys.modules[name]
+            with self.assertRaisesRegex(ImportError, "stem"):
+                importlib.import_module(name)
+
+
+class Installed(unittest.TestCase):
+    def test_beside_the_services_own_modules(self):
+        folder = Path(native.__file__).parent
+        self.assertIn("repo_facts.py", os.listdir(folder))
+        for name in ("page_sources.pyi", "py.typed"):
+            self.assertTrue((folder / name).is_file())
+
+    def test_without_the_native_host(self):
+        loaded = Path("/proc/self/maps").read_text()
+        for library in ("tree-sitter", "sqlite3.so", "git2", "libre2"):
+            self.assertNotIn(f"lib{library.removeprefix('lib')}", loaded)
+
+    def test_the_stub_declares_what_is_there(self):
+        stub = Path(native.__file__).with_name("page_sources.pyi").read_text()
+        for name in [*RULES, *DETECTORS]:
+            signature = inspect.signature(
+                getattr(native, name, None) or getattr(native.PageSourcesMixin, name)
+            )
+            with self.subTest(name=name):
+                declared = stub.partition(f"def {name}(")[2].partition(") ->")[0]
+                for parameter in signature.parameters:
+                    self.assertRegex(declared, rf"\b{parameter}\b")
+
+
+def resident_bytes():
+    return int(Path("/proc/self/statm").read_text().split()[1]) * os.sysconf("SC_PAGE_SIZE")
+
+
+class Leaks(unittest.TestCase):
+    CALLS = int(os.environ.get("PAGE_SOURCES_CALLS", 1_000_000))
+
+    def assert_no_leak(self, call, watched, times):
+        def settled():
+            gc.collect()
+            return [sys.getrefcount(value) for value in watched]
+
+        for _ in range(times // 20 + 1):
+            call()
+        counts, memory = settled(), resident_bytes()
+        for _ in range(times):
+            call()
+        self.assertEqual(settled(), counts)
+        if "asan" not in os.environ.get("LD_PRELOAD", ""):  # which keeps what is freed for a while
+            self.assertLess(resident_bytes() - memory, 1_000_000)
+
+    def test_rules(self):
+        paths = ["src/long/enough/to/count.py", "tests/naïve/test_b.py", "цель/\udcff.py", "h/c"]
+        kinds = (DataclassEdge, SlotsEdge, NamedTupleEdge)
+        weight = 10**20
+        edges = [kind(s, t, weight) for kind in kinds for s in paths for t in paths]
+        dependents = native.dependents_of(edges)
+        counts = dict.fromkeys(paths, 1)
+
+        def refused(rule, *args):
+            try:
+                rule(*args)
+            except (TypeError, AttributeError):
+                return
+            raise AssertionError(rule)
+
+        calls = (
+            lambda: native.is_fixture_path(paths[2]),
+            lambda: native.current_first(paths, 2),
+            lambda: native.unit_topic("title", paths),
+            lambda: native.dispatch_files(paths[1:], edges[:4]),
+            lambda: native.dependents_of(edges[-4:]),
+            lambda: native.example_sources(paths, edges[:6], -1),
+            lambda: native.extension_sources(counts, counts, dependents),
+            lambda: refused(native.dependents_of, [edges[1], None]),
+            lambda: refused(native.current_first, [paths[0], None]),
+        )
+        for call in calls:
+            self.assert_no_leak(call, [*paths, *edges, weight, counts], self.CALLS // len(calls))
+
+    def test_detectors(self):
+        world = World(7)
+        with world.hosting(native) as generator:
+
+            def call():
+                for name in DETECTORS:
+                    world.start()
+                    argument = [{}] if name in ("_file_edges", "_flow_dispatch") else []
+                    getattr(generator, name)(*argument)
+                world.start()
+                world.search_symbols = lambda query, **options: query / options
+                generator._extension_files()
+                del world.search_symbols
+
+            watched = [generator, world, world.edges, *world.planner, native.PageSourcesMixin]
+            self.assert_no_leak(call, watched, self.CALLS // 5000)
+
+    def test_a_dropped_module_goes_away(self):
+        with mock.patch.dict(sys.modules):
+            del sys.modules[native.__name__]
+            module = importlib.import_module(native.__name__)
+            self.assertIsNot(module, native)
+            self.assertIsNot(module.PageSourcesMixin, native.PageSourcesMixin)
+            gone = weakref.ref(module.PageSourcesMixin)
+        sys.modules["kestrix.workers.wiki"].page_sources = native
+        del module
+        gc.collect()
+        self.assertIsNone(gone())
+
+
+class Concurrency(unittest.TestCase):
+    def test_threads(self):
+        world = World(11)
+        paths = [f"src/{i}.py" for i in range(300)]
+        edges = [SlotsEdge(a, b, 1) for a in paths[::7] for b in paths[::3]]
+        expected = plain.example_sources(paths, edges), plain.dependents_of(edges)
+        failures = []
+
+        def work():
+            for _ in range(20):
+                if (native.example_sources(paths, edges), native.dependents_of(edges)) != expected:
+                    failures.append("differs")
+
+        interval = sys.getswitchinterval()
+        sys.setswitchinterval(1e-6)
+        self.addCleanup(sys.setswitchinterval, interval)
+        with mock.patch.object(native, "is_test_path", lambda path: bool(len(path) % 2)):
+            with mock.patch.object(plain, "is_test_path", native.is_test_path):
+                expected = plain.example_sources(paths, edges), plain.dependents_of(edges)
+                threads = [threading.Thread(target=work) for _ in range(4)]
+                for thread in threads:
+                    thread.start()
+                for thread in threads:
+                    thread.join()
+        self.assertEqual(failures, [])
+
+    def test_every_interpreter_has_its_own_module(self):
+        try:
+            import _xxsubinterpreters as interpreters
+        except ImportError:
+            self.skipTest("this Python offers no interpreters")
+        other = interpreters.create()
+        self.addCleanup(interpreters.destroy, other)
+        interpreters.run_string(
+            other,
+            f"import sys; sys.path[:0] = {sys.path!r}\n"
+            "from kestrix.workers.wiki import page_sources as native\n"
+            "native.is_test_path = lambda path: 1 / 0\n"
+            "assert native.dispatch_files(['a', 'b', 'c'], []) == []\n",
+        )
+        edges = [SlotsEdge("t/a", "src/b", 1)]
+        self.assertEqual(native.example_sources(["t/a"], edges), ["t/a"])
+
+
+if __name__ == "__main__":
+    unittest.main()
