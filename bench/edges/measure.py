@@ -19,7 +19,12 @@ from pathlib import Path
 
 HERE = Path(__file__).resolve().parent
 TRUTHS = {
+    "php": (["php", HERE / "php_truth.php"], (".php", ".phtml", ".inc")),
     "python": ([sys.executable, HERE / "python_truth.py"], (".py", ".pyi", ".pyw")),
+    "ruby": (
+        ["ruby", HERE / "ruby_truth.rb"],
+        (".rb", ".rake", ".gemspec", ".ru", "Gemfile", "Rakefile"),
+    ),
     "typescript": (
         ["node", HERE / "typescript_truth.mjs"],
         (".ts", ".tsx", ".mts", ".cts", ".js", ".jsx", ".mjs", ".cjs"),
