@@ -63,7 +63,7 @@ ProgressLine::~ProgressLine() {
   if (shown_) console_.message("\r\x1b[K");
 }
 
-void ProgressLine::update(std::string_view stage, std::size_t done, std::size_t total) noexcept {
+void ProgressLine::update(std::string_view stage, std::size_t done, std::size_t total) {
   if (!wanted_ || Clock::now() < next_) return;
   next_ = Clock::now() + kRewriteInterval;
   shown_ = true;

@@ -55,7 +55,7 @@ class ProgressLine {
   ~ProgressLine();
 
   /// Tells how far the work is; cheap, and written at most ten times a second.
-  void update(std::string_view stage, std::size_t done, std::size_t total) noexcept;
+  void update(std::string_view stage, std::size_t done, std::size_t total);
 
  private:
   Console& console_;

@@ -12,6 +12,7 @@ class Validator {
  public:
   explicit Validator(const json& schema) : root_(schema) {}
 
+  // NOLINTNEXTLINE(misc-no-recursion): as deep as our own schema
   void check(const json& schema, const json& value, const std::string& at) {
     for (const auto& [keyword, operand] : schema.items()) {
       if (keyword == "$ref") {
@@ -25,14 +26,14 @@ class Validator {
       } else if (keyword == "required") {
         for (const auto& name : operand) expect(value.contains(name), at, "required");
       } else if (keyword == "items") {
-        for (const auto& item : value) check(operand, item, at + "/*");
+        for (const auto& item : value) check(operand, item, below(at, "*"));
       } else if (keyword == "additionalProperties") {
         for (const auto& [name, member] : value.items()) {
-          expect(schema.at("properties").contains(name), at + "/" + name, "additionalProperties");
+          expect(schema.at("properties").contains(name), below(at, name), "additionalProperties");
         }
       } else if (keyword == "properties") {
         for (const auto& [name, member] : value.items()) {
-          if (operand.contains(name)) check(operand.at(name), member, at + "/" + name);
+          if (operand.contains(name)) check(operand.at(name), member, below(at, name));
         }
       } else {
         expect(keyword == "description" || keyword == "title" || keyword == "$schema" ||
@@ -45,6 +46,10 @@ class Validator {
   std::vector<std::string> faults;
 
  private:
+  static std::string below(std::string at, const std::string& name) {
+    return at.append("/").append(name);
+  }
+
   static std::string type_of(const json& value) {
     return value.is_number_integer() ? "integer" : value.type_name();
   }

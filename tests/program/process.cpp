@@ -25,6 +25,7 @@ void check(int failure, const char* what) {
 
 std::vector<char*> pointers(std::vector<std::string>& texts) {
   std::vector<char*> all;
+  all.reserve(texts.size() + 1);
   for (auto& text : texts) all.push_back(text.data());
   all.push_back(nullptr);
   return all;
@@ -91,7 +92,8 @@ pid_t ProgramUnderTest::start(int out, const std::vector<std::string>& arguments
   set.try_emplace("HOME", outputs_.path());
   set.try_emplace("XDG_CACHE_HOME", outputs_.path() / "cache");
   std::vector<std::string> variables;
-  for (const auto& [name, value] : set) variables.push_back(name + "=" + value);
+  variables.reserve(set.size());
+  for (const auto& [name, value] : set) variables.emplace_back(name).append("=").append(value);
   FileActions actions;
   if (out >= 0) {
     actions.duplicate(out, STDOUT_FILENO);
@@ -129,10 +131,12 @@ Ended ProgramUnderTest::run_into(int out, const std::vector<std::string>& argume
 std::vector<Ended> ProgramUnderTest::run_together(
     const std::vector<std::vector<std::string>>& runs) const {
   std::vector<pid_t> processes;
+  processes.reserve(runs.size());
   for (const auto& arguments : runs) {
     processes.push_back(start(-1, arguments, static_cast<int>(processes.size())));
   }
   std::vector<Ended> all;
+  all.reserve(runs.size());
   for (const pid_t process : processes) {
     all.push_back(finish(process, static_cast<int>(all.size())));
   }

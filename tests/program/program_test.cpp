@@ -19,7 +19,6 @@ namespace kestrix::program {
 namespace {
 
 using nlohmann::json;
-using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::StartsWith;

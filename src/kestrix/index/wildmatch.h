@@ -31,7 +31,7 @@ class Wildmatch {
     kDirectories,  // nothing, or any run that ends in a slash
   };
   struct Token {
-    Kind kind;
+    Kind kind = Kind::kByte;
     unsigned char byte = 0;
     std::size_t set = 0;
   };
