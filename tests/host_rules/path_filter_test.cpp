@@ -43,6 +43,8 @@ constexpr std::string_view kTests[] = {
     "app/app.e2e-spec.ts",
     "types/index.test-d.ts",
     "net/http_test.go",
+    "util/testutils/directory_test.go",
+    "tests/testutils/helpers.py",
     "src/lexer/tests.rs",
     "shop/CartTest.java",
     "shop/CartTests.java",
@@ -61,6 +63,8 @@ constexpr std::string_view kTests[] = {
 constexpr std::string_view kProduct[] = {
     "",
     "pylint/testutils/lint_module_test_case.py",
+    "pylint/testutils/functional/test_file.py",
+    "testutils/configuration_test.py",
     "scrapy/utils/test.py",
     "scrapy/contracts/__init__.py",
     "src/flask/testing.py",

@@ -163,13 +163,21 @@ bool is_test_name(std::string_view name) {
                              [stem](const Convention& c) { return c.admits(stem); });
 }
 
+// A Python package of tools for tests names them after tests; its own tests lie elsewhere.
+bool is_test_tool(std::string_view path) {
+  const bool in_tools =
+      path.starts_with("testutils/") || path.find("/testutils/") != std::string_view::npos;
+  return in_tools && path.ends_with(".py");
+}
+
 std::string_view name_of(std::string_view path) { return path.substr(path.rfind('/') + 1); }
 
 }  // namespace
 
 bool is_test_path(std::string_view path) {
   const auto verdict = judge_directories(path);
-  return verdict == Verdict::kTest || (verdict == Verdict::kOpen && is_test_name(name_of(path)));
+  if (verdict != Verdict::kOpen) return verdict == Verdict::kTest;
+  return is_test_name(name_of(path)) && !is_test_tool(path);
 }
 
 }  // namespace kestrix
