@@ -101,7 +101,7 @@ void make_nesting(const FreshDirectory& repo) {
   for (const char* extension : kExtensions) {
     const std::string name = std::string("repo/n") + extension;
     for (const auto& [kind, open_text] :
-         {std::pair("brace", "{"), {"paren", "("}, {"call", "f(["}, {"type", "a<"}}) {
+         {std::pair("brace", "{\n"), {"paren", "(\n"}, {"call", "f([\n"}, {"type", "a<\n"}}) {
       repo.write(name + "." + kind + extension, repeated(open_text, 16384));
     }
   }

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <csetjmp>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -42,8 +43,6 @@ struct Link {
 
 Header* header_of(void* block) { return static_cast<Header*>(block) - 1; }
 
-[[noreturn]] void give_up() { std::abort(); }
-
 class Arena {
  public:
   ~Arena() { end(); }
@@ -58,6 +57,7 @@ class Arena {
       std::free(link);
     }
     free_.fill(nullptr);
+    held_ = 0;
     if (slabs_.size() > kSlabsKept) slabs_.resize(kSlabsKept);
     slab_ = at_ = 0;
   }
@@ -68,6 +68,23 @@ class Arena {
     return units <= kSmallUnits ? small(units) : large(size);
   }
 
+  // The frames between here and there are the library's, which is C.
+  bool run(void (*work)(void*), void* argument) {
+    if (setjmp(way_out_) != 0) {  // NOLINT(cert-err52-cpp): see above
+      guarded_ = false;
+      return false;
+    }
+    guarded_ = true;
+    work(argument);
+    guarded_ = false;
+    return true;
+  }
+
+  [[noreturn]] void give_up() {
+    if (guarded_) longjmp(way_out_, 1);  // NOLINT(cert-err52-cpp)
+    std::abort();
+  }
+
   void release(void* block) {
     Header* const header = header_of(block);
     if (header->kind == kSmall) {
@@ -76,6 +93,7 @@ class Arena {
       free_[header->size / kUnit] = block;
     } else if (header->kind == kLarge) {
       Link* const link = reinterpret_cast<Link*>(header) - 1;
+      held_ -= header->size;
       unlink(link);
       std::free(link);
     } else if (header->kind == kForeign) {
@@ -103,6 +121,7 @@ class Arena {
     if (slab_ == slabs_.size() || at_ + bytes > kSlab) {
       if (slab_ < slabs_.size()) ++slab_;
       if (slab_ == slabs_.size()) slabs_.emplace_back(new std::byte[kSlab]);
+      hold(kSlab);
       at_ = 0;
     }
     std::byte* const memory = slabs_[slab_].get() + at_;
@@ -116,7 +135,13 @@ class Arena {
     Link* const link = ::new (memory) Link{large_, nullptr};
     if (large_ != nullptr) large_->previous = link;
     large_ = link;
+    hold(size);
     return mark(memory + sizeof(Link), kLarge, size);
+  }
+
+  void hold(std::size_t bytes) {
+    held_ += bytes;
+    if (guarded_ && held_ > ParserMemory::kLimit) give_up();
   }
 
   void unlink(Link* link) {
@@ -130,18 +155,21 @@ class Arena {
   std::size_t at_ = 0;                         // its first free byte
   std::array<void*, kSmallUnits + 1> free_{};  // by units
   Link* large_ = nullptr;
+  std::size_t held_ = 0;  // by slabs in use and large blocks
+  bool guarded_ = false;
+  std::jmp_buf way_out_{};
 };
 
 thread_local Arena arena;
 
 void* allocate(std::size_t size) {
   void* const block = arena.allocate(size);
-  if (block == nullptr) give_up();
+  if (block == nullptr) arena.give_up();
   return block;
 }
 
 void* allocate_zeroed(std::size_t count, std::size_t size) {
-  if (size != 0 && count > SIZE_MAX / 2 / size) give_up();
+  if (size != 0 && count > SIZE_MAX / 2 / size) arena.give_up();
   return std::memset(allocate(count * size), 0, count * size);
 }
 
@@ -167,5 +195,7 @@ ParserMemory::ParserMemory() {
 }
 
 ParserMemory::~ParserMemory() { arena.end(); }
+
+bool ParserMemory::run(void (*work)(void*), void* argument) { return arena.run(work, argument); }
 
 }  // namespace kestrix::index

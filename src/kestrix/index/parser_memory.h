@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+
 namespace kestrix::index {
 
 /// While one lives, all memory that the parser library asks for on this thread comes from an arena
@@ -17,6 +19,16 @@ class ParserMemory {
   ~ParserMemory();
   ParserMemory(const ParserMemory&) = delete;
   ParserMemory& operator=(const ParserMemory&) = delete;
+
+  /// Calls `work(argument)`, which calls into the library and keeps nothing that needs a
+  /// destructor. False when the library then held more than `kLimit`, or there was no memory: the
+  /// call was left in its middle, and what it worked on must not be touched again, nor freed. The
+  /// library looks at its time limit and its cancellation flag between steps only, and one step
+  /// may take gigabytes (a Java file of 16,384 times "a<").
+  bool run(void (*work)(void*), void* argument);
+
+  /// Several times what the largest files that are parsed need.
+  static constexpr std::size_t kLimit = std::size_t{128} << 20U;
 };
 
 }  // namespace kestrix::index

@@ -48,21 +48,36 @@ std::chrono::microseconds thread_time() {
       std::chrono::seconds(now.tv_sec) + std::chrono::nanoseconds(now.tv_nsec));
 }
 
+// One call of the parser, in a form that may be left in its middle.
+struct ParserCall {
+  TSParser* parser;
+  std::string_view text;
+  TSTree* tree = nullptr;
+
+  static void run(void* self) {
+    auto& call = *static_cast<ParserCall*>(self);
+    call.tree = ts_parser_parse_string(call.parser, nullptr, call.text.data(),
+                                       static_cast<std::uint32_t>(call.text.size()));
+  }
+};
+
 // The library counts the time that passes. On a busy machine that is not what the parser got: what
 // it still has is granted, so that which files are given up depends less on the load.
-TreePtr parse(TSParser* parser, const Language& language, std::string_view text,
-              std::chrono::microseconds budget) {
-  if (!ts_parser_set_language(parser, language.grammar())) {
+TreePtr parse(ParserMemory& memory, ParserPtr parser, const Language& language,
+              std::string_view text, std::chrono::microseconds budget) {
+  if (!ts_parser_set_language(parser.get(), language.grammar())) {
     throw Error(fmt::format("the grammar of {} does not fit the parser library", language.name));
   }
   const auto masked = language.mask == nullptr ? std::nullopt : language.mask(text);
-  if (masked) text = *masked;
+  ParserCall call{.parser = parser.get(), .text = masked ? std::string_view(*masked) : text};
   const auto end = thread_time() + budget;
   for (auto left = budget; left.count() > 0; left = end - thread_time()) {
-    ts_parser_set_timeout_micros(parser, static_cast<std::uint64_t>(left.count()));
-    TreePtr tree(ts_parser_parse_string(parser, nullptr, text.data(),
-                                        static_cast<std::uint32_t>(text.size())));
-    if (tree != nullptr) return tree;
+    ts_parser_set_timeout_micros(parser.get(), static_cast<std::uint64_t>(left.count()));
+    if (!memory.run(ParserCall::run, &call)) {
+      static_cast<void>(parser.release());  // the memory of what was left goes with the arena
+      return nullptr;
+    }
+    if (call.tree != nullptr) return TreePtr(call.tree);
   }
   return nullptr;
 }
@@ -109,9 +124,9 @@ std::optional<FileFacts> read_facts(const Language& language, std::string_view t
                                     const ReadOptions& options) {
   if (text.size() >= UINT32_MAX) return std::nullopt;
   const Query& query = query_of(language);
-  const ParserMemory memory;
-  const ParserPtr parser(ts_parser_new());
-  const TreePtr tree = parse(parser.get(), language, text, options.parse_budget);
+  ParserMemory memory;
+  const TreePtr tree =
+      parse(memory, ParserPtr(ts_parser_new()), language, text, options.parse_budget);
   if (tree == nullptr) return std::nullopt;
   Words words = words_of(language, text);
   const TSNode root = ts_tree_root_node(tree.get());

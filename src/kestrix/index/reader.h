@@ -15,9 +15,9 @@ struct ReadOptions {
   std::chrono::milliseconds parse_budget{2000};
 };
 
-/// Parses `text` (UTF-8, may hold invalid bytes) and returns its facts; none when the budget ran
-/// out. Deterministic but for the budget; never recurses on the depth of the input. Usable from
-/// several threads.
+/// Parses `text` (UTF-8, may hold invalid bytes) and returns its facts; none when the budget of
+/// time or memory ran out. Deterministic but for the budget; never recurses on the depth of the
+/// input. Usable from several threads.
 std::optional<FileFacts> read_facts(const Language& language, std::string_view text,
                                     const ReadOptions& options = {});
 

@@ -53,7 +53,7 @@ inline constexpr std::string_view kBinary = "binary file";
 // Recorded, but not parsed.
 inline constexpr std::string_view kLarge = "larger than 2 MiB (recorded, not parsed)";
 inline constexpr std::string_view kMinified = "minified (recorded, not parsed)";
-inline constexpr std::string_view kParseBudget = "parse took too long (recorded, not parsed)";
+inline constexpr std::string_view kParseBudget = "parse took too much (recorded, not parsed)";
 }  // namespace skipped
 
 }  // namespace kestrix::index
