@@ -4,14 +4,10 @@ include(CMakePackageConfigHelpers)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/kestrix)
 
-set(exported kestrix_page_sources)
-if(TARGET kestrix_utils)
-  list(APPEND exported kestrix_utils)
-  set_target_properties(kestrix_utils PROPERTIES EXPORT_NAME utils)
-endif()
 set_target_properties(kestrix_page_sources PROPERTIES EXPORT_NAME page_sources)
+set_target_properties(kestrix_utils PROPERTIES EXPORT_NAME utils)
 
-install(TARGETS ${exported} EXPORT kestrix-targets
+install(TARGETS kestrix_page_sources kestrix_utils EXPORT kestrix-targets
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT page_sources
   FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT page_sources
   INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})

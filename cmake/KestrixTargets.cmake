@@ -17,13 +17,6 @@ function(kestrix_defaults target)
     POSITION_INDEPENDENT_CODE ON)
 endfunction()
 
-# kestrix_add_layer(FOLDER): a folder that has its targets in a CMakeLists.txt of its own.
-function(kestrix_add_layer folder)
-  if(EXISTS ${PROJECT_SOURCE_DIR}/${folder}/CMakeLists.txt)
-    add_subdirectory(${PROJECT_SOURCE_DIR}/${folder} ${PROJECT_BINARY_DIR}/${folder})
-  endif()
-endfunction()
-
 # kestrix_add_tests(TARGET SOURCES FILE... LIBRARIES TARGET...): a GoogleTest executable whose cases
 # are tests of ctest, each with a limit in seconds that only a hang reaches.
 function(kestrix_add_tests target)
