@@ -63,10 +63,18 @@ class Editor {
   explicit Editor(const IndexFixture& files) : files_(files) {}
 
   void edit() {
-    switch (pick(6)) {
+    switch (pick(9)) {
       case 0:
       case 1:
         return files_.write(any_path(), any_text());
+      case 5:
+        return add_use(any_path());
+      case 6:
+        return files_.write(fmt::format("p{}/m{}.ts", pick(3), pick(3)), any_script());
+      case 7:
+        return files_.write(
+            "tsconfig.json",
+            fmt::format(R"({{"compilerOptions": {{"paths": {{"@/*": ["p{}/*"]}}}}}})", pick(3)));
       case 2:
         return files_.remove(any_path());
       case 3:
@@ -96,6 +104,17 @@ class Editor {
     return text + fmt::format("class C{}: pass\nC{}()\n", pick(4), pick(4));
   }
 
+  std::string any_script() {
+    return fmt::format("import {{A}} from '@/m{}';\nexport * from './m{}';\nexport class A {{}}\n",
+                       pick(3), pick(3));
+  }
+
+  // Nothing that another file could see.
+  void add_use(const std::string& path) {
+    const auto whole = files_.scratch() / "repo" / path;
+    if (std::filesystem::exists(whole)) std::ofstream(whole, std::ios::app) << "C1()\n";
+  }
+
   void rename(const std::string& from, const std::string& to) {
     const auto root = files_.scratch() / "repo";
     if (std::filesystem::exists(root / from) &&
@@ -112,7 +131,7 @@ class Editor {
 TEST_F(Indexer, EndsWhereARebuildWould) {
   Editor editor(*this);
   write("README.md");
-  for (int round = 0; round < 60; ++round) {
+  for (int round = 0; round < 80; ++round) {
     for (int edits = 0; edits < 1 + round % 5; ++edits) editor.edit();
     const std::string refreshed_dump = dump(*refreshed().index);
     scratch().remove("fresh.sqlite");
@@ -152,12 +171,18 @@ TEST_F(Indexer, ReportsProgressAndStopsWhenAsked) {
 TEST_F(Indexer, SkipsWhatCannotBeRead) {
   write("a.py");
   write("secret.py");
+  write("closed/b.py");
   ::chmod((scratch() / "repo/secret.py").c_str(), 0);
-  if (::geteuid() == 0) GTEST_SKIP() << "root reads everything";
-  const auto [index, result] = refreshed();
-  EXPECT_EQ(index->statistics().skipped[skipped::kUnreadable], 1U);
+  ::chmod((scratch() / "repo/closed").c_str(), 0);
+  as_nobody(scratch(), [&] {
+    const auto index = refresh_and_open(options("repo/index.sqlite")).index;
+    EXPECT_EQ(index->files().size(), 1U);
+    EXPECT_EQ(index->statistics().skipped[skipped::kUnreadable], 1U);
+    EXPECT_EQ(index->statistics().skipped[skipped::kUnreadableDirectory], 1U);
+  });
   ::chmod((scratch() / "repo/secret.py").c_str(), 0600);
-  EXPECT_EQ(refreshed().index->files().size(), 2U);
+  ::chmod((scratch() / "repo/closed").c_str(), 0700);
+  EXPECT_EQ(refreshed().index->files().size(), 3U);
 }
 
 }  // namespace

@@ -2,8 +2,11 @@
 
 #include <gtest/gtest.h>
 #include <stdlib.h>  // mkdtemp
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <cstdlib>
+#include <exception>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -59,5 +62,27 @@ class Scratch {
  private:
   std::filesystem::path path_;
 };
+
+/// Runs a body that must meet with the limits of permissions, as an unprivileged user where the
+/// tests run as root. New files may be made in the scratch directory's repo/.
+template <class Body>
+void as_nobody(const Scratch& scratch, const Body& body) {
+  std::filesystem::permissions(scratch.path(), std::filesystem::perms(0755));
+  std::filesystem::permissions(scratch / "repo", std::filesystem::perms(0777));
+  const pid_t child = ::fork();
+  if (child == 0) {
+    constexpr uid_t kNobody = 65534;
+    if (::geteuid() == 0 && ::setresuid(kNobody, kNobody, kNobody) != 0) ::_exit(2);
+    try {
+      body();
+    } catch (const std::exception& error) {
+      ADD_FAILURE() << error.what();
+    }
+    ::_exit(testing::Test::HasFailure() ? 1 : 0);
+  }
+  int status = 0;
+  ::waitpid(child, &status, 0);
+  EXPECT_EQ(status, 0) << "see above";
+}
 
 }  // namespace kestrix::index

@@ -7,6 +7,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <random>
 #include <string>
 
 #include "kestrix/index/cache_path.h"
@@ -55,19 +56,25 @@ TEST_F(IndexFile, TakesAnEmptyFile) {
 }
 
 TEST_F(IndexFile, RebuildsADamagedIndex) {
-  for (int i = 0; i < 50; ++i) write(fmt::format("m{}.py", i), "class A: pass\nX = 1\n");
+  for (int i = 0; i < 50; ++i) write(fmt::format("m{}.py", i), "import a\nclass A: pass\nX = 1\n");
   const std::string whole = dump(*refreshed().index);
   const std::string good = scratch().read("index.sqlite");
-  const std::pair<std::size_t, std::size_t> holes[] = {
-      {100, 400}, {4096, 4096}, {8192, 16384}, {good.size() / 2, good.size() / 2}};
-  for (const auto& [at, size] : holes) {
-    std::string bad = good;
-    bad.replace(at, std::min(size, bad.size() - at), std::min(size, bad.size() - at), '\xAA');
+  const auto expect_rebuilt = [&](const std::string& bad) {
     scratch().write("index.sqlite", bad);
-    EXPECT_EQ(dump(*refreshed().index), whole) << "hole at " << at;
+    return dump(*refreshed().index) == whole;
+  };
+  EXPECT_TRUE(expect_rebuilt(good.substr(0, good.size() / 3)));
+  for (const std::size_t size : {1U, 16U, 4096U, 10000U}) {
+    std::mt19937 random(static_cast<unsigned>(size));
+    for (int round = 0; round < 8; ++round) {
+      std::string bad = good;
+      const std::size_t at = 100 + random() % (bad.size() - 100);
+      for (std::size_t i = at; i < std::min(at + size, bad.size()); ++i) {
+        bad[i] = static_cast<char>(random());
+      }
+      ASSERT_TRUE(expect_rebuilt(bad)) << size << " bytes at " << at;
+    }
   }
-  scratch().write("index.sqlite", good.substr(0, good.size() / 3));
-  EXPECT_EQ(dump(*refreshed().index), whole);
 }
 
 TEST_F(IndexFile, RebuildsAnIndexOfAnotherVersion) {
@@ -115,6 +122,17 @@ TEST_F(IndexFile, SurvivesAKill) {
   ASSERT_TRUE(WIFSIGNALED(status));
   EXPECT_EQ(dump(*open(options())), before);
   EXPECT_EQ(refresh(options()).added, 300U);
+}
+
+TEST_F(IndexFile, IsReadWhereNothingCanBeWritten) {
+  scratch().write("place/index.sqlite");
+  refresh(options("place/index.sqlite"));
+  as_nobody(scratch(), [&] {
+    EXPECT_EQ(refresh_and_open(options("place/index.sqlite")).index->files().size(), 1U);
+    EXPECT_THROW(refresh(options("place/new.sqlite")), Error);
+    write("b.py");
+    EXPECT_THROW(refresh(options("place/index.sqlite")), Error) << "out of date";
+  });
 }
 
 TEST_F(IndexFile, KeepsItsOwnFilesOutOfTheIndex) {

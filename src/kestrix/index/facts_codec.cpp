@@ -3,7 +3,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <limits>
+#include <utility>
 
+#include "kestrix/index/content_hash.h"
 #include "kestrix/index/corrupt_index.h"
 
 namespace kestrix::index {
@@ -61,7 +63,7 @@ class Decoder {
     return items;
   }
 
-  bool done() const { return rest_.empty(); }
+  std::string_view rest() const { return rest_; }
 
  private:
   template <class Number>
@@ -144,17 +146,24 @@ std::string encode_facts(const FileFacts& facts) {
   to.list(facts.imports, write_import);
   to.list(facts.declares, [](Encoder& out, const std::string& name) { out.text(name); });
   to.list(facts.uses, write_use);
-  return to.take();
+  // Their hash comes first, so that damage does not pass for facts.
+  const std::string bytes = to.take();
+  Encoder sealed;
+  sealed.number(content_hash(bytes));
+  return sealed.take() + bytes;
 }
 
 FileFacts decode_facts(std::string_view bytes) {
   Decoder from(bytes);
+  if (from.number<std::uint64_t>() != content_hash(from.rest())) {
+    throw CorruptIndex("facts that are damaged");
+  }
   FileFacts facts;
   facts.package = from.text();
   facts.imports = from.list<ImportFact>(read_import);
   facts.declares = from.list<std::string>([](Decoder& in) { return in.text(); });
   facts.uses = from.list<NameUse>(read_use);
-  if (!from.done()) throw CorruptIndex("facts with something behind them");
+  if (!from.rest().empty()) throw CorruptIndex("facts with something behind them");
   return facts;
 }
 

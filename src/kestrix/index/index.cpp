@@ -1,10 +1,14 @@
 #include "kestrix/index/index.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
+#include <bit>
 #include <iterator>
 #include <numeric>
 #include <utility>
 
+#include "kestrix/index/content_hash.h"
 #include "kestrix/index/corrupt_index.h"
 #include "kestrix/index/language.h"
 #include "kestrix/index/name_pattern.h"
@@ -21,14 +25,15 @@ class RepositoryIndex::Loader {
     load_files(rows);
     load_symbols();
     load_edges();
-    index_.skipped_ = store_.skip_counts();
-    for (const auto& [reason, count] : file_skips_) index_.skipped_.add(reason, count);
+    load_skip_counts();
+    index_.digest_ = digest_.value();
     find_components(rules);
   }
 
  private:
   void load_files(std::span<const FileRow> rows) {
     for (const FileRow& row : rows) {
+      sum_up(row);
       count_traits(row.traits);
       if (!row.traits.is_text()) continue;
       ids_.emplace(row.id, static_cast<FileId>(index_.files_.size()));
@@ -38,6 +43,28 @@ class RepositoryIndex::Loader {
            row.traits.has(Trait::kGenerated) || row.traits.has(Trait::kMinified)});
       if (!row.language.empty()) count_language(row);
     }
+  }
+
+  void sum_up(const FileRow& row) {
+    digest_.add(row.path);
+    digest_.add(row.language);
+    for (const std::int64_t number :
+         {row.id, row.stamp.size, row.stamp.modified_ns, row.stamp.changed_ns}) {
+      digest_.add(static_cast<std::uint64_t>(number));
+    }
+    for (const std::uint64_t number : {row.stamp.inode, row.hash, std::uint64_t{row.unresolved},
+                                       std::uint64_t{row.traits.bits()}}) {
+      digest_.add(number);
+    }
+  }
+
+  void load_skip_counts() {
+    index_.skipped_ = store_.skip_counts();
+    for (const auto& [reason, count] : index_.skipped_) {
+      digest_.add(reason);
+      digest_.add(count);
+    }
+    for (const auto& [reason, count] : file_skips_) index_.skipped_.add(reason, count);
   }
 
   // The name in the language table lives as long as the program.
@@ -77,7 +104,15 @@ class RepositoryIndex::Loader {
       index_.symbols_.push_back({symbol.kind, index_.texts_.keep(symbol.name),
                                  index_.texts_.keep(symbol.signature), id_of(file), symbol.line});
     });
-    std::ranges::stable_sort(index_.symbols_, {}, &IndexedSymbol::file);
+    if (!std::ranges::is_sorted(index_.symbols_, {}, &IndexedSymbol::file)) {
+      std::ranges::stable_sort(index_.symbols_, {}, &IndexedSymbol::file);
+    }
+    for (const IndexedSymbol& symbol : index_.symbols_) {
+      digest_.add(symbol.name);
+      digest_.add(symbol.signature);
+      digest_.add(std::uint64_t{symbol.file} << 32U | symbol.line);
+      digest_.add(static_cast<std::uint64_t>(symbol.kind));
+    }
   }
 
   void load_edges() {
@@ -87,7 +122,11 @@ class RepositoryIndex::Loader {
     std::ranges::sort(index_.edges_, {},
                       [](const IndexedEdge& edge) { return std::pair(edge.source, edge.target); });
     index_.first_edge_.assign(index_.files_.size() + 1, 0);
-    for (const IndexedEdge& edge : index_.edges_) ++index_.first_edge_[edge.source + 1];
+    for (const IndexedEdge& edge : index_.edges_) {
+      ++index_.first_edge_[edge.source + 1];
+      digest_.add(std::uint64_t{edge.source} << 32U | edge.target);
+      digest_.add(std::bit_cast<std::uint64_t>(edge.weight));
+    }
     std::partial_sum(index_.first_edge_.begin(), index_.first_edge_.end(),
                      index_.first_edge_.begin());
   }
@@ -109,6 +148,7 @@ class RepositoryIndex::Loader {
   Store& store_;
   std::unordered_map<std::int64_t, FileId> ids_;
   SkipCounts file_skips_;
+  Digest digest_;
 };
 
 std::unique_ptr<RepositoryIndex> RepositoryIndex::load(Store& store, std::span<const FileRow> rows,
@@ -117,6 +157,8 @@ std::unique_ptr<RepositoryIndex> RepositoryIndex::load(Store& store, std::span<c
   Loader(*index, store).load(rows, rules);
   return index;
 }
+
+std::string RepositoryIndex::digest() const { return fmt::format("{:016x}", digest_); }
 
 std::optional<FileId> RepositoryIndex::find(std::string_view path) const {
   const auto found = std::ranges::lower_bound(files_, path, {}, &IndexedFile::path);

@@ -79,6 +79,8 @@ class RepositoryIndex : public Repository {
   /// path.
   static std::unique_ptr<RepositoryIndex> load(Store& store, std::span<const FileRow> rows,
                                                const PathRules& rules);
+  /// Sums up all that was read. What was stored and what is read must have the same.
+  std::string digest() const;
 
   std::span<const IndexedFile> files() const { return files_; }
   std::span<const IndexedSymbol> symbols() const { return symbols_; }
@@ -107,6 +109,7 @@ class RepositoryIndex : public Repository {
   std::vector<std::uint32_t> first_edge_;  // by file, and one behind the last
   std::vector<Component> components_;
   std::vector<Component> source_components_;
+  std::uint64_t digest_ = 0;
   SkipCounts skipped_;
   std::map<std::string_view, LanguageCounts> languages_;
 };

@@ -61,10 +61,7 @@ std::unique_ptr<RepositoryIndex> open(const IndexOptions& options) {
   const RootDirectory root(options.root);
   Store store = Store::open_existing(place_of(options, root.path()).file);
   store.begin_read();
-  if (!store.has_current_schema() || store.setting(kReaderSetting) != reader_version()) {
-    throw Error(fmt::format("{}: an index of another version", store.path().native()));
-  }
-  return RepositoryIndex::load(store, store.files(), options.path_rules);
+  return open_stored(store, options.path_rules);
 }
 
 RefreshedIndex refresh_and_open(const IndexOptions& options) {

@@ -4,10 +4,12 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <span>
 #include <system_error>
 #include <unordered_set>
 
 #include "kestrix/index/content_hash.h"
+#include "kestrix/index/corrupt_index.h"
 #include "kestrix/index/edge_builder.h"
 #include "kestrix/index/facts_codec.h"
 #include "kestrix/index/indexed_files.h"
@@ -22,7 +24,30 @@ namespace fs = std::filesystem;
 // Raised whenever this library takes something else from unchanged files.
 constexpr int kReaderVersion = 1;
 
+const std::string kReaderSetting = "reader";
 const std::string kRootSetting = "root";
+const std::string kDigestSetting = "digest";
+
+// Stands for all that decides, besides the files, what an index holds.
+const std::string& reader_version() {
+  static const std::string version = [] {
+    std::string parts = fmt::format("{}", kReaderVersion);
+    for (const Language* language : languages()) {
+      parts += fmt::format("\n{} {}\n{}", language->name, language->version, language->query);
+    }
+    return fmt::format("{:016x}", content_hash(parts));
+  }();
+  return version;
+}
+
+std::unique_ptr<RepositoryIndex> load_checked(Store& store, std::span<const FileRow> rows,
+                                              const PathRules& rules) {
+  auto index = RepositoryIndex::load(store, rows, rules);
+  if (index->digest() != store.setting(kDigestSetting)) {
+    throw CorruptIndex(fmt::format("{}: the index is damaged", store.path().native()));
+  }
+  return index;
+}
 
 // The index and its companions, where they lie in the repository.
 std::vector<std::string> own_files_below(const fs::path& root, const fs::path& index) {
@@ -36,32 +61,32 @@ std::vector<std::string> own_files_below(const fs::path& root, const fs::path& i
 }  // namespace
 
 RefreshResult Refresher::refresh() {
-  run([] {});
+  run(false);
   return std::move(result_);
 }
 
 RefreshedIndex Refresher::refresh_and_open() {
-  std::unique_ptr<RepositoryIndex> index;
-  run([&] { index = RepositoryIndex::load(store_, rows_, options_.path_rules); });
+  auto index = run(true);
   return {std::move(index), std::move(result_)};
 }
 
-void Refresher::run(const std::function<void()>& finish) {
+std::unique_ptr<RepositoryIndex> Refresher::run(bool open) {
   result_.file = store_.path();
   const auto own_files = own_files_below(root_.path(), store_.path());
   const WalkResult walked = walk(root_, {.excluded = own_files, .stop = options_.stop});
   store_.begin_read();
-  const bool up_to_date = is_up_to_date(walked);
-  if (up_to_date) finish();
+  if (is_up_to_date(walked))
+    return open ? load_checked(store_, rows_, options_.path_rules) : nullptr;
   const int seen = store_.data_version();
   store_.end_read();
-  if (up_to_date) return;
   store_.begin_write(options_.lock_timeout, options_.stop);
   if (store_.data_version() != seen) is_up_to_date(walked);
   bring_up_to_date(walked);
-  finish();
+  auto index = RepositoryIndex::load(store_, rows_, options_.path_rules);
+  store_.set_setting(kDigestSetting, index->digest());
   check_stop(options_.stop);
   store_.commit();
+  return index;
 }
 
 bool Refresher::is_up_to_date(const WalkResult& walked) {
@@ -83,7 +108,11 @@ std::string Refresher::reason_to_rebuild() {
 }
 
 void Refresher::bring_up_to_date(const WalkResult& walked) {
-  if (!result_.rebuilt.empty()) recreate();
+  // What stays of the old state must be sound; its sum is renewed with the new one.
+  if (result_.rebuilt.empty())
+    load_checked(store_, rows_, {});
+  else
+    recreate();
   skipped_ = walked.skipped;
   const RefreshPlan plan = plan_refresh(rows_, walked.files);
   result_.unchanged = plan.unchanged;
@@ -114,8 +143,7 @@ void Refresher::scan(const RefreshPlan& plan) {
   std::size_t done = 0;
   Workers<Scanned> workers(thread_count(options_.threads), options_.stop);
   workers.run(
-      total,
-      [&](std::size_t i) { return Scanned(i, scan_file(root_, plan.tasks[i])); },
+      total, [&](std::size_t i) { return Scanned(i, scan_file(root_, plan.tasks[i])); },
       [&](Scanned scanned) {
         auto& [place, file] = scanned;
         // The place in the plan makes ids independent of which thread was first.
@@ -202,15 +230,11 @@ void Refresher::resolve() {
   }
 }
 
-const std::string& reader_version() {
-  static const std::string version = [] {
-    std::string parts = fmt::format("{}", kReaderVersion);
-    for (const Language* language : languages()) {
-      parts += fmt::format("\n{} {}\n{}", language->name, language->version, language->query);
-    }
-    return fmt::format("{:016x}", content_hash(parts));
-  }();
-  return version;
+std::unique_ptr<RepositoryIndex> open_stored(Store& store, const PathRules& rules) {
+  if (!store.has_current_schema() || store.setting(kReaderSetting) != reader_version()) {
+    throw Error(fmt::format("{}: an index of another version", store.path().native()));
+  }
+  return load_checked(store, store.files(), rules);
 }
 
 }  // namespace kestrix::index

@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <string>
 #include <utility>
@@ -30,8 +29,7 @@ class Refresher {
   RefreshedIndex refresh_and_open();
 
  private:
-  // `finish` is called in the transaction that saw or made the state.
-  void run(const std::function<void()>& finish);
+  std::unique_ptr<RepositoryIndex> run(bool open);
   bool is_up_to_date(const WalkResult& walked);
   void bring_up_to_date(const WalkResult& walked);
   std::string reason_to_rebuild();
@@ -56,10 +54,8 @@ class Refresher {
   std::vector<std::string> resolve_anew_;
 };
 
-/// Stands for all that decides, besides the files, what an index holds.
-const std::string& reader_version();
-
-/// The setting that keeps it.
-inline const std::string kReaderSetting = "reader";
+/// Opens the store's state within the caller's transaction. Throws when another version wrote it,
+/// or when it is not what was written.
+std::unique_ptr<RepositoryIndex> open_stored(Store& store, const PathRules& rules);
 
 }  // namespace kestrix::index

@@ -140,6 +140,10 @@ void raise(const fs::path& path, const SQLite::Exception& failure) {
   switch (failure.getErrorCode()) {
     case SQLITE_CORRUPT:
     case SQLITE_NOTADB:
+    case SQLITE_ERROR:  // our statements are right: it is the schema that is not
+    case SQLITE_CONSTRAINT:
+    case SQLITE_MISMATCH:
+    case SQLITE_FORMAT:
       throw CorruptIndex(fmt::format("{}: the index is damaged", path.native()));
     case SQLITE_BUSY:
     case SQLITE_LOCKED:
