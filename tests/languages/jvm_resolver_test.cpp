@@ -98,6 +98,43 @@ TEST(JvmResolver, TellsSourceTreesApart) {
   });
 }
 
+TEST(JvmResolver, SeesJavaAndKotlinTogether) {
+  check({
+      {"types both ways, functions as the class that holds them",
+       {{"A.java", "package p; import q.K; import static q.ToolsKt.run; class A {}"},
+        {"K.kt", "package q\nimport p.A\nclass K\n"},
+        {"tools.kt", "package q\nfun run() = 1\n"}},
+       {"A.java -> K.kt", "A.java -> tools.kt", "K.kt -> A.java"}},
+      {"functions, properties, aliases and members by name",
+       {{"A.kt",
+         "package p\nimport q.run as go\nimport q.limit\nimport q.Name\nimport q.Obj.member\n"},
+        {"Run.kt", "package q\nfun String.run() = 1\n"},
+        {"Limit.kt", "package q\nval limit = 1\n"},
+        {"Name.kt", "package q\ntypealias Name = String\n"},
+        {"Obj.kt", "package q\nobject Obj {\n  fun member() = 1\n}\n"}},
+       {"A.kt -> Run.kt", "A.kt -> Limit.kt", "A.kt -> Name.kt", "A.kt -> Obj.kt"}},
+      {"a wildcard leads to the functions called",
+       {{"A.kt", "package p\nimport q.*\nfun f(x: Int) = x.run { stay }\n"},
+        {"Run.kt", "package q\nfun Int.run() = 1\n"},
+        {"Stay.kt", "package q\nval stay = 1\n"}},
+       {"A.kt -> Run.kt"}},
+      {"what is private or stands in a script is seen by its file only",
+       {{"A.kt", "package p\nclass A : Base(), Other\n"},
+        {"B.kt", "package p\nprivate class Base\n"},
+        {"c.kts", "package p\nclass Other\n"}},
+       {}},
+      {"what one platform declares counts on that platform",
+       {{"src/commonMain/Clock.kt", "package p\nexpect class Clock\n"},
+        {"src/commonMain/Use.kt", "package p\nval a: Clock? = null\n"},
+        {"src/jsMain/Clock.kt", "package p\nactual class Clock\n"},
+        {"src/jvmMain/Clock.kt", "package p\nactual class Clock\n"},
+        {"src/jvmTest/Use.kt", "package p\nval b: Clock? = null\n"},
+        {"app/Use.kt", "package q\nimport p.Clock\n"}},
+       {"app/Use.kt -> src/commonMain/Clock.kt", "src/commonMain/Use.kt -> src/commonMain/Clock.kt",
+        "src/jvmTest/Use.kt -> src/jvmMain/Clock.kt"}},
+  });
+}
+
 TEST(JvmResolver, WeighsByUse) {
   EXPECT_THAT(
       weighted_edges_of(

@@ -33,7 +33,7 @@ class Reader {
 
   FileFacts read() {
     tree_.for_each_match([this](const Match& match) { take(match); });
-    facts_.uses = own_.foreign_uses(tree_);
+    facts_.uses = own_.foreign_uses(tree_, packaged::Constants::kIgnore);
     packaged::add_qualified_names(tree_, kStatements,
                                   static_cast<std::uint16_t>(JvmImport::kInCode), facts_);
     packaged::sort_declared(facts_);

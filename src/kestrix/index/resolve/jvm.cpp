@@ -69,10 +69,17 @@ class JvmResolver : public Resolver {
 
  private:
   void add_file(FileId id, bool kotlin) {
+    if (files_.path(id).ends_with(".kts")) return;
     const FileFacts& facts = files_.facts(id);
-    for (const std::string& name : facts.declares) packages_.declare(facts.package, name, id);
-    const auto is_type = [](const std::string& name) { return packaged::is_type_like(name); };
-    if (!kotlin || std::ranges::all_of(facts.declares, is_type)) return;
+    bool functions = false;
+    for (std::string_view name : facts.declares) {
+      const bool actual = name.starts_with(kActual);
+      if (actual) name.remove_prefix(kActual.size());
+      packages_.declare(facts.package, name, id,
+                        actual ? Packages::Standing::kStandIn : Packages::Standing::kFull);
+      functions |= !packaged::is_type_like(name);
+    }
+    if (!kotlin || !functions) return;
     facades_.push_back(facade_of(files_.path(id)));
     packages_.declare(facts.package, facades_.back(), id);
   }
@@ -95,17 +102,30 @@ class JvmResolver : public Resolver {
     const FileFacts& facts = files_.facts(file);
     std::unordered_set<FileId> imported;
     for (const NameUse& use : facts.uses) {
-      if (const auto own = packages_.find_one(facts.package, use.name, file)) {
+      const bool type = packaged::is_type_like(use.name);
+      const auto own = type ? packages_.find_one(facts.package, use.name, file) : std::nullopt;
+      if (own) {
         found.add(*own, use.uses);
         continue;
       }
-      for (const std::string_view package : wildcards) {
-        const auto target = packages_.find_one(package, use.name, file);
-        if (!target) continue;
-        found.add(*target, (imported.insert(*target).second ? 1.0 : 0.0) + use.uses);
-        break;
+      for (const FileId target : find_imported(wildcards, use.name, file)) {
+        found.add(target, (imported.insert(target).second ? 1.0 : 0.0) + use.uses);
       }
     }
+  }
+
+  // Files of a package share out the overloads of a function; a type has one.
+  std::vector<FileId> find_imported(const std::vector<std::string_view>& wildcards,
+                                    std::string_view name, FileId file) const {
+    for (const std::string_view package : wildcards) {
+      if (!packaged::is_type_like(name)) {
+        const auto overloads = packages_.find(package, name, file);
+        if (!overloads.empty()) return {overloads.begin(), overloads.end()};
+      } else if (const auto one = packages_.find_one(package, name, file)) {
+        return {*one};
+      }
+    }
+    return {};
   }
 
   const FileTable& files_;

@@ -31,6 +31,8 @@ std::string_view source_root(std::string_view folder, std::string_view package) 
   return folder;
 }
 
+bool is_lower(char c) { return c >= 'a' && c <= 'z'; }
+
 std::string_view stem(std::string_view path) {
   const std::string_view name = base_name(path);
   return name.substr(0, name.find('.'));
@@ -38,12 +40,15 @@ std::string_view stem(std::string_view path) {
 
 }  // namespace
 
-void Packages::declare(std::string_view package, std::string_view name, FileId file) {
+void Packages::declare(std::string_view package, std::string_view name, FileId file,
+                       Standing standing) {
   const bool aside = is_aside(file);
   Package& entry = packages_[package];
   entry.product |= !aside;
   Declared& declared = entry.names[name];
-  std::vector<FileId>& files = aside ? declared.aside : declared.product;
+  std::vector<FileId>& files = aside                            ? declared.aside
+                               : standing == Standing::kStandIn ? declared.stand_ins
+                                                                : declared.product;
   if (files.empty() || files.back() != file) files.push_back(file);
 }
 
@@ -87,11 +92,17 @@ std::span<const FileId> Packages::find(std::string_view package, std::string_vie
   if (entry == packages_.end()) return {};
   const auto declared = entry->second.names.find(name);
   if (declared == entry->second.names.end()) return {};
-  const auto product = nearest(declared->second.product, from);
-  if (declared->second.aside.empty() || !is_aside(from)) return product;
-  const auto aside = nearest(declared->second.aside, from);
-  if (product.empty()) return aside;
-  return nearness(aside.front(), from) > nearness(product.front(), from) ? aside : product;
+  auto best = nearest(declared->second.product, from);
+  const auto consider = [&](std::span<const FileId> others) {
+    const auto other = nearest(others, from);
+    if (other.empty()) return;
+    const bool nearer =
+        best.empty() || nearness(other.front(), from) > nearness(best.front(), from);
+    if (nearer) best = other;
+  };
+  consider(declared->second.stand_ins);
+  if (!declared->second.aside.empty() && is_aside(from)) consider(declared->second.aside);
+  return best;
 }
 
 std::optional<FileId> Packages::find_one(std::string_view package, std::string_view name,
@@ -104,7 +115,10 @@ std::optional<FileId> Packages::find_one(std::string_view package, std::string_v
 }
 
 std::span<const FileId> Packages::find_dotted(std::string_view dotted, FileId from) const {
+  const std::string_view whole = dotted;
   for (; !dotted.empty(); dotted = without_last_part(dotted)) {
+    const bool first = dotted.size() < whole.size() && dotted.find('.') == dotted.npos;
+    if (first && is_lower(dotted.front())) return {};
     const auto files = find(without_last_part(dotted), last_part(dotted), from);
     if (!files.empty()) return files;
   }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <span>
 #include <string_view>
@@ -18,8 +19,13 @@ class Packages {
  public:
   explicit Packages(const FileTable& files) : files_(files) {}
 
-  /// Files are given in ascending order.
-  void declare(std::string_view package, std::string_view name, FileId file);
+  /// What a declaration is to the others of its name.
+  enum class Standing : std::uint8_t { kFull, kStandIn };
+
+  /// Files are given in ascending order. A stand-in counts only where it is nearer than all that
+  /// are none.
+  void declare(std::string_view package, std::string_view name, FileId file,
+               Standing standing = Standing::kFull);
 
   /// Whether a file that `from` may reach belongs to the package.
   bool contains(std::string_view package, FileId from) const;
@@ -41,7 +47,8 @@ class Packages {
  private:
   struct Declared {
     std::vector<FileId> product;
-    std::vector<FileId> aside;  // in folders of tests and examples
+    std::vector<FileId> stand_ins;  // of product code
+    std::vector<FileId> aside;      // all that stand in folders of tests and examples
   };
   struct Package {
     bool product = false;

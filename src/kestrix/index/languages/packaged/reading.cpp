@@ -29,6 +29,10 @@ void to_head(TreeCursor& cursor) {
   }
 }
 
+bool is_constant_like(std::string_view name) {
+  return name.find('_') != std::string_view::npos && is_upper_case(name);
+}
+
 // Walks over the chains of words that are joined by dots.
 class Chains {
  public:
@@ -74,7 +78,7 @@ bool is_package_letter(char c) {
   return (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '_' || c == '.';
 }
 
-// The words of code that seem to start a type's name with its package, at least two parts long.
+// The words of code that seem to start a type's name with its package.
 // Cheap: it looks at dots only, and takes what comments say for code.
 std::set<std::string_view> package_roots(const SourceTree& tree) {
   std::set<std::string_view> roots;
@@ -88,7 +92,7 @@ std::set<std::string_view> package_roots(const SourceTree& tree) {
     done = dot;
     const std::string_view package = text.substr(start, dot - start);
     const std::string_view first = package.substr(0, package.find('.'));
-    if (first.size() == package.size() || first.empty() || first == "this") continue;
+    if (first.empty() || first == "this") continue;
     if (tree.uses(first) > 0) roots.insert(first);
   }
   return roots;
@@ -113,9 +117,7 @@ class LineCounter {
 bool is_type_like(std::string_view name) {
   if (name.empty()) return false;
   const auto first = static_cast<unsigned char>(name.front());
-  if (first >= 0x80) return true;
-  if (first < 'A' || first > 'Z') return false;
-  return name.find('_') == std::string_view::npos || !is_upper_case(name);
+  return first >= 0x80 || (first >= 'A' && first <= 'Z');
 }
 
 std::string dotted(const SourceTree& tree, TSNode name) {
@@ -157,10 +159,11 @@ void OwnNames::add_head(const SourceTree& tree, std::uint32_t start, std::uint32
   }
 }
 
-std::vector<NameUse> OwnNames::foreign_uses(const SourceTree& tree) const {
+std::vector<NameUse> OwnNames::foreign_uses(const SourceTree& tree, Constants constants) const {
   std::vector<NameUse> uses;
   for (const auto& [word, count] : tree.words().entries()) {
     if (!is_type_like(word) || names_.contains(word)) continue;
+    if (constants == Constants::kIgnore && is_constant_like(word)) continue;
     const auto head = heads_.find(word);
     if (!nested_.contains(word)) {
       uses.push_back({std::string(word), count});
@@ -180,9 +183,8 @@ void add_qualified_names(const SourceTree& tree, std::span<const std::string_vie
   LineCounter lines(tree.text());
   Chains chains(tree);
   for (Chains::Chain chain; chains.next(chain);) {
-    const bool known = chain.first == own
-                           ? chain.parts > (chain.type ? 1 : 2)
-                           : chain.type && chain.parts > 2 && roots.contains(chain.first);
+    const bool known = chain.type ? chain.parts > 1 && roots.contains(chain.first)
+                                  : chain.parts > 2 && chain.first == own;
     if (!known || std::ranges::find(statements, chain.before) != statements.end()) continue;
     ImportFact& fact = found.try_emplace(chain.name).first->second;
     if (fact.uses++ > 0) continue;

@@ -17,8 +17,7 @@
 /// (or namespace) and names the types of its package without an import.
 namespace kestrix::index::packaged {
 
-/// Whether a name is written as types are there: it starts with an upper-case letter (or one
-/// beyond ASCII) and is not written as constants are, with "_" between upper-case words.
+/// Whether a name is written as types are: it starts with an upper-case letter or one beyond ASCII.
 bool is_type_like(std::string_view name);
 
 /// A dotted name without the white space and the comments that may stand between its parts.
@@ -32,6 +31,10 @@ bool has_modifier(const SourceTree& tree, TSNode declaration, std::string_view m
 SymbolFact symbol(const SourceTree& tree, SymbolKind kind, TSNode declaration, TSNode name,
                   std::uint32_t end);
 
+/// Whether names that are written as constants, with "_" between upper-case words, may be ones of
+/// the package; elsewhere they are members of types.
+enum class Constants : std::uint8_t { kIgnore, kCount };
+
 /// Collects the names that need no look-up outside of the file: those that it declares or that an
 /// import of it binds. What else is used as a type makes `FileFacts::uses`.
 class OwnNames {
@@ -42,7 +45,8 @@ class OwnNames {
   /// The head of a type that stands in no other one, from byte `start` to `end`.
   void add_head(const SourceTree& tree, std::uint32_t start, std::uint32_t end);
 
-  std::vector<NameUse> foreign_uses(const SourceTree& tree) const;
+  bool contains(std::string_view name) const { return names_.contains(name); }
+  std::vector<NameUse> foreign_uses(const SourceTree& tree, Constants constants) const;
 
  private:
   std::unordered_set<std::string_view> names_;
