@@ -17,17 +17,23 @@ PyObject* find(PyObject* dict, PyObject* key) {
   return found;
 }
 
-// `count += amount` of a Counter that reads 0 where it has nothing.
+Object sum_of(PyObject* a, PyObject* b) { return Object::steal(PyNumber_Add(a, b)); }
+
+// `add_to` for an int: what it adds to 0 is itself, so that one search of the counter finds the
+// count or puts the first one there.
+void add_int_to(PyObject* counter, PyObject* key, PyObject* amount) {
+  const Py_ssize_t size = PyDict_GET_SIZE(counter);
+  PyObject* const count = PyDict_SetDefault(counter, key, amount);
+  if (count == nullptr) throw_pending();
+  if (PyDict_GET_SIZE(counter) != size) return;
+  checked(PyDict_SetItem(counter, key, sum_of(count, amount).ptr()));
+}
+
+// `counter[key] += amount` of a Counter, which reads 0 where it has nothing.
 void add_to(PyObject* counter, PyObject* key, PyObject* amount) {
+  if (PyLong_CheckExact(amount)) return add_int_to(counter, key, amount);
   PyObject* const found = find(counter, key);
-  Object sum;
-  if (found != nullptr) {
-    sum = Object::steal(PyNumber_Add(found, amount));
-  } else if (PyLong_CheckExact(amount)) {
-    sum = Object::borrow(amount);
-  } else {
-    sum = Object::steal(PyNumber_Add(Object::number(0).ptr(), amount));
-  }
+  const auto sum = sum_of(found != nullptr ? found : Object::number(0).ptr(), amount);
   checked(PyDict_SetItem(counter, key, sum.ptr()));
 }
 

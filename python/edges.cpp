@@ -47,6 +47,11 @@ std::optional<Py_ssize_t> field_index(PyObject* descriptor, PyTypeObject* type) 
   return index;
 }
 
+std::optional<Py_ssize_t> value_index(PyTypeObject* type, PyObject* name) {
+  const Py_ssize_t index = kestrix_value_index(type, name);
+  return index < 0 ? std::nullopt : std::optional(index);
+}
+
 }  // namespace
 
 void EdgeReader::learn(PyTypeObject* type) {
@@ -62,13 +67,17 @@ void EdgeReader::learn(PyTypeObject* type) {
 
 void EdgeReader::place(Field& field, PyTypeObject* type) {
   PyObject* const descriptor = class_attribute(type, field.name.ptr());
-  if (descriptor == nullptr) return;
-  if (const auto offset = slot_offset(descriptor, type)) {
-    field.place = Place::kSlot;
-    field.at = *offset;
-  } else if (const auto index = field_index(descriptor, type)) {
-    field.place = Place::kItem;
-    field.at = *index;
+  const bool instance_first = descriptor == nullptr || Py_TYPE(descriptor)->tp_descr_set == nullptr;
+  const auto learn_place = [&](Place place, std::optional<Py_ssize_t> at) {
+    if (!at) return;
+    field.place = place;
+    field.at = *at;
+  };
+  if (instance_first) {
+    learn_place(Place::kValue, value_index(type, field.name.ptr()));
+  } else {
+    learn_place(Place::kSlot, slot_offset(descriptor, type));
+    learn_place(Place::kItem, field_index(descriptor, type));
   }
 }
 

@@ -3,13 +3,14 @@
 // File edges that are Python objects of any kind: their fields are attributes, read when a rule
 // asks, and the rule holds what it read.
 
+#include "python/instance_values.h"
 #include "python/namespace.h"
 #include "python/object.h"
 
 namespace kestrix::python {
 
-/// Reads the fields of edges. Most edges of a call are of one type; where that type keeps its
-/// fields in slots or as a named tuple, they are taken from there.
+/// Reads the fields of edges. Most edges of a call are of one type; where its instances keep their
+/// fields in a place that can be told beforehand, they are taken from there.
 class EdgeReader {
  public:
   EdgeReader() : source_{names().source}, target_{names().target}, weight_{names().weight} {}
@@ -19,12 +20,12 @@ class EdgeReader {
   Object weight(PyObject* edge) { return read(weight_, edge); }
 
  private:
-  enum class Place { kAttribute, kSlot, kItem };
+  enum class Place { kAttribute, kSlot, kItem, kValue };
 
   struct Field {
     const Object& name;
     Place place = Place::kAttribute;
-    Py_ssize_t at = 0;  // offset of the slot, or index of the item
+    Py_ssize_t at = 0;  // offset of the slot, or index of the item or value
   };
 
   Object read(const Field& field, PyObject* edge) {
@@ -38,6 +39,7 @@ class EdgeReader {
   }
 
   static PyObject* in_place(const Field& field, PyObject* edge) {
+    if (field.place == Place::kValue) return kestrix_value_at(edge, field.at);
     if (field.place == Place::kItem) {
       return field.at < PyTuple_GET_SIZE(edge) ? PyTuple_GET_ITEM(edge, field.at) : nullptr;
     }
