@@ -116,7 +116,7 @@ class Reader {
 
   FileFacts read() {
     tree_.for_each_match([this](const Match& match) { take(match); });
-    facts_.uses = own_.foreign_uses(tree_);
+    facts_.uses = own_.foreign_uses(tree_, packaged::Constants::kIgnore);
     add_qualified_names();
     packaged::sort_declared(facts_);
     return std::move(facts_);
