@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <chrono>
+#include <filesystem>
 #include <random>
 #include <string>
 #include <vector>
@@ -177,7 +179,13 @@ TEST_F(Indexer, DoesNotTakeACopyForTheOriginal) {
 }
 
 TEST_F(Indexer, ReportsProgressAndStopsWhenAsked) {
-  for (int i = 0; i < 50; ++i) write(fmt::format("m{}.py", i), "class A: pass\n");
+  for (int i = 0; i < 50; ++i) {
+    write(fmt::format("m{}.py", i), "class A: pass\n");
+    // A file as young as the index that reads it would be read again.
+    const auto path = scratch() / fmt::format("repo/m{}.py", i);
+    std::filesystem::last_write_time(
+        path, std::filesystem::last_write_time(path) - std::chrono::hours(1));
+  }
   const auto before = refreshed().index->files().size();
   for (int i = 0; i < 50; ++i) write(fmt::format("n{}.py", i), "class A: pass\n");
   StopFlag stop = false;
