@@ -4,9 +4,9 @@
 #include <sys/stat.h>
 
 #include <chrono>
-#include <filesystem>
 #include <random>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "tests/index/index_fixture.h"
@@ -179,13 +179,9 @@ TEST_F(Indexer, DoesNotTakeACopyForTheOriginal) {
 }
 
 TEST_F(Indexer, ReportsProgressAndStopsWhenAsked) {
-  for (int i = 0; i < 50; ++i) {
-    write(fmt::format("m{}.py", i), "class A: pass\n");
-    // A file as young as the index that reads it would be read again.
-    const auto path = scratch() / fmt::format("repo/m{}.py", i);
-    std::filesystem::last_write_time(
-        path, std::filesystem::last_write_time(path) - std::chrono::hours(1));
-  }
+  for (int i = 0; i < 50; ++i) write(fmt::format("m{}.py", i), "class A: pass\n");
+  // Files as young as the index that reads them would be read again.
+  std::this_thread::sleep_for(std::chrono::milliseconds(50));
   const auto before = refreshed().index->files().size();
   for (int i = 0; i < 50; ++i) write(fmt::format("n{}.py", i), "class A: pass\n");
   StopFlag stop = false;
