@@ -2,7 +2,9 @@
 
 #include <fmt/format.h>
 
+#include <chrono>
 #include <string>
+#include <thread>
 
 #include "kestrix/index/indexer.h"
 #include "tests/index/scratch.h"
@@ -23,6 +25,10 @@ class IndexFixture {
     options.file = scratch_ / file;
     return options;
   }
+
+  /// Lets the files grow older than a tick of the clock: younger ones are read at every refresh,
+  /// because a later change could leave the same stamp behind.
+  static void settle() { std::this_thread::sleep_for(std::chrono::milliseconds(50)); }
 
   RefreshedIndex refreshed() const { return refresh_and_open(options()); }
   const Scratch& scratch() const { return scratch_; }

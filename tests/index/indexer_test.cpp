@@ -3,10 +3,8 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include <chrono>
 #include <random>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "tests/index/index_fixture.h"
@@ -180,8 +178,7 @@ TEST_F(Indexer, DoesNotTakeACopyForTheOriginal) {
 
 TEST_F(Indexer, ReportsProgressAndStopsWhenAsked) {
   for (int i = 0; i < 50; ++i) write(fmt::format("m{}.py", i), "class A: pass\n");
-  // Files as young as the index that reads them would be read again.
-  std::this_thread::sleep_for(std::chrono::milliseconds(50));
+  settle();
   const auto before = refreshed().index->files().size();
   for (int i = 0; i < 50; ++i) write(fmt::format("n{}.py", i), "class A: pass\n");
   StopFlag stop = false;

@@ -126,6 +126,7 @@ TEST_F(IndexFile, SurvivesAKill) {
 
 TEST_F(IndexFile, IsReadWhereNothingCanBeWritten) {
   scratch().write("place/index.sqlite");
+  settle();
   refresh(options("place/index.sqlite"));
   as_nobody(scratch(), [&] {
     EXPECT_EQ(refresh_and_open(options("place/index.sqlite")).index->files().size(), 1U);
