@@ -9,7 +9,8 @@ cd "$root"
 if [ $# -gt 0 ]; then
   files=("$@")
 else
-  mapfile -t files < <(git ls-files -co --exclude-standard -- '*.h' '*.cpp')
+  mapfile -t files < <(git ls-files -co --exclude-standard -- '*.h' '*.cpp' \
+    ':!tests/*/fixtures' ':!tests/repositories')
 fi
 [ ${#files[@]} -gt 0 ] || { echo "no C++ files" >&2; exit 1; }
 

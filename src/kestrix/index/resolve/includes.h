@@ -25,9 +25,9 @@ bool is_system_header(std::string_view name);
 ///   whose root most other includes start from.
 ///
 /// System headers are met in the folders of compile_commands.json, and without angle brackets or
-/// with a folder ("<sys/types.h>") in the folders above the file; nowhere else. A bare name in angle brackets needs a root that something else speaks for. Quoted names
-/// that lead nowhere count as unresolved, and so do angled ones below a folder of headers that
-/// others find here.
+/// with a folder ("<sys/types.h>") in the folders above the file; nowhere else. A bare name in
+/// angle brackets needs a root that something else speaks for. Quoted names that lead nowhere count
+/// as unresolved, and so do angled ones below a folder of headers that others find here.
 std::unique_ptr<Resolver> make_include_resolver(const FileTable& files);
 
 }  // namespace kestrix::index
