@@ -136,6 +136,25 @@ TEST_F(IndexFile, IsReadWhereNothingCanBeWritten) {
   });
 }
 
+TEST_F(IndexFile, AnswersForUnsettledFilesWhereItCannotBeWritten) {
+  std::filesystem::create_directory(scratch() / "place");
+  write("a.py", "x = 1");
+  write("secret.py");
+  ::chmod((scratch() / "repo").c_str(), 0777);
+  ::chmod((scratch() / "repo/a.py").c_str(), 0666);
+  ::chmod((scratch() / "repo/secret.py").c_str(), 0);
+  ::chmod((scratch() / "place").c_str(), 0777);
+  as_nobody(scratch(), [&] { refresh(options("place/index.sqlite")); });
+  ::chmod((scratch() / "place").c_str(), 0555);
+  ::chmod((scratch() / "place/index.sqlite").c_str(), 0444);
+  as_nobody(scratch(), [&] {
+    write("a.py", "x = 1");  // as it was, at another time
+    EXPECT_GT(refresh(options("place/index.sqlite")).unchanged, 1U);
+    write("a.py", "y = 1");
+    EXPECT_THROW(refresh(options("place/index.sqlite")), Error) << "out of date";
+  });
+}
+
 TEST_F(IndexFile, KeepsItsOwnFilesOutOfTheIndex) {
   IndexOptions inside = options("repo/index.sqlite");
   EXPECT_EQ(refresh_and_open(inside).index->statistics().skipped[skipped::kBinary], 0U);

@@ -92,6 +92,8 @@ ScannedFile scan_file(const RootDirectory& root, const ScanTask& task) {
   if (content.status == ReadStatus::kUnreadable) {
     file.row.traits.set(Trait::kUnreadable);
     file.row.stamp.size = -1;
+    if (task.known != nullptr && task.known->traits == file.row.traits)
+      file.outcome = ScanOutcome::kUnchanged;
     return file;
   }
   const FileStamp stamp = lasting_stamp(content, before);

@@ -96,7 +96,19 @@ bool Refresher::is_up_to_date(const WalkResult& walked) {
   rows_ = store_.files();
   const RefreshPlan plan = plan_refresh(rows_, walked.files);
   result_.unchanged = plan.unchanged;
-  return plan.empty() && store_.skip_counts() == walked.skipped;
+  if (!plan.gone.empty() || store_.skip_counts() != walked.skipped) return false;
+  return plan.tasks.empty() || (!store_.writable() && holds_contents_of(plan));
+}
+
+// A file's look is noted when it is read again. Where that cannot be written, content decides.
+bool Refresher::holds_contents_of(const RefreshPlan& plan) {
+  for (const ScanTask& task : plan.tasks) {
+    check_stop(options_.stop);
+    if (task.known == nullptr || scan_file(root_, task).outcome != ScanOutcome::kUnchanged)
+      return false;
+  }
+  result_.unchanged += plan.tasks.size();
+  return true;
 }
 
 std::string Refresher::reason_to_rebuild() {

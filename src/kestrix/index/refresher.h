@@ -31,6 +31,7 @@ class Refresher {
  private:
   std::unique_ptr<RepositoryIndex> run(bool open);
   bool is_up_to_date(const WalkResult& walked);
+  bool holds_contents_of(const RefreshPlan& plan);
   void bring_up_to_date(const WalkResult& walked);
   std::string reason_to_rebuild();
   void recreate();

@@ -95,6 +95,9 @@ class Store {
 
   const std::filesystem::path& path() const { return path_; }
 
+  /// Whether begin_write can succeed here at all.
+  bool writable() const { return writable_; }
+
   /// Whether the tables are those that this version reads and writes.
   bool has_current_schema();
 
