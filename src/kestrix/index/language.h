@@ -2,7 +2,6 @@
 
 #include <tree_sitter/api.h>
 
-#include <cstdint>
 #include <optional>
 #include <span>
 #include <string>
@@ -34,7 +33,6 @@ struct Language {
   /// A copy of the text, of equal length, in which what the grammar cannot read is blank; it is
   /// parsed in the text's stead. None when nothing is in the way; null for a language without need.
   std::optional<std::string> (*mask)(std::string_view text) = nullptr;
-  std::uint32_t version = 1;  ///< raised whenever the facts of unchanged files would differ
 };
 
 /// Every language, in name order. Immutable; usable from any thread.

@@ -13,7 +13,7 @@
 #include "kestrix/index/edge_builder.h"
 #include "kestrix/index/facts_codec.h"
 #include "kestrix/index/indexed_files.h"
-#include "kestrix/index/language.h"
+#include "kestrix/index/sources_digest.h"
 #include "kestrix/index/workers.h"
 
 namespace kestrix::index {
@@ -21,24 +21,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Raised whenever this library takes something else from unchanged files.
-constexpr int kReaderVersion = 1;
-
 const std::string kReaderSetting = "reader";
 const std::string kRootSetting = "root";
 const std::string kDigestSetting = "digest";
-
-// Stands for all that decides, besides the files, what an index holds.
-const std::string& reader_version() {
-  static const std::string version = [] {
-    std::string parts = fmt::format("{}", kReaderVersion);
-    for (const Language* language : languages()) {
-      parts += fmt::format("\n{} {}\n{}", language->name, language->version, language->query);
-    }
-    return fmt::format("{:016x}", content_hash(parts));
-  }();
-  return version;
-}
 
 std::unique_ptr<RepositoryIndex> load_checked(Store& store, std::span<const FileRow> rows,
                                               const PathRules& rules) {
@@ -113,7 +98,7 @@ bool Refresher::holds_contents_of(const RefreshPlan& plan) {
 
 std::string Refresher::reason_to_rebuild() {
   if (!store_.has_current_schema()) return "no index of this version";
-  if (store_.setting(kReaderSetting) != reader_version()) return "an index of other readers";
+  if (store_.setting(kReaderSetting) != sources_digest) return "an index of other readers";
   // Stamps tell a file from what it was, not from its copy elsewhere.
   if (store_.setting(kRootSetting) != root_.path().native()) return "an index of another directory";
   return {};
@@ -137,7 +122,7 @@ void Refresher::bring_up_to_date(const WalkResult& walked) {
 
 void Refresher::recreate() {
   store_.recreate_tables();
-  store_.set_setting(kReaderSetting, reader_version());
+  store_.set_setting(kReaderSetting, std::string(sources_digest));
   store_.set_setting(kRootSetting, root_.path().native());
 }
 
@@ -243,7 +228,7 @@ void Refresher::resolve() {
 }
 
 std::unique_ptr<RepositoryIndex> open_stored(Store& store, const PathRules& rules) {
-  if (!store.has_current_schema() || store.setting(kReaderSetting) != reader_version()) {
+  if (!store.has_current_schema() || store.setting(kReaderSetting) != sources_digest) {
     throw Error(fmt::format("{}: an index of another version", store.path().native()));
   }
   return load_checked(store, store.files(), rules);
