@@ -24,6 +24,7 @@ constexpr const char* kDescription =
 
 constexpr const char* kExamples = R"(Examples:
   page-sources pages                              every page of the current directory
+  page-sources ~/src/app                          every page of that one
   page-sources edges --format dot | dot -Tsvg     the dependencies as a picture
   page-sources symbols --kind class --name %Error
   page-sources topic 'Order book' src/book.py src/match.py
@@ -155,6 +156,7 @@ class Parser {
   }
 
   Command parse(Names arguments) {
+    const std::string note = name_the_default(arguments);
     spread_marker(arguments);
     std::ranges::reverse(arguments);  // as the library wants them
     try {
@@ -165,11 +167,21 @@ class Parser {
     } catch (const CLI::CallForVersion& version) {
       return Information{std::string(version.what()) + '\n'};
     } catch (const CLI::ParseError& error) {
-      return WrongUsage{one_line(error.what())};
+      return WrongUsage{one_line(error.what()) + note};
     }
   }
 
  private:
+  // A repository alone asks for its pages. Returns what to add to a complaint: the first word may
+  // have been a subcommand that was misspelt.
+  std::string name_the_default(Names& arguments) const {
+    if (arguments.empty() || arguments.front().starts_with('-')) return {};
+    const auto is_first = [&](const CLI::App* app) { return app->check_name(arguments.front()); };
+    if (!app_.get_subcommands(is_first).empty()) return {};
+    arguments.insert(arguments.begin(), "pages");
+    return fmt::format(" ({} is no subcommand, so pages was meant)", c_quoted(arguments[1]));
+  }
+
   void add_pages() {
     auto& app = *app_.add_subcommand("pages", "Print the files of every aspect page");
     add_common(app, pages_.common);

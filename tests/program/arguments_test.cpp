@@ -40,6 +40,13 @@ TEST(Arguments, PagesAreAskedForByNameAndComeInTheirOwnOrder) {
   EXPECT_EQ(command.format, Format::kJson);
 }
 
+TEST(Arguments, ARepositoryAloneAsksForItsPages) {
+  EXPECT_EQ(parsed<PagesCommand>({"src/app"}).common.repository, "src/app");
+  const auto command = parsed<PagesCommand>({".", "--page", "errors"});
+  EXPECT_EQ(command.common.repository, ".");
+  EXPECT_THAT(command.pages, ElementsAre(PageName::kErrors));
+}
+
 TEST(Arguments, EachGlobIsOneClass) {
   const auto command =
       parsed<PagesCommand>({"pages", "--entry-points", "a/*", "--entry-points", "b", "repo"});
@@ -83,7 +90,8 @@ TEST(Arguments, WrongOnesAreNamedInOneLine) {
   };
   const std::vector<Case> cases{
       {{}, "subcommand"},
-      {{"paegs"}, "paegs"},
+      {{"simbols", "--kind", "class"}, "simbols is no subcommand"},
+      {{"src/app", "--pgae"}, "--pgae"},
       {{"topic", "title", "file", "--oops"}, "--oops"},
       {{"pages", "a", "b"}, "b"},
       {{"pages", "--pgae"}, "--pgae"},
