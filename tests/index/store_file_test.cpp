@@ -155,6 +155,30 @@ TEST_F(IndexFile, AnswersForUnsettledFilesWhereItCannotBeWritten) {
   });
 }
 
+// A process that is killed while it makes the file leaves its first page and a journal by which the
+// next one takes the page back.
+TEST_F(IndexFile, IsMadeAnewWhereItsMakingWasInterrupted) {
+  {
+    SQLite::Database made(scratch() / "index.sqlite", SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE);
+    made.exec(fmt::format("PRAGMA application_id = {}", kApplicationId));
+  }
+  const auto big_endian = [](std::uint32_t number) {
+    std::string bytes;
+    for (const unsigned shift : {24U, 16U, 8U, 0U}) bytes += static_cast<char>(number >> shift);
+    return bytes;
+  };
+  std::string journal = "\xd9\xd5\x05\xf9\x20\xa1\x63\xd7";
+  for (const std::uint32_t field : {0U /* pages */, 1U /* nonce */, 0U /* pages before */,
+                                    512U /* bytes of a sector */, 4096U /* bytes of a page */}) {
+    journal += big_endian(field);
+  }
+  journal.resize(512);
+  scratch().write("index.sqlite-journal", journal);
+  const std::string whole = dump(*refreshed().index);
+  EXPECT_EQ(dump(*refreshed().index), whole);
+  EXPECT_EQ(look_at(scratch() / "index.sqlite"), PlaceContent::kIndex);
+}
+
 TEST_F(IndexFile, KeepsItsOwnFilesOutOfTheIndex) {
   IndexOptions inside = options("repo/index.sqlite");
   EXPECT_EQ(refresh_and_open(inside).index->statistics().skipped[skipped::kBinary], 0U);

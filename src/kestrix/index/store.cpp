@@ -109,7 +109,7 @@ FileRow read_file_row(Rows& rows) {
 Store Store::open_or_create(const std::filesystem::path& path) {
   switch (look_at(path)) {
     case PlaceContent::kForeignDatabase:
-      throw Error(fmt::format("{}: a database of another program, not an index", path.native()));
+      throw foreign_database(path);
     case PlaceContent::kForeignFile:
       throw Error(fmt::format("{}: not an index; it is left as it is", path.native()));
     default:

@@ -92,11 +92,24 @@ class DirectoryLock {
   FileDescriptor fd_;
 };
 
-// In this order: from its first byte on the file says whose it is.
+bool is_ours(SQLite::Database& database) {
+  return database.execAndGet("PRAGMA application_id").getInt() == kApplicationId;
+}
+
+bool has_log(SQLite::Database& database) {
+  return database.execAndGet("PRAGMA journal_mode").getString() == "wal";
+}
+
+// What the library says counts, not the first bytes: where a process was killed while it made them,
+// they are taken back as soon as the file is read.
 void mark_as_index(const fs::path& path, SQLite::Database& database) {
+  if (is_ours(database) && has_log(database)) return;
   const DirectoryLock lock(fs::absolute(path).parent_path());
-  if (look_at(path) != PlaceContent::kNothing) return;
-  database.exec(fmt::format("PRAGMA application_id = {}", kApplicationId));
+  if (!is_ours(database)) {
+    const bool is_empty = database.execAndGet("PRAGMA page_count").getInt() == 0;
+    if (!is_empty) throw foreign_database(path);
+    database.exec(fmt::format("PRAGMA application_id = {}", kApplicationId));
+  }
   database.exec("PRAGMA journal_mode = WAL");
 }
 
@@ -104,10 +117,10 @@ OpenedFile open_for_writing(const fs::path& path, bool create) {
   const int flags =
       SQLite::OPEN_READWRITE | SQLite::OPEN_NOMUTEX | (create ? SQLite::OPEN_CREATE : 0);
   auto database = std::make_unique<SQLite::Database>(path, flags, kBusyMilliseconds);
-  if (create) mark_as_index(path, *database);
+  const bool writable = sqlite3_db_readonly(database->getHandle(), "main") == 0;
+  if (create && writable) mark_as_index(path, *database);
   database->exec("PRAGMA synchronous = NORMAL; PRAGMA cache_size = -8192");
   database->execAndGet("SELECT count(*) FROM sqlite_schema");
-  const bool writable = sqlite3_db_readonly(database->getHandle(), "main") == 0;
   return {std::move(database), writable};
 }
 
@@ -134,6 +147,10 @@ OpenedFile open_database(const fs::path& path, bool create) {
     if (!place_is_closed || !fs::exists(path, ignored)) raise(path, failure);
     return open_frozen(path, failure);
   }
+}
+
+Error foreign_database(const fs::path& path) {
+  return Error(fmt::format("{}: a database of another program, not an index", path.native()));
 }
 
 void raise(const fs::path& path, const SQLite::Exception& failure) {

@@ -6,6 +6,8 @@
 #include <filesystem>
 #include <memory>
 
+#include "kestrix/utils/error.h"
+
 namespace kestrix::index {
 
 /// Marks an SQLite file as this program's index ("KPSi").
@@ -30,6 +32,9 @@ struct OpenedFile {
 /// Opens the file, which may be missing, for reading and writing, or for reading alone where it
 /// lies in a place that cannot be written to.
 OpenedFile open_database(const std::filesystem::path& path, bool create);
+
+/// What to throw for PlaceContent::kForeignDatabase.
+Error foreign_database(const std::filesystem::path& path);
 
 /// Throws what an SQLite failure with `path` means: `CorruptIndex`, or an `Error` with a remedy.
 [[noreturn]] void raise(const std::filesystem::path& path, const SQLite::Exception& failure);
