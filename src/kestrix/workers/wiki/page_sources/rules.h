@@ -11,13 +11,13 @@
 #include <cstddef>
 #include <cstdint>
 #include <iterator>
+#include <numeric>
 #include <optional>
 #include <ranges>
 #include <string>
 #include <string_view>
 #include <tuple>
 #include <type_traits>
-#include <unordered_set>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -97,32 +97,8 @@ std::string unit_topic(std::string_view title, Files&& files) {
 
 namespace detail {
 
-/// The distinct entry points of one call, each with its number and its directory.
-template <class Path>
-class Roots {
- public:
-  template <class Range>
-  explicit Roots(const Range& paths) {
-    numbers_.max_load_factor(0.25F);  // most look-ups are of paths that are no root
-    numbers_.reserve(std::ranges::size(paths));
-    for (const auto& path : paths) {
-      numbers_.try_emplace(Path(path), static_cast<std::uint32_t>(numbers_.size()));
-    }
-  }
-
-  std::optional<std::uint32_t> number_of(const Path& path) const {
-    const auto found = numbers_.find(path);
-    if (found == numbers_.end()) return std::nullopt;
-    return found->second;
-  }
-
-  bool contains(const Path& path) const { return numbers_.contains(path); }
-
- private:
-  OrderedMap<Path, std::uint32_t> numbers_;
-};
-
-/// How many distinct roots each source reaches.
+/// How many distinct roots each source reaches. Roots and sources are numbered alike, the roots
+/// first, so that one look-up tells both what a path is and where it is counted.
 template <class Path>
 class Reach {
  public:
@@ -131,26 +107,77 @@ class Reach {
     std::size_t roots = 0;
   };
 
-  void add(const Path& source, std::uint32_t root) {
-    const auto number = sources_.try_emplace(source, sources_.size()).first->second;
-    if (number == entries_.size()) entries_.push_back({source, 0});
-    const auto pair = (static_cast<std::uint64_t>(number) << 32U) | root;
-    if (pairs_.insert(pair).second) ++entries_[number].roots;
+  template <class RootPaths>
+  explicit Reach(const RootPaths& roots) {
+    numbers_.max_load_factor(0.25F);  // most look-ups are of paths that are no root
+    numbers_.reserve(std::ranges::size(roots));
+    for (const auto& path : roots) number_of(Path(path));
+    root_count_ = static_cast<std::uint32_t>(numbers_.size());
+  }
+
+  /// Takes the edge into account if it leads from no root into a root of another directory.
+  template <class Edge>
+  void add(const Edge& edge) {
+    const Path target = target_of(edge);
+    const auto found = numbers_.find(target);
+    if (found == numbers_.end() || found->second >= root_count_) return;
+    const std::uint32_t root = found->second;
+    const Path source = source_of(edge);
+    const std::uint32_t number = number_of(source);
+    if (number < root_count_) return;
+    if (directory_of(text_of(source)) != directory_of(text_of(target))) {
+      dependencies_.push_back({number - root_count_, root});
+    }
   }
 
   /// The sources that reach at least `least` roots, the farthest reach first, then by path.
-  std::vector<Entry> ranked(std::size_t least) && {
-    std::erase_if(entries_, [least](const Entry& entry) { return entry.roots < least; });
-    std::ranges::sort(entries_, [](const Entry& a, const Entry& b) {
+  std::vector<Entry> ranked(std::size_t least) const {
+    std::vector<Entry> entries;
+    const std::vector<std::size_t> counts = distinct_roots();
+    for (std::size_t source = 0; source < counts.size(); ++source) {
+      if (counts[source] < least) continue;
+      entries.push_back({numbers_.values_container()[root_count_ + source].first, counts[source]});
+    }
+    std::ranges::sort(entries, [](const Entry& a, const Entry& b) {
       return a.roots != b.roots ? a.roots > b.roots : text_of(a.source) < text_of(b.source);
     });
-    return std::move(entries_);
+    return entries;
   }
 
  private:
-  OrderedMap<Path, std::size_t> sources_;
-  std::vector<Entry> entries_;
-  std::unordered_set<std::uint64_t> pairs_;
+  struct Dependency {
+    std::uint32_t source;
+    std::uint32_t root;
+  };
+
+  std::uint32_t number_of(const Path& path) {
+    const auto next = static_cast<std::uint32_t>(numbers_.size());
+    return numbers_.try_emplace(path, next).first->second;
+  }
+
+  // By source. Once the dependencies of a source lie together, it is enough to remember for each
+  // root which source reached it last.
+  std::vector<std::size_t> distinct_roots() const {
+    const std::size_t sources = numbers_.size() - root_count_;
+    std::vector<std::size_t> ends(sources + 1);  // at first where the one before it begins
+    for (const Dependency& each : dependencies_) ++ends[each.source + 1];
+    std::partial_sum(ends.begin(), ends.end(), ends.begin());
+    std::vector<std::uint32_t> roots(dependencies_.size());
+    for (const Dependency& each : dependencies_) roots[ends[each.source]++] = each.root;
+    std::vector<std::size_t> last(root_count_, sources);
+    std::vector<std::size_t> counts(sources);
+    std::size_t at = 0;
+    for (std::size_t source = 0; source < sources; ++source) {
+      for (; at < ends[source]; ++at) {
+        if (std::exchange(last[roots[at]], source) != source) ++counts[source];
+      }
+    }
+    return counts;
+  }
+
+  OrderedMap<Path, std::uint32_t> numbers_;
+  std::uint32_t root_count_ = 0;
+  std::vector<Dependency> dependencies_;
 };
 
 }  // namespace detail
@@ -170,20 +197,12 @@ auto dispatch_files(const RootPaths& roots, Edges&& edges, std::size_t limit = D
   using Path = EdgePath<Edges>;
   const std::size_t count = std::ranges::size(roots);
   if (count < DISPATCH_MIN_ROOTS) return {};
-  const detail::Roots<Path> known(roots);
-  detail::Reach<Path> reach;
-  for (auto&& edge : edges) {
-    const Path target = target_of(edge);
-    const auto root = known.number_of(target);
-    if (!root) continue;
-    const Path source = source_of(edge);
-    if (known.contains(source)) continue;
-    if (directory_of(text_of(source)) != directory_of(text_of(target))) reach.add(source, *root);
-  }
+  detail::Reach<Path> reach(roots);
+  for (auto&& edge : edges) reach.add(edge);
   const auto least =
       std::max<std::size_t>(2, (count + DISPATCH_MIN_ROOTS - 1) / DISPATCH_MIN_ROOTS);
   std::vector<OwnedPath<Path>> files;
-  for (const auto& entry : std::move(reach).ranked(least)) {
+  for (const auto& entry : reach.ranked(least)) {
     if (files.size() == limit) break;
     files.push_back(owned(entry.source));
   }
