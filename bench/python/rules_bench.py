@@ -6,10 +6,12 @@ edge and how many times faster the native rule is.
 """
 
 import argparse
+import json
 import random
 import time
 import timeit
 from dataclasses import dataclass
+from pathlib import Path
 from typing import NamedTuple
 
 import plain_page_sources as plain
@@ -73,7 +75,9 @@ def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("--edges", type=int, nargs="+", default=[10, 1_000, 100_000])
     parser.add_argument("--seconds", type=float, default=0.5, help="for each measurement")
+    parser.add_argument("--json", help="a file for the results")
     options = parser.parse_args()
+    results = []
     print(f"{'rule':<16}{'edges':>8}  {'edge object':<16}{'plain':>9}{'native':>9}{'ratio':>8}")
     for count in options.edges:
         files, ends = world(count)
@@ -87,6 +91,17 @@ def main():
                     f"{rule:<16}{count:>8}  {kind.__name__:<16}"
                     f"{slow / count * 1e9:>9.1f}{fast / count * 1e9:>9.1f}{slow / fast:>8.2f}"
                 )
+                results.append(
+                    {
+                        "rule": rule,
+                        "edges": count,
+                        "kind": kind.__name__,
+                        "plain_seconds": slow,
+                        "native_seconds": fast,
+                    }
+                )
+    if options.json:
+        Path(options.json).write_text(json.dumps(results, indent=1) + "\n", encoding="utf-8")
 
 
 if __name__ == "__main__":
