@@ -18,7 +18,15 @@ namespace kestrix::index {
 namespace {
 
 constexpr std::size_t kUnit = 16;
-constexpr std::size_t kSmallUnits = 64;  // larger blocks come from the general allocator
+// Larger blocks come from the general allocator; all do where it watches over their bounds.
+#ifdef __has_feature
+#define KESTRIX_ADDRESS_SANITIZER __has_feature(address_sanitizer)
+#elif defined(__SANITIZE_ADDRESS__)
+#define KESTRIX_ADDRESS_SANITIZER 1
+#else
+#define KESTRIX_ADDRESS_SANITIZER 0
+#endif
+constexpr std::size_t kSmallUnits = KESTRIX_ADDRESS_SANITIZER ? 0 : 64;
 constexpr std::size_t kSlab = 256 * 1024;
 constexpr std::size_t kSlabsKept = 32;
 
