@@ -15,6 +15,7 @@ namespace fs = std::filesystem;
 
 constexpr std::size_t kMaxConfigBytes = std::size_t{1} << 20;
 constexpr int kMaxDepth = 10;
+constexpr int kMaxIncludes = 200;  // files that include each other are many at a small depth
 
 std::string lowered(std::string_view text) {
   std::string result(text);
@@ -185,7 +186,13 @@ std::optional<fs::path> GitConfig::path(std::string_view name) const {
 }
 
 void GitConfig::include(const fs::path& from, std::string_view path) {
-  if (++depth_ <= kMaxDepth) read(from.parent_path() / with_home(path));
+  if (depth_ == kMaxDepth) return;
+  if (++included_ > kMaxIncludes) {
+    well_formed_ = false;
+    return;
+  }
+  ++depth_;
+  read(from.parent_path() / with_home(path));
   --depth_;
 }
 

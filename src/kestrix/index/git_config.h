@@ -17,7 +17,7 @@ class GitConfig {
       : git_directory_(std::move(git_directory)) {}
 
   /// Reads a file and those that it includes; its settings come before those read earlier. A
-  /// missing file holds none. False when one is malformed.
+  /// missing file holds none. False when one is malformed, or includes go on without end.
   bool read(const std::filesystem::path& file);
 
   /// Reads the files of the system and of the user.
@@ -39,6 +39,7 @@ class GitConfig {
   std::filesystem::path git_directory_;
   std::map<std::string, std::string, std::less<>> values_;
   int depth_ = 0;
+  int included_ = 0;
   bool well_formed_ = true;
 };
 
