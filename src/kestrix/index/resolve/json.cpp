@@ -3,20 +3,24 @@
 namespace kestrix::index {
 namespace {
 
+// A look for a key goes through all of its object's. No project file comes near.
+constexpr std::size_t kMostKeys = 4096;
+
 // Drops the commas that stand before a closing bracket, comments between them left out.
 class CommaDropper {
  public:
   explicit CommaDropper(std::string_view text) : text_(text) { kept_.reserve(text.size()); }
 
+  /// Nothing, which is no JSON, when an object holds more keys than are read.
   std::string run() {
-    while (at_ < text_.size()) {
+    while (at_ < text_.size() && !crowded_) {
       if (text_[at_] == '"') {
         copy_string();
       } else if (!skip_comment()) {
         copy_byte(text_[at_++]);
       }
     }
-    return std::move(kept_);
+    return crowded_ ? std::string() : std::move(kept_);
   }
 
  private:
@@ -48,12 +52,29 @@ class CommaDropper {
     if (c != ' ' && c != '\t' && c != '\r' && c != '\n') comma_ = std::string::npos;
     if (c == ',') comma_ = kept_.size();
     kept_ += c;
+    count(c);
   }
+
+  void count(char c) {
+    if (c == '{' || c == '[') open_.push_back({c == '{'});
+    if (open_.empty()) return;
+    if (c == '}' || c == ']')
+      open_.pop_back();
+    else if (c == ',')
+      crowded_ |= open_.back().is_object && ++open_.back().commas >= kMostKeys;
+  }
+
+  struct Bracket {
+    bool is_object;
+    std::size_t commas = 0;
+  };
 
   std::string_view text_;
   std::string kept_;
   std::size_t at_ = 0;
   std::size_t comma_ = std::string::npos;  // of the last comma, when only space came after it
+  std::vector<Bracket> open_;
+  bool crowded_ = false;
 };
 
 }  // namespace
