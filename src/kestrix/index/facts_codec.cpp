@@ -128,6 +128,14 @@ ImportFact read_import(Decoder& from) {
   return import;
 }
 
+// Comes before the facts, so that neither damage nor another file's facts pass for them.
+std::uint64_t seal_of(std::string_view bytes, std::string_view path) {
+  Digest digest;
+  digest.add(path);
+  digest.add(bytes);
+  return digest.value();
+}
+
 void forget_uses(FileFacts& facts) {
   facts.symbols.clear();
   facts.uses.clear();
@@ -140,22 +148,21 @@ void forget_uses(FileFacts& facts) {
 
 }  // namespace
 
-std::string encode_facts(const FileFacts& facts) {
+std::string encode_facts(const FileFacts& facts, std::string_view path) {
   Encoder to;
   to.text(facts.package);
   to.list(facts.imports, write_import);
   to.list(facts.declares, [](Encoder& out, const std::string& name) { out.text(name); });
   to.list(facts.uses, write_use);
-  // Their hash comes first, so that damage does not pass for facts.
   const std::string bytes = to.take();
   Encoder sealed;
-  sealed.number(content_hash(bytes));
+  sealed.number(seal_of(bytes, path));
   return sealed.take() + bytes;
 }
 
-FileFacts decode_facts(std::string_view bytes) {
+FileFacts decode_facts(std::string_view bytes, std::string_view path) {
   Decoder from(bytes);
-  if (from.number<std::uint64_t>() != content_hash(from.rest())) {
+  if (from.number<std::uint64_t>() != seal_of(from.rest(), path)) {
     throw CorruptIndex("facts that are damaged");
   }
   FileFacts facts;

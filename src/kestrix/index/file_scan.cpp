@@ -57,7 +57,7 @@ void take_text(ScannedFile& file, const Language* language, const std::string& t
   auto facts = parse(*language, text);
   row.traits.set(facts ? Trait::kParsed : Trait::kGaveUp);
   if (!facts) return;
-  file.facts = encode_facts(*facts);
+  file.facts = encode_facts(*facts, row.path);
   file.symbols = std::move(facts->symbols);
 }
 

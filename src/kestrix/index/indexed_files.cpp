@@ -37,8 +37,8 @@ std::optional<FileId> IndexedFiles::find(std::string_view path) const {
 const FileFacts& IndexedFiles::facts(FileId id) const {
   Slot& slot = slots_[id];
   std::call_once(slot.decoded, [&] {
-    const std::string encoded = encoded_facts(id);
-    if (!encoded.empty()) slot.facts = decode_facts(encoded);
+    if (!rows_[id]->traits.has(Trait::kParsed)) return;
+    slot.facts = decode_facts(encoded_facts(id), rows_[id]->path);
   });
   return slot.facts;
 }
@@ -62,7 +62,6 @@ void IndexedFiles::load_all() {
 }
 
 std::string IndexedFiles::encoded_facts(FileId id) const {
-  if (!rows_[id]->traits.has(Trait::kParsed)) return {};
   if (loading_ == FactsLoading::kAll) return std::exchange(slots_[id].encoded, {});
   const std::lock_guard lock(store_mutex_);
   return store_.facts(rows_[id]->id).value_or(std::string());

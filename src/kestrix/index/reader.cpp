@@ -118,6 +118,12 @@ void forget_imports(const Outline& outline, const Query& query, const Lexis& lex
   }
 }
 
+// Where a declaration lacks its name the parser makes one up, of no length.
+void drop_nameless(FileFacts& facts) {
+  std::erase_if(facts.symbols, [](const SymbolFact& symbol) { return symbol.name.empty(); });
+  std::erase(facts.declares, "");
+}
+
 }  // namespace
 
 std::optional<FileFacts> read_facts(const Language& language, std::string_view text,
@@ -132,8 +138,10 @@ std::optional<FileFacts> read_facts(const Language& language, std::string_view t
   const TSNode root = ts_tree_root_node(tree.get());
   Outline outline = outline_of(root, query, text, words.hits);
   forget_imports(outline, query, *language.lexis, text, words.counts);
-  return language.read(
+  FileFacts facts = language.read(
       SourceTree(root, text, *language.lexis, query, std::move(outline), std::move(words.counts)));
+  drop_nameless(facts);
+  return facts;
 }
 
 }  // namespace kestrix::index

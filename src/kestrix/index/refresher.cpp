@@ -199,7 +199,8 @@ bool Refresher::leaves_others_alone(const FileRow& before, const ScannedFile& af
   }
   if (!parsed) return true;
   const auto facts = store_.facts(before.id);
-  return facts && look_alike_from_outside(decode_facts(*facts), decode_facts(after.facts));
+  return facts && look_alike_from_outside(decode_facts(*facts, before.path),
+                                          decode_facts(after.facts, after.row.path));
 }
 
 void Refresher::merge_rows(const RefreshPlan& plan) {
