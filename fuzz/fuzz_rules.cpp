@@ -2,10 +2,9 @@
 // bytes after it pairs of indices into them: edges, then roots.
 
 #include <cstdint>
-#include <cstdlib>
-#include <iostream>
 #include <string_view>
 
+#include "fuzz/require.h"
 #include "tests/component/fake_host.h"
 #include "tests/component/slow_rules.h"
 
@@ -13,12 +12,6 @@ namespace kestrix::test {
 namespace {
 
 constexpr std::size_t kMostPaths = 40;
-
-void require(bool holds, const char* what) {
-  if (holds) return;
-  std::cerr << what << " differs from its slow version\n";
-  std::abort();
-}
 
 Paths paths_of(std::string_view line) {
   Paths paths{"h/a", "h/b", "c", "test/d"};
@@ -42,11 +35,15 @@ void compare(std::string_view input) {
     edges.push_back(edge(any(input[i]), any(input[i + 1]), input[i + 2] % 4));
     if (some.size() < 12) some.push_back(any(input[i + 2]));
   }
-  require(dispatch_files(some, edges) == slow_dispatch(some, edges, 3), "dispatch_files");
-  require(example_sources(some, edges) == slow_examples(some, edges, 4), "example_sources");
-  require(flat(dependents_of(edges)) == slow_dependents(edges), "dependents_of");
+  require(dispatch_files(some, edges) == slow_dispatch(some, edges, 3),
+          "dispatch_files equals its slow version");
+  require(example_sources(some, edges) == slow_examples(some, edges, 4),
+          "example_sources equals its slow version");
+  require(flat(dependents_of(edges)) == slow_dependents(edges),
+          "dependents_of equals its slow version");
   for (const auto& path : paths) {
-    require(!is_fixture_path(path) || path.find('/') != std::string::npos, "is_fixture_path");
+    require(!is_fixture_path(path) || path.find('/') != std::string::npos,
+            "fixtures lie in a folder");
   }
 }
 

@@ -1,4 +1,4 @@
-// Runs a fuzz target on the files named, or those of the folders named, where libFuzzer is not at
+// Runs a fuzz target on the files named, or those in the folders named, where libFuzzer is not at
 // hand. Fails when there is nothing to run.
 
 #include <cstdint>
@@ -29,8 +29,9 @@ int main(int argc, char** argv) {
       inputs.push_back(path);
       continue;
     }
-    for (const auto& entry : std::filesystem::directory_iterator(path))
-      inputs.push_back(entry.path());
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(path)) {
+      if (entry.is_regular_file()) inputs.push_back(entry.path());
+    }
   }
   for (const auto& path : inputs) replay(path);
   std::printf("%zu inputs\n", inputs.size());

@@ -7,6 +7,7 @@
 #include <thread>
 
 #include "kestrix/index/indexer.h"
+#include "tests/index/dump.h"
 #include "tests/index/scratch.h"
 
 namespace kestrix::index {
@@ -36,28 +37,5 @@ class IndexFixture {
  private:
   Scratch scratch_;
 };
-
-/// All that an index holds, as text.
-inline std::string dump(const RepositoryIndex& index) {
-  std::string text;
-  for (const IndexedFile& file : index.files()) {
-    text +=
-        fmt::format("file {} {} {} {}\n", file.path, file.language, file.document, file.generated);
-  }
-  for (const IndexedSymbol& symbol : index.symbols()) {
-    text += fmt::format("symbol {} {} {} {}:{}\n", to_string(symbol.kind), symbol.name,
-                        symbol.signature, index.files()[symbol.file].path, symbol.line);
-  }
-  for (const IndexedEdge& edge : index.edges()) {
-    text += fmt::format("edge {} {} {}\n", edge.source, edge.target, edge.weight);
-  }
-  const Statistics statistics = index.statistics();
-  for (const auto& [language, counts] : statistics.languages) {
-    text += fmt::format("unresolved {} {}\n", language, counts.unresolved);
-  }
-  for (const auto& [reason, count] : statistics.skipped)
-    text += fmt::format("{}: {}\n", reason, count);
-  return text;
-}
 
 }  // namespace kestrix::index

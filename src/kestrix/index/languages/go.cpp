@@ -68,8 +68,8 @@ class Reader {
     bind_imports();
     for (const TSNode declaration : declarations_) names_.read(declaration);
     std::ranges::sort(facts_.declares);
-    const auto repeated = std::ranges::unique(facts_.declares);
-    facts_.declares.erase(repeated.begin(), repeated.end());
+    facts_.declares.erase(std::unique(facts_.declares.begin(), facts_.declares.end()),
+                          facts_.declares.end());
     facts_.uses = names_.take(facts_.imports, facts_.declares);
     return std::move(facts_);
   }

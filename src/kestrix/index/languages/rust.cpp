@@ -58,8 +58,8 @@ class Reader {
     tree_.for_each_match([this](const Match& match) { take(match); });
     add_paths();
     std::ranges::sort(facts_.declares);
-    const auto repeated = std::ranges::unique(facts_.declares);
-    facts_.declares.erase(repeated.begin(), repeated.end());
+    facts_.declares.erase(std::unique(facts_.declares.begin(), facts_.declares.end()),
+                          facts_.declares.end());
     return std::move(facts_);
   }
 

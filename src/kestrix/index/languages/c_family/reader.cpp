@@ -77,8 +77,8 @@ class Reader {
     tree_.for_each_match([this](const Match& match) { take(match); });
     facts_.imports = includes_of(tree_);
     std::ranges::sort(facts_.declares);
-    const auto repeated = std::ranges::unique(facts_.declares);
-    facts_.declares.erase(repeated.begin(), repeated.end());
+    facts_.declares.erase(std::unique(facts_.declares.begin(), facts_.declares.end()),
+                          facts_.declares.end());
     facts_.uses = names_used(tree_.text(), tree_.lexis(), facts_.declares);
     return std::move(facts_);
   }

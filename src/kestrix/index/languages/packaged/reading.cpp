@@ -198,8 +198,8 @@ void add_qualified_names(const SourceTree& tree, std::span<const std::string_vie
 
 void sort_declared(FileFacts& facts) {
   std::ranges::sort(facts.declares);
-  const auto repeated = std::ranges::unique(facts.declares);
-  facts.declares.erase(repeated.begin(), repeated.end());
+  facts.declares.erase(std::unique(facts.declares.begin(), facts.declares.end()),
+                       facts.declares.end());
 }
 
 }  // namespace kestrix::index::packaged

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <fmt/format.h>
+
+#include <string>
+
+#include "kestrix/index/index.h"
+
+namespace kestrix::index {
+
+/// All that an index holds, as text.
+inline std::string dump(const RepositoryIndex& index) {
+  std::string text;
+  for (const IndexedFile& file : index.files()) {
+    text +=
+        fmt::format("file {} {} {} {}\n", file.path, file.language, file.document, file.generated);
+  }
+  for (const IndexedSymbol& symbol : index.symbols()) {
+    text += fmt::format("symbol {} {} {} {}:{}\n", to_string(symbol.kind), symbol.name,
+                        symbol.signature, index.files()[symbol.file].path, symbol.line);
+  }
+  for (const IndexedEdge& edge : index.edges()) {
+    text += fmt::format("edge {} {} {}\n", edge.source, edge.target, edge.weight);
+  }
+  const Statistics statistics = index.statistics();
+  for (const auto& [language, counts] : statistics.languages) {
+    text += fmt::format("unresolved {} {}\n", language, counts.unresolved);
+  }
+  for (const auto& [reason, count] : statistics.skipped)
+    text += fmt::format("{}: {}\n", reason, count);
+  return text;
+}
+
+}  // namespace kestrix::index
