@@ -6,8 +6,9 @@
 
 A truth program prints "source<TAB>target" lines; on stderr it may say "skipped<TAB>path" for a file
 that it could not read and "unjudged<TAB>source<TAB>folder" for an import that it could not follow
-into a folder. Such edges are left out on both sides. Precision is the share of the index's edges
-that the truth has too, recall the share of the truth's edges that the index has.
+into a folder. Such edges are left out on both sides, and so are all edges from and to a file of
+which it says "unseen<TAB>path". Precision is the share of the index's edges that the truth has too,
+recall the share of the truth's edges that the index has.
 """
 
 import argparse
@@ -18,13 +19,20 @@ import sys
 from pathlib import Path
 
 HERE = Path(__file__).resolve().parent
+C_LIKE = (".c", ".cc", ".cpp", ".cxx", ".c++", ".cu", ".cuh", ".h", ".hh", ".hpp", ".hxx", ".h++",
+          ".inl", ".ipp", ".ixx", ".tcc", ".tpp")
 TRUTHS = {
+    "c": ([sys.executable, HERE / "c_truth.py"], C_LIKE),
+    "go": (["go", "run", HERE / "go_truth" / "go_truth.go"], (".go",)),
+    "java": (["java", HERE / "java_truth.java"], (".java",)),
+    "kotlin": ([sys.executable, HERE / "kotlin_truth.py"], (".kt", ".kts", ".java")),
     "php": (["php", HERE / "php_truth.php"], (".php", ".phtml", ".inc")),
     "python": ([sys.executable, HERE / "python_truth.py"], (".py", ".pyi", ".pyw")),
     "ruby": (
         ["ruby", HERE / "ruby_truth.rb"],
         (".rb", ".rake", ".gemspec", ".ru", "Gemfile", "Rakefile"),
     ),
+    "rust": ([sys.executable, HERE / "rust_truth.py"], (".rs",)),
     "typescript": (
         ["node", HERE / "typescript_truth.mjs"],
         (".ts", ".tsx", ".mts", ".cts", ".js", ".jsx", ".mjs", ".cjs"),
@@ -49,15 +57,30 @@ def pairs(text: str, suffixes) -> set[tuple[str, str]]:
     return found
 
 
-def notes(text: str) -> tuple[set[str], set[tuple[str, str]]]:
-    skipped, unjudged = set(), set()
-    for line in text.splitlines():
-        fields = line.split("\t")
-        if fields[0] == "skipped":
-            skipped.add(fields[1])
-        elif fields[0] == "unjudged":
-            unjudged.add((fields[1], fields[2]))
-    return skipped, unjudged
+class Notes:
+    def __init__(self, text: str):
+        self.skipped, self.unseen, self.unjudged = set(), set(), set()
+        for line in text.splitlines():
+            match line.split("\t"):
+                case ["skipped", path]:
+                    self.skipped.add(path)
+                case ["unseen", path]:
+                    self.unseen.add(path)
+                case ["unjudged", source, folder]:
+                    self.unjudged.add((source, folder))
+
+    def left_out(self, edge) -> bool:
+        return edge[0] in self.skipped or not self.unseen.isdisjoint(edge)
+
+
+def report(repo, found, expected, notes, shown) -> None:
+    both = len(found & expected)
+    print(f"{repo.name}  {len(found)}  {len(expected)}  {both / max(len(found), 1):.4f}  "
+          f"{both / max(len(expected), 1):.4f}  {len(notes.skipped | notes.unseen)}  "
+          f"{len(notes.unjudged)}", flush=True)
+    for label, edges in (("only index", found - expected), ("only truth", expected - found)):
+        for source, target in sorted(edges)[:: max(1, len(edges) // max(shown, 1))][:shown]:
+            print(f"    {label}: {source} -> {target}")
 
 
 def main() -> None:
@@ -73,21 +96,17 @@ def main() -> None:
     print("repository  edges  truth  precision  recall  skipped  unjudged")
     for repo in args.repositories:
         out, err = run([*truth, repo])
-        expected = pairs(out, suffixes)
-        skipped, unjudged = notes(err)
+        notes = Notes(err)
+        expected = {edge for edge in pairs(out, suffixes) if not notes.left_out(edge)}
         folders = collections.defaultdict(list)
-        for source, folder in unjudged:
+        for source, folder in notes.unjudged:
             folders[source].append(folder + "/" if folder else "")
         found = {
             (s, t) for s, t in pairs(run([*shlex.split(args.program), "edges", repo])[0], suffixes)
-            if s not in skipped and ((s, t) in expected or not t.startswith(tuple(folders[s])))
+            if not notes.left_out((s, t))
+            and ((s, t) in expected or not t.startswith(tuple(folders[s])))
         }
-        both = len(found & expected)
-        print(f"{repo.name}  {len(found)}  {len(expected)}  {both / max(len(found), 1):.4f}  "
-              f"{both / max(len(expected), 1):.4f}  {len(skipped)}  {len(unjudged)}")
-        for label, edges in (("only index", found - expected), ("only truth", expected - found)):
-            for source, target in sorted(edges)[: args.differences]:
-                print(f"    {label}: {source} -> {target}")
+        report(repo, found, expected, notes, args.differences)
 
 
 if __name__ == "__main__":

@@ -129,6 +129,22 @@ TEST_F(GitWalk, LeavesOutLinksSpecialFilesAndOtherRepositories) {
   EXPECT_EQ(result.skipped[skipped::kSubmodule], 1U);
 }
 
+TEST_F(GitWalk, LeavesOutThirdPartyCodeThatIsTracked) {
+  for (const char* path :
+       {"go/vendor/modules.txt", "go/vendor/x/y.go", "vendor/autoload.php", "vendor/x/Y.php",
+        "php/vendor/composer/x.php", "web/node_modules/m/i.js", "own/vendor/shop.py",
+        "own/vendors/modules.txt", "own/vendor0.py", "vendor.py", "modules.txt"}) {
+    repo(path);
+  }
+  git("add . && git rm -q --cached php/vendor/composer/x.php");
+  const WalkResult result = walk_in(scratch_ / "repo");
+  EXPECT_THAT(paths_of(result), ElementsAre("modules.txt", "own/vendor/shop.py", "own/vendor0.py",
+                                            "own/vendors/modules.txt", "vendor.py"));
+  EXPECT_EQ(result.skipped[skipped::kThirdParty], 4U);
+  EXPECT_EQ(result.skipped[skipped::kMissing], 0U);
+  EXPECT_THAT(paths_of(walk_in(scratch_ / "repo/go/vendor/x")), ElementsAre("y.go"));
+}
+
 TEST_F(GitWalk, TakesNamesAsBytes) {
   for (const char* path :
        {"\xFF\xFE.py", "new\nline.py", "tab\t", " leading", "Z", "a", "\xC3\xA9", "a-b", "d/b",
@@ -218,7 +234,8 @@ TEST(PlainWalk, SkipsDependenciesAndCaches) {
   const WalkResult result = walk_in(scratch.path());
   EXPECT_THAT(paths_of(result),
               ElementsAre(".github/x.yml", "a.py", "crate/Cargo.toml", "java/com/target/T.java"));
-  EXPECT_EQ(result.skipped[skipped::kFolder], 9U);
+  EXPECT_EQ(result.skipped[skipped::kFolder], 7U);
+  EXPECT_EQ(result.skipped[skipped::kThirdParty], 2U);
   EXPECT_THAT(paths_of(walk_in(scratch / "cache")), ElementsAre("CACHEDIR.TAG", "x"));
 }
 

@@ -39,6 +39,7 @@ namespace skipped {
 // While walking.
 inline constexpr std::string_view kIgnored = "ignored by git";
 inline constexpr std::string_view kFolder = "version-control, dependency or cache folder";
+inline constexpr std::string_view kThirdParty = "folder of third-party code";
 inline constexpr std::string_view kSymbolicLink = "symbolic link";
 inline constexpr std::string_view kSpecial = "pipe, socket or device";
 inline constexpr std::string_view kSubmodule = "submodule";

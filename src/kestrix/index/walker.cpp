@@ -16,6 +16,7 @@
 #include "kestrix/index/directory_listing.h"
 #include "kestrix/index/file_reading.h"
 #include "kestrix/index/ignore_rules.h"
+#include "kestrix/index/third_party.h"
 #include "kestrix/index/work_tree.h"
 #include "kestrix/utils/error.h"
 
@@ -134,11 +135,16 @@ class GitPolicy : public Policy {
     return is_ignored(path, false) ? skipped::kIgnored : std::string_view();
   }
 
-  std::string_view reject_directory(const DirectoryListing&, const DirectoryEntry&,
+  std::string_view reject_directory(const DirectoryListing&, const DirectoryEntry& entry,
                                     const std::string& path) override {
     if (tree_.is_submodule(path)) return skipped::kSubmodule;
-    if (tree_.tracks_below(path)) return {};
-    if (is_ignored(path, true)) return skipped::kIgnored;
+    const std::size_t tracked = tree_.count_tracked_below(path);
+    if (tracked == 0 && is_ignored(path, true)) return skipped::kIgnored;
+    if (is_third_party(root_, entry.name, path)) {
+      tracked_seen_ += tracked;
+      return skipped::kThirdParty;
+    }
+    if (tracked > 0) return {};
     return is_repository(root_, path) ? skipped::kNestedRepository : std::string_view();
   }
 
@@ -188,7 +194,7 @@ class GitPolicy : public Policy {
   std::size_t tracked_seen_ = 0;
 };
 
-constexpr std::array<std::string_view, 27> kFolders = {".bzr",          ".cache",
+constexpr std::array<std::string_view, 26> kFolders = {".bzr",          ".cache",
                                                        ".direnv",       ".eggs",
                                                        ".gradle",       ".hg",
                                                        ".idea",         ".ipynb_checkpoints",
@@ -200,8 +206,7 @@ constexpr std::array<std::string_view, 27> kFolders = {".bzr",          ".cache"
                                                        ".terraform",    ".tox",
                                                        ".venv",         "CVS",
                                                        "__pycache__",   "__pypackages__",
-                                                       "_darcs",        "bower_components",
-                                                       "node_modules"};
+                                                       "_darcs",        "bower_components"};
 
 constexpr std::array<std::string_view, 4> kTargetOwners = {"Cargo.toml", "build.sbt", "pom.xml",
                                                            "project.clj"};
@@ -215,6 +220,7 @@ class PlainPolicy : public Policy {
 
   std::string_view reject_directory(const DirectoryListing& parent, const DirectoryEntry& entry,
                                     const std::string& path) override {
+    if (is_third_party(root_, entry.name, path)) return skipped::kThirdParty;
     const bool left_out = std::ranges::find(kFolders, entry.name) != kFolders.end() ||
                           is_build_target(parent, entry.name) || is_marked(path);
     return left_out ? skipped::kFolder : std::string_view();

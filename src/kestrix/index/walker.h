@@ -32,7 +32,8 @@ struct WalkResult {
 /// admit: nested and parent ignore files, info/exclude, the user's global excludes. A directory
 /// that the work tree around it ignores as a whole counts as standing alone. Elsewhere, and where
 /// git's data is damaged, all files but those in version-control, dependency and cache folders.
-/// Submodules and repositories within are left out. Links are never followed.
+/// Submodules, repositories within and third-party code (see third_party.h) are left out, tracked
+/// or not. Links are never followed.
 ///
 /// Throws `Error` when the root cannot be listed, never for what lies below it. Memory grows with
 /// the number of files.

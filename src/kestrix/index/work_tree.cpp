@@ -151,10 +151,11 @@ bool WorkTree::is_tracked(std::string_view path) const { return contains(tracked
 
 bool WorkTree::is_submodule(std::string_view path) const { return contains(submodules, path); }
 
-bool WorkTree::tracks_below(std::string_view directory) const {
-  const std::string below = std::string(directory) + "/";
-  const auto found = std::lower_bound(tracked.begin(), tracked.end(), below);
-  return found != tracked.end() && found->starts_with(below);
+std::size_t WorkTree::count_tracked_below(std::string_view directory) const {
+  const auto first = std::ranges::lower_bound(tracked, std::string(directory) + "/");
+  // "0" follows "/" in the order of bytes.
+  const auto last = std::lower_bound(first, tracked.end(), std::string(directory) + "0");
+  return static_cast<std::size_t>(last - first);
 }
 
 WorkTreeLookup find_work_tree(const fs::path& directory) {

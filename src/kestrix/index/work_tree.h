@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -27,7 +28,7 @@ struct WorkTree {
 
   bool is_tracked(std::string_view path) const;
   bool is_submodule(std::string_view path) const;
-  bool tracks_below(std::string_view directory) const;
+  std::size_t count_tracked_below(std::string_view directory) const;
 };
 
 struct WorkTreeLookup {

@@ -1,12 +1,13 @@
 #!/usr/bin/env python3
-"""Compares the edges between Rust files with a plain reading of mod, use and paths.
+"""Prints which Rust file names what of which other one, "source<TAB>target" a line.
 
-    rust_paths.py REPO EDGES [SHOW]
+    rust_truth.py REPOSITORY
 
-EDGES is what `page-sources edges REPO` printed. The truth is read here with regular expressions and
+rustc names no files without the libraries, so the sources are read here with regular expressions and
 a table of names per module, independently of the index: cargo's targets, mod declarations, and every
 path of use declarations and code. A path depends on the file of the innermost module that it names,
-and on the file that declares the name when that module hands it on.
+and on the file that declares the name when that module hands it on. Files that no target reaches
+are named on stderr, "unseen<TAB>path".
 """
 import os
 import re
@@ -295,19 +296,12 @@ def main():
     out = subprocess.run(["git", "-C", repo, "ls-files", "-co", "--exclude-standard", "-z"],
                          check=True, capture_output=True).stdout
     files = {f for f in out.decode(errors="surrogateescape").split("\0") if f}
-    truth = {(s, t) for s, t in World(repo, files).edges() if s != t}
-    ours = set()
-    for line in open(sys.argv[2]):
-        source, target = line.split("\t")[:2]
-        if source.endswith(".rs"):
-            ours.add((source, target))
-    right = len(ours & truth)
-    print(f"{os.path.basename(repo)}: truth {len(truth)}, ours {len(ours)}")
-    print(f"  precision {right / max(len(ours), 1):.4f}  recall {right / max(len(truth), 1):.4f}")
-    show = int(sys.argv[3]) if len(sys.argv) > 3 else 0
-    for title, edges in (("missing", truth - ours), ("too many", ours - truth)):
-        for source, target in sorted(edges)[::max(1, len(edges) // max(show, 1))][:show]:
-            print(f"  {title}: {source} -> {target}")
+    world = World(repo, files)
+    reached = {m.file for m in world.modules()}
+    for path in sorted(f for f in files if f.endswith(".rs") and f not in reached):
+        print("unseen", path, sep="\t", file=sys.stderr)
+    for source, target in sorted({(s, t) for s, t in world.edges() if s != t}):
+        print(source, target, sep="\t")
 
 
 if __name__ == "__main__":

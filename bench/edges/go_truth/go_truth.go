@@ -1,13 +1,12 @@
-// Compares the edges between Go files with what go/types says.
+// Prints which Go file uses what of which other one, "source TAB target" a line.
 //
-//	go run go_names.go REPO EDGES [SHOW]
+//	go run go_truth.go REPOSITORY
 //
-// EDGES is what `page-sources edges REPO` printed. Packages come from `go list -e` (offline, with the
-// version line of go.mod lowered to what this toolchain understands); the files that it selects for
-// this machine are type-checked, libraries left out. The truth: a file depends on each file that
-// declares a package-level object that it uses, and by a blank import on the files of the package
-// that declare init, or on all of them if none does. Files that are not built on this machine are
-// left out on both sides.
+// Packages come from `go list -e` (offline, with the version line of go.mod lowered to what this
+// toolchain understands); the files that it selects for this machine are type-checked, libraries left
+// out. The truth: a file depends on each file that declares a package-level object that it uses, and
+// by a blank import on the files of the package that declare init, or on all of them if none does.
+// Files that are not built on this machine are named on stderr, "unseen TAB path".
 package main
 
 import (
@@ -45,8 +44,6 @@ var (
 	fakes    = map[string]*types.Package{}
 	std      = importer.ForCompiler(fset, "source", nil)
 	truth    = map[edge]bool{}
-	kinds    = map[edge]string{}
-	known    = map[string]bool{}
 )
 
 var newer = regexp.MustCompile(`(?m)^(toolchain|godebug|tool|ignore)\b.*$`)
@@ -140,9 +137,7 @@ func typecheck(path string, all []*ast.File, own map[string]*types.Package) *typ
 		if object.Pkg() == nil || object.Parent() != object.Pkg().Scope() {
 			continue
 		}
-		e := edge{fset.Position(id.Pos()).Filename, fset.Position(object.Pos()).Filename}
-		add(e)
-		kinds[e] += strings.TrimPrefix(fmt.Sprintf("%T ", object), "*types.")
+		add(edge{fset.Position(id.Pos()).Filename, fset.Position(object.Pos()).Filename})
 	}
 	for _, file := range all {
 		skipped(file, own, info)
@@ -248,21 +243,16 @@ func blankImports() {
 	}
 }
 
-func ratio(a, b int) float64 {
-	if b == 0 {
-		return 1
+func printEdges() {
+	lines := make([]string, 0, len(truth))
+	for e := range truth {
+		lines = append(lines, e.source+"\t"+e.target)
 	}
-	return float64(a) / float64(b)
-}
-
-func show(title string, edges []edge, n int) {
-	sort.Slice(edges, func(i, j int) bool {
-		return edges[i].source+edges[i].target < edges[j].source+edges[j].target
-	})
-	for i, step := 0, len(edges)/(n+1)+1; i < len(edges); i += step {
-		e := edges[i]
-		seen := kinds[edge{filepath.Join(repo, e.source), filepath.Join(repo, e.target)}]
-		fmt.Println("  "+title+":", e.source, "->", e.target, seen)
+	sort.Strings(lines)
+	out := bufio.NewWriter(os.Stdout)
+	defer out.Flush()
+	for _, line := range lines {
+		fmt.Fprintln(out, line)
 	}
 }
 
@@ -271,7 +261,8 @@ func main() {
 	repo, err = filepath.EvalSymlinks(os.Args[1])
 	must(err)
 	repo, _ = filepath.Abs(repo)
-	for _, path := range tracked() {
+	all := tracked()
+	for _, path := range all {
 		if filepath.Base(path) == "go.mod" {
 			list(filepath.Join(repo, filepath.Dir(path)))
 		}
@@ -288,51 +279,10 @@ func main() {
 		checkTests(packages[path])
 	}
 	blankImports()
-	for path := range parsed {
-		rel, _ := filepath.Rel(repo, path)
-		known[rel] = true
-	}
-	input, err := os.Open(os.Args[2])
-	must(err)
-	ours := map[edge]bool{}
-	var missing, extra []edge
-	same, sameTruth, sameOurs := 0, 0, 0
-	right := 0
-	for scanner := bufio.NewScanner(input); scanner.Scan(); {
-		parts := strings.Split(scanner.Text(), "\t")
-		e := edge{parts[0], parts[1]}
-		if !known[e.source] || !known[e.target] {
-			continue
-		}
-		ours[e] = true
-		inside := filepath.Dir(e.source) == filepath.Dir(e.target)
-		if inside {
-			sameOurs++
-		}
-		if truth[e] {
-			right++
-			if inside {
-				same++
-			}
-		} else {
-			extra = append(extra, e)
+	for _, path := range all {
+		if strings.HasSuffix(path, ".go") && parsed[filepath.Join(repo, path)] == nil {
+			fmt.Fprintln(os.Stderr, "unseen\t"+path)
 		}
 	}
-	for e := range truth {
-		if filepath.Dir(e.source) == filepath.Dir(e.target) {
-			sameTruth++
-		}
-		if !ours[e] {
-			missing = append(missing, e)
-		}
-	}
-	fmt.Printf("%s: %d packages, %d files, truth %d, ours %d\n", filepath.Base(repo), len(packages), len(known), len(truth), len(ours))
-	fmt.Printf("  precision %.4f  recall %.4f\n", ratio(right, len(ours)), ratio(right, len(truth)))
-	fmt.Printf("  between packages: precision %.4f recall %.4f; within: precision %.4f recall %.4f\n",
-		ratio(right-same, len(ours)-sameOurs), ratio(right-same, len(truth)-sameTruth), ratio(same, sameOurs), ratio(same, sameTruth))
-	if len(os.Args) > 3 {
-		n, _ := strconv.Atoi(os.Args[3])
-		show("missing", missing, n)
-		show("too many", extra, n)
-	}
+	printEdges()
 }
