@@ -30,9 +30,11 @@ TEST(JvmResolver, FindsImportedTypes) {
         {"C.java", "package q; class C {}"},
         {"sub/D.java", "package q.sub; class D {}"}},
        {"A.java -> B.java"}},
-      {"a name with its package in the code",
-       {{"A.java", "package p; class A { q.r.B b; }"}, {"B.java", "package q.r; class B {}"}},
-       {"A.java -> B.java"}},
+      {"a name with its package in the code, or before the package's own",
+       {{"A.java", "package p; class A { q.r.B b; }"},
+        {"B.java", "package q.r; class B {}"},
+        {"package-info.java", "@q.r.B\npackage p;"}},
+       {"A.java -> B.java", "package-info.java -> B.java"}},
   });
 }
 

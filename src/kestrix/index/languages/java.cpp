@@ -122,7 +122,8 @@ const Language& java_language() {
                                  .lexis = &kLexis,
                                  .keywords = {},
                                  .read = read,
-                                 .resolver = make_jvm_resolver};
+                                 .resolver = make_jvm_resolver,
+                                 .version = 2};
   return language;
 }
 

@@ -1,4 +1,4 @@
-(package_declaration) @package @import
+(package_declaration [(identifier) (scoped_identifier)] @import) @package
 (import_declaration) @import
 
 [

@@ -50,6 +50,11 @@ std::string_view path_in(std::string_view attribute) {
   return attribute.substr(open + 1, close - open - 1);
 }
 
+// A name without the mark that lets a keyword be one.
+std::string_view plain(std::string_view name) {
+  return name.starts_with("r#") ? name.substr(2) : name;
+}
+
 class Reader {
  public:
   explicit Reader(const SourceTree& tree) : tree_(tree) {}
@@ -85,11 +90,13 @@ class Reader {
     } else if (const auto tokens = match.node("tokens")) {
       add_macro(*tokens);
     } else if (const auto mod = match.node("mod")) {
-      add_mod(*mod, tree_.text(*match.node("name")));
+      add_mod(*mod, plain(tree_.text(*match.node("name"))));
     } else if (const auto inner = match.node("inline")) {
-      add_inline(*inner, tree_.text(*match.node("name")));
+      add_inline(*inner, plain(tree_.text(*match.node("name"))));
     } else if (const auto item = match.node("item")) {
-      if (match.nesting() == 0) facts_.declares.emplace_back(tree_.text(*match.node("name")));
+      if (match.nesting() == 0) {
+        facts_.declares.emplace_back(plain(tree_.text(*match.node("name"))));
+      }
       const std::size_t before = facts_.symbols.size();
       add_symbol(tree_, match, facts_);
       if (facts_.symbols.size() > before && facts_.symbols.back().signature.ends_with(';')) {
@@ -257,7 +264,8 @@ const Language& rust_language() {
                                  .lexis = &kLexis,
                                  .keywords = kKeywords,
                                  .read = read,
-                                 .resolver = make_rust_resolver};
+                                 .resolver = make_rust_resolver,
+                                 .version = 2};
   return language;
 }
 

@@ -183,23 +183,29 @@ class RustResolver : public Resolver {
     return std::nullopt;
   }
 
-  // The file that declares what is left of the path, through pub use.
+  // The file that declares what is left of the path, through pub use. What is declared here and
+  // handed on too is declared for one configuration and handed on for another.
   std::optional<FileId> origin(const Spot& spot, int hops, int& asked) const {
+    if (++asked > kMostAsked) return std::nullopt;
+    if (const auto source = handed_on(spot, false, hops, asked)) return source;
+    std::string_view rest = spot.rest;
+    const auto& declares = files_.facts(spot.file).declares;
+    if (std::ranges::binary_search(declares, take_first(rest))) return spot.file;
+    return handed_on(spot, true, hops, asked);
+  }
+
+  std::optional<FileId> handed_on(const Spot& spot, bool all, int hops, int& asked) const {
     std::string_view rest = spot.rest;
     const std::string_view name = take_first(rest);
-    const FileFacts& facts = files_.facts(spot.file);
-    if (std::ranges::binary_search(facts.declares, name)) return spot.file;
     const auto* place = modules_.place_of(spot.file);
-    if (hops == 0 || place == nullptr || ++asked > kMostAsked) return std::nullopt;
-    for (const bool all : {false, true}) {
-      for (const ImportFact& import : facts.imports) {
-        if (form_of(import) != RustImport::kUse) continue;
-        for (const ImportedName& imported : import.names) {
-          if (imported.exported != (all ? "*" : name)) continue;
-          const std::string path = all ? append(import.module, spot.rest)
-                                       : append(append(import.module, imported.name), rest);
-          if (const auto source = declared_at(*place, path, all, hops - 1, asked)) return source;
-        }
+    if (hops == 0 || place == nullptr) return std::nullopt;
+    for (const ImportFact& import : files_.facts(spot.file).imports) {
+      if (form_of(import) != RustImport::kUse) continue;
+      for (const ImportedName& imported : import.names) {
+        if (imported.exported != (all ? "*" : name)) continue;
+        const std::string path = all ? append(import.module, spot.rest)
+                                     : append(append(import.module, imported.name), rest);
+        if (const auto source = declared_at(*place, path, all, hops - 1, asked)) return source;
       }
     }
     return std::nullopt;

@@ -25,7 +25,6 @@ std::string as_folders(std::string_view path) {
       folders += path[at];
     }
   }
-  if (folders.starts_with("r#")) folders.erase(0, 2);
   return folders;
 }
 

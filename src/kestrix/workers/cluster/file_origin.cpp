@@ -45,6 +45,13 @@ std::string_view name_of(std::string_view path) { return path.substr(path.rfind(
 
 re2::StringPiece piece(std::string_view text) { return {text.data(), text.size()}; }
 
+// "old_migrations" and "post_migrate" too; a "user_migration" may be what the product does.
+bool holds_migrations(std::string_view folder) {
+  if (is_among(kMigrationFolders, folder)) return true;
+  const auto last = folder.substr(folder.find_last_of("-_.") + 1);
+  return ascii::equals(last, "migrations") || ascii::equals(last, "migrate");
+}
+
 // A folder of what tests are written with: "test-utils", "testing_support". Its files are no tests,
 // and nothing that the product consists of.
 bool serves_tests(std::string_view folder) {
@@ -67,8 +74,7 @@ DataOrigin origin_of_folders(std::string_view path) {
     const auto folder = path.substr(begin, slash - begin);
     if (is_among(kVendorFolders, folder)) return DataOrigin::kVendored;
     if (is_among(kGeneratedFolders, folder)) origin = std::max(origin, DataOrigin::kGenerated);
-    if (is_among(kMigrationFolders, folder) || ascii::ends_with(folder, "_migrations") ||
-        (folder == "versions" && parent == "alembic")) {
+    if (holds_migrations(folder) || (folder == "versions" && parent == "alembic")) {
       origin = std::max(origin, DataOrigin::kMigration);
     }
     const bool aside = (!in_sources && is_among(kSampleFolders, folder)) || serves_tests(folder) ||

@@ -15,13 +15,13 @@ constexpr std::array<std::string_view, 21> kNoModules = {
 class PathScanner {
  public:
   PathScanner(std::string_view text, const Lexis& lexis) : text_(text), words_(text, lexis) {
-    more_ = words_.next(word_);
+    take();
   }
 
   bool next(std::string& path, std::size_t& offset) {
     while (more_) {
       path = word_.text;
-      offset = word_.offset;
+      offset = start_;
       std::size_t parts = 1;
       while (step()) {
         path += "::";
@@ -37,13 +37,23 @@ class PathScanner {
   // Moves to the next word; whether it continues the path.
   bool step() {
     const std::size_t end = word_.offset + word_.text.size();
+    take();
+    return more_ && start_ == end + 2 && text_.substr(end, 2) == "::";
+  }
+
+  // "r#type" is the word "type".
+  void take() {
     more_ = words_.next(word_);
-    return more_ && word_.offset == end + 2 && text_.substr(end, 2) == "::";
+    start_ = word_.offset;
+    if (!more_ || word_.text != "r" || text_.substr(start_ + 1, 1) != "#") return;
+    more_ = words_.next(word_);
+    if (more_ && word_.offset != start_ + 2) start_ = word_.offset;
   }
 
   std::string_view text_;
   WordScanner words_;
   Word word_;
+  std::size_t start_ = 0;  // of the word, with its mark
   bool more_ = false;
 };
 
