@@ -30,8 +30,9 @@ import javax.tools.ToolProvider;
 
 /**
  * Which Java file names a type of which other one, as javac attributes the sources: prints
- * "source TAB target" lines, and "skipped TAB path" on stderr for files that it does not judge:
- * module declarations, and of files that declare the same class all but the first.
+ * "source TAB target" lines, and "unseen TAB path" on stderr for files that it does not judge:
+ * module declarations, sources of other languages, and of files that declare the same class all but
+ * the first.
  *
  * <p>Usage: java java_truth.java REPOSITORY. No library is on the class path; what stays
  * unresolved for that is outside of the repository.
@@ -41,12 +42,13 @@ public class JavaTruth {
     Path root = Path.of(args[0]).toRealPath();
     List<Path> files = new ArrayList<>();
     Set<String> seen = new HashSet<>();
-    for (String path : tracked(root)) {
+    for (String path : tracked(root, "*.java")) {
       Path file = root.resolve(path);
       boolean judged = !path.endsWith("module-info.java") && seen.add(identity(file));
       if (judged) files.add(file);
-      if (!judged) System.err.println("skipped\t" + path);
+      if (!judged) System.err.println("unseen\t" + path);
     }
+    for (String path : tracked(root, "*.kt")) System.err.println("unseen\t" + path);
     var compiler = ToolProvider.getSystemJavaCompiler();
     StandardJavaFileManager manager =
         compiler.getStandardFileManager(null, null, StandardCharsets.UTF_8);
@@ -67,8 +69,8 @@ public class JavaTruth {
     print(root, units, Trees.instance(task));
   }
 
-  private static List<String> tracked(Path root) throws Exception {
-    Process git = new ProcessBuilder("git", "-C", root.toString(), "ls-files", "*.java").start();
+  private static List<String> tracked(Path root, String pattern) throws Exception {
+    Process git = new ProcessBuilder("git", "-C", root.toString(), "ls-files", pattern).start();
     return git.inputReader(StandardCharsets.UTF_8)
         .lines()
         .filter(path -> Files.isRegularFile(root.resolve(path)))

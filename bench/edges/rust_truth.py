@@ -264,11 +264,11 @@ class World:
                 found = self.lookup(here, used + rest[1:], seen)
                 return [here.file] + ([f for f in found if isinstance(f, str)][-1:] or []) + [None]
         for used, alias, public in here.uses:
-            if public and used[-1] == "*":
-                target, left = self.start(here, used[:-1] + [name], seen) if len(used) > 1 else (None, None)
-                found = self.lookup(here, used[:-1] + rest, seen) if target else [None]
+            if public and used[-1] == "*" and len(used) > 1:
+                found = self.lookup(here, used[:-1] + rest, seen)
                 last = [f for f in found if isinstance(f, str)]
-                if last and self.declares(last[-1], name):
+                if last and (isinstance(found[-1], Module) or len(found) > 2 or
+                             self.declares(last[-1], name) or self.declares(last[-1], rest[-1])):
                     return [here.file, last[-1], None]
         return [here.file, None]
 
