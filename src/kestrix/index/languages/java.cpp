@@ -122,8 +122,7 @@ const Language& java_language() {
                                  .lexis = &kLexis,
                                  .keywords = {},
                                  .read = read,
-                                 .resolver = make_jvm_resolver,
-                                 .version = 2};
+                                 .resolver = make_jvm_resolver};
   return language;
 }
 

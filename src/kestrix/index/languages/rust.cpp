@@ -264,8 +264,7 @@ const Language& rust_language() {
                                  .lexis = &kLexis,
                                  .keywords = kKeywords,
                                  .read = read,
-                                 .resolver = make_rust_resolver,
-                                 .version = 2};
+                                 .resolver = make_rust_resolver};
   return language;
 }
 
