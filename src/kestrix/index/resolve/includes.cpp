@@ -85,6 +85,12 @@ class IncludeResolver : public Resolver {
     std::uint32_t count;
   };
 
+  // Of the files below a folder whose paths end in a name, those from the roots most used.
+  struct Best {
+    FileId first;
+    std::optional<FileId> second;
+  };
+
   bool includes(FileId id) const {
     const std::string_view language = files_.language(id);
     return language == "c" || language == "cpp";
@@ -128,16 +134,23 @@ class IncludeResolver : public Resolver {
       if (suffixes_.at(name).count == 1) return;
       auto& nearest = nearest_[name];
       for_each_folder_up(root_of(path, name), [&](std::string_view folder) {
-        const auto [entry, fresh] = nearest.try_emplace(folder, id);
-        if (!fresh && votes(path, name) > votes(files_.path(entry->second), name)) {
-          entry->second = id;
-        }
+        const auto [entry, fresh] = nearest.try_emplace(folder, Best{id, std::nullopt});
+        if (!fresh) consider(id, name, entry->second);
       });
     }
   }
 
-  std::uint32_t votes(std::string_view path, std::string_view name) const {
-    const auto found = votes_.find(root_of(path, name));
+  void consider(FileId id, std::string_view name, Best& best) const {
+    const std::uint32_t own = votes(id, name);
+    if (own > votes(best.first, name)) {
+      best = {id, best.first};
+    } else if (!best.second || own > votes(*best.second, name)) {
+      best.second = id;
+    }
+  }
+
+  std::uint32_t votes(FileId id, std::string_view name) const {
+    const auto found = votes_.find(root_of(files_.path(id), name));
     return found == votes_.end() ? 0 : found->second;
   }
 
@@ -185,7 +198,9 @@ class IncludeResolver : public Resolver {
     std::optional<FileId> target;
     for_each_folder_up(folder, [&](std::string_view up) {
       const auto found = nearest->second.find(up);
-      if (!target && found != nearest->second.end() && found->second != own) target = found->second;
+      if (target || found == nearest->second.end()) return;
+      const Best& best = found->second;
+      target = best.first != own ? std::optional(best.first) : best.second;
     });
     return target ? target : own;
   }
@@ -216,7 +231,7 @@ class IncludeResolver : public Resolver {
   std::unordered_map<std::string_view, Suffix> suffixes_;
   std::unordered_map<std::string_view, std::uint32_t> votes_;  // by root
   std::unordered_set<std::string> local_;  // first folders of names that are found here
-  std::unordered_map<std::string_view, std::unordered_map<std::string_view, FileId>> nearest_;
+  std::unordered_map<std::string_view, std::unordered_map<std::string_view, Best>> nearest_;
 };
 
 }  // namespace
