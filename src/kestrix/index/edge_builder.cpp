@@ -4,10 +4,13 @@
 #include <map>
 #include <memory>
 #include <span>
+#include <string>
+#include <string_view>
 #include <unordered_map>
 #include <utility>
 #include <vector>
 
+#include "kestrix/index/edge_codec.h"
 #include "kestrix/index/language.h"
 #include "kestrix/index/workers.h"
 
@@ -15,7 +18,6 @@ namespace kestrix::index {
 namespace {
 
 using FileIds = std::vector<FileId>;
-using Edges = std::vector<EdgeRow>;
 
 struct Group {
   ResolverFactory resolver;
@@ -38,20 +40,21 @@ std::vector<Group> group_by_resolver(const IndexedFiles& files, std::span<const 
 
 struct FileEdges {
   FileId file;
-  Edges edges;  // ascending by target
+  std::string edges;  // encoded, ascending by target
   std::uint32_t unresolved;
 };
 
-Edges merge(const IndexedFiles& files, FileId source, std::span<const Dependency> dependencies) {
+std::string merge(const IndexedFiles& files, FileId source,
+                  std::span<const Dependency> dependencies) {
   std::map<std::int64_t, double> weights;
   for (const Dependency& dependency : dependencies) {
     if (dependency.target == source || dependency.target >= files.size()) continue;
     weights[files.row(dependency.target).id] += dependency.weight;
   }
-  Edges edges;
+  std::vector<StoredEdge> edges;
   edges.reserve(weights.size());
   for (const auto& [target, weight] : weights) edges.push_back({target, weight});
-  return edges;
+  return encode_edges(edges);
 }
 
 class EdgeBuild {
@@ -60,8 +63,8 @@ class EdgeBuild {
       : store_(store), files_(files), options_(options) {}
 
   void run_all() {
-    store_.each_edge(
-        [&](std::int64_t source, const EdgeRow& edge) { old_[source].push_back(edge); });
+    store_.each_edges(
+        [&](std::int64_t source, std::string_view edges) { old_.emplace(source, edges); });
     FileIds all(files_.size());
     std::ranges::generate(all, [id = FileId{0}]() mutable { return id++; });
     run(all);
@@ -129,7 +132,7 @@ class EdgeBuild {
   Store& store_;
   const IndexedFiles& files_;
   const EdgeBuildOptions& options_;
-  std::unordered_map<std::int64_t, Edges> old_;  // by source
+  std::unordered_map<std::int64_t, std::string> old_;  // encoded, by source
 };
 
 }  // namespace

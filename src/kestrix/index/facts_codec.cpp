@@ -1,86 +1,13 @@
 #include "kestrix/index/facts_codec.h"
 
-#include <cstddef>
 #include <cstdint>
-#include <limits>
-#include <utility>
 
+#include "kestrix/index/byte_codec.h"
 #include "kestrix/index/content_hash.h"
 #include "kestrix/index/corrupt_index.h"
 
 namespace kestrix::index {
 namespace {
-
-// Numbers are written seven bits a byte, the lowest first; texts and lists begin with their length.
-class Encoder {
- public:
-  void number(std::uint64_t value) {
-    for (; value >= 0x80; value >>= 7U) bytes_ += static_cast<char>(value | 0x80);
-    bytes_ += static_cast<char>(value);
-  }
-
-  void text(std::string_view value) {
-    number(value.size());
-    bytes_ += value;
-  }
-
-  template <class Item, class Write>
-  void list(const std::vector<Item>& items, Write write) {
-    number(items.size());
-    for (const Item& item : items) write(*this, item);
-  }
-
-  std::string take() { return std::move(bytes_); }
-
- private:
-  std::string bytes_;
-};
-
-class Decoder {
- public:
-  explicit Decoder(std::string_view bytes) : rest_(bytes) {}
-
-  template <class Number>
-  Number number() {
-    std::uint64_t value = 0;
-    for (unsigned shift = 0; shift < 64; shift += 7) {
-      const auto byte = static_cast<unsigned char>(bytes(1).front());
-      value |= std::uint64_t{byte & 0x7FU} << shift;
-      if (byte < 0x80) return checked<Number>(value);
-    }
-    throw CorruptIndex("a number without end");
-  }
-
-  std::string text() { return std::string(bytes(number<std::size_t>())); }
-
-  template <class Item, class Read>
-  std::vector<Item> list(Read read) {
-    const auto count = number<std::size_t>();
-    if (count > rest_.size()) throw CorruptIndex("a list beyond its end");
-    std::vector<Item> items;
-    items.reserve(count);
-    for (std::size_t i = 0; i < count; ++i) items.push_back(read(*this));
-    return items;
-  }
-
-  std::string_view rest() const { return rest_; }
-
- private:
-  template <class Number>
-  static Number checked(std::uint64_t value) {
-    if (value > std::numeric_limits<Number>::max()) throw CorruptIndex("a number out of range");
-    return static_cast<Number>(value);
-  }
-
-  std::string_view bytes(std::size_t count) {
-    if (count > rest_.size()) throw CorruptIndex("facts that break off");
-    const auto result = rest_.substr(0, count);
-    rest_.remove_prefix(count);
-    return result;
-  }
-
-  std::string_view rest_;
-};
 
 void write_use(Encoder& to, const NameUse& use) {
   to.text(use.name);
@@ -168,10 +95,35 @@ FileFacts decode_facts(std::string_view bytes, std::string_view path) {
   FileFacts facts;
   facts.package = from.text();
   facts.imports = from.list<ImportFact>(read_import);
-  facts.declares = from.list<std::string>([](Decoder& in) { return in.text(); });
+  facts.declares = from.list<std::string>([](Decoder& in) { return std::string(in.text()); });
   facts.uses = from.list<NameUse>(read_use);
   if (!from.rest().empty()) throw CorruptIndex("facts with something behind them");
   return facts;
+}
+
+std::string encode_symbols(std::span<const SymbolFact> symbols) {
+  Encoder to;
+  for (const SymbolFact& symbol : symbols) {
+    to.number(static_cast<std::uint8_t>(symbol.kind));
+    to.number(symbol.line);
+    to.text(symbol.name);
+    to.text(symbol.signature);
+  }
+  return to.take();
+}
+
+std::vector<SymbolView> decode_symbols(std::string_view bytes) {
+  std::vector<SymbolView> symbols;
+  for (Decoder from(bytes); !from.rest().empty();) {
+    const auto kind = from.number<std::uint8_t>();
+    if (kind > static_cast<std::uint8_t>(SymbolKind::kVariable)) {
+      throw CorruptIndex("a symbol of no kind");
+    }
+    const auto line = from.number<std::uint32_t>();
+    const auto name = from.text();
+    symbols.push_back({static_cast<SymbolKind>(kind), name, from.text(), line});
+  }
+  return symbols;
 }
 
 bool look_alike_from_outside(FileFacts a, FileFacts b) {

@@ -1,19 +1,36 @@
 #pragma once
 
+#include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "kestrix/index/facts.h"
 
 namespace kestrix::index {
 
 /// All that resolvers read of the facts of the file at `path`, as compact bytes. Symbols are left
-/// out: the store has a table for them.
+/// out: they are stored by themselves.
 std::string encode_facts(const FileFacts& facts, std::string_view path);
 
 /// The inverse; `symbols` is empty. Throws `CorruptIndex` when `bytes` are no encoded facts, or
 /// those of another path.
 FileFacts decode_facts(std::string_view bytes, std::string_view path);
+
+/// A symbol in its encoded form.
+struct SymbolView {
+  SymbolKind kind;
+  std::string_view name;
+  std::string_view signature;
+  std::uint32_t line;
+};
+
+/// The symbols of one file; "" when there are none.
+std::string encode_symbols(std::span<const SymbolFact> symbols);
+
+/// The inverse. Views into `bytes`. Throws `CorruptIndex` when they are no encoded symbols.
+std::vector<SymbolView> decode_symbols(std::string_view bytes);
 
 /// Whether other files see the same in both: all but how often names are used and where imports
 /// stand.

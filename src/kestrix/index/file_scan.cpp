@@ -58,7 +58,7 @@ void take_text(ScannedFile& file, const Language* language, const std::string& t
   row.traits.set(facts ? Trait::kParsed : Trait::kGaveUp);
   if (!facts) return;
   file.facts = encode_facts(*facts, row.path);
-  file.symbols = std::move(facts->symbols);
+  file.symbols = encode_symbols(facts->symbols);
 }
 
 void take_content(ScannedFile& file, FileBytes content) {

@@ -2,9 +2,7 @@
 
 #include <cstdint>
 #include <string>
-#include <vector>
 
-#include "kestrix/index/facts.h"
 #include "kestrix/index/root_directory.h"
 #include "kestrix/index/store.h"
 
@@ -24,9 +22,9 @@ enum class ScanOutcome {
 
 struct ScannedFile {
   ScanOutcome outcome = ScanOutcome::kRead;
-  FileRow row;                      ///< with the id of `known`, or none
-  std::string facts;                ///< encoded; for a row that is parsed
-  std::vector<SymbolFact> symbols;  ///< in source order
+  FileRow row;          ///< with the id of `known`, or none
+  std::string facts;    ///< encoded; for a row that is parsed
+  std::string symbols;  ///< encoded, in source order
 };
 
 /// Reads, classifies and parses one file. May be called from several threads. What is wrong with

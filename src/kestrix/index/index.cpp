@@ -3,13 +3,14 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <bit>
 #include <iterator>
 #include <numeric>
 #include <utility>
 
 #include "kestrix/index/content_hash.h"
 #include "kestrix/index/corrupt_index.h"
+#include "kestrix/index/edge_codec.h"
+#include "kestrix/index/facts_codec.h"
 #include "kestrix/index/language.h"
 #include "kestrix/index/name_pattern.h"
 #include "kestrix/index/store.h"
@@ -100,33 +101,37 @@ class RepositoryIndex::Loader {
   }
 
   void load_symbols() {
-    store_.each_symbol([&](std::int64_t file, const SymbolRow& symbol) {
-      index_.symbols_.push_back({symbol.kind, index_.texts_.keep(symbol.name),
-                                 index_.texts_.keep(symbol.signature), id_of(file), symbol.line});
+    store_.each_symbols([&](std::int64_t row, std::string_view bytes) {
+      const FileId file = id_of(row);
+      sum_up(file, bytes);
+      for (const SymbolView& symbol : decode_symbols(index_.texts_.keep(bytes))) {
+        index_.symbols_.push_back({symbol.kind, symbol.name, symbol.signature, file, symbol.line});
+      }
     });
     if (!std::ranges::is_sorted(index_.symbols_, {}, &IndexedSymbol::file)) {
       std::ranges::stable_sort(index_.symbols_, {}, &IndexedSymbol::file);
     }
-    for (const IndexedSymbol& symbol : index_.symbols_) {
-      digest_.add(symbol.name);
-      digest_.add(symbol.signature);
-      digest_.add(std::uint64_t{symbol.file} << 32U | symbol.line);
-      digest_.add(static_cast<std::uint64_t>(symbol.kind));
-    }
+  }
+
+  void sum_up(FileId file, std::string_view bytes) {
+    digest_.add(std::uint64_t{file});
+    digest_.add(bytes);
   }
 
   void load_edges() {
-    store_.each_edge([&](std::int64_t source, const EdgeRow& edge) {
-      index_.edges_.push_back({id_of(source), id_of(edge.target), edge.weight});
+    store_.each_edges([&](std::int64_t row, std::string_view bytes) {
+      const FileId source = id_of(row);
+      sum_up(source, bytes);
+      for (const StoredEdge& edge : decode_edges(bytes)) {
+        index_.edges_.push_back({source, id_of(edge.target), edge.weight});
+      }
     });
-    std::ranges::sort(index_.edges_, {},
-                      [](const IndexedEdge& edge) { return std::pair(edge.source, edge.target); });
-    index_.first_edge_.assign(index_.files_.size() + 1, 0);
-    for (const IndexedEdge& edge : index_.edges_) {
-      ++index_.first_edge_[edge.source + 1];
-      digest_.add(std::uint64_t{edge.source} << 32U | edge.target);
-      digest_.add(std::bit_cast<std::uint64_t>(edge.weight));
+    const auto ends = [](const IndexedEdge& edge) { return std::pair(edge.source, edge.target); };
+    if (!std::ranges::is_sorted(index_.edges_, {}, ends)) {
+      std::ranges::sort(index_.edges_, {}, ends);
     }
+    index_.first_edge_.assign(index_.files_.size() + 1, 0);
+    for (const IndexedEdge& edge : index_.edges_) ++index_.first_edge_[edge.source + 1];
     std::partial_sum(index_.first_edge_.begin(), index_.first_edge_.end(),
                      index_.first_edge_.begin());
   }

@@ -14,7 +14,7 @@
 namespace kestrix::index {
 namespace {
 
-constexpr int kSchemaVersion = 1;
+constexpr int kSchemaVersion = 2;
 constexpr std::int64_t kMaxInteger = std::numeric_limits<std::int64_t>::max();
 constexpr auto kLockPoll = std::chrono::milliseconds(20);
 
@@ -33,19 +33,8 @@ CREATE TABLE file (
   hash INTEGER NOT NULL,
   unresolved INTEGER NOT NULL);
 CREATE TABLE facts (file INTEGER PRIMARY KEY, bytes BLOB NOT NULL);
-CREATE TABLE symbol (
-  file INTEGER NOT NULL,
-  position INTEGER NOT NULL,
-  kind INTEGER NOT NULL,
-  name TEXT NOT NULL,
-  signature TEXT NOT NULL,
-  line INTEGER NOT NULL,
-  PRIMARY KEY (file, position)) WITHOUT ROWID;
-CREATE TABLE edge (
-  source INTEGER NOT NULL,
-  target INTEGER NOT NULL,
-  weight REAL NOT NULL,
-  PRIMARY KEY (source, target)) WITHOUT ROWID;
+CREATE TABLE symbols (file INTEGER PRIMARY KEY, bytes BLOB NOT NULL);
+CREATE TABLE edges (source INTEGER PRIMARY KEY, bytes BLOB NOT NULL);
 )sql";
 
 // The rows of one SELECT. It reads columns with SQLite's own functions: an object for each value
@@ -178,13 +167,6 @@ std::vector<FileRow> Store::files() {
   });
 }
 
-void Store::each_edge(const TakeEdge& take) {
-  guarded([&] {
-    Rows rows(*database_, "SELECT source, target, weight FROM edge ORDER BY source, target");
-    while (rows.next()) take(rows.integer(0), {rows.integer(1), rows.real(2)});
-  });
-}
-
 std::optional<std::string> Store::facts(std::int64_t file) {
   return guarded([&]() -> std::optional<std::string> {
     auto& query = statement("SELECT bytes FROM facts WHERE file = ?");
@@ -198,22 +180,20 @@ int Store::data_version() {
   return guarded([&] { return database_->execAndGet("PRAGMA data_version").getInt(); });
 }
 
-void Store::each_facts(const TakeFacts& take) {
-  guarded([&] {
-    Rows rows(*database_, "SELECT file, bytes FROM facts");
-    while (rows.next()) take(rows.integer(0), rows.text(1));
-  });
+void Store::each_facts(const TakeBytes& take) { each_bytes("SELECT file, bytes FROM facts", take); }
+
+void Store::each_symbols(const TakeBytes& take) {
+  each_bytes("SELECT file, bytes FROM symbols ORDER BY file", take);
 }
 
-void Store::each_symbol(const TakeSymbol& take) {
+void Store::each_edges(const TakeBytes& take) {
+  each_bytes("SELECT source, bytes FROM edges ORDER BY source", take);
+}
+
+void Store::each_bytes(const char* sql, const TakeBytes& take) {
   guarded([&] {
-    Rows rows(*database_,
-              "SELECT file, kind, name, signature, line FROM symbol ORDER BY file, position");
-    while (rows.next()) {
-      const auto kind = rows.number<std::uint8_t>(1, static_cast<int>(SymbolKind::kVariable));
-      take(rows.integer(0), {static_cast<SymbolKind>(kind), rows.text(2), rows.text(3),
-                             rows.number<std::uint32_t>(4)});
-    }
+    Rows rows(*database_, sql);
+    while (rows.next()) take(rows.integer(0), rows.text(1));
   });
 }
 
@@ -298,58 +278,40 @@ void Store::put_file(const FileRow& row) {
 void Store::remove_file(std::int64_t file) {
   remove_facts(file);
   put_edges(file, {});
-  guarded([&] {
-    auto& remove = statement("DELETE FROM file WHERE id = ?");
-    remove.bind(1, file);
-    remove.exec();
-  });
+  remove("DELETE FROM file WHERE id = ?", file);
 }
 
-void Store::put_facts(std::int64_t file, const std::string& bytes,
-                      std::span<const SymbolFact> symbols) {
-  guarded([&] {
-    auto& insert = statement("INSERT INTO facts VALUES (?, ?)");
-    insert.bind(1, file);
-    insert.bindNoCopy(2, bytes.data(), static_cast<int>(bytes.size()));
-    insert.exec();
-    for (std::size_t i = 0; i < symbols.size(); ++i) put_symbol(file, i, symbols[i]);
-  });
-}
-
-void Store::put_symbol(std::int64_t file, std::size_t position, const SymbolFact& symbol) {
-  auto& insert = statement("INSERT INTO symbol VALUES (?, ?, ?, ?, ?, ?)");
-  insert.bind(1, file);
-  insert.bind(2, static_cast<std::int64_t>(position));
-  insert.bind(3, static_cast<int>(symbol.kind));
-  insert.bindNoCopy(4, symbol.name);
-  insert.bindNoCopy(5, symbol.signature);
-  insert.bind(6, symbol.line);
-  insert.exec();
+void Store::put_facts(std::int64_t file, const std::string& facts, const std::string& symbols) {
+  put_bytes("INSERT INTO facts VALUES (?, ?)", file, facts);
+  if (!symbols.empty()) put_bytes("INSERT INTO symbols VALUES (?, ?)", file, symbols);
 }
 
 void Store::remove_facts(std::int64_t file) {
+  remove("DELETE FROM facts WHERE file = ?", file);
+  remove("DELETE FROM symbols WHERE file = ?", file);
+}
+
+void Store::put_edges(std::int64_t source, const std::string& edges) {
+  if (edges.empty())
+    remove("DELETE FROM edges WHERE source = ?", source);
+  else
+    put_bytes("INSERT OR REPLACE INTO edges VALUES (?, ?)", source, edges);
+}
+
+void Store::put_bytes(const std::string& sql, std::int64_t file, const std::string& bytes) {
   guarded([&] {
-    for (const char* sql :
-         {"DELETE FROM facts WHERE file = ?", "DELETE FROM symbol WHERE file = ?"}) {
-      auto& remove = statement(sql);
-      remove.bind(1, file);
-      remove.exec();
-    }
+    auto& insert = statement(sql);
+    insert.bind(1, file);
+    insert.bindNoCopy(2, bytes.data(), static_cast<int>(bytes.size()));
+    insert.exec();
   });
 }
 
-void Store::put_edges(std::int64_t source, std::span<const EdgeRow> edges) {
+void Store::remove(const std::string& sql, std::int64_t file) {
   guarded([&] {
-    auto& remove = statement("DELETE FROM edge WHERE source = ?");
-    remove.bind(1, source);
+    auto& remove = statement(sql);
+    remove.bind(1, file);
     remove.exec();
-    for (const EdgeRow& edge : edges) {
-      auto& insert = statement("INSERT INTO edge VALUES (?, ?, ?)");
-      insert.bind(1, source);
-      insert.bind(2, edge.target);
-      insert.bind(3, edge.weight);
-      insert.exec();
-    }
   });
 }
 

@@ -8,13 +8,11 @@
 #include <functional>
 #include <memory>
 #include <optional>
-#include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
 
-#include "kestrix/index/facts.h"
 #include "kestrix/index/root_directory.h"
 #include "kestrix/index/skip_counts.h"
 #include "kestrix/index/store_file.h"
@@ -64,20 +62,6 @@ struct FileRow {
   std::uint32_t unresolved = 0;  ///< imports that looked local and led nowhere
 };
 
-struct EdgeRow {
-  std::int64_t target;
-  double weight;
-
-  friend bool operator==(const EdgeRow&, const EdgeRow&) = default;
-};
-
-struct SymbolRow {
-  SymbolKind kind;
-  std::string_view name;
-  std::string_view signature;
-  std::uint32_t line;
-};
-
 /// The index's SQLite file.
 ///
 /// Readers see the last complete state while a writer is at work: the file uses a write-ahead log.
@@ -112,13 +96,12 @@ class Store {
   /// Changes whenever another connection has written.
   int data_version();
 
+  // What is encoded, file by file, for all files that have some; the order is that of their ids.
   // Views that are handed over hold until the function returns.
-  using TakeFacts = std::function<void(std::int64_t file, std::string_view bytes)>;
-  void each_facts(const TakeFacts& take);
-  using TakeEdge = std::function<void(std::int64_t source, const EdgeRow& edge)>;
-  void each_edge(const TakeEdge& take);
-  using TakeSymbol = std::function<void(std::int64_t file, const SymbolRow& symbol)>;
-  void each_symbol(const TakeSymbol& take);  ///< those of one file together, in source order
+  using TakeBytes = std::function<void(std::int64_t file, std::string_view bytes)>;
+  void each_facts(const TakeBytes& take);
+  void each_symbols(const TakeBytes& take);
+  void each_edges(const TakeBytes& take);  ///< by source
 
   // Writing, between begin_write and commit. Destroying the store takes back what is not committed.
   /// Waits for another writer; throws `Error` when it takes longer than `timeout`.
@@ -128,9 +111,9 @@ class Store {
   void set_skip_counts(const SkipCounts& counts);
   void put_file(const FileRow& row);
   void remove_file(std::int64_t file);
-  void put_facts(std::int64_t file, const std::string& bytes, std::span<const SymbolFact> symbols);
+  void put_facts(std::int64_t file, const std::string& facts, const std::string& symbols);
   void remove_facts(std::int64_t file);
-  void put_edges(std::int64_t source, std::span<const EdgeRow> edges);
+  void put_edges(std::int64_t source, const std::string& edges);
   void commit();
 
  private:
@@ -139,7 +122,9 @@ class Store {
   template <class Operation>
   auto guarded(Operation operation);
   bool try_begin_write();
-  void put_symbol(std::int64_t file, std::size_t position, const SymbolFact& symbol);
+  void each_bytes(const char* sql, const TakeBytes& take);
+  void put_bytes(const std::string& sql, std::int64_t file, const std::string& bytes);
+  void remove(const std::string& sql, std::int64_t file);
   SQLite::Statement& statement(const std::string& sql);
   void run(const char* sql);
 
