@@ -157,15 +157,16 @@ void destroy(void* module) {
 // A module of its own for every interpreter (PYBIND11_MODULE would share one among them).
 PyModuleDef_Slot slots[] = {{Py_mod_exec, reinterpret_cast<void*>(execute)}, {0, nullptr}};
 
-PyModuleDef definition = {PyModuleDef_HEAD_INIT,
-                          "page_sources",
-                          "Which files ground each aspect page of a code wiki.",
-                          sizeof(Namespace*),
-                          nullptr,
-                          slots,
-                          nullptr,
-                          nullptr,
-                          destroy};
+PyModuleDef definition = {
+    PyModuleDef_HEAD_INIT,
+    "page_sources",
+    "Which files ground each aspect page of a code wiki.",
+    sizeof(Namespace*),  // NOLINT(bugprone-sizeof-expression): a pointer is the state
+    nullptr,
+    slots,
+    nullptr,
+    nullptr,
+    destroy};
 
 }  // namespace
 }  // namespace kestrix::python

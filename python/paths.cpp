@@ -30,6 +30,7 @@ class AsciiImage {
   }
   AsciiImage(const AsciiImage&) = delete;
   AsciiImage& operator=(const AsciiImage&) = delete;
+  ~AsciiImage() = default;
 
   operator std::string_view() const { return view_; }  // NOLINT(google-explicit-constructor)
 

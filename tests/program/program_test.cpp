@@ -43,7 +43,7 @@ TEST(Program, WrongUsageIsOneLineAndTwo) {
   const ProgramUnderTest program;
   const std::vector<std::pair<Strings, std::string>> cases{
       {{}, "subcommand"},
-      {{"pgaes"}, "pgaes"},
+      {{"simbols", "--kind", "class"}, "simbols is no subcommand"},
       {{"pages", "--page", "error"}, "data_models, configuration"},
       {{"pages", "--entry-points", "["}, "["},
       {{"pages", "--threads", "0"}, "--threads"},

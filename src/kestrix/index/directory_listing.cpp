@@ -38,7 +38,7 @@ void add_entry(int directory, const char* name, unsigned char type, DirectoryLis
 
 // The system call itself: a stream would ask for flags and status of each directory again.
 bool add_entries(int directory, DirectoryListing& listing) {
-  alignas(dirent64) std::array<char, kBufferBytes> buffer;
+  alignas(dirent64) std::array<char, kBufferBytes> buffer;  // NOLINT(*-member-init): filled below
   for (;;) {
     const ssize_t filled = ::getdents64(directory, buffer.data(), buffer.size());
     if (filled <= 0) return filled == 0;

@@ -34,6 +34,8 @@ fs::path with_home(std::string_view path) {
 
 }  // namespace
 
+// NOLINTBEGIN(misc-no-recursion): a file that includes files, kMaxDepth of them at most
+
 // Reads one file's text (git-config(1), "Syntax").
 class GitConfig::Parser {
  public:
@@ -159,6 +161,19 @@ bool GitConfig::read(const fs::path& file) {
   return well_formed_;
 }
 
+void GitConfig::include(const fs::path& from, std::string_view path) {
+  if (depth_ == kMaxDepth) return;
+  if (++included_ > kMaxIncludes) {
+    well_formed_ = false;
+    return;
+  }
+  ++depth_;
+  read(from.parent_path() / with_home(path));
+  --depth_;
+}
+
+// NOLINTEND(misc-no-recursion)
+
 bool GitConfig::read_user_files() {
   const std::string system = environment("GIT_CONFIG_SYSTEM");
   if (environment("GIT_CONFIG_NOSYSTEM").empty()) read(system.empty() ? "/etc/gitconfig" : system);
@@ -183,17 +198,6 @@ std::optional<fs::path> GitConfig::path(std::string_view name) const {
   const auto text = value(name);
   if (!text) return std::nullopt;
   return with_home(*text);
-}
-
-void GitConfig::include(const fs::path& from, std::string_view path) {
-  if (depth_ == kMaxDepth) return;
-  if (++included_ > kMaxIncludes) {
-    well_formed_ = false;
-    return;
-  }
-  ++depth_;
-  read(from.parent_path() / with_home(path));
-  --depth_;
 }
 
 bool GitConfig::holds(const fs::path& from, std::string_view condition) const {

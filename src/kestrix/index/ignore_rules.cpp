@@ -1,6 +1,7 @@
 #include "kestrix/index/ignore_rules.h"
 
 #include <algorithm>
+#include <ranges>
 
 #include "kestrix/utils/ascii.h"
 
@@ -49,9 +50,9 @@ IgnoreRules::IgnoreRules(std::string_view text, bool ignore_case) : ignore_case_
 
 Verdict IgnoreRules::judge(std::string_view path, bool is_directory) const {
   const std::string_view name = path.substr(path.rfind('/') + 1);
-  for (auto rule = rules_.rbegin(); rule != rules_.rend(); ++rule) {
-    if (rule->directory_only && !is_directory) continue;
-    if (matches(*rule, path, name)) return rule->admits ? Verdict::kAdmitted : Verdict::kIgnored;
+  for (const Rule& rule : std::views::reverse(rules_)) {
+    if (rule.directory_only && !is_directory) continue;
+    if (matches(rule, path, name)) return rule.admits ? Verdict::kAdmitted : Verdict::kIgnored;
   }
   return Verdict::kNone;
 }

@@ -27,7 +27,7 @@ constexpr std::size_t kUnit = 16;
 #define KESTRIX_ADDRESS_SANITIZER 0
 #endif
 constexpr std::size_t kSmallUnits = KESTRIX_ADDRESS_SANITIZER ? 0 : 64;
-constexpr std::size_t kSlab = 256 * 1024;
+constexpr std::size_t kSlab = std::size_t{256} << 10;
 constexpr std::size_t kSlabsKept = 32;
 
 // What the library could have in front of a wrong address is a pointer, whose upper bits are zero,
@@ -51,8 +51,13 @@ struct Link {
 
 Header* header_of(void* block) { return static_cast<Header*>(block) - 1; }
 
+// NOLINTBEGIN(cppcoreguidelines-no-malloc): this is an allocator
+
 class Arena {
  public:
+  Arena() = default;
+  Arena(const Arena&) = delete;
+  Arena& operator=(const Arena&) = delete;
   ~Arena() { end(); }
 
   void begin() { active_ = true; }
@@ -168,7 +173,10 @@ class Arena {
   std::jmp_buf way_out_{};
 };
 
-thread_local Arena arena;
+// NOLINTEND(cppcoreguidelines-no-malloc)
+
+thread_local Arena
+    arena;  // NOLINT(*-avoid-non-const-global-variables): the library's hooks find it
 
 void* allocate(std::size_t size) {
   void* const block = arena.allocate(size);

@@ -125,6 +125,8 @@ class QueryParser {
     return static_cast<std::uint32_t>(found - query_.names_.begin());
   }
 
+  // NOLINTBEGIN(misc-no-recursion): as deep as the query files, which are our own
+
   PatternNode node() {
     PatternNode node;
     if (take("[")) {
@@ -180,6 +182,8 @@ class QueryParser {
     return child;
   }
 
+  // NOLINTEND(misc-no-recursion)
+
   TSSymbol symbol(const std::string& type, bool named) const {
     const TSSymbol symbol = ts_language_symbol_for_name(
         language_, type.data(), static_cast<std::uint32_t>(type.size()), named);
@@ -203,6 +207,7 @@ class QueryParser {
 
 namespace {
 
+// NOLINTNEXTLINE(misc-no-recursion): see above
 void collect_roots(const PatternNode& node, std::vector<TSSymbol>& symbols) {
   if (node.kind == PatternNode::Kind::kSymbol) symbols.push_back(node.symbol);
   if (node.kind != PatternNode::Kind::kOneOf) return;

@@ -45,7 +45,7 @@ struct PatternNode {
 class Query {
  public:
   struct Predicate {
-    std::uint32_t capture;
+    std::uint32_t capture = 0;
     std::vector<std::string> texts;
   };
   struct Pattern {

@@ -22,6 +22,8 @@ bool QueryMatcher::fits(const PatternNode& wanted, const Child& child) const {
   return false;
 }
 
+// NOLINTBEGIN(misc-no-recursion): as deep as a pattern, whatever the text
+
 void QueryMatcher::match_node(const PatternNode& wanted, const Child& child,
                               const Continuation& rest) {
   if (!fits(wanted, child)) return;
@@ -80,6 +82,8 @@ void QueryMatcher::match_from(const PatternNode& parent, std::size_t at, std::si
   }
   if (wanted.optional && !any) match_from(parent, at + 1, from, end, rest);
 }
+
+// NOLINTEND(misc-no-recursion)
 
 bool QueryMatcher::admits(const Query::Pattern& pattern) const {
   const auto holds = [this](const Query::Predicate& predicate) {

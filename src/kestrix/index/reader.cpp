@@ -1,11 +1,11 @@
 #include "kestrix/index/reader.h"
 
 #include <fmt/format.h>
-#include <time.h>
 #include <tree_sitter/api.h>
 
 #include <algorithm>
 #include <cstdint>
+#include <ctime>
 #include <map>
 #include <memory>
 #include <mutex>

@@ -17,7 +17,6 @@ namespace {
 
 using ecmascript::Configs;
 using ecmascript::Dialect;
-using ecmascript::Form;
 using ecmascript::Packages;
 
 constexpr int kAliasHops = 4;
@@ -154,6 +153,8 @@ class EcmascriptResolver : public Resolver {
     return path ? packages_.find_path(*path, dialect) : std::nullopt;
   }
 
+  // NOLINTBEGIN(misc-no-recursion): kAliasHops at most
+
   Found find_named(std::string_view specifier, std::string_view folder, Dialect dialect,
                    int hops) const {
     const auto candidates = configs_.find(specifier, folder);
@@ -178,6 +179,8 @@ class EcmascriptResolver : public Resolver {
     }
     return find_named(internal.specifiers.front(), folder, dialect, hops + 1);
   }
+
+  // NOLINTEND(misc-no-recursion)
 
   // "@/x" and "~/x" mean a project's sources wherever no configuration says otherwise.
   std::optional<FileId> find_aliased(std::string_view path, std::string_view folder,

@@ -1,6 +1,7 @@
 #include "kestrix/index/resolve/ecmascript_configs.h"
 
 #include <algorithm>
+#include <ranges>
 #include <unordered_set>
 
 #include "kestrix/index/resolve/paths.h"
@@ -65,8 +66,8 @@ Configs::Config Configs::effective(std::string_view path) const {
     for (std::string& base : bases_of(raw->second)) open.push_back(std::move(base));
   }
   Config config{{}, std::nullopt, is_main(base_name(path))};
-  for (auto file = order.rbegin(); file != order.rend(); ++file) {
-    apply(raw_.at(*file), folder_of(path), config);
+  for (const std::string& file : std::views::reverse(order)) {
+    apply(raw_.at(file), folder_of(path), config);
   }
   return config;
 }
@@ -137,6 +138,17 @@ const Configs::Rule* Configs::best_rule(const Config& config, std::string_view s
   return best;
 }
 
+void Configs::add_targets(const Rule& rule, std::string_view specifier, Candidates& found) {
+  found.named |= !rule.prefix.empty();
+  const std::string_view star = specifier.substr(
+      rule.prefix.size(), specifier.size() - rule.prefix.size() - rule.suffix.size());
+  for (std::string target : rule.targets) {
+    const std::size_t at = target.find('*');
+    if (at != std::string::npos) target.replace(at, 1, star);
+    if (auto path = join_normal("", target)) found.paths.push_back(std::move(*path));
+  }
+}
+
 Configs::Candidates Configs::find(std::string_view specifier, std::string_view folder) const {
   Candidates found;
   bool nearest = true;
@@ -144,16 +156,7 @@ Configs::Candidates Configs::find(std::string_view specifier, std::string_view f
     const auto configs = by_folder_.find(std::string(up));
     if (configs == by_folder_.end()) return;
     for (const Config& config : configs->second) {
-      if (const Rule* rule = best_rule(config, specifier)) {
-        found.named |= !rule->prefix.empty();
-        const std::string_view star = specifier.substr(
-            rule->prefix.size(), specifier.size() - rule->prefix.size() - rule->suffix.size());
-        for (std::string target : rule->targets) {
-          const std::size_t at = target.find('*');
-          if (at != std::string::npos) target.replace(at, 1, star);
-          if (auto path = join_normal("", target)) found.paths.push_back(std::move(*path));
-        }
-      }
+      if (const Rule* rule = best_rule(config, specifier)) add_targets(*rule, specifier, found);
       if (nearest && config.main && config.base_url) {
         if (auto path = join_normal(*config.base_url, specifier)) {
           found.paths.push_back(std::move(*path));

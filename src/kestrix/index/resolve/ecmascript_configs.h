@@ -48,6 +48,7 @@ class Configs {
   std::vector<std::string> bases_of(const Raw& raw) const;
   std::optional<std::string> find_base(std::string_view folder, const std::string& name) const;
   void apply(const Raw& raw, std::string_view leaf, Config& config) const;
+  static void add_targets(const Rule& rule, std::string_view specifier, Candidates& found);
   static const Rule* best_rule(const Config& config, std::string_view specifier);
 
   const Packages& packages_;

@@ -16,6 +16,7 @@ constexpr std::array<std::string_view, 17> kBuilt = {
     "esm",   "lib",    "node", "out",      "out-tsc", "types",    "typings",  "umd"};
 constexpr std::array<std::string_view, 4> kSources = {"src", "", "source", "lib"};
 
+// NOLINTNEXTLINE(misc-no-recursion): kDeepestConditions at most
 void collect(const Json& value, int depth, std::vector<std::string>& targets) {
   if (value.is_string()) targets.push_back(value.get<std::string>());
   if (!value.is_structured() || depth == kDeepestConditions) return;

@@ -36,9 +36,8 @@ bool is_constant_like(std::string_view name) {
 // Walks over the chains of words that are joined by dots.
 class Chains {
  public:
-  explicit Chains(const SourceTree& tree) : text_(tree.text()), scanner_(text_, tree.lexis()) {
-    more_ = scanner_.next(word_);
-  }
+  explicit Chains(const SourceTree& tree)
+      : text_(tree.text()), scanner_(text_, tree.lexis()), more_(scanner_.next(word_)) {}
 
   struct Chain {
     std::string_view before;  // the word before it, but for "static"
