@@ -7,7 +7,6 @@
 #include <sys/stat.h>
 
 #include <cerrno>
-#include <cstring>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -29,7 +28,8 @@ constexpr std::string_view kRemedy = "choose another place with --index";
 std::string read_header(const fs::path& path, int fd) {
   std::string header(kHeaderBytes, '\0');
   const ssize_t size = ::pread(fd, header.data(), header.size(), 0);
-  if (size < 0) throw Error(fmt::format("{}: {}", path.native(), std::strerror(errno)));
+  if (size < 0)
+    throw Error(fmt::format("{}: {}", path.native(), std::generic_category().message(errno)));
   header.resize(static_cast<std::size_t>(size));
   return header;
 }
@@ -129,7 +129,8 @@ OpenedFile open_for_writing(const fs::path& path, bool create) {
 PlaceContent look_at(const fs::path& path) {
   const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
   if (!file && errno == ENOENT) return PlaceContent::kNothing;
-  if (!file) throw Error(fmt::format("{}: {}", path.native(), std::strerror(errno)));
+  if (!file)
+    throw Error(fmt::format("{}: {}", path.native(), std::generic_category().message(errno)));
   struct stat status {};
   if (::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) {
     return PlaceContent::kForeignFile;
