@@ -223,6 +223,9 @@ Query::Query(const TSLanguage* language, std::string_view text, std::string_view
     std::vector<TSSymbol> roots;
     collect_roots(patterns_[at].root, roots);
     if (roots.empty()) throw Error(fmt::format("a pattern of {} has no type at its root", name));
+    std::ranges::sort(roots);
+    const auto repeated = std::ranges::unique(roots);
+    roots.erase(repeated.begin(), repeated.end());
     for (const TSSymbol root : roots) by_symbol_[root].push_back(static_cast<std::uint16_t>(at));
   }
 }
