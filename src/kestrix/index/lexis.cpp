@@ -33,6 +33,16 @@ const StringStyle* style_at(std::string_view text, const Lexis& lexis) {
   return found == lexis.strings.end() ? nullptr : &*found;
 }
 
+// Length of what stands for itself in the string, though it starts with a backslash or the closing
+// mark; 0 for anything else.
+std::size_t protected_length(std::string_view text, const StringStyle& style) {
+  if (style.escapes && text.front() == '\\') return std::min<std::size_t>(2, text.size());
+  const std::string_view close = style.close;
+  const bool doubled =
+      style.doubles && text.starts_with(close) && text.substr(close.size()).starts_with(close);
+  return doubled ? 2 * close.size() : 0;
+}
+
 }  // namespace
 
 std::size_t comment_length(std::string_view text, const Lexis& lexis) {
@@ -49,8 +59,8 @@ std::size_t string_length(std::string_view text, const Lexis& lexis) {
   if (style == nullptr) return 0;
   std::size_t at = style->open.size();
   while (at < text.size()) {
-    if (style->escapes && text[at] == '\\') {
-      at = std::min(at + 2, text.size());
+    if (const std::size_t length = protected_length(text.substr(at), *style); length > 0) {
+      at += length;
     } else if (text.substr(at).starts_with(style->close)) {
       return at + style->close.size();
     } else if (text[at] == '\n' && !style->multiline) {
@@ -173,8 +183,8 @@ void WordScanner::skip_string_rest(const StringStyle& style, bool splices) {
   before_ = '"';
   last_word_ = {};
   while (at_ < text_.size()) {
-    if (style.escapes && text_[at_] == '\\') {
-      at_ = std::min(at_ + 2, text_.size());
+    if (const std::size_t length = protected_length(text_.substr(at_), style); length > 0) {
+      at_ += length;
     } else if (starts(style.close)) {
       at_ += style.close.size();
       return;
