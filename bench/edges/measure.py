@@ -23,6 +23,7 @@ C_LIKE = (".c", ".cc", ".cpp", ".cxx", ".c++", ".cu", ".cuh", ".h", ".hh", ".hpp
           ".inl", ".ipp", ".ixx", ".tcc", ".tpp")
 TRUTHS = {
     "c": ([sys.executable, HERE / "c_truth.py"], C_LIKE),
+    "csharp": ([sys.executable, HERE / "csharp_truth.py"], (".cs", ".csx")),
     "go": (["go", "run", HERE / "go_truth" / "go_truth.go"], (".go",)),
     "java": (["java", HERE / "java_truth.java"], (".java",)),
     "kotlin": ([sys.executable, HERE / "kotlin_truth.py"], (".kt", ".kts", ".java")),
