@@ -1,7 +1,5 @@
 #pragma once
 
-#include <stdlib.h>  // mkdtemp
-
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>

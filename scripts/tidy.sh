@@ -27,8 +27,9 @@ verify_check_names() {
   done < <(sed -n '/^Checks:/,/^[A-Z]/{s/^ *\(-\?[a-z][a-zA-Z0-9.*-]*\),\?$/\1/p}' "$1")
 }
 
-verify_check_names .clang-tidy
-verify_check_names tests/.clang-tidy
+while read -r config; do
+  verify_check_names "$config"
+done < <(git ls-files -co --exclude-standard -- '*.clang-tidy')
 status=0
 clang-format --dry-run --Werror "${files[@]}" || status=1
 
