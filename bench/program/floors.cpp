@@ -1,8 +1,8 @@
 // program_floors read|parse THREADS < FILES
 //
 // What no index can do without: reading the files, or reading and parsing them. FILES are paths,
-// each ended by a NUL. `parse` takes the files that the index parses and does nothing with the
-// trees; it uses the parser library as it comes. Prints how many files and bytes it took.
+// each ended by a NUL. `parse` uses the parser library as it comes, with a grammar by the file's
+// name, and does nothing with the trees.
 
 #include <tree_sitter/api.h>
 
@@ -12,31 +12,16 @@
 #include <cstdlib>
 #include <fstream>
 #include <iostream>
-#include <iterator>
 #include <memory>
-#include <span>
 #include <string>
 #include <string_view>
 #include <thread>
 #include <vector>
 
-#include "kestrix/index/classification.h"
-#include "kestrix/index/file_reading.h"
 #include "kestrix/index/language.h"
-#include "kestrix/utils/text_decoding.h"
 
 namespace kestrix::index {
 namespace {
-
-struct Totals {
-  std::atomic<std::uint64_t> files = 0;
-  std::atomic<std::uint64_t> bytes = 0;
-
-  void add(std::string_view content) {
-    ++files;
-    bytes += content.size();
-  }
-};
 
 std::string content_of(const std::string& path) {
   std::ifstream file(path, std::ios::binary | std::ios::ate);
@@ -46,19 +31,15 @@ std::string content_of(const std::string& path) {
   return content;
 }
 
-void read_only(const std::string& path, TSParser* /*parser*/, Totals& totals) {
-  totals.add(content_of(path));
-}
+void read_only(const std::string& path, TSParser* /*parser*/) { content_of(path); }
 
-void parse(const std::string& path, TSParser* parser, Totals& totals) {
+void parse(const std::string& path, TSParser* parser) {
   const Language* language = language_of(path);
   if (language == nullptr) return;
   const std::string content = content_of(path);
-  if (content.size() > kMaxParsedBytes || is_binary(content) || is_minified(path, content)) return;
   ts_parser_set_language(parser, language->grammar());
   ts_tree_delete(ts_parser_parse_string(parser, nullptr, content.data(),
                                         static_cast<std::uint32_t>(content.size())));
-  totals.add(content);
 }
 
 std::vector<std::string> paths_of(std::istream& input) {
@@ -67,25 +48,18 @@ std::vector<std::string> paths_of(std::istream& input) {
   return paths;
 }
 
-int run(std::string_view mode, unsigned threads) {
+void run(std::string_view mode, unsigned threads) {
   const auto work = mode == "parse" ? parse : read_only;
   const std::vector<std::string> paths = paths_of(std::cin);
   std::atomic<std::size_t> next = 0;
-  Totals totals;
-  {
-    std::vector<std::jthread> crew;
-    for (unsigned i = 0; i < threads; ++i) {
-      crew.emplace_back([&] {
-        const std::unique_ptr<TSParser, decltype(&ts_parser_delete)> parser(ts_parser_new(),
-                                                                            ts_parser_delete);
-        for (auto at = next++; at < paths.size(); at = next++) {
-          work(paths[at], parser.get(), totals);
-        }
-      });
-    }
+  std::vector<std::jthread> crew;
+  for (unsigned i = 0; i < threads; ++i) {
+    crew.emplace_back([&] {
+      const std::unique_ptr<TSParser, decltype(&ts_parser_delete)> parser(ts_parser_new(),
+                                                                          ts_parser_delete);
+      for (auto at = next++; at < paths.size(); at = next++) work(paths[at], parser.get());
+    });
   }
-  std::cout << totals.files << ' ' << totals.bytes << '\n';
-  return EXIT_SUCCESS;
 }
 
 }  // namespace
@@ -99,5 +73,6 @@ int main(int argc, char** argv) {
     std::cerr << "usage: program_floors read|parse THREADS < FILES\n";
     return EXIT_FAILURE;
   }
-  return kestrix::index::run(arguments[0], static_cast<unsigned>(threads));
+  kestrix::index::run(arguments[0], static_cast<unsigned>(threads));
+  return EXIT_SUCCESS;
 }

@@ -6,9 +6,11 @@ user and system time together.
 """
 
 import argparse
+import contextlib
 import json
 import os
 import shutil
+import sqlite3
 import statistics
 import subprocess
 import tempfile
@@ -56,8 +58,8 @@ def output_of(command, directory, **options):
     ).stdout
 
 
-def files_of(directory):
-    """The regular files that are looked at, as bytes: git's where it is a work tree."""
+def all_files(directory):
+    """The regular files, as bytes: git's where it is a work tree."""
     if (Path(directory) / ".git").exists():
         listed = output_of(["git", "ls-files", "-co", "--exclude-standard", "-z"], directory)
         paths = sorted(set(listed.split(b"\0")) - {b""})
@@ -70,6 +72,15 @@ def files_of(directory):
         ]
     places = ((path, os.path.join(os.fsencode(directory), path)) for path in paths)
     return [path for path, at in places if os.path.isfile(at) and not os.path.islink(at)]
+
+
+def parsed_files(directory, index, options):
+    """The files that the index parses, by what it stores of them."""
+    output_of([options.program, "index", ".", "--index", str(index), "--quiet"], directory)
+    with contextlib.closing(sqlite3.connect(index)) as database:
+        database.text_factory = bytes
+        rows = database.execute("SELECT path FROM file JOIN facts ON id = file ORDER BY path")
+        return [path for (path,) in rows]
 
 
 class Editor:
@@ -94,13 +105,18 @@ class Editor:
         time.sleep(SETTLING_SECONDS)
 
 
-def floors_of(directory, listing, options):
+def listing(paths):
+    return b"".join(path + b"\0" for path in paths)
+
+
+def floors_of(directory, files, parsed, options):
     if (Path(directory) / ".git").exists():
         yield Measure("git ls-files", ["git", "ls-files", "-co", "--exclude-standard"])
-    yield Measure("read all bytes", [options.floors, "read", "1"], input=listing)
+        yield Measure("git status", ["git", "status", "--porcelain"])
+    yield Measure("read all bytes", [options.floors, "read", "1"], input=listing(files))
     for threads in options.threads:
         command = [options.floors, "parse", str(threads)]
-        yield Measure(f"bare parse, {threads} threads", command, input=listing)
+        yield Measure(f"bare parse, {threads} threads", command, input=listing(parsed))
     if shutil.which("ctags"):
         yield Measure("ctags -R", ["ctags", "-R", "--quiet", "-f", "-", "."])
 
@@ -172,29 +188,25 @@ def print_table(name, facts, results):
         print(line)
 
 
-def facts_of(directory, listing, options):
-    counts = [
-        [int(n) for n in output_of([options.floors, mode, "2"], directory, input=listing).split()]
-        for mode in ("read", "parse")
-    ]
-    (files, size), (parsed_files, parsed_size) = counts
-    return {
-        "files": files,
-        "megabytes": size / 1e6,
-        "parsed_files": parsed_files,
-        "parsed_megabytes": parsed_size / 1e6,
-    }
+def size_of(directory, paths):
+    return sum(os.path.getsize(os.path.join(os.fsencode(directory), path)) for path in paths) / 1e6
 
 
 def measured(repository, options):
     with tempfile.TemporaryDirectory() as scratch:
         directory = os.path.join(scratch, "repository")
         shutil.copytree(repository, directory, symlinks=True)
-        listing = b"".join(path + b"\0" for path in files_of(directory))
-        facts = facts_of(directory, listing, options)
         index = Path(scratch, "index")
+        files = all_files(directory)
+        parsed = parsed_files(directory, index, options)
+        facts = {
+            "files": len(files),
+            "megabytes": size_of(directory, files),
+            "parsed_files": len(parsed),
+            "parsed_megabytes": size_of(directory, parsed),
+        }
         measures = [
-            *floors_of(directory, listing, options),
+            *floors_of(directory, files, parsed, options),
             *programs_of(directory, index, options),
         ]
         results = results_of(measures, directory, options.rounds)

@@ -22,13 +22,12 @@ class RepositoryIndex::Loader {
  public:
   Loader(RepositoryIndex& index, Store& store) : index_(index), store_(store) {}
 
-  void load(std::span<const FileRow> rows, const PathRules& rules) {
+  void load(std::span<const FileRow> rows) {
     load_files(rows);
     load_symbols();
     load_edges();
     load_skip_counts();
     index_.digest_ = digest_.value();
-    find_components(rules);
   }
 
  private:
@@ -136,19 +135,6 @@ class RepositoryIndex::Loader {
                      index_.first_edge_.begin());
   }
 
-  void find_components(const PathRules& rules) {
-    if (rules.components == nullptr) return;
-    std::vector<std::string> all;
-    std::vector<std::string> sources;
-    for (const IndexedFile& file : index_.files_) {
-      all.emplace_back(file.path);
-      const bool is_test = rules.is_test != nullptr && rules.is_test(file.path);
-      if (!file.document && !is_test) sources.emplace_back(file.path);
-    }
-    index_.components_ = rules.components(all);
-    index_.source_components_ = rules.components(sources);
-  }
-
   RepositoryIndex& index_;
   Store& store_;
   std::unordered_map<std::int64_t, FileId> ids_;
@@ -158,8 +144,8 @@ class RepositoryIndex::Loader {
 
 std::unique_ptr<RepositoryIndex> RepositoryIndex::load(Store& store, std::span<const FileRow> rows,
                                                        const PathRules& rules) {
-  std::unique_ptr<RepositoryIndex> index(new RepositoryIndex);
-  Loader(*index, store).load(rows, rules);
+  std::unique_ptr<RepositoryIndex> index(new RepositoryIndex(rules));
+  Loader(*index, store).load(rows);
   return index;
 }
 
@@ -225,8 +211,17 @@ std::unordered_map<SymbolId, std::string> RepositoryIndex::get_file_paths_batch(
   return paths;
 }
 
+bool RepositoryIndex::is_production(const IndexedFile& file) const {
+  return !file.document && (rules_.is_test == nullptr || !rules_.is_test(file.path));
+}
+
 std::vector<Component> RepositoryIndex::get_all_components(ComponentOptions options) const {
-  return options.source_only ? source_components_ : components_;
+  if (rules_.components == nullptr) return {};
+  std::vector<std::string> paths;
+  for (const IndexedFile& file : files_) {
+    if (!options.source_only || is_production(file)) paths.emplace_back(file.path);
+  }
+  return rules_.components(paths);
 }
 
 }  // namespace kestrix::index

@@ -95,20 +95,22 @@ class RepositoryIndex : public Repository {
                               SymbolSearchOptions options) const override;
   std::unordered_map<SymbolId, std::string> get_file_paths_batch(
       std::span<const Symbol> symbols) const override;
+  /// Found anew at each call, which looks at every path.
   std::vector<Component> get_all_components(ComponentOptions options) const override;
 
  private:
   class Loader;
 
-  RepositoryIndex() = default;
+  explicit RepositoryIndex(const PathRules& rules) : rules_(rules) {}
 
+  bool is_production(const IndexedFile& file) const;
+
+  PathRules rules_;
   TextBlocks texts_;  // what the views point into
   std::vector<IndexedFile> files_;
   std::vector<IndexedSymbol> symbols_;
   std::vector<IndexedEdge> edges_;
   std::vector<std::uint32_t> first_edge_;  // by file, and one behind the last
-  std::vector<Component> components_;
-  std::vector<Component> source_components_;
   std::uint64_t digest_ = 0;
   SkipCounts skipped_;
   std::map<std::string_view, LanguageCounts> languages_;

@@ -206,6 +206,7 @@ void Store::begin_write(std::chrono::milliseconds timeout, const StopFlag* stop)
   }
   const auto deadline = std::chrono::steady_clock::now() + timeout;
   sqlite3_busy_timeout(database_->getHandle(), 0);
+  run("PRAGMA cache_size = -8192");  // reading goes through each table once, writing to and fro
   while (!try_begin_write()) {
     check_stop(stop);
     if (std::chrono::steady_clock::now() >= deadline) {

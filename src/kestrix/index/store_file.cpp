@@ -119,7 +119,7 @@ OpenedFile open_for_writing(const fs::path& path, bool create) {
   auto database = std::make_unique<SQLite::Database>(path, flags, kBusyMilliseconds);
   const bool writable = sqlite3_db_readonly(database->getHandle(), "main") == 0;
   if (create && writable) mark_as_index(path, *database);
-  database->exec("PRAGMA synchronous = NORMAL; PRAGMA cache_size = -8192");
+  database->exec("PRAGMA synchronous = NORMAL; PRAGMA cache_size = -1024");
   database->execAndGet("SELECT count(*) FROM sqlite_schema");
   return {std::move(database), writable};
 }
