@@ -44,6 +44,12 @@ TEST(Wildmatch, TakesNoMoreThanItsLengthTimesThePaths) {
   EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
 }
 
+TEST(IgnoreRules, LeavesOutPatternsLongerThanAnyPath) {
+  const std::string stars(5000, '*');
+  EXPECT_EQ(IgnoreRules(stars).judge("a", false), Verdict::kNone);
+  EXPECT_EQ(IgnoreRules(stars.substr(0, 4000)).judge("a", false), Verdict::kIgnored);
+}
+
 TEST(IgnoreRules, ReadsTheFormat) {
   struct Case {
     const char* text;

@@ -80,9 +80,12 @@ TEST_F(GitWalk, AppliesExcludesFromOutsideTheTree) {
   ::setenv("HOME", (scratch_ / ".home").c_str(), 1);
   expect_as_git();
   scratch_.write("elsewhere", "kept\n");
-  git("config core.excludesFile " + (scratch_ / "elsewhere").native());
+  git("config --global core.excludesFile " + (scratch_ / "elsewhere").native());
   expect_as_git();
   EXPECT_THAT(paths_of(walk_in(scratch_ / "repo")), ElementsAre("a.swp", "both.x", "one.x"));
+  repo(".git/own", "*.swp\n");
+  git("config core.excludesFile .git/own");
+  expect_as_git();
 }
 
 TEST_F(GitWalk, KeepsTrackedFilesThatRulesIgnore) {
@@ -189,13 +192,24 @@ TEST_F(GitWalk, ReadsALinkedWorkTree) {
   EXPECT_THAT(paths_of(walk_in(scratch_ / "linked")), ElementsAre("a", "new"));
 }
 
+// An index of version 4 whose paths each repeat the one before it, and are one byte longer.
+std::string growing_index(std::uint32_t entries) {
+  std::string index = "DIRC";
+  for (const std::uint32_t number : {4U, entries}) {
+    for (const unsigned shift : {24U, 16U, 8U, 0U}) index += static_cast<char>(number >> shift);
+  }
+  for (std::uint32_t i = 0; i < entries; ++i)
+    index += std::string(62, '\1') + std::string("\0x", 3);
+  return index + std::string(20, '\0');
+}
+
 TEST_F(GitWalk, FallsBackToAPlainWalkWhereGitDataIsDamaged) {
   repo("a.py");
   repo("node_modules/b.js");
   git("add -f .");
   const std::string index = scratch_.read("repo/.git/index");
   const std::string damages[] = {"", "DIRC", index.substr(0, index.size() / 2),
-                                 "DIRC\xFF\xFF\xFF\xFF" + index.substr(8)};
+                                 "DIRC\xFF\xFF\xFF\xFF" + index.substr(8), growing_index(3000)};
   for (const std::string& damage : damages) {
     scratch_.write("repo/.git/index", damage);
     const WalkResult result = walk_in(scratch_ / "repo");

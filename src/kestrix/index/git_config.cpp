@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <system_error>
 #include <utility>
 
 #include "kestrix/index/file_reading.h"
@@ -162,13 +163,14 @@ bool GitConfig::read(const fs::path& file) {
 }
 
 void GitConfig::include(const fs::path& from, std::string_view path) {
-  if (depth_ == kMaxDepth) return;
+  const fs::path file = from.parent_path() / with_home(path);
+  if (depth_ == kMaxDepth || !admits(file)) return;
   if (++included_ > kMaxIncludes) {
     well_formed_ = false;
     return;
   }
   ++depth_;
-  read(from.parent_path() / with_home(path));
+  read(file);
   --depth_;
 }
 
@@ -198,6 +200,16 @@ std::optional<fs::path> GitConfig::path(std::string_view name) const {
   const auto text = value(name);
   if (!text) return std::nullopt;
   return with_home(*text);
+}
+
+bool GitConfig::admits(const fs::path& file) const {
+  std::error_code failure;
+  const fs::path real = fs::weakly_canonical(file, failure);
+  const auto holds = [&real](const fs::path& directory) {
+    const std::string below = real.lexically_relative(directory).native();
+    return !below.empty() && below != ".." && !below.starts_with("../");
+  };
+  return confines_.empty() || (!failure && std::ranges::any_of(confines_, holds));
 }
 
 bool GitConfig::holds(const fs::path& from, std::string_view condition) const {

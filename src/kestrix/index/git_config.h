@@ -5,6 +5,8 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 namespace kestrix::index {
 
@@ -23,6 +25,13 @@ class GitConfig {
   /// Reads the files of the system and of the user.
   bool read_user_files();
 
+  /// From now on only files in these directories, absolute and without links, are included and
+  /// admitted: what a repository's own settings name must not lead out of it.
+  void confine_to(std::vector<std::filesystem::path> directories) {
+    confines_ = std::move(directories);
+  }
+  bool admits(const std::filesystem::path& file) const;
+
   /// The last value of a name like "core.excludesfile", in lower case; a name without a value has
   /// the value "true".
   std::optional<std::string> value(std::string_view name) const;
@@ -38,6 +47,7 @@ class GitConfig {
 
   std::filesystem::path git_directory_;
   std::map<std::string, std::string, std::less<>> values_;
+  std::vector<std::filesystem::path> confines_;  // none: everywhere
   int depth_ = 0;
   int included_ = 0;
   bool well_formed_ = true;

@@ -15,6 +15,9 @@ constexpr std::uint32_t kKindMask = 0170000;
 constexpr std::uint32_t kSubmoduleKind = 0160000;
 constexpr std::uint32_t kDirectoryKind = 0040000;
 constexpr std::uint32_t kExtended = 0x4000;
+// Version 4 lets each path repeat the one before it. Real paths stay below the size of the index;
+// made-up ones could take its square.
+constexpr std::size_t kMostExpansion = 4;
 
 struct Damaged {};
 
@@ -69,6 +72,8 @@ class IndexReader {
     if (end == content_.npos) throw Damaged{};
     path_.append(content_.substr(at_, end - at_));
     at_ = end + 1;
+    path_bytes_ += path_.size();
+    if (path_bytes_ > kMostExpansion * content_.size()) throw Damaged{};
   }
 
   std::size_t read_offset() {
@@ -104,6 +109,7 @@ class IndexReader {
   std::uint32_t version_ = 0;
   std::size_t at_ = 0;
   std::string path_;
+  std::size_t path_bytes_ = 0;  // of all paths so far
   GitIndexPaths paths_;
 };
 

@@ -9,6 +9,8 @@ namespace kestrix::index {
 namespace {
 
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+// As long as a path may be. A pattern is tried on every file, so its length must not count.
+constexpr std::size_t kLongestPattern = 4096;
 
 bool same(std::string_view a, std::string_view b, bool ignore_case) {
   if (!ignore_case) return a == b;
@@ -61,6 +63,7 @@ void IgnoreRules::add(std::string_view line) {
   line = without_line_end(line);
   if (line.starts_with('#')) return;
   line = without_trailing_spaces(line);
+  if (line.size() > kLongestPattern) return;
   const bool admits = line.starts_with('!');
   if (admits) line.remove_prefix(1);
   const bool directory_only = line.ends_with('/');

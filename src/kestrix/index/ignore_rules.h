@@ -15,7 +15,7 @@ enum class Verdict { kNone, kIgnored, kAdmitted };
 /// The rules of one git ignore file, in its format (gitignore(5)).
 class IgnoreRules {
  public:
-  /// Malformed lines match nothing.
+  /// Lines that are malformed, or longer than a path may be, match nothing.
   explicit IgnoreRules(std::string_view text, bool ignore_case = false);
 
   /// What the last matching rule says. `path` is relative to the directory that the rules are for.

@@ -19,7 +19,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::size_t kMaxIgnoreBytes = std::size_t{1} << 20;
-constexpr std::size_t kMaxIndexBytes = std::size_t{1} << 30;
+constexpr std::size_t kMaxIndexBytes = std::size_t{256} << 20;  // some three million files
 constexpr std::size_t kMaxLinkBytes = std::size_t{16} << 10;
 
 bool is_there(const fs::path& path) {
@@ -76,8 +76,10 @@ bool is_inside_git_data(std::string_view prefix) {
          prefix.find("/.git/") != prefix.npos;
 }
 
-bool read_config(const GitDirectories& git, GitConfig& config) {
-  if (!config.read_user_files() || !config.read(git.common / "config")) return false;
+// The repository's own settings; those of the user come first.
+bool read_config(const fs::path& holder, const GitDirectories& git, GitConfig& config) {
+  config.confine_to({holder, git.own, git.common});
+  if (!config.read(git.common / "config")) return false;
   return !config.is_true("extensions.worktreeconfig") || config.read(git.own / "config.worktree");
 }
 
@@ -100,14 +102,22 @@ fs::path default_global_excludes() {
   return home.empty() ? fs::path() : fs::path(home) / ".config/git/ignore";
 }
 
-void read_excludes(const GitDirectories& git, const GitConfig& config, WorkTree& tree) {
+// The user may keep the excludes anywhere, the repository only in itself.
+fs::path global_excludes(const std::optional<fs::path>& by_user, const GitConfig& config,
+                         const WorkTree& tree) {
+  const auto named = config.path("core.excludesfile");
+  if (named && named != by_user && config.admits(tree.top / *named)) return *named;
+  return by_user.value_or(default_global_excludes());
+}
+
+void read_excludes(const GitDirectories& git, const fs::path& global, const GitConfig& config,
+                   WorkTree& tree) {
   tree.ignore_case = config.is_true("core.ignorecase");
   tree.info_exclude = read_small_file(git.common / "info/exclude", kMaxIgnoreBytes);
-  const auto global = config.path("core.excludesfile").value_or(default_global_excludes());
   if (!global.empty()) tree.global_excludes = read_small_file(tree.top / global, kMaxIgnoreBytes);
 }
 
-// The directory whose ".git" it is, unless the configuration says otherwise.
+// The directory whose ".git" it is, unless the configuration names one in it.
 std::optional<fs::path> top_of(const fs::path& holder, const GitDirectories& git,
                                const GitConfig& config) {
   if (config.is_true("core.bare")) return std::nullopt;
@@ -115,7 +125,7 @@ std::optional<fs::path> top_of(const fs::path& holder, const GitDirectories& git
   if (!named) return holder;
   std::error_code failure;
   fs::path top = fs::canonical(git.own / *named, failure);
-  if (failure) return std::nullopt;
+  if (failure || !path_below(holder, top)) return std::nullopt;
   return top;
 }
 
@@ -123,14 +133,16 @@ WorkTreeLookup read_work_tree(const fs::path& holder, const GitDirectories& git,
                               const fs::path& directory) {
   constexpr bool kDamaged = true;
   GitConfig config(git.own);
-  if (!read_config(git, config)) return {{}, kDamaged};
+  if (!config.read_user_files()) return {{}, kDamaged};
+  const auto users_excludes = config.path("core.excludesfile");
+  if (!read_config(holder, git, config)) return {{}, kDamaged};
   const auto top = top_of(holder, git, config);
   auto prefix = top ? path_below(*top, directory) : std::nullopt;
   if (!prefix || is_inside_git_data(*prefix)) return {};
   WorkTree tree;
   tree.top = *top;
   tree.prefix = *std::move(prefix);
-  read_excludes(git, config, tree);
+  read_excludes(git, global_excludes(users_excludes, config, tree), config, tree);
   if (!read_index(git, config, tree)) return {{}, kDamaged};
   return {std::move(tree), !kDamaged};
 }

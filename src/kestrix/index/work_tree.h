@@ -12,7 +12,8 @@ namespace kestrix::index {
 /// What git knows of a work tree, as far as choosing files goes. Plain data.
 ///
 /// It is read without running anything that the repository's configuration names: no filter, hook
-/// or file monitor.
+/// or file monitor. Nor is a file read that it names outside of the work tree and of git's data;
+/// where these lie ".git" itself says, as linked work trees need it.
 struct WorkTree {
   /// The directory's path below the top of the work tree, "" for the top itself.
   std::string prefix;
