@@ -3,15 +3,18 @@
 namespace kestrix::index {
 namespace {
 
-// A look for a key goes through all of its object's. No project file comes near.
+// A look for a key goes through all of its object's, and a parsed value takes many times the bytes
+// of its text. No project file comes near.
 constexpr std::size_t kMostKeys = 4096;
+constexpr std::size_t kMostValues = std::size_t{1} << 20;
+constexpr std::size_t kDeepest = 200;
 
 // Drops the commas that stand before a closing bracket, comments between them left out.
 class CommaDropper {
  public:
   explicit CommaDropper(std::string_view text) : text_(text) { kept_.reserve(text.size()); }
 
-  /// Nothing, which is no JSON, when an object holds more keys than are read.
+  /// Nothing, which is no JSON, when the text holds more than is read.
   std::string run() {
     while (at_ < text_.size() && !crowded_) {
       if (text_[at_] == '"') {
@@ -56,12 +59,16 @@ class CommaDropper {
   }
 
   void count(char c) {
-    if (c == '{' || c == '[') open_.push_back({c == '{'});
+    const bool opens = c == '{' || c == '[';
+    if (opens) open_.push_back({c == '{'});
+    if ((opens || c == ',') && ++values_ > kMostValues) crowded_ = true;
+    if (open_.size() > kDeepest) crowded_ = true;
     if (open_.empty()) return;
-    if (c == '}' || c == ']')
+    if (c == '}' || c == ']') {
       open_.pop_back();
-    else if (c == ',')
-      crowded_ |= open_.back().is_object && ++open_.back().commas >= kMostKeys;
+    } else if (c == ',' && open_.back().is_object && ++open_.back().commas >= kMostKeys) {
+      crowded_ = true;
+    }
   }
 
   struct Bracket {
@@ -74,6 +81,7 @@ class CommaDropper {
   std::size_t at_ = 0;
   std::size_t comma_ = std::string::npos;  // of the last comma, when only space came after it
   std::vector<Bracket> open_;
+  std::size_t values_ = 0;
   bool crowded_ = false;
 };
 

@@ -10,7 +10,8 @@ namespace kestrix::index {
 using Json = nlohmann::ordered_json;
 
 /// Parses JSON as configuration files hold it: with comments, trailing commas and a byte-order
-/// mark. An empty object when it is malformed or no object, or when one holds thousands of keys.
+/// mark. An empty object when it is malformed or no object, or far larger than configuration is: in
+/// keys, values or depth.
 Json parse_config(std::string_view text);
 
 /// The text under a key; "" when there is none or it is no text.
