@@ -38,19 +38,20 @@ TEST(Reader, SurvivesHostileText) {
       noise(10'000),
       repeated("{", 70'000),  // more open braces than a 16-bit count holds
       repeated("(", 20'000),
-      repeated("<a>", 5'000),
-      repeated("`${", 10'000),
-      repeated("a?b:", 5'000),
+      repeated("<a>", 1'500),
+      repeated("`${", 1'500),
+      repeated("a?b:", 1'000),
       repeated("import(\"./a\").then(", 3'000),
-      repeated("/*", 20'000),
-      repeated("\"\"\"", 10'001),
+      repeated("/*", 5'000),
+      repeated("\"\"\"", 1'501),
       repeated("if(a){require('b')}else ", 1'000),
       "class \xF0\x28 {} import \xE9 from './\xFF'; const \xC3 = 1",
   };
   for (const Language* language : languages()) {
     SCOPED_TRACE(language->name);
+    const std::string start = language->name == "php" ? "<?php " : "";  // else all is plain text
     for (const std::string& text : texts) {
-      read_facts(*language, text, {.parse_budget = milliseconds(500)});
+      read_facts(*language, start + text, {.parse_budget = milliseconds(100)});
     }
   }
 }

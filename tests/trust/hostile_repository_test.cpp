@@ -123,11 +123,30 @@ void make_mixtures(const FreshDirectory& repo) {
       "#include \"\n#define X \\\n\\\n template<class T> struct { = 0",
       "<?php namespace A; use B\\{C, D}; require 'x' . __DIR__; <<<EOT\n",
       std::string("nul\0in the text\xff\xfe\x80", 20)};
-  for (std::size_t i = 0; i < texts.size(); ++i) {
-    for (const char* extension : kExtensions) {
+  // Behind what is looked at to tell text from the rest.
+  const std::string late = std::string(8192, ' ') + "class A {}\n" + std::string(5000, '\0') + "{}";
+  for (const char* extension : kExtensions) {
+    for (std::size_t i = 0; i < texts.size(); ++i) {
       repo.write("repo/m" + std::to_string(i) + extension, repeated(texts[i], 50));
     }
+    repo.write(std::string("repo/late") + extension, late);
   }
+}
+
+// What is read beside sources: project files and git's own data.
+void make_odd_data(const FreshDirectory& repo) {
+  repo.write("repo/a.ts", "import {b} from 'b';\n");
+  std::string crowd = "{\"a\": 1";
+  for (int i = 0; crowd.size() < 15'000'000; ++i) crowd += ",\"k" + std::to_string(i) + "\":1";
+  repo.write("repo/package.json", crowd + "}");
+  repo.write("repo/tsconfig.json", repeated("[", 15'000'000));
+  repo.write("repo/jsconfig.json", "{\"a\":[" + repeated("[],", 5'000'000) + "1]}");
+  repo.write("repo/.git/HEAD", "ref: refs/heads/main\n");
+  repo.write("repo/.git/objects/x", "");
+  repo.write("repo/.git/refs/x", "");
+  repo.write("repo/.git/config", repeated("[include]\npath = config\n", 1000));
+  repo.write("repo/.git/index", "DIRC");
+  std::filesystem::resize_file(repo.path() / "repo/.git/index", (std::uintmax_t{1} << 30U) - 1);
 }
 
 struct HostileCase {
@@ -162,7 +181,8 @@ INSTANTIATE_TEST_SUITE_P(
                     HostileCase{"Crowd", make_crowd, "files        50000\n"},
                     HostileCase{"Giants", make_giants, "left out\n"},
                     HostileCase{"Nesting", make_nesting, "files        57\n"},
-                    HostileCase{"Mixtures", make_mixtures, "binary file"}),
+                    HostileCase{"Mixtures", make_mixtures, "binary file"},
+                    HostileCase{"OddData", make_odd_data, "git data that"}),
     [](const auto& test) { return test.param.name; });
 
 TEST(HostileRepository, MayChangeWhileItIsRead) {
@@ -186,18 +206,31 @@ TEST(HostileRepository, MayChangeWhileItIsRead) {
   restless.join();
 }
 
+// Root reads everything, so there the program runs as nobody.
+void drop_privileges(ProgramUnderTest& program) {
+  constexpr uid_t kNobody = 65534;
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(program.path())) {
+    ASSERT_EQ(lchown(entry.path().c_str(), kNobody, kNobody), 0);
+  }
+  ASSERT_EQ(chown(program.path().c_str(), kNobody, kNobody), 0);
+  program.before = "exec setpriv --reuid 65534 --regid 65534 --clear-groups \"$@\"";
+}
+
 TEST(HostileRepository, MayHoldWhatItsUserCannotRead) {
-  if (geteuid() == 0) GTEST_SKIP() << "root reads everything";
-  const ProgramUnderTest program;
-  program.directory().write("repo/a.py", "x = 1\n");
-  program.directory().write("repo/secret.py", "x = 1\n");
-  program.directory().write("repo/closed/b.py", "x = 1\n");
-  std::filesystem::permissions(program.path() / "repo/secret.py", std::filesystem::perms::none);
-  std::filesystem::permissions(program.path() / "repo/closed", std::filesystem::perms::none);
-  const Ended ended = program.run({"index", "repo"});
-  std::filesystem::permissions(program.path() / "repo/closed", std::filesystem::perms::owner_all);
+  using std::filesystem::perms;
+  ProgramUnderTest program;
+  for (const char* path : {"repo/a.py", "repo/secret.py", "repo/closed/b.py"}) {
+    program.directory().write(path, "x = 1\n");
+  }
+  if (geteuid() == 0) drop_privileges(program);
+  std::filesystem::permissions(program.path() / "repo/secret.py", perms::none);
+  std::filesystem::permissions(program.path() / "repo/closed", perms::none);
+  const Ended ended = program.run({"index", "repo", "--index", "i.db"});
+  std::filesystem::permissions(program.path() / "repo/closed", perms::owner_all);
+  if (ended.code == 126) GTEST_SKIP() << "nobody may not run the program here";
   EXPECT_EQ(ended.code, 0) << ended.err;
   EXPECT_THAT(ended.out, HasSubstr("files        1\n"));
+  EXPECT_THAT(ended.out, HasSubstr("unreadable file "));
 }
 
 }  // namespace

@@ -7,6 +7,8 @@
 #include <unistd.h>
 
 #include <array>
+#include <filesystem>
+#include <fstream>
 #include <string>
 #include <vector>
 
@@ -99,6 +101,41 @@ TEST(Isolation, NothingOutsideTheRootIsOpened) {
   EXPECT_FALSE(watch.tripped());
   EXPECT_EQ(read_file(outside / "secret.py"), "class SecretError {}\n");
   EXPECT_TRUE(watch.tripped()) << "the watch itself works";
+}
+
+// Git itself runs what these name; the program must not, nor open what they name outside.
+TEST(Isolation, NothingThatGitsDataNamesIsRunOrOpened) {
+  ProgramUnderTest program;
+  const std::string outside = program.path() / "outside";
+  const std::string trap = outside + "/trap.sh";
+  program.directory().write("outside/trap.sh", "#!/bin/sh\ntouch sprung\n");
+  program.directory().write("outside/names", "a.py\n");
+  std::filesystem::permissions(trap, std::filesystem::perms::owner_all);
+  program.directory().write("repo/a.py", "class AError(Exception): pass\n");
+  program.directory().write("repo/.gitattributes", "* filter=trap diff=trap\n");
+  program.before = "cd repo && git init -q . && git add . && cd .. ; cp " + trap +
+                   " repo/.git/hooks/post-index-change; \"$@\"; exit";
+  ASSERT_EQ(program.run({"index", "repo", "--index", "i.db"}).code, 0);
+  program.before.clear();
+  std::ofstream(program.path() / "repo/.git/config", std::ios::app) << with_path(
+      "[core]\nfsmonitor = @/trap.sh\nhooksPath = @\npager = @/trap.sh\n"
+      "excludesFile = @/names\nattributesFile = @/names\n[include]\npath = @/names\n"
+      "[includeIf \"gitdir:**\"]\npath = ../../outside/names\n"
+      "[filter \"trap\"]\nclean = @/trap.sh\nsmudge = @/trap.sh\nprocess = @/trap.sh\n"
+      "[diff \"trap\"]\ntextconv = @/trap.sh\n",
+      outside);
+  program.directory().write("repo/a.py", "class BError(Exception): pass\n");
+  const Watch watch(outside);
+  for (const char* subcommand : {"index", "symbols", "pages"}) {
+    const Ended ended = program.run({subcommand, "repo", "--index", "i.db"});
+    EXPECT_EQ(ended.code, 0) << ended.err;
+    EXPECT_THAT(ended.out, HasSubstr(subcommand == std::string("symbols") ? "BError" : ""))
+        << ended.out;
+  }
+  EXPECT_FALSE(watch.tripped());
+  program.before = "cd repo; git status >/dev/null 2>&1; \"$@\"; exit";
+  program.run({"--version"});
+  EXPECT_TRUE(watch.tripped()) << "git itself springs the trap";
 }
 
 TEST(Isolation, TheRepositoryIsNotWrittenTo) {
