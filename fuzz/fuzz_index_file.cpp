@@ -114,7 +114,9 @@ class Damage {
 // Facts behind a seal that fits, as no disk but a forger leaves them.
 void decode(std::string_view bytes) {
   Digest digest;
-  digest.add(std::string_view("path"));
+  const FactsOrigin origin{"path", 7};
+  digest.add(origin.path);
+  digest.add(origin.content);
   digest.add(bytes);
   std::string sealed;
   auto seal = digest.value();
@@ -122,8 +124,8 @@ void decode(std::string_view bytes) {
   sealed += static_cast<char>(seal);
   sealed += bytes;
   try {
-    const FileFacts facts = decode_facts(sealed, "path");
-    require(decode_facts(encode_facts(facts, "path"), "path") == facts,
+    const FileFacts facts = decode_facts(sealed, origin);
+    require(decode_facts(encode_facts(facts, origin), origin) == facts,
             "facts can be stored again");
   } catch (const CorruptIndex&) {
   }

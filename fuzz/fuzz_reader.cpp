@@ -33,7 +33,7 @@ void read(const Language& language, std::string_view text) {
   }
   require(std::ranges::is_sorted(facts->declares), "declared names ascend");
   require(std::ranges::is_sorted(facts->uses, {}, &NameUse::name), "used names ascend");
-  const FileFacts stored = decode_facts(encode_facts(*facts, "path"), "path");
+  const FileFacts stored = decode_facts(encode_facts(*facts, {"path", 7}), {"path", 7});
   facts->symbols.clear();
   require(stored == *facts, "facts come back as they were stored");
 }

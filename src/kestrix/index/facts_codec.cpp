@@ -56,9 +56,10 @@ ImportFact read_import(Decoder& from) {
 }
 
 // Comes before the facts, so that neither damage nor another file's facts pass for them.
-std::uint64_t seal_of(std::string_view bytes, std::string_view path) {
+std::uint64_t seal_of(std::string_view bytes, const FactsOrigin& origin) {
   Digest digest;
-  digest.add(path);
+  digest.add(origin.path);
+  digest.add(origin.content);
   digest.add(bytes);
   return digest.value();
 }
@@ -75,7 +76,7 @@ void forget_uses(FileFacts& facts) {
 
 }  // namespace
 
-std::string encode_facts(const FileFacts& facts, std::string_view path) {
+std::string encode_facts(const FileFacts& facts, const FactsOrigin& origin) {
   Encoder to;
   to.text(facts.package);
   to.list(facts.imports, write_import);
@@ -83,13 +84,13 @@ std::string encode_facts(const FileFacts& facts, std::string_view path) {
   to.list(facts.uses, write_use);
   const std::string bytes = to.take();
   Encoder sealed;
-  sealed.number(seal_of(bytes, path));
+  sealed.number(seal_of(bytes, origin));
   return sealed.take() + bytes;
 }
 
-FileFacts decode_facts(std::string_view bytes, std::string_view path) {
+FileFacts decode_facts(std::string_view bytes, const FactsOrigin& origin) {
   Decoder from(bytes);
-  if (from.number<std::uint64_t>() != seal_of(from.rest(), path)) {
+  if (from.number<std::uint64_t>() != seal_of(from.rest(), origin)) {
     throw CorruptIndex("facts that are damaged");
   }
   FileFacts facts;

@@ -10,13 +10,19 @@
 
 namespace kestrix::index {
 
-/// All that resolvers read of the facts of the file at `path`, as compact bytes. Symbols are left
-/// out: they are stored by themselves.
-std::string encode_facts(const FileFacts& facts, std::string_view path);
+/// What facts were taken from.
+struct FactsOrigin {
+  std::string_view path;
+  std::uint64_t content;  ///< the hash of the file's bytes
+};
+
+/// All that resolvers read of a file's facts, as compact bytes. Symbols are left out: they are
+/// stored by themselves.
+std::string encode_facts(const FileFacts& facts, const FactsOrigin& origin);
 
 /// The inverse; `symbols` is empty. Throws `CorruptIndex` when `bytes` are no encoded facts, or
-/// those of another path.
-FileFacts decode_facts(std::string_view bytes, std::string_view path);
+/// those of another file or of another state of it.
+FileFacts decode_facts(std::string_view bytes, const FactsOrigin& origin);
 
 /// A symbol in its encoded form.
 struct SymbolView {

@@ -57,7 +57,7 @@ void take_text(ScannedFile& file, const Language* language, const std::string& t
   auto facts = parse(*language, text);
   row.traits.set(facts ? Trait::kParsed : Trait::kGaveUp);
   if (!facts) return;
-  file.facts = encode_facts(*facts, row.path);
+  file.facts = encode_facts(*facts, {row.path, row.hash});
   file.symbols = encode_symbols(facts->symbols);
 }
 
@@ -102,10 +102,10 @@ ScannedFile scan_file(const RootDirectory& root, const ScanTask& task) {
     file.outcome = ScanOutcome::kUnchanged;
     file.row = *task.known;
   } else {
+    file.row.hash = hash;
     take_content(file, std::move(content));
   }
   file.row.stamp = stamp;
-  file.row.hash = hash;
   return file;
 }
 

@@ -38,7 +38,7 @@ const FileFacts& IndexedFiles::facts(FileId id) const {
   Slot& slot = slots_[id];
   std::call_once(slot.decoded, [&] {
     if (!rows_[id]->traits.has(Trait::kParsed)) return;
-    slot.facts = decode_facts(encoded_facts(id), rows_[id]->path);
+    slot.facts = decode_facts(encoded_facts(id), {rows_[id]->path, rows_[id]->hash});
   });
   return slot.facts;
 }

@@ -199,8 +199,9 @@ bool Refresher::leaves_others_alone(const FileRow& before, const ScannedFile& af
   }
   if (!parsed) return true;
   const auto facts = store_.facts(before.id);
-  return facts && look_alike_from_outside(decode_facts(*facts, before.path),
-                                          decode_facts(after.facts, after.row.path));
+  return facts &&
+         look_alike_from_outside(decode_facts(*facts, {before.path, before.hash}),
+                                 decode_facts(after.facts, {after.row.path, after.row.hash}));
 }
 
 void Refresher::merge_rows(const RefreshPlan& plan) {
