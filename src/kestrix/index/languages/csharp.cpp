@@ -22,6 +22,7 @@ namespace kestrix::index {
 namespace {
 
 constexpr std::array<std::string_view, 2> kFiles = {".cs", ".csx"};
+constexpr std::size_t kLongestSpace = 1000;  // bytes of a namespace's name
 
 bool is_automatic(const SourceTree& tree, TSNode accessors) {
   return tree.text(accessors).find_first_of("{=", 1) == std::string_view::npos;
@@ -69,8 +70,9 @@ class Reader {
     const bool block = type_of(statement) == "namespace_declaration";
     const std::string own = packaged::dotted(tree_, name);
     const std::string& around = space_at(ts_node_start_byte(name));
-    spaces_.push_back({around.empty() ? own : around + "." + own,
-                       block ? ts_node_end_byte(statement) : UINT32_MAX});
+    std::string full = around.empty() ? own : around + "." + own;
+    if (full.size() > kLongestSpace) full = around;
+    spaces_.push_back({std::move(full), block ? ts_node_end_byte(statement) : UINT32_MAX});
     if (facts_.package.empty()) facts_.package = spaces_.back().name;
   }
 

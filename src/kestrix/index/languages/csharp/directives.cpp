@@ -78,7 +78,43 @@ std::size_t head_end(std::string_view text, std::size_t at) {
     if (c == ')' && depth-- == 0) return at;
     if (depth == 0 && (c == '{' || c == ';' || c == '}' || c == '=' || c == '"')) return at;
   }
-  return text.size();
+  return last;
+}
+
+// Whether "[" at `at` may start a list of values: it stands where a value does. So do attributes of
+// parameters.
+bool may_start_list(std::string_view text, std::size_t at) {
+  const std::size_t before = at == 0 ? text.npos : text.find_last_not_of(" \t\r\n", at - 1);
+  if (before == text.npos) return false;
+  switch (text[before]) {
+    case '=':
+    case '(':
+    case ',':
+    case ':':
+    case '[':
+      return true;
+    case '?':  // not "a?[0]"
+      return before + 1 < at;
+    case '>':
+      return before > 0 && text[before - 1] == '=';
+    default:
+      return text.substr(0, before + 1).ends_with("return");
+  }
+}
+
+// Whether what stands from `at` on may follow a list of values. Neither what an attribute belongs
+// to nor "=" behind an index or a pattern does.
+bool may_follow_list(std::string_view text, std::size_t at) {
+  at = std::min(text.find_first_not_of(" \t\r\n", at), text.size());
+  return at < text.size() && !is_word_byte(text[at]) &&
+         std::string_view("[(=@").find(text[at]) == std::string_view::npos;
+}
+
+bool may_hold_list(std::string_view text) {
+  for (std::size_t at = text.find('['); at != text.npos; at = text.find('[', at + 1)) {
+    if (may_start_list(text, at)) return true;
+  }
+  return false;
 }
 
 class Masking {
@@ -113,6 +149,12 @@ class Masking {
     char before = '\n';  // the last byte of code before the branch
   };
 
+  struct List {
+    std::size_t start;
+    std::size_t depth;  // of brackets around it
+    bool possible;
+  };
+
   std::size_t literal_length() {
     const std::string_view rest = text_.substr(at_);
     const std::size_t comment = text_[at_] == '/' ? comment_length(rest, kLexis) : 0;
@@ -133,8 +175,9 @@ class Masking {
   // `at` is behind the keyword of a type. The line's end makes room for the body and moves to where
   // the space behind the keyword stands.
   void give_body(std::size_t at) {
-    if (last_ == ':' || last_ == ',') return;  // a constraint of a type parameter
-    const std::size_t end = head_end(text_, at);
+    const bool constraint = last_ == ':' || last_ == ',';
+    if (constraint || at < head_end_) return;
+    const std::size_t end = head_end_ = head_end(text_, at);
     if (end >= text_.size() || text_[end] != ';') return;
     const char next = end + 1 < text_.size() ? text_[end + 1] : ' ';
     if (!is_space(next)) return;
@@ -148,11 +191,24 @@ class Masking {
     if (c == '\n') line_starts_ = true;
     if (is_space(c)) return;
     line_starts_ = false;
+    if (c == '[') lists_.push_back({at_ - 1, depth_, may_start_list(text_, at_ - 1)});
     last_ = c;
     if (c == '(' || c == '[' || c == '{') ++depth_;
     if (c != ')' && c != ']' && c != '}') return;
     if (depth_ > 0) --depth_;
     if (!open_.empty()) open_.back().lowest = std::min(open_.back().lowest, depth_);
+    if (c == ']') end_list();
+  }
+
+  // What reads "[a, b]" gets "{a, b}".
+  void end_list() {
+    while (!lists_.empty() && lists_.back().depth > depth_) lists_.pop_back();
+    if (lists_.empty()) return;
+    const List list = lists_.back();
+    lists_.pop_back();
+    if (list.depth < depth_ || !list.possible || !may_follow_list(text_, at_)) return;
+    masked_[list.start] = '{';
+    masked_[at_ - 1] = '}';
   }
 
   void take_directive() {
@@ -209,10 +265,12 @@ class Masking {
   std::string_view text_;
   std::string masked_;
   std::size_t at_ = 0;
+  std::size_t head_end_ = 0;  // of the last type
   bool line_starts_ = true;
   char last_ = '\n';
   std::size_t depth_ = 0;
   std::vector<Open> open_;
+  std::vector<List> lists_;  // the "[" that are open
 };
 
 bool has_directive(std::string_view text) {
@@ -226,9 +284,9 @@ bool has_directive(std::string_view text) {
 // Whether a type may end in ";"; words of comments and text look the same.
 bool may_lack_body(std::string_view text) {
   for (const std::string_view word : kTypeWords) {
-    for (std::size_t at = text.find(word); at != text.npos; at = text.find(word, at + 1)) {
-      const std::size_t end = head_end(text, at);
-      if (end < text.size() && text[end] == ';') return true;
+    for (std::size_t at = text.find(word); at != text.npos; at = text.find(word, at)) {
+      at = head_end(text, at);
+      if (at < text.size() && text[at] == ';') return true;
     }
   }
   return false;
@@ -239,7 +297,7 @@ bool may_lack_body(std::string_view text) {
 const Lexis& lexis() { return kLexis; }
 
 std::optional<std::string> mask(std::string_view text) {
-  if (!has_directive(text) && !may_lack_body(text)) return std::nullopt;
+  if (!has_directive(text) && !may_lack_body(text) && !may_hold_list(text)) return std::nullopt;
   return Masking(text).run();
 }
 
