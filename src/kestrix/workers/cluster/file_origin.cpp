@@ -106,10 +106,15 @@ bool has_generator_notice(std::string_view text) {
   return RE2::PartialMatch(piece(text.substr(0, kHeader)), pattern);
 }
 
+// Ends once there are too many lines for it, which in most texts is after a tenth of them.
 bool is_squeezed(std::string_view text) {
   if (text.size() < kShortText) return false;
-  const auto lines = static_cast<std::size_t>(std::ranges::count(text, '\n')) + 1;
-  return text.size() / lines > kLongAverageLine;
+  auto lines_left = text.size() / (kLongAverageLine + 1);
+  for (auto end = text.find('\n'); end != std::string_view::npos && lines_left > 0;
+       end = text.find('\n', end + 1)) {
+    --lines_left;
+  }
+  return lines_left > 0;
 }
 
 bool is_made_by_a_program(std::string_view name, std::string_view text) {
