@@ -1,7 +1,6 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#include <stdlib.h>  // mkdtemp
 #include <sys/wait.h>
 #include <unistd.h>
 
