@@ -261,7 +261,7 @@ TEST(PlainWalk, ReachesWhatLiesDeeperThanAPathMayBeLong) {
     ::mkdirat(at.get(), step.c_str(), 0700);
     at = FileDescriptor(::openat(at.get(), step.c_str(), O_PATH));
   }
-  FileDescriptor(::openat(at.get(), "f.py", O_CREAT | O_WRONLY, 0600));
+  const FileDescriptor file(::openat(at.get(), "f.py", O_CREAT | O_WRONLY, 0600));
   const WalkResult result = walk_in(scratch.path());
   ASSERT_EQ(result.files.size(), 1U);
   EXPECT_EQ(result.files.front().path.size(), 30 * 201 + 4U);
