@@ -6,7 +6,8 @@
 There is no Kotlin compiler to ask, so this reads the sources itself, with a tokenizer and nothing
 of the index: imports by their dotted names, names of the own package and of wildcard imports by the
 types used, and a name that several modules declare by module and source set, as Gradle lays them
-out (the own module first; in it the own source set, then its main one, then what all share).
+out: the own module first; of it what the file's platform and all platforms declare, without what is
+only expected where the platform has the actual one.
 """
 
 import collections
@@ -108,7 +109,7 @@ class Source:
                   for t in TOKEN.findall(code_of(text, self.kotlin))]
         self.package, self.imports = "", []  # imports: (dotted, wildcard, bound name)
         body = self.header(tokens)
-        self.top, self.types, self.nested = set(), set(), set()
+        self.top, self.types, self.nested, self.actual = set(), set(), set(), set()
         self.declarations(body)
         if self.kotlin and any(t not in self.types for t in self.top):
             stem = os.path.basename(path).rsplit(".", 1)[0]
@@ -142,8 +143,6 @@ class Source:
     def declarations(self, body):
         depth = 0
         words = [t for t in body if t != "\n"]
-        self.actual = any(self.modified(words, i, "actual") for i, t in enumerate(words)
-                          if t in HARD)
         self.functions = {words[i + 1] for i, t in enumerate(words[:-1]) if t == "fun"}
         self.calls = {t for t, after in zip(words, words[1:])
                       if after in "({<" and re.match(r"[a-z]", t)}
@@ -163,15 +162,22 @@ class Source:
                 if depth == 0 and not hidden:
                     self.top.add(name)
                     self.types.add(name)
+                    self.note_actual(words, i, name)
                 elif before != "@" or t == "interface":
                     self.nested.add(name)
             elif self.kotlin and t == "typealias":
                 (self.top if depth == 0 and not hidden else self.nested).add(words[i + 1])
+                self.note_actual(words, i, words[i + 1])
                 self.types.add(words[i + 1])
             elif self.kotlin and depth == 0 and t in ("fun", "val", "var"):
                 name = self.callable_name(words, i + 1)
                 if name:
                     (self.nested if hidden else self.top).add(name)
+                    self.note_actual(words, i, name)
+
+    def note_actual(self, words, i, name):
+        if self.kotlin and self.modified(words, i, "actual"):
+            self.actual.add(name)
 
     @staticmethod
     def modified(words, i, modifier):
@@ -235,6 +241,18 @@ def module_of(path):
     return (head, tail.split("/")[0]) if sep else ("", "")
 
 
+def platform_of(part):
+    """"jvm" of "jvmTest"; "" of what all platforms share."""
+    platform = re.sub(r"(Test|Main|^test$|^main$)", "", part)
+    return "" if platform in ("common", "concurrent") else platform
+
+
+def sees(platform, shared):
+    """Whether a set of sources is one that several platforms share, this one too."""
+    return not shared or (platform and shared != platform and not shared.startswith("non")
+                          and platform.lower() in shared.lower())
+
+
 class Repository:
     def __init__(self, repo):
         listed = subprocess.run(["git", "-C", repo, "ls-files", "-z"], check=True,
@@ -258,12 +276,12 @@ class Repository:
             found = product
         own = [f for f in found if module_of(f.path)[0] == module]
         found = own or found
-        platform = re.sub(r"(Test|Main|^test$|^main$)", "", part)
-        for wanted in (part, platform + "Main", "main", "concurrentMain", "commonMain"):
-            group = [f for f in found if module_of(f.path)[1] == wanted]
-            if group:
-                return group
-        return [f for f in found if not f.actual] or found
+        platform = platform_of(part)
+        own = [f for f in found if platform and platform_of(module_of(f.path)[1]) == platform]
+        shared = [f for f in found if sees(platform, platform_of(module_of(f.path)[1]))]
+        if any(name in f.actual for f in own):
+            shared = []
+        return own + shared or [f for f in found if name not in f.actual] or found
 
     def dotted(self, name, source):
         parts = name.split(".")
@@ -301,8 +319,6 @@ class Repository:
 
 def main():
     repository = Repository(sys.argv[1])
-    packages = {f.package for f in repository.files}
-    repository.declared.update({})
     edges = set()
     for source in repository.files:
         for target in repository.edges(source):

@@ -23,11 +23,12 @@ constexpr std::array<std::string_view, 2> kFiles = {".kt", ".kts"};
 // Words behind which a dotted name is no use of it.
 constexpr std::array<std::string_view, 2> kStatements = {"import", "package"};
 // Words that are followed by a bracket without being called.
-constexpr std::array<std::string_view, 20> kKeywords = {
-    "as", "by", "catch", "constructor", "do",     "else",   "finally", "for", "fun",  "get",
-    "if", "in", "init",  "is",          "object", "return", "try",     "val", "when", "while"};
+constexpr std::array<std::string_view, 19> kKeywords = {
+    "as", "by",   "catch", "constructor", "do",     "else", "finally", "for",  "fun",  "if",
+    "in", "init", "is",    "object",      "return", "try",  "val",     "when", "while"};
 
-bool is_called(std::string_view after) {
+bool is_called(std::string_view name, std::string_view after) {
+  if (name == "get" && after.starts_with("()")) return false;  // of a property
   const std::size_t at = after.find_first_not_of(' ');
   return at != after.npos && (after[at] == '(' || after[at] == '{' || after[at] == '<');
 }
@@ -176,8 +177,12 @@ class Reader {
       if (word.offset < imports_end_ || packaged::is_type_like(word.text)) continue;
       const auto function = functions_.find(word.text);
       if (word.member && function != functions_.end()) ++facts_.imports[function->second].uses;
-      if (before == "fun") own.insert(word.text);
-      if (is_called(tree_.text().substr(word.offset + word.text.size()))) ++calls[word.text];
+      // A name in back quotes is no word.
+      if (before == "fun" && word.text.data() == before.data() + before.size() + 1) {
+        own.insert(word.text);
+      }
+      const std::string_view after = tree_.text().substr(word.offset + word.text.size());
+      if (is_called(word.text, after)) ++calls[word.text];
     }
     if (!imports_everything_) return;
     for (const auto& [name, count] : calls) {

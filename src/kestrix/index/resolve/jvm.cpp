@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <deque>
+#include <map>
+#include <span>
 #include <string>
 #include <string_view>
 #include <unordered_set>
@@ -12,6 +14,7 @@
 #include "kestrix/index/resolve/dependencies.h"
 #include "kestrix/index/resolve/packages.h"
 #include "kestrix/index/resolve/paths.h"
+#include "kestrix/index/resolve/source_sets.h"
 
 namespace kestrix::index {
 namespace {
@@ -43,7 +46,7 @@ std::string facade_of(std::string_view path) {
 
 class JvmResolver : public Resolver {
  public:
-  explicit JvmResolver(const FileTable& files) : files_(files), packages_(files) {
+  explicit JvmResolver(const FileTable& files) : files_(files), sets_(files), packages_(files) {
     for (FileId id = 0; id < files.size(); ++id) {
       const std::string_view language = files.language(id);
       if (language == "java" || language == "kotlin") add_file(id, language == "kotlin");
@@ -68,15 +71,22 @@ class JvmResolver : public Resolver {
   }
 
  private:
+  using Targets = std::vector<FileId>;
+
   void add_file(FileId id, bool kotlin) {
     if (files_.path(id).ends_with(".kts")) return;
     const FileFacts& facts = files_.facts(id);
+    const std::string_view platform = kotlin ? sets_.platform_of(files_.path(id)) : "";
     bool functions = false;
     for (std::string_view name : facts.declares) {
       const bool actual = name.starts_with(kActual);
       if (actual) name.remove_prefix(kActual.size());
-      packages_.declare(facts.package, name, id,
-                        actual ? Packages::Standing::kStandIn : Packages::Standing::kFull);
+      packages_.declare(
+          facts.package, name, id,
+          actual || !platform.empty() ? Packages::Standing::kStandIn : Packages::Standing::kFull);
+      if (!platform.empty()) {
+        platforms_.try_emplace(platform, files_).first->second.declare(facts.package, name, id);
+      }
       functions |= !packaged::is_type_like(name);
     }
     if (!kotlin || !functions) return;
@@ -90,7 +100,9 @@ class JvmResolver : public Resolver {
   }
 
   void resolve_name(const ImportFact& import, FileId file, Dependencies& found) const {
-    const auto targets = packages_.find_dotted(import.module, file);
+    const Targets targets = find_longest(
+        import.module,
+        [&](std::string_view package, std::string_view name) { return find(package, name, file); });
     const bool in_code = static_cast<JvmImport>(import.form) == JvmImport::kInCode;
     for (const FileId target : targets) found.add(target, (in_code ? 0.0 : 1.0) + import.uses);
     const bool looks_local = packages_.contains(likely_package(import.module), file);
@@ -103,34 +115,64 @@ class JvmResolver : public Resolver {
     std::unordered_set<FileId> imported;
     for (const NameUse& use : facts.uses) {
       const bool type = packaged::is_type_like(use.name);
-      const auto own = type ? packages_.find_one(facts.package, use.name, file) : std::nullopt;
-      if (own) {
-        found.add(*own, use.uses);
-        continue;
-      }
+      const auto own = type ? find_type(facts.package, use.name, file) : Targets();
+      for (const FileId target : own) found.add(target, use.uses);
+      if (!own.empty()) continue;
       for (const FileId target : find_imported(wildcards, use.name, file)) {
         found.add(target, (imported.insert(target).second ? 1.0 : 0.0) + use.uses);
       }
     }
   }
 
-  // Files of a package share out the overloads of a function; a type has one.
-  std::vector<FileId> find_imported(const std::vector<std::string_view>& wildcards,
-                                    std::string_view name, FileId file) const {
+  // A platform's file sees what the platform declares besides what all platforms share, and in the
+  // stead of what is only expected there.
+  Targets find(std::string_view package, std::string_view name, FileId file) const {
+    const auto shared = packages_.find(package, name, file);
+    Targets targets(shared.begin(), shared.end());
+    const auto platform = platforms_.find(sets_.platform_of(files_.path(file)));
+    if (platform == platforms_.end()) return targets;
+    const auto own = platform->second.find(package, name, file);
+    if (std::ranges::any_of(own, [&](FileId id) { return is_actual(id, name); })) targets.clear();
+    targets.insert(targets.end(), own.begin(), own.end());
+    std::ranges::sort(targets);
+    const auto repeated = std::ranges::unique(targets);
+    targets.erase(repeated.begin(), repeated.end());
+    return targets;
+  }
+
+  bool is_actual(FileId file, std::string_view name) const {
+    return std::ranges::binary_search(files_.facts(file).declares,
+                                      std::string(kActual).append(name));
+  }
+
+  // A type has one file, but in Kotlin functions that make one may share its name.
+  Targets find_type(std::string_view package, std::string_view name, FileId file) const {
+    if (files_.language(file) == "kotlin") return find(package, name, file);
+    const auto one = packages_.find_one(package, name, file);
+    return one ? Targets{*one} : Targets{};
+  }
+
+  // The overloads of a function may come from several files and several packages.
+  Targets find_imported(const std::vector<std::string_view>& wildcards, std::string_view name,
+                        FileId file) const {
+    const bool type = packaged::is_type_like(name);
+    Targets targets;
     for (const std::string_view package : wildcards) {
-      if (!packaged::is_type_like(name)) {
-        const auto overloads = packages_.find(package, name, file);
-        if (!overloads.empty()) return {overloads.begin(), overloads.end()};
-      } else if (const auto one = packages_.find_one(package, name, file)) {
-        return {*one};
-      }
+      const auto more = type ? find_type(package, name, file) : find(package, name, file);
+      targets.insert(targets.end(), more.begin(), more.end());
+      if (type && !targets.empty()) break;
     }
-    return {};
+    std::ranges::sort(targets);
+    const auto repeated = std::ranges::unique(targets);
+    targets.erase(repeated.begin(), repeated.end());
+    return targets;
   }
 
   const FileTable& files_;
+  SourceSets sets_;
   std::deque<std::string> facades_;  // what packages_ views
   Packages packages_;
+  std::map<std::string_view, Packages> platforms_;
 };
 
 }  // namespace

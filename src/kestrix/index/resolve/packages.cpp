@@ -31,8 +31,6 @@ std::string_view source_root(std::string_view folder, std::string_view package) 
   return folder;
 }
 
-bool is_lower(char c) { return c >= 'a' && c <= 'z'; }
-
 std::string_view stem(std::string_view path) {
   const std::string_view name = base_name(path);
   return name.substr(0, name.find('.'));
@@ -115,14 +113,9 @@ std::optional<FileId> Packages::find_one(std::string_view package, std::string_v
 }
 
 std::span<const FileId> Packages::find_dotted(std::string_view dotted, FileId from) const {
-  const std::string_view whole = dotted;
-  for (; !dotted.empty(); dotted = without_last_part(dotted)) {
-    const bool first = dotted.size() < whole.size() && dotted.find('.') == dotted.npos;
-    if (first && is_lower(dotted.front())) return {};
-    const auto files = find(without_last_part(dotted), last_part(dotted), from);
-    if (!files.empty()) return files;
-  }
-  return {};
+  return find_longest(dotted, [&](std::string_view package, std::string_view name) {
+    return find(package, name, from);
+  });
 }
 
 }  // namespace kestrix::index

@@ -63,4 +63,20 @@ class Packages {
   std::unordered_map<std::string_view, Package> packages_;
 };
 
+/// What `find(package, name)` gives for the longest prefix of a dotted name for which it gives
+/// anything. What has no package is not looked up by parts, unless it is written as types are.
+template <class Find>
+auto find_longest(std::string_view dotted, Find find) {
+  const std::string_view whole = dotted;
+  for (;;) {
+    const std::size_t dot = dotted.rfind('.');
+    const bool bare = dot == dotted.npos;
+    const bool lower = !dotted.empty() && dotted.front() >= 'a' && dotted.front() <= 'z';
+    if (bare && lower && dotted.size() < whole.size()) return decltype(find("", ""))();
+    auto found = find(bare ? std::string_view() : dotted.substr(0, dot), dotted.substr(dot + 1));
+    if (bare || !found.empty()) return found;
+    dotted = dotted.substr(0, dot);
+  }
+}
+
 }  // namespace kestrix::index

@@ -36,6 +36,7 @@ class Mask {
     }
     blank_before("fun ", "interface");
     blank_before("annotation ", "class");
+    blank_all("..<", 2);
     return std::move(masked_);
   }
 
@@ -74,6 +75,13 @@ class Mask {
   void blank(std::size_t start, std::size_t end) {
     for (std::size_t at = start; at < end; ++at) {
       if (masked_[at] != '\n') masked_[at] = ' ';
+    }
+  }
+
+  // Keeps the first bytes of each.
+  void blank_all(std::string_view token, std::size_t kept) {
+    for (std::size_t at = text_.find(token); at != text_.npos; at = text_.find(token, at + 1)) {
+      blank(at + kept, at + token.size());
     }
   }
 
@@ -144,7 +152,9 @@ std::vector<TypeText> top_types(std::string_view text) {
   Code code(text);
   std::string_view before;
   for (auto word = code.next_top_word(); !word.empty(); word = code.next_top_word()) {
-    if (before == "class" || before == "interface" || before == "object") {
+    const bool reference = before == "class" && before.data() > text.data() &&
+                           before.data()[-1] == ':';  // "Type::class"
+    if (!reference && (before == "class" || before == "interface" || before == "object")) {
       types.push_back({word, head_around(text, word), code.line(), before == "interface"});
     }
     before = word;

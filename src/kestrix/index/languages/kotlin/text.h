@@ -16,7 +16,8 @@ const Lexis& lexis();
 
 /// A copy of the text without what the grammar misreads at the start of declarations: annotations
 /// in front of them (it takes many such declarations for expressions), and the first words of
-/// "fun interface" and "annotation class". None of these is needed of the tree.
+/// "fun interface" and "annotation class"; and with ".." for "..<". None of these is needed of the
+/// tree.
 std::optional<std::string> mask(std::string_view text);
 
 /// Walks over the code outside of comments and strings, counting lines and braces.
