@@ -3,8 +3,8 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <signal.h>
 
+#include <csignal>
 #include <string>
 #include <vector>
 

@@ -122,7 +122,7 @@ void make_mixtures(const FreshDirectory& repo) {
       "#[path=\"\nmod a; use a::{b::{c, d}, self}; r#\"",
       "#include \"\n#define X \\\n\\\n template<class T> struct { = 0",
       "<?php namespace A; use B\\{C, D}; require 'x' . __DIR__; <<<EOT\n",
-      std::string("nul\0in the text\xff\xfe\x80", 20)};
+      std::string("nul\0in the text\xff\xfe\x80", 18)};
   // Behind what is looked at to tell text from the rest.
   const std::string late = std::string(8192, ' ') + "class A {}\n" + std::string(5000, '\0') + "{}";
   for (const char* extension : kExtensions) {
