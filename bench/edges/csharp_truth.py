@@ -407,6 +407,9 @@ class Projects:
             kind, value = node.tag.rsplit("}")[-1], node.get("Include")
             if kind == "Using" and value:
                 self.usings[folder].append((value, node.get("Static") == "true", node.get("Alias")))
+            elif kind in ("PackageReference", "Reference") and value:
+                self.refers[folder].update(
+                    f for f, p in self.folders.items() if PurePosixPath(p).stem == value)
             elif kind in ("ProjectReference", "Compile") and value:
                 target = normal(PurePosixPath(path).parent, value.replace("\\", "/"))
                 self.refers[folder].add(self.of(target))
@@ -444,6 +447,7 @@ class World:
         self.sources, self.types = [], collections.defaultdict(list)
         self.extensions, self.spaces = collections.defaultdict(list), set()
         self.partial = collections.defaultdict(lambda: True)
+        self.looked = {}
         usings = collections.defaultdict(list)
         for file in files:
             if not file.endswith(".cs"):
@@ -467,6 +471,7 @@ class World:
         for folder, found in self.projects.usings.items():
             usings[folder] += found
         self.usings = usings
+        self.extended = {name for _, name in self.extensions}
         self.by_path = {source.path: source for source in self.sources}
 
     def files_of(self, table, key, source):
@@ -481,9 +486,17 @@ class World:
             here = [f for f in own if PurePosixPath(f).parent == PurePosixPath(source.path).parent]
             own = here or own
         homes = {self.projects.of(f) for f in found}
-        return own or (found if len(homes) == 1 else [])
+        found = own or (found if len(homes) == 1 else [])
+        # A type in very many files is the one named after it.
+        main = [f for f in found if PurePosixPath(f).stem == key[1]]
+        return main if len(found) > 8 and len(main) == 1 else found
 
     def look(self, key, scope, source):
+        if (found := self.looked.get((key, scope))) is None:
+            found = self.looked[key, scope] = self.look_up(key, scope, source)
+        return found
+
+    def look_up(self, key, scope, source):
         name, arity = key
         inside = scope
         while inside:
@@ -541,10 +554,10 @@ class World:
     def edges(self, source):
         targets = set()
         everything = {}
-        for key, scope, attribute in source.names:
+        for key, scope, attribute in set(source.names):
             found = attribute and self.look((key[0] + "Attribute", key[1]), scope, source)
             targets.update(found or self.look(key, scope, source))
-        for key, scope in source.statics:
+        for key, scope in set(source.statics):
             if key[0] not in source.values:
                 targets.update(self.look(key, scope, source))
         for chain, scope in source.chains:
@@ -552,8 +565,8 @@ class World:
                 found = everything[chain, scope] = self.chain(chain, scope, source)
             targets.update(found)
         methods = set().union(*(self.by_path[t].methods for t in targets), source.methods)
-        for name, scope in source.calls:
-            if name not in methods:
+        for name, scope in set(source.calls):
+            if name not in methods and name in self.extended:
                 targets.update(self.extension(name, scope, source))
         for key, partial in source.types.items():
             if partial:
@@ -599,9 +612,6 @@ class World:
                     break
                 around = around.rpartition(".")[0]
             for target in self.directives(space, source):
-                found.update(self.files_of(self.extensions, (target, name), source))
-        for (target, other), _ in self.extensions.items():
-            if other == name and target.startswith("Microsoft."):
                 found.update(self.files_of(self.extensions, (target, name), source))
         return found if len(found) == 1 else []
 

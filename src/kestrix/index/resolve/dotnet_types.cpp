@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <functional>
 
+#include "kestrix/index/resolve/csharp.h"
 #include "kestrix/index/resolve/paths.h"
 
 namespace kestrix::index {
@@ -62,8 +63,18 @@ std::vector<FileId> DotnetTypes::find(std::string_view space, std::string_view n
     for (const FileId file : found) best = std::max(best, nearness(file, from));
     std::erase_if(found, [&](FileId file) { return nearness(file, from) < best; });
   }
-  if (found.size() > kMostFound) found.resize(kMostFound);
+  if (found.size() > kMostFound) keep_main_part(found, name);
   return found;
+}
+
+// Of very many parts the one that is named after the type stands for all.
+void DotnetTypes::keep_main_part(std::vector<FileId>& parts, std::string_view name) const {
+  const auto is_main = [&](FileId file) {
+    const std::string_view base = base_name(files_.path(file));
+    return base.substr(0, base.rfind('.')) == name.substr(0, name.find(kArityMark));
+  };
+  if (std::ranges::count_if(parts, is_main) == 1) std::erase_if(parts, std::not_fn(is_main));
+  parts.resize(std::min(parts.size(), kMostFound));
 }
 
 }  // namespace kestrix::index

@@ -29,7 +29,8 @@ class DotnetTypes {
 
   /// The files that declare the name as `from` sees it: those of its own project, else of the ones
   /// that this one sees; all parts of a partial type, of different ones the nearest. At most
-  /// `kMostFound`, ascending. Looks at a bounded number of candidates.
+  /// `kMostFound`, ascending; a type of more parts is the file named after it, where there is one.
+  /// Looks at a bounded number of candidates.
   std::vector<FileId> find(std::string_view space, std::string_view name, FileId from) const;
 
   static constexpr std::size_t kMostFound = 8;
@@ -41,6 +42,7 @@ class DotnetTypes {
   };
 
   std::size_t nearness(FileId file, FileId from) const;
+  void keep_main_part(std::vector<FileId>& parts, std::string_view name) const;
 
   const FileTable& files_;
   DotnetProjects projects_;
