@@ -315,6 +315,8 @@ class Source:
             end = self.generic_end(i + 1)
             if not end:
                 return False
+            if before in ("[", ",") and self.tok(end) in ("(", "]", ",") and self.in_attribute(i):
+                return True
             if self.tok(end) == "(":
                 self.take_arguments(i + 1, end, scope)
                 return False
@@ -334,7 +336,7 @@ class Source:
         if end > i + 1 and following in (")", ">", ",", "{", "("):
             return after != "?" or following != "("
         if re.match(r"@?[^\W\d]", following):
-            return following not in INFIX and \
+            return (following not in INFIX or self.tok(end + 1) in (",", ")", ";", "=")) and \
                 (following not in KEYWORDS or following in ("this", "operator"))
         if before == "(" and following == ")":
             nxt = self.tok(end + 1)

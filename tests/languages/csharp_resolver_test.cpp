@@ -30,7 +30,8 @@ TEST(CSharpResolver, FindsTypesByNamespace) {
       {"static directives, aliases and names spelled out",
        {{"A.cs",
          "using static M.B; using X = M.C<int>; using N = M.N; namespace M.O;\n"
-         "class A { N.D d; M.P.E e; P.F.Inner f; global::M.G g = M.H.Make(); System.I i; }"},
+         "class A { N.D d; M.P.E e; P.F.Inner f; global::M.G g = M.H.Make(); System.I i;\n"
+         "  bool J(object o) => o is N.J or N.J.K; }"},
         {"B.cs", "namespace M; static class B {}"},
         {"C.cs", "namespace M; class C<T> {}"},
         {"C0.cs", "namespace M; class C {}"},
@@ -39,9 +40,10 @@ TEST(CSharpResolver, FindsTypesByNamespace) {
         {"F.cs", "namespace M.P; class F { class Inner {} }"},
         {"G.cs", "namespace M; class G {}"},
         {"H.cs", "namespace M; class H {}"},
-        {"I.cs", "namespace M; class I {}"}},
+        {"I.cs", "namespace M; class I {}"},
+        {"J.cs", "namespace M.N; class J {}"}},
        {"A.cs -> B.cs", "A.cs -> C.cs", "A.cs -> D.cs", "A.cs -> E.cs", "A.cs -> F.cs",
-        "A.cs -> G.cs", "A.cs -> H.cs"}},
+        "A.cs -> G.cs", "A.cs -> H.cs", "A.cs -> J.cs"}},
       {"types by the number of their parameters, attributes without their ending",
        {{"A.cs", "namespace M; [Mark, Sign] class A { R<int> r; S s; }"},
         {"R.cs", "namespace M; class R {}"},

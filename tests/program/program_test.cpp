@@ -268,7 +268,7 @@ TEST_P(FixtureRepository, AnswersPageByPageAsAllAtOnce) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Repositories, FixtureRepository,
-                         testing::Values("python_service", "typescript_shop"),
+                         testing::Values("csharp_orders", "python_service", "typescript_shop"),
                          [](const auto& tested) { return tested.param; });
 
 }  // namespace

@@ -44,17 +44,13 @@ std::string below(std::string_view space, std::string_view name) {
 
 // Where a file's names are looked up.
 struct Spaces {
-  struct Imported {
-    std::string_view name;
-    bool here;  // by the file itself
-  };
   std::vector<std::string_view> own;  // the file's namespaces and those around them, inner first
-  std::vector<Imported> imported;
+  std::vector<std::string_view> imported;
   std::vector<const GlobalUsing*> aliases;
 
-  void import(std::string_view name, bool here) {
-    const bool known = std::ranges::find(imported, name, &Imported::name) != imported.end();
-    if (!known && imported.size() < kMostSpaces) imported.push_back({name, here});
+  void import(std::string_view name) {
+    const bool known = std::ranges::find(imported, name) != imported.end();
+    if (!known && imported.size() < kMostSpaces) imported.push_back(name);
   }
 };
 
@@ -159,7 +155,7 @@ class CSharpResolver : public Resolver {
     const auto form = static_cast<CSharpImport>(import.form);
     const std::string_view space = visible_space(import, spaces);
     if (form == CSharpImport::kNamespace || form == CSharpImport::kGlobalNamespace) {
-      if (!space.empty()) return spaces.import(space, true);
+      if (!space.empty()) return spaces.import(space);
       if (looks_local(import.module, file)) found.miss();
       return;
     }
@@ -203,11 +199,11 @@ class CSharpResolver : public Resolver {
       if (!directive.alias.empty()) {
         spaces.aliases.push_back(&directive);
       } else if (!directive.type && types_.has_space(directive.name)) {
-        spaces.import(directive.name, false);
+        spaces.import(directive.name);
       }
     }
     for (const std::string_view space : kImplicit) {
-      if (types_.has_space(space)) spaces.import(space, false);
+      if (types_.has_space(space)) spaces.import(space);
     }
   }
 
@@ -258,13 +254,13 @@ class CSharpResolver : public Resolver {
     }
     for (const GlobalUsing* alias : spaces.aliases) {
       if (alias->alias != name) continue;
-      for (const FileId target : find_dotted(alias->name, 1, file)) found.add(target, uses);
+      for (const FileId target : find_dotted(alias->name, 1, file)) found.add(target, 1.0 + uses);
       return true;
     }
-    for (const auto& [space, here] : spaces.imported) {
+    for (const std::string_view space : spaces.imported) {
       const Files targets = find(space, name, file);
       for (const FileId target : targets) {
-        found.add(target, (here && imported.insert(target).second ? 1.0 : 0.0) + uses);
+        found.add(target, (imported.insert(target).second ? 1.0 : 0.0) + uses);
       }
       if (!targets.empty()) return true;
     }

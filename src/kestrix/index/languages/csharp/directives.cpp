@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 #include <vector>
 
 namespace kestrix::index::csharp {
@@ -298,7 +299,8 @@ const Lexis& lexis() { return kLexis; }
 
 std::optional<std::string> mask(std::string_view text) {
   if (!has_directive(text) && !may_lack_body(text) && !may_hold_list(text)) return std::nullopt;
-  return Masking(text).run();
+  std::string masked = Masking(text).run();
+  return masked == text ? std::nullopt : std::optional(std::move(masked));
 }
 
 }  // namespace kestrix::index::csharp

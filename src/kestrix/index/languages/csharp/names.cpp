@@ -104,7 +104,7 @@ class Walk {
     } else if (parent.symbol == grammar_.member_access) {
       if (frame.field == grammar_.name) return add_call(node, name);
       scopes_.push_back({with_arity(name, arity), name, frame.start});
-      add_chain(node, without_last_part(chain_at(tree_.text().substr(frame.start))));
+      add_chain(node, scope_at(frame.start));
     } else if (parent.symbol == grammar_.member_binding) {
       add_call(node, name);
     } else if (parent.symbol == grammar_.error || is_in_nameof(parent) || is_tested_type(frame)) {
@@ -112,7 +112,7 @@ class Walk {
     } else if (parent.symbol == grammar_.type_parameter) {
       values_.insert(name);
       type_parameters_.insert(name);
-    } else if (frame.field == grammar_.name) {
+    } else if (frame.field == grammar_.name && parent.symbol != grammar_.argument) {
       values_.insert(name);
     }
   }
@@ -129,8 +129,18 @@ class Walk {
     } else if (parent.symbol == grammar_.alias_qualified_name && frame.field == grammar_.name) {
       add_chain(cursor_.node(), chain);
     } else if (parent.symbol == grammar_.member_access && frame.field != grammar_.name) {
-      add_chain(cursor_.node(), without_last_part(chain));
+      add_chain(cursor_.node(), scope_at(frame.start));
     }
+  }
+
+  // The names before a member's name. Where the value is compared with a pattern, the last one may
+  // be a type's.
+  std::string_view scope_at(std::uint32_t start) const {
+    const std::string_view chain = chain_at(tree_.text().substr(start));
+    std::size_t levels = 1;
+    while (above(levels).symbol == grammar_.member_access) ++levels;
+    const bool pattern = above(levels).symbol == grammar_.constant_pattern;
+    return pattern ? chain : without_last_part(chain);
   }
 
   // Whether the name read is a part of what a namespace declaration names.

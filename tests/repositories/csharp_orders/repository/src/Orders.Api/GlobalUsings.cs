@@ -1,0 +1,2 @@
+global using Orders.Data;
+global using Orders.Api.Handlers;
