@@ -129,6 +129,14 @@ class ItemIterator {
     return *this;
   }
   void operator++(int) { ++*this; }
+
+  /// The item that comes `ahead` items later, borrowed; null where that is not known yet.
+  PyObject* later(Py_ssize_t ahead) const {
+    if (sequence_ != Sequence::kList) return nullptr;
+    const Py_ssize_t at = index_ - 1 + ahead;
+    return at < PyList_GET_SIZE(source_.ptr()) ? PyList_GET_ITEM(source_.ptr(), at) : nullptr;
+  }
+
   friend bool operator==(const ItemIterator& iterator, std::default_sentinel_t) {
     return iterator.item_.ptr() == nullptr;
   }
