@@ -64,6 +64,10 @@ Files escapes() {
        R"([{"directory": "@", "file": "secret.c", "command": "cc -I@ -I../outside secret.c"}])"},
       {"composer.json", R"({"autoload": {"psr-4": {"S\\": ["../outside/", "@/"]}}})"},
       {"m.php", "<?php use S\\Secret; require '../outside/secret.php'; require '@/secret.php';\n"},
+      {"m.csproj", R"(<Project><Import Project="../outside/secret.props"/><ItemGroup>
+           <ProjectReference Include="../outside/secret.csproj"/>
+           <Compile Include="..\outside\secret.cs"/></ItemGroup></Project>)"},
+      {"m.cs", "using static Secret;\nclass M { SecretError e; }\n"},
       {"m.rb", "require_relative '../outside/secret'\nrequire '@/secret'\n"},
       {"m.py", "from ..outside import secret\nfrom ...outside.secret import Secret\n"},
       {".gitignore", "!../outside\n"},
@@ -83,7 +87,8 @@ TEST(Isolation, NothingOutsideTheRootIsOpened) {
   const auto outside = program.path() / "outside";
   for (const char* name :
        {"secret.ts", "secret.rs", "secret.h", "secret.c", "secret.php", "secret.rb", "secret.py",
-        "secret.go", "tsconfig.json", "package.json", "go.mod", "Cargo.toml", "lib.rs"}) {
+        "secret.cs", "secret.csproj", "secret.props", "secret.go", "tsconfig.json", "package.json",
+        "go.mod", "Cargo.toml", "lib.rs"}) {
     program.directory().write(std::string("outside/") + name, "class SecretError {}\n");
   }
   for (const auto& [path, text] : escapes()) {

@@ -1,7 +1,6 @@
 #include "kestrix/index/ignore_rules.h"
 
 #include <algorithm>
-#include <ranges>
 
 #include "kestrix/utils/ascii.h"
 
@@ -52,7 +51,8 @@ IgnoreRules::IgnoreRules(std::string_view text, bool ignore_case) : ignore_case_
 
 Verdict IgnoreRules::judge(std::string_view path, bool is_directory) const {
   const std::string_view name = path.substr(path.rfind('/') + 1);
-  for (const Rule& rule : std::views::reverse(rules_)) {
+  for (std::size_t at = rules_.size(); at > 0; --at) {
+    const Rule& rule = rules_[at - 1];
     if (rule.directory_only && !is_directory) continue;
     if (matches(rule, path, name)) return rule.admits ? Verdict::kAdmitted : Verdict::kIgnored;
   }

@@ -224,8 +224,7 @@ Query::Query(const TSLanguage* language, std::string_view text, std::string_view
     collect_roots(patterns_[at].root, roots);
     if (roots.empty()) throw Error(fmt::format("a pattern of {} has no type at its root", name));
     std::ranges::sort(roots);
-    const auto repeated = std::ranges::unique(roots);
-    roots.erase(repeated.begin(), repeated.end());
+    roots.erase(std::unique(roots.begin(), roots.end()), roots.end());
     for (const TSSymbol root : roots) by_symbol_[root].push_back(static_cast<std::uint16_t>(at));
   }
 }

@@ -144,8 +144,7 @@ class CSharpResolver : public Resolver {
     std::ranges::sort(own, [](std::string_view a, std::string_view b) {
       return a.size() != b.size() ? a.size() > b.size() : a < b;
     });
-    const auto repeated = std::ranges::unique(own);
-    own.erase(repeated.begin(), repeated.end());
+    own.erase(std::unique(own.begin(), own.end()), own.end());
     if (own.size() > kMostSpaces) own.resize(kMostSpaces);
     return {.own = std::move(own), .imported = {}, .aliases = {}};
   }

@@ -1,7 +1,6 @@
 #include "kestrix/index/resolve/ecmascript_configs.h"
 
 #include <algorithm>
-#include <ranges>
 #include <unordered_set>
 
 #include "kestrix/index/resolve/paths.h"
@@ -66,8 +65,8 @@ Configs::Config Configs::effective(std::string_view path) const {
     for (std::string& base : bases_of(raw->second)) open.push_back(std::move(base));
   }
   Config config{{}, std::nullopt, is_main(base_name(path))};
-  for (const std::string& file : std::views::reverse(order)) {
-    apply(raw_.at(file), folder_of(path), config);
+  for (std::size_t at = order.size(); at > 0; --at) {
+    apply(raw_.at(order[at - 1]), folder_of(path), config);
   }
   return config;
 }
