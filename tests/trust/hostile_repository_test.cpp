@@ -141,6 +141,18 @@ void make_odd_data(const FreshDirectory& repo) {
   repo.write("repo/package.json", crowd + "}");
   repo.write("repo/tsconfig.json", repeated("[", 15'000'000));
   repo.write("repo/jsconfig.json", "{\"a\":[" + repeated("[],", 5'000'000) + "1]}");
+  const std::string many = repeated("\"p*/*\",", 250'000) + "\"q\"";
+  repo.write("repo/many/package.json", "{\"workspaces\":[" + many + "]}");
+  repo.write("repo/many/tsconfig.json", R"({"compilerOptions":{"paths":{"*":[)" + many + "]}}}");
+  repo.write("repo/many/a.ts", repeated("import 'x';\n", 20'000));
+  repo.write("repo/many/q/package.json",
+             R"({"name":"q","exports":{"./*":")" + std::string(90'000, '*') + "\"}}");
+  repo.write("repo/many/q/a.ts", "import 'q/" + std::string(90'000, 'a') + "';\n");
+  repo.write("repo/a.c", repeated("#include \"x.h\"\n#include <y/z.h>\n", 4'000));
+  std::string command = R"([{"directory": ".", "file": "a.c", "arguments": [")";
+  for (int i = 0; i < 300'000; ++i) command += "-Id" + std::to_string(i) + "\",\"";
+  repo.write("repo/compile_commands.json", command + "\"]}]");
+  repo.write("repo/b/compile_commands.json", repeated("[", 15'000'000));
   repo.write("repo/.git/HEAD", "ref: refs/heads/main\n");
   repo.write("repo/.git/objects/x", "");
   repo.write("repo/.git/refs/x", "");

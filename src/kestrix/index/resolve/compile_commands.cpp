@@ -2,23 +2,21 @@
 
 #include <algorithm>
 #include <array>
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <string_view>
+#include <unordered_set>
 
+#include "kestrix/index/resolve/json.h"
 #include "kestrix/index/resolve/paths.h"
 
 namespace kestrix::index {
 namespace {
 
-using Json = nlohmann::json;
+// Includes are looked for in each folder, and tops behind each slash.
+constexpr std::size_t kMostFolders = 500;
+constexpr std::size_t kLongestFile = 1024;
 
 constexpr std::array<std::string_view, 3> kFlags = {"-isystem", "-iquote", "-I"};
-
-std::string text_of(const Json& entry, const char* key) {
-  const auto found = entry.find(key);
-  return found != entry.end() && found->is_string() ? found->get<std::string>() : "";
-}
 
 // Words of a shell command; quotes and backslashes only keep spaces together here.
 std::vector<std::string> words_of(std::string_view command) {
@@ -43,7 +41,7 @@ std::vector<std::string> words_of(std::string_view command) {
 
 std::vector<std::string> arguments_of(const Json& entry) {
   const auto list = entry.find("arguments");
-  if (list == entry.end() || !list->is_array()) return words_of(text_of(entry, "command"));
+  if (list == entry.end() || !list->is_array()) return words_of(text_at(entry, "command"));
   std::vector<std::string> words;
   for (const Json& word : *list) words.push_back(word.is_string() ? word.get<std::string>() : "");
   return words;
@@ -59,7 +57,7 @@ class Commands {
   explicit Commands(const FileTable& files) : files_(files) {}
 
   void read(std::string_view text) {
-    const Json entries = Json::parse(text, nullptr, false);
+    const Json entries = parse_json(text);
     if (!entries.is_array()) return;
     for (const Json& entry : entries) {
       if (entry.is_object()) read_entry(entry);
@@ -71,6 +69,7 @@ class Commands {
  private:
   // The folder of the build machine that the repository was in, by a file that is in it.
   void find_top(std::string_view file) {
+    if (file.size() > kLongestFile) return;
     for (std::string_view path = file; !path.empty();) {
       if (files_.find(path)) {
         top_ = std::string(file.substr(0, file.size() - path.size()));
@@ -82,8 +81,8 @@ class Commands {
   }
 
   void read_entry(const Json& entry) {
-    const std::string directory = text_of(entry, "directory");
-    if (!top_) find_top(absolute(directory, text_of(entry, "file")));
+    const std::string directory = text_at(entry, "directory");
+    if (!top_) find_top(absolute(directory, text_at(entry, "file")));
     if (!top_) return;
     const std::vector<std::string> words = arguments_of(entry);
     for (std::size_t i = 0; i < words.size(); ++i) {
@@ -103,12 +102,13 @@ class Commands {
     if (!folder.starts_with(*top_)) return;
     folder.erase(0, top_->size());
     if (!folder.empty()) folder.pop_back();
-    if (std::ranges::find(folders_, folder) == folders_.end()) folders_.push_back(folder);
+    if (folders_.size() < kMostFolders && seen_.insert(folder).second) folders_.push_back(folder);
   }
 
   const FileTable& files_;
   std::optional<std::string> top_;
   std::vector<std::string> folders_;
+  std::unordered_set<std::string> seen_;
 };
 
 }  // namespace

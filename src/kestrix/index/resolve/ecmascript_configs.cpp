@@ -8,6 +8,8 @@
 namespace kestrix::index::ecmascript {
 namespace {
 
+constexpr std::size_t kMostTargets = 100;  // of a pattern: each is tried on every import that fits
+
 constexpr std::string_view kConfigFolder = "${configDir}";
 
 bool is_config(std::string_view name) {
@@ -116,6 +118,7 @@ void Configs::apply(const Raw& raw, std::string_view leaf, Config& config) const
               star != std::string::npos,
               {}};
     for (const std::string& target : texts_of(targets)) {
+      if (rule.targets.size() >= kMostTargets) break;
       if (auto place = located(from, leaf, target)) rule.targets.push_back(std::move(*place));
     }
     config.rules.push_back(std::move(rule));

@@ -9,6 +9,9 @@
 namespace kestrix::index::ecmascript {
 namespace {
 
+// Each is a compiled pattern and is tried on the packages below its folder.
+constexpr std::size_t kMostPatterns = 1000;
+
 constexpr std::array kEntryKeys = {"source", "module", "main", "types", "typings"};
 constexpr std::array<std::string_view, 5> kEntries = {"src/index", "index", "src/main", "lib/index",
                                                       "source/index"};
@@ -88,7 +91,7 @@ void Packages::add_members(std::string_view folder, const std::vector<std::strin
   for (const std::string& pattern : patterns) {
     if (pattern.starts_with('!')) continue;
     if (pattern.find_first_of("*{") != std::string::npos) {
-      workspace.patterns.push_back(folder_pattern(pattern));
+      if (patterns_++ < kMostPatterns) workspace.patterns.push_back(folder_pattern(pattern));
     } else if (auto member = join_normal(folder, pattern)) {
       workspace.folders.insert(std::move(*member));
     }

@@ -78,6 +78,7 @@ class Packages {
   std::optional<FileId> find_plain(const std::string& path, Dialect dialect) const;
 
   const FileTable& files_;
+  std::size_t patterns_ = 0;  // of all workspaces
   std::vector<Package> packages_;
   std::unordered_map<std::string_view, const Package*> by_folder_;
   std::unordered_map<std::string, Workspace> workspaces_;  // by the folder of their root

@@ -11,6 +11,8 @@ namespace kestrix::index::ecmascript {
 namespace {
 
 constexpr int kDeepestConditions = 8;
+constexpr std::size_t kMostTargets = 100;  // each is tried on every import
+constexpr std::size_t kLongestTarget = 4096;
 constexpr std::array<std::string_view, 17> kBuilt = {
     "build", "bundle", "cjs",  "compiled", "dist",    "dist-cjs", "dist-esm", "dist-types", "es",
     "esm",   "lib",    "node", "out",      "out-tsc", "types",    "typings",  "umd"};
@@ -18,6 +20,7 @@ constexpr std::array<std::string_view, 4> kSources = {"src", "", "source", "lib"
 
 // NOLINTNEXTLINE(misc-no-recursion): kDeepestConditions at most
 void collect(const Json& value, int depth, std::vector<std::string>& targets) {
+  if (targets.size() >= kMostTargets) return;
   if (value.is_string()) targets.push_back(value.get<std::string>());
   if (!value.is_structured() || depth == kDeepestConditions) return;
   for (const Json& inner : value) collect(inner, depth + 1, targets);
@@ -38,7 +41,7 @@ std::optional<std::string_view> star_of(std::string_view pattern, std::string_vi
 
 std::string filled(std::string target, std::string_view star) {
   if (target.ends_with('/')) target += '*';
-  for (std::size_t at = target.find('*'); at != std::string::npos;
+  for (std::size_t at = target.find('*'); at != std::string::npos && target.size() < kLongestTarget;
        at = target.find('*', at + star.size())) {
     target.replace(at, 1, star);
   }

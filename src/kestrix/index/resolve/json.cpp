@@ -87,9 +87,14 @@ class CommaDropper {
 
 }  // namespace
 
-Json parse_config(std::string_view text) {
+Json parse_json(std::string_view text) {
   if (text.starts_with("\xEF\xBB\xBF")) text.remove_prefix(3);
   Json value = Json::parse(CommaDropper(text).run(), nullptr, /*allow_exceptions=*/false);
+  return value.is_discarded() ? Json() : value;
+}
+
+Json parse_config(std::string_view text) {
+  Json value = parse_json(text);
   return value.is_object() ? value : Json::object();
 }
 

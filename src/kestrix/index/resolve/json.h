@@ -10,8 +10,10 @@ namespace kestrix::index {
 using Json = nlohmann::ordered_json;
 
 /// Parses JSON as configuration files hold it: with comments, trailing commas and a byte-order
-/// mark. An empty object when it is malformed or no object, or far larger than configuration is: in
-/// keys, values or depth.
+/// mark. Null when it is malformed, or far larger than such files are: in keys, values or depth.
+Json parse_json(std::string_view text);
+
+/// The same for a file that holds an object; an empty one when it does not.
 Json parse_config(std::string_view text);
 
 /// The text under a key; "" when there is none or it is no text.
