@@ -67,7 +67,7 @@ Files escapes() {
       {"m.csproj", R"(<Project><Import Project="../outside/secret.props"/><ItemGroup>
            <ProjectReference Include="../outside/secret.csproj"/>
            <Compile Include="..\outside\secret.cs"/></ItemGroup></Project>)"},
-      {"m.cs", "using static Secret;\nclass M { SecretError e; }\n"},
+      {"m.cs", "using static Secret;\nclass M { void f() { new SecretError(); } }\n"},
       {"m.rb", "require_relative '../outside/secret'\nrequire '@/secret'\n"},
       {"m.py", "from ..outside import secret\nfrom ...outside.secret import Secret\n"},
       {".gitignore", "!../outside\n"},
