@@ -34,6 +34,10 @@ const files = execFileSync('git', ['-C', repo, 'ls-files', '-z'], { maxBuffer: 1
   .toString().split('\0').filter((f) => f && fs.existsSync(path.join(repo, f)));
 const known = new Set(files);
 const inRepo = (file) => path.relative(repo, file);
+const isText = (file) => {
+  const absolute = path.join(repo, file);
+  return fs.lstatSync(absolute).isFile() && !fs.readFileSync(absolute).subarray(0, 8192).includes(0);
+};
 const isScript = (file) => /\.[cm]?[jt]sx?$/.test(file);
 
 // ---- workspaces
@@ -127,10 +131,11 @@ function optionsOf(file) {
 function resolve(specifier, file) {
   const opts = optionsOf(file);
   const mode = opts.moduleResolution === ts.ModuleResolutionKind.Bundler ? undefined : ts.ModuleKind.ESNext;
-  const { resolvedModule } = ts.resolveModuleName(specifier, file, opts, host, undefined, undefined, mode);
+  // Bundlers take "./x?worker" for "./x".
+  const plain = specifier.replace(/[?].*$/, '');
+  const { resolvedModule } = ts.resolveModuleName(plain, file, opts, host, undefined, undefined, mode);
   if (resolvedModule) return inRepo(resolvedModule.resolvedFileName);
   // What is no module for the compiler (a style sheet, a template) is a file all the same.
-  const plain = specifier.replace(/[?].*$/, '');
   if (/^\.\.?\//.test(plain)) return inRepo(path.resolve(path.dirname(file), plain));
   return undefined;
 }
@@ -269,5 +274,5 @@ for (const [file, { imports }] of facts) {
 }
 for (const edge of [...edges].sort()) {
   const [source, found] = edge.split('\t');
-  if (source !== found) console.log(edge);
+  if (source !== found && isText(found)) console.log(edge);
 }

@@ -54,6 +54,12 @@ TEST(EcmascriptResolver, FindsRelativePaths) {
          "import './gone'; import '../../outside'; import 'react'; import 'node:fs'; import "
          "'https://x.y/z.js'; import '@scope/x/y'; import ''"}},
        {"unresolved 2"}},
+      {"a picture is there, though it is no source",
+       {{"package.json", "{}"},
+        {"src/a.ts", "import './p.png'; import '@/p.png'; import './p.svg?url'; import './q.png'"},
+        {"src/p.png", std::string("PNG\0", 4)},
+        {"src/p.svg", "<svg/>"}},
+       {"src/a.ts -> src/p.svg", "unresolved 1"}},
   });
 }
 
@@ -132,6 +138,15 @@ TEST(EcmascriptResolver, FindsPackagesOfTheWorkspace) {
         "packages/b/src/index.ts -> packages/a/src/feat/x.tsx",
         "packages/b/src/index.ts -> packages/b/src/util.ts",
         "packages/b/src/util.ts -> packages/b/src/index.ts"}},
+      {"the conditions that every surrounding knows before those of some",
+       {{"package.json", R"({"workspaces": ["a"]})"},
+        {"a/package.json", R"({"name": "a", "imports": {"#s": {"browser": "./b.js"}}, "exports":
+            {"browser": "./b.js", "node": {"module": "./m.mjs", "import": "./i.mjs"}}})"},
+        {"a/b.js", ""},
+        {"a/i.mjs", "import '#s'"},
+        {"a/m.mjs", ""},
+        {"c.js", "import 'a'"}},
+       {"c.js -> a/i.mjs", "a/i.mjs -> a/b.js"}},
       {"lists of other tools",
        {{"pnpm-workspace.yaml",
          "# x\npackages:\n  - 'libs/**' # all\n  - \"tools/{x,y}\"\ncatalog:\n  - no\n"},

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <memory>
 #include <optional>
 
@@ -16,6 +17,10 @@ class WorldTable : public FileTable {
  public:
   explicit WorldTable(const World& world) {
     for (const auto& [path, text] : world) {
+      if (text.find('\0') != text.npos) {
+        binaries_.push_back(path);
+        continue;
+      }
       const Language* language = language_of(path);
       rows_.push_back(
           {path, text, language,
@@ -31,6 +36,9 @@ class WorldTable : public FileTable {
     }
     return std::nullopt;
   }
+  bool has_binary(std::string_view path) const override {
+    return std::ranges::find(binaries_, path) != binaries_.end();
+  }
   const FileFacts& facts(FileId id) const override { return rows_[id].facts; }
   std::string_view language(FileId id) const override {
     return rows_[id].language == nullptr ? "" : rows_[id].language->name;
@@ -45,6 +53,7 @@ class WorldTable : public FileTable {
     FileFacts facts;
   };
   std::vector<Row> rows_;
+  std::vector<std::string> binaries_;
 };
 
 std::vector<std::string> edges(const World& world, bool weighted) {

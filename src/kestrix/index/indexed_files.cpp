@@ -20,7 +20,10 @@ IndexedFiles::IndexedFiles(std::span<FileRow> rows, Store& store, const RootDire
     : store_(store), root_(root), loading_(loading) {
   rows_.reserve(rows.size());
   for (FileRow& row : rows) {
-    if (row.traits.is_text()) rows_.push_back(&row);
+    if (row.traits.is_text())
+      rows_.push_back(&row);
+    else if (row.traits.has(Trait::kBinary))
+      binaries_.insert(row.path);
   }
   slots_ = std::make_unique<Slot[]>(rows_.size());
   ids_.reserve(rows_.size());

@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "kestrix/index/resolver.h"
@@ -31,6 +32,7 @@ class IndexedFiles : public FileTable {
   std::size_t size() const override { return rows_.size(); }
   std::string_view path(FileId id) const override { return rows_[id]->path; }
   std::optional<FileId> find(std::string_view path) const override;
+  bool has_binary(std::string_view path) const override { return binaries_.contains(path); }
   const FileFacts& facts(FileId id) const override;
   std::string_view language(FileId id) const override { return rows_[id]->language; }
   std::string read(FileId id) const override;
@@ -55,6 +57,7 @@ class IndexedFiles : public FileTable {
   FactsLoading loading_;
   std::vector<FileRow*> rows_;
   std::unordered_map<std::string_view, FileId> ids_;
+  std::unordered_set<std::string_view> binaries_;
   std::unique_ptr<Slot[]> slots_;
   mutable std::mutex store_mutex_;
 };

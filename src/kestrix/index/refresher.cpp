@@ -129,7 +129,7 @@ void Refresher::recreate() {
 void Refresher::remove(const FileRow& row) {
   store_.remove_file(row.id);
   ++result_.removed;
-  all_resolve_anew_ |= row.traits.is_text();
+  all_resolve_anew_ = true;
 }
 
 void Refresher::scan(const RefreshPlan& plan) {
@@ -169,7 +169,7 @@ void Refresher::take(const ScanTask& task, ScannedFile file) {
 void Refresher::put(const ScanTask& task, ScannedFile file) {
   if (task.known == nullptr) {
     ++result_.added;
-    all_resolve_anew_ |= file.row.traits.is_text();
+    all_resolve_anew_ = true;
   } else {
     ++result_.changed;
     note_change(*task.known, file);

@@ -25,6 +25,8 @@ class FileTable {
   virtual std::size_t size() const = 0;
   virtual std::string_view path(FileId id) const = 0;
   virtual std::optional<FileId> find(std::string_view path) const = 0;
+  /// Whether a file that is no text (a picture) stands at the path; it is not in the table.
+  virtual bool has_binary(std::string_view /*path*/) const { return false; }
   /// Facts of a parsed file, without its symbols; empty facts for a file that was only recorded.
   virtual const FileFacts& facts(FileId id) const = 0;
   /// Name of the file's language as in the language table, "" when it has none.

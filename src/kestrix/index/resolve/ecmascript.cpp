@@ -130,18 +130,23 @@ class EcmascriptResolver : public Resolver {
     const std::string_view folder = folder_of(files_.path(file));
     const Dialect dialect = ecmascript::dialect_of(files_.path(file));
     const std::string_view specifier = without_decoration(written);
-    if (is_relative(specifier)) return {find_relative(specifier, folder, dialect), true};
+    if (is_relative(specifier)) return find_relative(specifier, folder, dialect);
     if (specifier.empty() || specifier.find(':') != std::string_view::npos) return {};
     if (specifier.starts_with('/')) return {find_rooted(specifier, folder, dialect), false};
     return find_named(specifier, folder, dialect, 0);
   }
 
-  std::optional<FileId> find_relative(std::string_view specifier, std::string_view folder,
-                                      Dialect dialect) const {
+  Found find_relative(std::string_view specifier, std::string_view folder, Dialect dialect) const {
     const auto path = join_normal(folder, specifier);
-    if (!path) return std::nullopt;
-    return means_folder(specifier) ? packages_.find_folder(*path, dialect)
-                                   : packages_.find_path(*path, dialect);
+    if (!path) return {std::nullopt, true};
+    return found_or_missed(means_folder(specifier) ? packages_.find_folder(*path, dialect)
+                                                   : packages_.find_path(*path, dialect),
+                           *path);
+  }
+
+  // A picture is there, though it is no file that one could depend on.
+  Found found_or_missed(std::optional<FileId> file, std::string_view path) const {
+    return {file, file.has_value() || !files_.has_binary(path)};
   }
 
   // "/x" as a development server sees it: from the folder of the project.
@@ -160,15 +165,17 @@ class EcmascriptResolver : public Resolver {
     const auto candidates = configs_.find(specifier, folder);
     for (const std::string& path : candidates.paths) {
       if (const auto id = packages_.find_path(path, dialect)) return {id, true};
+      if (files_.has_binary(path)) return {};
     }
     if (specifier.starts_with('#')) return find_internal(specifier, folder, dialect, hops);
     if (specifier.starts_with("@/") || specifier.starts_with("~/")) {
-      return {find_aliased(specifier.substr(2), folder, dialect), true};
+      return find_aliased(specifier.substr(2), folder, dialect);
     }
     const Named named = split_package(specifier);
     const auto* package = packages_.named(named.package, folder);
     if (package == nullptr) return {std::nullopt, candidates.named};
-    return {packages_.find(*package, named.subpath, dialect), true};
+    return found_or_missed(packages_.find(*package, named.subpath, dialect),
+                           join(package->folder, named.subpath));
   }
 
   Found find_internal(std::string_view specifier, std::string_view folder, Dialect dialect,
@@ -183,16 +190,16 @@ class EcmascriptResolver : public Resolver {
   // NOLINTEND(misc-no-recursion)
 
   // "@/x" and "~/x" mean a project's sources wherever no configuration says otherwise.
-  std::optional<FileId> find_aliased(std::string_view path, std::string_view folder,
-                                     Dialect dialect) const {
+  Found find_aliased(std::string_view path, std::string_view folder, Dialect dialect) const {
     const auto* package = packages_.around(folder);
-    if (package == nullptr) return std::nullopt;
+    if (package == nullptr) return {std::nullopt, true};
     for (const std::string_view source : {"src", "", "app"}) {
       const auto place = join_normal(join(package->folder, source), path);
       if (!place) continue;
-      if (const auto id = packages_.find_path(*place, dialect)) return id;
+      if (const auto id = packages_.find_path(*place, dialect)) return {id, true};
+      if (files_.has_binary(*place)) return {};
     }
-    return std::nullopt;
+    return {std::nullopt, true};
   }
 
   const FileTable& files_;

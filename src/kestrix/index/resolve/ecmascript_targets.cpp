@@ -18,12 +18,26 @@ constexpr std::array<std::string_view, 17> kBuilt = {
     "esm",   "lib",    "node", "out",      "out-tsc", "types",    "typings",  "umd"};
 constexpr std::array<std::string_view, 4> kSources = {"src", "", "source", "lib"};
 
+// Conditions of some bundlers and surroundings only.
+constexpr std::array<std::string_view, 11> kSpecial = {
+    "browser", "bun",         "deno",         "edge-light",   "electron", "module",
+    "worker",  "module-sync", "react-native", "react-server", "workerd"};
+
+bool is_special(std::string_view condition) {
+  return std::ranges::find(kSpecial, condition) != kSpecial.end();
+}
+
+// What every surrounding understands comes first.
 // NOLINTNEXTLINE(misc-no-recursion): kDeepestConditions at most
 void collect(const Json& value, int depth, std::vector<std::string>& targets) {
   if (targets.size() >= kMostTargets) return;
   if (value.is_string()) targets.push_back(value.get<std::string>());
   if (!value.is_structured() || depth == kDeepestConditions) return;
-  for (const Json& inner : value) collect(inner, depth + 1, targets);
+  for (const bool special : {false, true}) {
+    for (const auto& [condition, inner] : value.items()) {
+      if (is_special(condition) == special) collect(inner, depth + 1, targets);
+    }
+  }
 }
 
 // What the "*" of a pattern stands for in `key`.
