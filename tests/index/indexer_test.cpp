@@ -106,8 +106,10 @@ class Editor {
   }
 
   std::string any_script() {
-    return fmt::format("import {{A}} from '@/m{}';\nexport * from './m{}';\nexport class {} {{}}\n",
-                       pick(3), pick(3), pick(2) == 0 ? "A" : "B");
+    return fmt::format(
+        "import {{A}} from '@/m{}';\nimport './x{}.bin';\nexport * from './m{}';\n"
+        "export class {} {{}}\n",
+        pick(3), pick(2), pick(3), pick(2) == 0 ? "A" : "B");
   }
 
   // Nothing that another file could see.

@@ -66,6 +66,7 @@ GoModules::GoModules(const FileTable& files) {
   for (FileId id = 0; id < files.size(); ++id) {
     const std::string_view path = files.path(id);
     if (base_name(path) == "go.mod") add_module(folder_of(path), files.read(id));
+    if (base_name(path) == "go.work") add_workspace(folder_of(path), files.read(id));
     const std::size_t vendor = path.find("vendor/");
     if (vendor == 0 || (vendor != path.npos && path[vendor - 1] == '/')) {
       vendored_.emplace(path.substr(0, vendor == 0 ? 0 : vendor - 1));
@@ -77,16 +78,26 @@ void GoModules::add_module(std::string_view folder, std::string_view text) {
   Module& module = by_folder_[std::string(folder)];
   for_each_directive(text, [&](std::string_view directive, const auto& words) {
     if (directive == "module" && !words.empty()) module.path = words[0];
-    const auto arrow = std::ranges::find(words, "=>");
-    if (directive != "replace" || arrow == words.end() || arrow + 1 == words.end()) return;
-    const std::string_view target = *(arrow + 1);
-    if (!target.starts_with("./") && !target.starts_with("../") && target != "." && target != "..")
-      return;
-    if (auto place = join_normal(folder, target)) {
-      module.replaced.emplace(words[0], std::move(*place));
-    }
+    if (directive == "replace") add_replaced(folder, words, module.replaced);
   });
   if (!module.path.empty() && !is_aside(folder)) by_path_.try_emplace(module.path, folder);
+}
+
+void GoModules::add_workspace(std::string_view folder, std::string_view text) {
+  for_each_directive(text, [&](std::string_view directive, const auto& words) {
+    if (directive == "replace") add_replaced(folder, words, replaced_everywhere_);
+  });
+}
+
+void GoModules::add_replaced(std::string_view folder, std::span<const std::string_view> words,
+                             Replaced& replaced) {
+  const auto arrow = std::ranges::find(words, "=>");
+  if (arrow == words.end() || arrow + 1 == words.end()) return;
+  const std::string_view target = *(arrow + 1);
+  const bool is_folder =
+      target.starts_with("./") || target.starts_with("../") || target == "." || target == "..";
+  if (!is_folder) return;
+  if (auto place = join_normal(folder, target)) replaced.emplace(words[0], std::move(*place));
 }
 
 const std::string* GoModules::module_above(std::string_view folder) const {
@@ -109,16 +120,14 @@ std::optional<GoModules::Place> GoModules::place_of(std::string_view path,
       return true;
     }
     const std::string key(prefix);
-    if (module != nullptr) {
-      const auto replaced = module->replaced.find(key);
-      if (replaced != module->replaced.end()) {
-        place = Place{join(replaced->second, rest), false};
-        return true;
-      }
-    }
-    const auto other = by_path_.find(key);
-    if (other != by_path_.end()) place = Place{join(other->second, rest), false};
-    return other != by_path_.end();
+    const auto find_in = [&](const std::unordered_map<std::string, std::string>& folders) {
+      const auto found = folders.find(key);
+      if (found == folders.end()) return false;
+      place = Place{join(found->second, rest), false};
+      return true;
+    };
+    return (module != nullptr && find_in(module->replaced)) || find_in(replaced_everywhere_) ||
+           find_in(by_path_);
   });
   if (place) return place;
   for_each_folder_up(folder, [&](std::string_view up) {
