@@ -72,7 +72,7 @@ constexpr std::array kCSharp{
     Evidence{kEntity, R"(^[ \t]*\[(?:Table\(|BsonCollection))"},
     Evidence{kRecord, R"(^[ \t]*(?:(?:public|internal|private|protected|sealed|abstract|readonly|)"
                       R"(partial|static|file)\s+)*record\s+(?:struct\s+|class\s+)?[A-Z]\w*)"
-                      R"(\s*(?:<[^()\n]*>)?\s*[({:;])"},
+                      R"(\s*(?:<[^()\n]*>)?\s*(?:\(\s*[^)\s]|(?::[^;({]*)?\{))"},
 };
 
 constexpr std::array kGoExtensions{Name("go")};
