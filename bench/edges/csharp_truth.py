@@ -2,9 +2,9 @@
 """Prints what a repository's C# files depend on: "source<TAB>target" lines.
 
 No compiler: a lexer of its own, the declared types by their braces, and every name that its
-neighbours show to be a type, looked up as the language defines it: by namespace from the inside out,
-then by the directives in force there, global ones included. A file sees what its project and those
-that it refers to declare. Knows nothing of the index.
+neighbours show to be a type, looked up as the language defines it: by namespace from the inside
+out, then by the directives in force there, global ones included. A file sees what its project and
+those that it refers to declare. Knows nothing of the index.
 """
 
 import collections
@@ -26,6 +26,8 @@ foreach goto if implicit in int interface internal is lock long namespace new nu
 out override params private protected public readonly ref return sbyte sealed short sizeof
 stackalloc static string struct switch this throw true try typeof uint ulong unchecked unsafe ushort
 using virtual void volatile while""".split())
+BUILT_IN = set("bool byte char decimal double float int long object short string uint ulong"
+               .split())
 # Words that may follow a value, so that it is no type before a declared name.
 INFIX = set("and or when switch with is as in ascending descending into on equals by select where "
             "orderby join let group not".split())
@@ -69,9 +71,6 @@ class Lexer:
         self.out.append('"')
         text, holes = self.text, opening.count("$") if "$" in opening else 0
         end = '"' * opening.count('"') if kind == "raw" else '"'
-        if kind == "raw" and not holes and set(opening) == {'"'} and len(opening) % 2 == 0 \
-                and "\n" not in text[at:at + 2] and len(opening) == 6:
-            return at  # an empty raw literal does not exist; this is ""…""
         while at < len(text):
             if kind == "string" and text[at] == "\\":
                 at += 2
@@ -92,7 +91,8 @@ class Lexer:
 
 class Scope:
     def __init__(self, kind, name="", parent=None):
-        self.kind, self.name, self.parent = kind, name, parent  # kinds: file, space, type, body
+        # kinds: file, space, type, extension, body
+        self.kind, self.name, self.parent = kind, name, parent
         self.usings, self.aliases, self.nested = [], {}, set()
 
     def spaces(self):
@@ -107,7 +107,8 @@ class Scope:
 class Source:
     def __init__(self, path, text):
         self.path, self.tokens = path, Lexer(text).out
-        self.types, self.extensions = {}, set()  # (namespace, name, arity): partial; (namespace, name)
+        self.types = {}          # (namespace, name, arity): whether partial
+        self.extensions = set()  # (namespace, name)
         self.names, self.chains, self.calls = [], [], []  # with the scope that they stand in
         self.statics, self.values, self.methods = [], set(), set()
         self.global_usings, self.global_aliases = [], {}
@@ -121,7 +122,8 @@ class Source:
             depth += {"<": 1, ">": -1}.get(token, 0)
             if depth == 0:
                 return i + 1
-            if not (token in "<>,.?[]()*" or token in ("::", "#if", "#else", "#endif") or re.match(r"@?\w", token)) or token == '"':
+            if token not in "<>,.?[]()*" and token not in ("::", "#if", "#else", "#endif") and \
+                    not re.match(r"@?\w", token):
                 return 0
             i += 1
         return 0
@@ -170,11 +172,15 @@ class Source:
                 else:
                     pending = inner
                     i -= 1
-            elif token == "using" and stack[-1].kind in ("file", "space") and self.tok(i + 1) != "(":
+            elif token == "using" and stack[-1].kind in ("file", "space") and \
+                    self.tok(i + 1) != "(":
                 i = self.read_using(i, stack[-1])
             elif level and self.declares_type(i):
                 i, pending, head = self.read_type(i, stack[-1])
                 continue
+            elif token == "extension" and stack[-1].kind == "type" and \
+                    self.tok(i + 1) in ("(", "<"):
+                pending = Scope("extension", "", stack[-1])
             elif token == "{":
                 stack.append(pending or Scope("body", "", stack[-1]))
                 pending, head = None, None
@@ -196,7 +202,8 @@ class Source:
                 (before in KEYWORDS or before in ("partial", "file", ";", "{", "}", "]", ""))
         if token == "delegate":
             return self.tok(i + 1) not in ("(", "{", "*")
-        return token in ("class", "struct", "interface", "enum") and before not in (":", ",", "record")
+        return token in ("class", "struct", "interface", "enum") and \
+            before not in (":", ",", "record")
 
     def read_type(self, i, scope):
         word, partial = self.tokens[i], self.tok(i - 1) == "partial"
@@ -264,6 +271,8 @@ class Source:
             if end:
                 self.take_arguments(i + 1, end, scope)
             return
+        if scope.kind == "extension" and after in ("(", "<") and re.match(r"@?\w|[>\]?]", before):
+            self.extensions.add((next(s.name for s in scope.spaces()), name))
         if level and after == "(" and (re.match(r"@?\w|[>\]?]", before)) and before != "new":
             if self.tok(i + 2) == "this":
                 spaces = next(s.name for s in scope.spaces())
@@ -273,8 +282,7 @@ class Source:
         if level and after == "<" and (end := self.generic_end(i + 1)) and self.tok(end) == "(":
             if self.tok(end + 1) == "this":
                 self.extensions.add((next(s.name for s in scope.spaces()), name))
-        if re.match(r"@?\w|[>\]?]", before) and before not in KEYWORDS - set("string int bool object "
-                "long double float decimal byte char short uint ulong".split()) and \
+        if re.match(r"@?\w|[>\]?]", before) and before not in KEYWORDS - BUILT_IN and \
                 before not in INFIX | {"await", "return", "async", "partial", "var"} and \
                 (after in ("{", ";", "=", ",", ")", "=>") or after == "in"):
             self.values.add(name)
@@ -358,8 +366,8 @@ class Source:
             elif token == "[":
                 if depth == 0:
                     opens = self.tok(k - 1)
-                    return opens in (";", "{", "}", "]", "(", ",", "", "=>", "#endif", "#if", ":", "<")\
-                        and not (opens in ("(", ",") and self.tok(k + 1) == '"')
+                    places = ("", ";", "{", "}", "]", "(", ",", "=>", "#endif", "#if", ":", "<")
+                    return opens in places and not (opens in ("(", ",") and self.tok(k + 1) == '"')
                 depth -= 1
             elif token in (";", "{", "}"):
                 return False
@@ -443,7 +451,8 @@ def normal(folder, relative):
 
 class World:
     def __init__(self, repo):
-        listed = subprocess.run(["git", "-C", repo, "ls-files", "-z"], capture_output=True, text=True)
+        listed = subprocess.run(["git", "-C", repo, "ls-files", "-z"], capture_output=True,
+                                text=True)
         files = [f for f in listed.stdout.split("\0") if f and (repo / f).is_file()]
         self.projects = Projects(repo, files)
         self.sources, self.types = [], collections.defaultdict(list)
@@ -462,7 +471,8 @@ class World:
             self.sources.append(source)
             project = self.projects.of(file)
             usings[project] += [(n, fixed, None) for n, fixed in source.global_usings]
-            usings[project] += [(n, False, alias) for alias, (n, _) in source.global_aliases.items()]
+            aliases = source.global_aliases
+            usings[project] += [(n, False, alias) for alias, (n, _) in aliases.items()]
             for key, partial in source.types.items():
                 self.types[key].append(file)
                 self.partial[key] &= partial
@@ -477,7 +487,8 @@ class World:
         self.by_path = {source.path: source for source in self.sources}
 
     def files_of(self, table, key, source):
-        if key[0].split(".")[0] == "System" and not any(t[0].startswith("System") for t in source.types):
+        inside = any(t[0].startswith("System") for t in source.types)
+        if key[0].split(".")[0] == "System" and not inside:
             return []
         project = self.projects.of(source.path)
         visible = self.projects.closure.get(project)
@@ -523,7 +534,8 @@ class World:
     def directives(self, space, source):
         names = list(space.usings)
         if space.kind == "file":
-            names += [(n, f) for n, f, alias in self.usings[self.projects.of(source.path)] if not alias]
+            project = self.projects.of(source.path)
+            names += [(n, f) for n, f, alias in self.usings[project] if not alias]
         for name, fixed in names:
             if fixed:
                 continue

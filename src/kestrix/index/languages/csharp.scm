@@ -18,3 +18,7 @@
 ((method_declaration name: (identifier) @method
    parameters: (parameter_list . (parameter (modifier) @this)))
  (#eq? @this "this"))
+; The grammar takes a block of extension members for a constructor with functions in its body.
+((constructor_declaration name: (identifier) @block
+   body: (block (local_function_statement name: (identifier) @method)))
+ (#eq? @block "extension"))

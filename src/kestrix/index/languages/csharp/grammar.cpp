@@ -37,6 +37,7 @@ Grammar::Grammar()
       namespace_block(symbol_named("namespace_declaration")),
       namespace_of_file(symbol_named("file_scoped_namespace_declaration")),
       qualified_name(symbol_named("qualified_name")),
+      type_arguments(symbol_named("type_argument_list")),
       type_parameter(symbol_named("type_parameter")),
       using_directive(symbol_named("using_directive")),
       left(field_named("left")),

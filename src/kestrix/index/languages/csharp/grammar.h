@@ -21,7 +21,7 @@ struct Grammar {
 
   TSSymbol alias_qualified_name, argument, as, attribute, binary, constant_pattern, error,
       generic_name, identifier, invocation, is, member_access, member_binding, namespace_block,
-      namespace_of_file, qualified_name, type_parameter, using_directive;
+      namespace_of_file, qualified_name, type_arguments, type_parameter, using_directive;
   TSFieldId left, name, qualifier, returns, right, type;
   std::vector<bool> holds_types;  ///< by symbol: nodes whose children without a field are types
 

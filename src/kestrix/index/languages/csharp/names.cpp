@@ -79,9 +79,11 @@ class Walk {
 
   void visit(const Frame& frame, TSNode node) {
     if (frame.symbol == grammar_.generic_name) {
-      const TSNode name = ts_node_child(node, 0);
-      const TSNode list = ts_node_child(node, 1);
-      take_name(frame, node, tree_.text(name), arity_of(list));
+      std::size_t arity = 0;
+      for_each_child(node, [&](TSNode child, std::string_view) {
+        if (grammar_.symbol(child) == grammar_.type_arguments) arity = arity_of(child);
+      });
+      take_name(frame, node, tree_.text(ts_node_child(node, 0)), arity);
     } else if (frame.symbol == grammar_.identifier) {
       take_name(frame, node, tree_.text(node), 0);
     }
