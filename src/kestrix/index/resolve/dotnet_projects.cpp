@@ -15,7 +15,8 @@ namespace {
 
 constexpr std::string_view kProjectFile = ".csproj";
 constexpr std::string_view kSharedFile = "Directory.Build.props";
-constexpr std::size_t kMostFollowed = 4000;  // projects whose references are followed on and on
+constexpr std::size_t kMostItems = 2000;        // of one project file
+constexpr std::size_t kMostSteps = 20'000'000;  // from project to project, for all together
 
 std::string_view stem(std::string_view path) {
   const std::string_view name = base_name(path);
@@ -38,6 +39,20 @@ std::optional<GlobalUsing> using_of(std::string_view tag) {
   directive.type = !attribute(tag, fixed).empty();
   directive.alias = attribute(tag, alias);
   return directive;
+}
+
+// The tags of the items that matter, with what stands in them.
+std::vector<std::pair<std::string, std::string>> items_of(const std::string& project) {
+  static const RE2 item(
+      R"(<(Using|ProjectReference|PackageReference|Reference|Compile)\s([^<>]*)>)");
+  std::vector<std::pair<std::string, std::string>> items;
+  re2::StringPiece rest(project);
+  std::string kind;
+  std::string tag;
+  while (items.size() < kMostItems && RE2::FindAndConsume(&rest, item, &kind, &tag)) {
+    items.emplace_back(kind, tag);
+  }
+  return items;
 }
 
 std::optional<GlobalUsing> global_of(const ImportFact& import) {
@@ -81,33 +96,30 @@ DotnetProjects::Id DotnetProjects::containing(std::string_view path) const {
   }
 }
 
+// Files that are shared are read once, however many projects they stand above.
 void DotnetProjects::read_project_files() {
-  std::unordered_map<std::string_view, std::string> shared;
+  std::unordered_map<std::string_view, std::vector<Item>> shared;
   for (FileId id = 0; id < files_.size(); ++id) {
     const std::string_view path = files_.path(id);
-    if (base_name(path) == kSharedFile) shared.emplace(folder_of(path), files_.read(id));
+    if (base_name(path) == kSharedFile) shared.emplace(folder_of(path), items_of(files_.read(id)));
   }
   for (FileId id = 0; id < files_.size(); ++id) {
     const std::string_view path = files_.path(id);
     if (!path.ends_with(kProjectFile)) continue;
     Project& project = projects_[by_folder_[folder_of(path)]];
     const std::string text = files_.read(id);
-    read(project, project.folder, text);
+    take(project, project.folder, items_of(text));
     for_each_folder_up(project.folder, [&](std::string_view folder) {
       const auto found = shared.find(folder);
-      if (found != shared.end()) read(project, folder, found->second);
+      if (found != shared.end()) take(project, folder, found->second);
     });
     project.open = project.referred.empty() && text.find("<Import ") != text.npos;
   }
 }
 
-void DotnetProjects::read(Project& project, std::string_view folder, const std::string& text) {
-  static const RE2 item(
-      R"(<(Using|ProjectReference|PackageReference|Reference|Compile)\s([^<>]*)>)");
+void DotnetProjects::take(Project& project, std::string_view folder, std::span<const Item> items) {
   static const RE2 include(R"(\bInclude\s*=\s*["']([^"']+)["'])");
-  re2::StringPiece rest(text);
-  std::string kind;
-  for (std::string tag; RE2::FindAndConsume(&rest, item, &kind, &tag);) {
+  for (const auto& [kind, tag] : items) {
     if (kind == "Using") {
       auto directive = using_of(tag);
       if (directive && project.usings.size() < kMostUsings) {
@@ -147,16 +159,17 @@ void DotnetProjects::add_usings_of_sources() {
 
 void DotnetProjects::follow_references() {
   std::vector<std::vector<Id>> all(projects_.size());
+  std::size_t steps = 0;
   for (Id id = 1; id < projects_.size(); ++id) {
-    if (projects_.size() > kMostFollowed) projects_[id].open = true;
-    if (projects_[id].open) continue;
     std::unordered_set<Id> seen = {id};
     std::vector<Id> found = {id};
-    for (std::size_t at = 0; at < found.size(); ++at) {
+    for (std::size_t at = 0; at < found.size() && steps < kMostSteps; ++at) {
+      steps += projects_[found[at]].referred.size() + 1;
       for (const Id next : projects_[found[at]].referred) {
         if (seen.insert(next).second) found.push_back(next);
       }
     }
+    projects_[id].open |= steps >= kMostSteps;
     std::ranges::sort(found);
     all[id] = std::move(found);
   }

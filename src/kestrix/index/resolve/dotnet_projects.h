@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "kestrix/index/resolver.h"
@@ -50,8 +51,10 @@ class DotnetProjects {
     std::vector<GlobalUsing> usings;
   };
 
+  using Item = std::pair<std::string, std::string>;  // of a project file: its tag and the rest
+
   Id containing(std::string_view path) const;
-  void read(Project& project, std::string_view folder, const std::string& text);
+  void take(Project& project, std::string_view folder, std::span<const Item> items);
   Id referred_by(std::string_view kind, std::string_view value, std::string_view folder) const;
   void read_project_files();
   void add_usings_of_sources();
