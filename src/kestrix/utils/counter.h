@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <functional>
 #include <iterator>
-#include <optional>
+#include <memory>
 #include <utility>
 #include <vector>
 
@@ -22,6 +22,13 @@ class Counter {
  public:
   using Entry = std::pair<Key, Count>;
 
+  Counter() = default;
+  Counter(const Counter& other) : few_(other.few_), many_(copy_of(other.many_)) {}
+  Counter(Counter&&) noexcept = default;
+  Counter& operator=(const Counter& other) { return *this = Counter(other); }
+  Counter& operator=(Counter&&) noexcept = default;
+  ~Counter() = default;
+
   /// Adds `amount` to the key's count. The first addition creates the key, whatever the amount.
   template <class K>
   void add(const K& key, const Count& amount) {
@@ -33,7 +40,8 @@ class Counter {
     } else if (few_.size() < kFew) {
       few_.emplace_back(Key(key), Count{} + amount);
     } else {
-      many_.emplace(std::move_iterator(few_.begin()), std::move_iterator(few_.end()));
+      many_ =
+          std::make_unique<Many>(std::move_iterator(few_.begin()), std::move_iterator(few_.end()));
       few_ = {};
       add_to_many(key, amount);
     }
@@ -70,7 +78,13 @@ class Counter {
   friend bool operator==(const Counter& a, const Counter& b) { return a.entries() == b.entries(); }
 
  private:
+  using Many = OrderedMap<Key, Count>;
+
   static constexpr std::size_t kFew = 8;
+
+  static std::unique_ptr<Many> copy_of(const std::unique_ptr<Many>& many) {
+    return many ? std::make_unique<Many>(*many) : nullptr;
+  }
 
   const std::vector<Entry>& entries() const { return many_ ? many_->values_container() : few_; }
 
@@ -94,8 +108,8 @@ class Counter {
   }
 
   std::vector<Entry> few_;
-  std::optional<OrderedMap<Key, Count>>
-      many_;  ///< holds all entries once there are more than a few
+  // Holds all entries once there are more than a few. Apart, so that maps of counters move little.
+  std::unique_ptr<Many> many_;
 };
 
 }  // namespace kestrix
