@@ -84,13 +84,16 @@ class Edges {
     using difference_type = std::ptrdiff_t;
 
     Iterator() = default;
-    Iterator(PyObject* edges, EdgeReader* reader) : items_(edges), reader_(reader) {}
+    Iterator(PyObject* edges, EdgeReader* reader)
+        : items_(edges),
+          reader_(reader),
+          is_long_(PyList_CheckExact(edges) && PyList_GET_SIZE(edges) > kMostInCache) {}
 
     Edge operator*() const { return {(*items_).ptr(), reader_}; }
     Iterator& operator++() {
       if (++count_ % kEdgesBetweenSignals == 0) checked(PyErr_CheckSignals());
       ++items_;
-      reader_->fetch_ahead(items_.later(kAhead));
+      if (is_long_) reader_->fetch_ahead(items_.later(kAhead));
       return *this;
     }
     void operator++(int) { ++*this; }
@@ -100,10 +103,12 @@ class Edges {
 
    private:
     static constexpr Py_ssize_t kAhead = 4;  // half of what the list itself is read ahead
+    static constexpr Py_ssize_t kMostInCache = 10'000;
     static constexpr std::size_t kEdgesBetweenSignals = 1U << 16U;
 
     ItemIterator items_;
     EdgeReader* reader_ = nullptr;
+    bool is_long_ = false;
     std::size_t count_ = 0;
   };
 
