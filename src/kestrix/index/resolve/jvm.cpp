@@ -135,8 +135,7 @@ class JvmResolver : public Resolver {
     if (std::ranges::any_of(own, [&](FileId id) { return is_actual(id, name); })) targets.clear();
     targets.insert(targets.end(), own.begin(), own.end());
     std::ranges::sort(targets);
-    const auto repeated = std::ranges::unique(targets);
-    targets.erase(repeated.begin(), repeated.end());
+    targets.erase(std::unique(targets.begin(), targets.end()), targets.end());
     return targets;
   }
 
@@ -163,8 +162,7 @@ class JvmResolver : public Resolver {
       if (type && !targets.empty()) break;
     }
     std::ranges::sort(targets);
-    const auto repeated = std::ranges::unique(targets);
-    targets.erase(repeated.begin(), repeated.end());
+    targets.erase(std::unique(targets.begin(), targets.end()), targets.end());
     return targets;
   }
 
