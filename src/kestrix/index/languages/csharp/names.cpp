@@ -89,49 +89,71 @@ class Walk {
     }
   }
 
-  void take_name(const Frame& frame, TSNode node, std::string_view text, std::size_t arity) {
-    const std::string_view name = plain(text);
-    if (!packaged::is_type_like(name)) return take_lower_name(frame);
-    const Frame& parent = above(1);
-    if (grammar_.is_type_place(parent.symbol, frame.field)) {
-      add(with_arity(name, arity), frame.start);
-    } else if (parent.symbol == grammar_.attribute) {
-      if (frame.field == grammar_.name) add(kAttributeMark + with_arity(name, arity), frame.start);
-    } else if (parent.symbol == grammar_.qualified_name) {
-      if (frame.field != grammar_.qualifier || is_namespace_name()) return;
-      add(with_arity(name, arity), frame.start);
-      add_chain(node, chain_at(tree_.text().substr(frame.start)));
-    } else if (parent.symbol == grammar_.alias_qualified_name) {
-      if (frame.field == grammar_.name) add_chain(node, chain_at(tree_.text().substr(frame.start)));
-    } else if (parent.symbol == grammar_.member_access) {
-      if (frame.field == grammar_.name) return add_call(node, name);
-      scopes_.push_back({with_arity(name, arity), name, frame.start});
-      add_chain(node, scope_at(frame.start));
-    } else if (parent.symbol == grammar_.member_binding) {
-      add_call(node, name);
-    } else if (parent.symbol == grammar_.error || is_in_nameof(parent) || is_tested_type(frame)) {
-      add(with_arity(name, arity), frame.start);
-    } else if (parent.symbol == grammar_.type_parameter) {
-      values_.insert(name);
-      type_parameters_.insert(name);
-    } else if (frame.field == grammar_.name && parent.symbol != grammar_.argument) {
-      values_.insert(name);
+  // What a name is where it stands.
+  enum class Place : std::uint8_t {
+    kOther,
+    kType,
+    kAttribute,
+    kQualifier,  // of a type's name
+    kQualified,  // by "::"
+    kScope,      // before a "."
+    kMember,     // behind a "."
+    kTypeParameter,
+    kValue,
+  };
+
+  Place place_of(const Frame& frame) const {
+    const TSSymbol parent = above(1).symbol;
+    const bool is_name = frame.field == grammar_.name;
+    if (grammar_.is_type_place(parent, frame.field)) return Place::kType;
+    if (parent == grammar_.attribute) return is_name ? Place::kAttribute : Place::kOther;
+    if (parent == grammar_.alias_qualified_name) return is_name ? Place::kQualified : Place::kOther;
+    if (parent == grammar_.member_access) return is_name ? Place::kMember : Place::kScope;
+    if (parent == grammar_.member_binding) return Place::kMember;
+    if (parent == grammar_.type_parameter) return Place::kTypeParameter;
+    if (parent == grammar_.qualified_name) {
+      const bool first = frame.field == grammar_.qualifier && !is_namespace_name();
+      return first ? Place::kQualifier : Place::kOther;
     }
+    const bool type = parent == grammar_.error || is_in_nameof() || is_tested_type(frame);
+    if (type) return Place::kType;
+    return is_name && parent != grammar_.argument ? Place::kValue : Place::kOther;
   }
 
-  // Packages may start with a lower-case letter.
-  void take_lower_name(const Frame& frame) {
-    const Frame& parent = above(1);
-    const std::string_view chain = chain_at(tree_.text().substr(frame.start));
-    if (chain.find('.') == chain.npos) return;
-    if (parent.symbol == grammar_.qualified_name) {
-      if (frame.field == grammar_.qualifier && !is_namespace_name()) {
-        add_chain(cursor_.node(), chain);
-      }
-    } else if (parent.symbol == grammar_.alias_qualified_name && frame.field == grammar_.name) {
-      add_chain(cursor_.node(), chain);
-    } else if (parent.symbol == grammar_.member_access && frame.field != grammar_.name) {
-      add_chain(cursor_.node(), scope_at(frame.start));
+  void take_name(const Frame& frame, TSNode node, std::string_view text, std::size_t arity) {
+    const std::string_view name = plain(text);
+    const Place place = place_of(frame);
+    if (place == Place::kQualifier || place == Place::kQualified) {
+      add_chain(node, chain_at(tree_.text().substr(frame.start)));
+    } else if (place == Place::kScope) {
+      add_chain(node, scope_at(frame.start));
+    }
+    // Namespaces may start with a lower-case letter, types do not.
+    if (packaged::is_type_like(name)) take_type_like(place, name, arity, node);
+  }
+
+  void take_type_like(Place place, std::string_view name, std::size_t arity, TSNode node) {
+    const std::uint32_t start = ts_node_start_byte(node);
+    switch (place) {
+      case Place::kType:
+      case Place::kQualifier:
+        return add(with_arity(name, arity), start);
+      case Place::kAttribute:
+        return add(kAttributeMark + with_arity(name, arity), start);
+      case Place::kScope:
+        scopes_.push_back({with_arity(name, arity), name, start});
+        return;
+      case Place::kMember:
+        return add_call(node, name);
+      case Place::kTypeParameter:
+        type_parameters_.insert(name);
+        [[fallthrough]];
+      case Place::kValue:
+        values_.insert(name);
+        return;
+      case Place::kQualified:
+      case Place::kOther:
+        return;
     }
   }
 
@@ -163,8 +185,8 @@ class Walk {
     return level > 1 && above(level).symbol == grammar_.constant_pattern;
   }
 
-  bool is_in_nameof(const Frame& parent) const {
-    return parent.symbol == grammar_.argument && above(3).symbol == grammar_.invocation &&
+  bool is_in_nameof() const {
+    return above(1).symbol == grammar_.argument && above(3).symbol == grammar_.invocation &&
            tree_.text().substr(above(3).start).starts_with("nameof");
   }
 
