@@ -112,10 +112,4 @@ std::optional<FileId> Packages::find_one(std::string_view package, std::string_v
   return *std::ranges::find_if(files, named);
 }
 
-std::span<const FileId> Packages::find_dotted(std::string_view dotted, FileId from) const {
-  return find_longest(dotted, [&](std::string_view package, std::string_view name) {
-    return find(package, name, from);
-  });
-}
-
 }  // namespace kestrix::index

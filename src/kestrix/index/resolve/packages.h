@@ -39,9 +39,6 @@ class Packages {
   std::optional<FileId> find_one(std::string_view package, std::string_view name,
                                  FileId from) const;
 
-  /// `find` for the longest prefix of a dotted name that is a declared name of a package.
-  std::span<const FileId> find_dotted(std::string_view dotted, FileId from) const;
-
   static constexpr std::size_t kMostEqual = 8;
 
  private:
