@@ -8,10 +8,10 @@
 
 #include "fuzz/require.h"
 #include "fuzz/scratch_directory.h"
-#include "kestrix/index/git_config.h"
-#include "kestrix/index/git_index.h"
-#include "kestrix/index/ignore_rules.h"
-#include "kestrix/index/wildmatch.h"
+#include "kestrix/index/walk/git_config.h"
+#include "kestrix/index/walk/git_index.h"
+#include "kestrix/index/walk/ignore_rules.h"
+#include "kestrix/index/walk/wildmatch.h"
 
 namespace kestrix::index {
 namespace {

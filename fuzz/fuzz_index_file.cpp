@@ -15,10 +15,10 @@
 
 #include "fuzz/require.h"
 #include "fuzz/scratch_directory.h"
-#include "kestrix/index/content_hash.h"
-#include "kestrix/index/corrupt_index.h"
-#include "kestrix/index/facts_codec.h"
 #include "kestrix/index/indexer.h"
+#include "kestrix/index/store/content_hash.h"
+#include "kestrix/index/store/corrupt_index.h"
+#include "kestrix/index/store/facts_codec.h"
 #include "tests/index/dump.h"
 
 namespace kestrix::index {

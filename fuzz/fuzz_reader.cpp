@@ -7,9 +7,9 @@
 #include <string_view>
 
 #include "fuzz/require.h"
-#include "kestrix/index/facts_codec.h"
-#include "kestrix/index/language.h"
-#include "kestrix/index/reader.h"
+#include "kestrix/index/parse/language.h"
+#include "kestrix/index/parse/reader.h"
+#include "kestrix/index/store/facts_codec.h"
 
 namespace kestrix::index {
 namespace {

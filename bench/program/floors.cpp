@@ -18,7 +18,7 @@
 #include <thread>
 #include <vector>
 
-#include "kestrix/index/language.h"
+#include "kestrix/index/parse/language.h"
 
 namespace kestrix::index {
 namespace {

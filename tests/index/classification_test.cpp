@@ -1,4 +1,4 @@
-#include "kestrix/index/classification.h"
+#include "kestrix/index/walk/classification.h"
 
 #include <gtest/gtest.h>
 

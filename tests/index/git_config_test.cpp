@@ -1,4 +1,4 @@
-#include "kestrix/index/git_config.h"
+#include "kestrix/index/walk/git_config.h"
 
 #include <gtest/gtest.h>
 
@@ -50,10 +50,10 @@ TEST(GitConfig, IncludesWhereTheDirectoryMatches) {
 
 TEST(GitConfig, RefusesWhatIsMalformed) {
   Scratch scratch;
-  for (const char* text : {"[core\n", "key = 1\n", "[core]\nkey = \"open\n", "[core]\nkey = \\q\n",
-                           "[core]\nkey value\n", "[core]\n=\n", "[\"x\"]\n", "[core \"x]\n",
-                           "[]\n", "[core]\nkey = \\",
-                           "[include]\npath = config\npath = config\npath = config\n"}) {
+  for (const char* text :
+       {"[core\n", "key = 1\n", "[core]\nkey = \"open\n", "[core]\nkey = \\q\n",
+        "[core]\nkey value\n", "[core]\n=\n", "[\"x\"]\n", "[core \"x]\n", "[]\n",
+        "[core]\nkey = \\", "[include]\npath = config\npath = config\npath = config\n"}) {
     scratch.write("config", text);
     EXPECT_FALSE(GitConfig(scratch.path()).read(scratch / "config")) << text;
   }

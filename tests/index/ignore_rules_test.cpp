@@ -1,11 +1,11 @@
-#include "kestrix/index/ignore_rules.h"
+#include "kestrix/index/walk/ignore_rules.h"
 
 #include <gtest/gtest.h>
 
 #include <chrono>
 #include <string>
 
-#include "kestrix/index/wildmatch.h"
+#include "kestrix/index/walk/wildmatch.h"
 
 namespace kestrix::index {
 namespace {

@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "kestrix/index/language.h"
-#include "kestrix/index/reader.h"
+#include "kestrix/index/parse/language.h"
+#include "kestrix/index/parse/reader.h"
 #include "tests/languages/facts_text.h"
 
 namespace kestrix::index {

@@ -1,4 +1,4 @@
-#include "kestrix/index/reader.h"
+#include "kestrix/index/parse/reader.h"
 
 #include <gtest/gtest.h>
 
@@ -8,7 +8,7 @@
 #include <thread>
 #include <vector>
 
-#include "kestrix/index/language.h"
+#include "kestrix/index/parse/language.h"
 
 namespace kestrix::index {
 namespace {

@@ -6,9 +6,9 @@
 #include <memory>
 #include <optional>
 
-#include "kestrix/index/language.h"
-#include "kestrix/index/reader.h"
-#include "kestrix/index/resolver.h"
+#include "kestrix/index/parse/language.h"
+#include "kestrix/index/parse/reader.h"
+#include "kestrix/index/resolve/resolver.h"
 
 namespace kestrix::index {
 namespace {

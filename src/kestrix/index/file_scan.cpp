@@ -6,12 +6,12 @@
 #include <optional>
 #include <utility>
 
-#include "kestrix/index/classification.h"
-#include "kestrix/index/content_hash.h"
-#include "kestrix/index/facts_codec.h"
-#include "kestrix/index/file_reading.h"
-#include "kestrix/index/language.h"
-#include "kestrix/index/reader.h"
+#include "kestrix/index/parse/language.h"
+#include "kestrix/index/parse/reader.h"
+#include "kestrix/index/store/content_hash.h"
+#include "kestrix/index/store/facts_codec.h"
+#include "kestrix/index/walk/classification.h"
+#include "kestrix/index/walk/file_reading.h"
 #include "kestrix/utils/text_decoding.h"
 
 namespace kestrix::index {

@@ -3,8 +3,8 @@
 #include <cstdint>
 #include <string>
 
-#include "kestrix/index/root_directory.h"
-#include "kestrix/index/store.h"
+#include "kestrix/index/store/store.h"
+#include "kestrix/index/walk/root_directory.h"
 
 namespace kestrix::index {
 

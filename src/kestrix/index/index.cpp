@@ -7,13 +7,13 @@
 #include <numeric>
 #include <utility>
 
-#include "kestrix/index/content_hash.h"
-#include "kestrix/index/corrupt_index.h"
-#include "kestrix/index/edge_codec.h"
-#include "kestrix/index/facts_codec.h"
-#include "kestrix/index/language.h"
 #include "kestrix/index/name_pattern.h"
-#include "kestrix/index/store.h"
+#include "kestrix/index/parse/language.h"
+#include "kestrix/index/store/content_hash.h"
+#include "kestrix/index/store/corrupt_index.h"
+#include "kestrix/index/store/edge_codec.h"
+#include "kestrix/index/store/facts_codec.h"
+#include "kestrix/index/store/store.h"
 
 namespace kestrix::index {
 

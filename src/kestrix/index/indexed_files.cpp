@@ -2,9 +2,9 @@
 
 #include <utility>
 
-#include "kestrix/index/corrupt_index.h"
-#include "kestrix/index/facts_codec.h"
-#include "kestrix/index/file_reading.h"
+#include "kestrix/index/store/corrupt_index.h"
+#include "kestrix/index/store/facts_codec.h"
+#include "kestrix/index/walk/file_reading.h"
 #include "kestrix/utils/text_decoding.h"
 
 namespace kestrix::index {

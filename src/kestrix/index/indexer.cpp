@@ -2,12 +2,12 @@
 
 #include <fmt/format.h>
 
-#include "kestrix/index/cache_path.h"
-#include "kestrix/index/corrupt_index.h"
 #include "kestrix/index/refresher.h"
-#include "kestrix/index/root_directory.h"
-#include "kestrix/index/store.h"
-#include "kestrix/index/store_file.h"
+#include "kestrix/index/store/cache_path.h"
+#include "kestrix/index/store/corrupt_index.h"
+#include "kestrix/index/store/store.h"
+#include "kestrix/index/store/store_file.h"
+#include "kestrix/index/walk/root_directory.h"
 
 namespace kestrix::index {
 namespace {

@@ -8,12 +8,12 @@
 #include <system_error>
 #include <unordered_set>
 
-#include "kestrix/index/content_hash.h"
-#include "kestrix/index/corrupt_index.h"
 #include "kestrix/index/edge_builder.h"
-#include "kestrix/index/facts_codec.h"
 #include "kestrix/index/indexed_files.h"
 #include "kestrix/index/sources_digest.h"
+#include "kestrix/index/store/content_hash.h"
+#include "kestrix/index/store/corrupt_index.h"
+#include "kestrix/index/store/facts_codec.h"
 #include "kestrix/index/workers.h"
 
 namespace kestrix::index {

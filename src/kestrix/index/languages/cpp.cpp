@@ -2,10 +2,10 @@
 
 #include <array>
 
-#include "kestrix/index/language.h"
 #include "kestrix/index/languages/c_family/masking.h"
 #include "kestrix/index/languages/c_family/reader.h"
 #include "kestrix/index/languages/cpp.scm.h"
+#include "kestrix/index/parse/language.h"
 #include "kestrix/index/resolve/includes.h"
 
 namespace kestrix::index {

@@ -7,11 +7,11 @@
 #include <string>
 #include <vector>
 
-#include "kestrix/index/language.h"
 #include "kestrix/index/languages/go.scm.h"
 #include "kestrix/index/languages/golang/names.h"
-#include "kestrix/index/source_tree.h"
-#include "kestrix/index/symbols.h"
+#include "kestrix/index/parse/language.h"
+#include "kestrix/index/parse/source_tree.h"
+#include "kestrix/index/parse/symbols.h"
 
 namespace kestrix::index {
 namespace {

@@ -3,12 +3,12 @@
 #include <array>
 #include <string>
 
-#include "kestrix/index/language.h"
 #include "kestrix/index/languages/java.scm.h"
 #include "kestrix/index/languages/packaged/reading.h"
+#include "kestrix/index/parse/language.h"
+#include "kestrix/index/parse/source_tree.h"
+#include "kestrix/index/parse/symbols.h"
 #include "kestrix/index/resolve/jvm.h"
-#include "kestrix/index/source_tree.h"
-#include "kestrix/index/symbols.h"
 
 namespace kestrix::index {
 namespace {

@@ -2,9 +2,9 @@
 
 #include <array>
 
-#include "kestrix/index/language.h"
 #include "kestrix/index/languages/ecmascript/reader.h"
 #include "kestrix/index/languages/javascript.scm.h"
+#include "kestrix/index/parse/language.h"
 #include "kestrix/index/resolve/ecmascript.h"
 
 namespace kestrix::index {

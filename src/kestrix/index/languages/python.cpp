@@ -6,10 +6,10 @@
 #include <array>
 #include <string>
 
-#include "kestrix/index/language.h"
 #include "kestrix/index/languages/python.scm.h"
-#include "kestrix/index/source_tree.h"
-#include "kestrix/index/symbols.h"
+#include "kestrix/index/parse/language.h"
+#include "kestrix/index/parse/source_tree.h"
+#include "kestrix/index/parse/symbols.h"
 
 namespace kestrix::index {
 namespace {

@@ -9,11 +9,11 @@
 #include <utility>
 #include <vector>
 
-#include "kestrix/index/language.h"
 #include "kestrix/index/languages/packaged/reading.h"
 #include "kestrix/index/languages/ruby.scm.h"
-#include "kestrix/index/source_tree.h"
-#include "kestrix/index/symbols.h"
+#include "kestrix/index/parse/language.h"
+#include "kestrix/index/parse/source_tree.h"
+#include "kestrix/index/parse/symbols.h"
 
 namespace kestrix::index {
 namespace {

@@ -10,13 +10,13 @@
 #include <utility>
 #include <vector>
 
-#include "kestrix/index/language.h"
 #include "kestrix/index/languages/rust.scm.h"
 #include "kestrix/index/languages/rust/macro_items.h"
 #include "kestrix/index/languages/rust/paths.h"
 #include "kestrix/index/languages/rust/use_tree.h"
-#include "kestrix/index/source_tree.h"
-#include "kestrix/index/symbols.h"
+#include "kestrix/index/parse/language.h"
+#include "kestrix/index/parse/source_tree.h"
+#include "kestrix/index/parse/symbols.h"
 
 namespace kestrix::index {
 namespace {

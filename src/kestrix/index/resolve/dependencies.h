@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "kestrix/index/resolver.h"
+#include "kestrix/index/resolve/resolver.h"
 
 namespace kestrix::index {
 

@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "kestrix/index/resolver.h"
+#include "kestrix/index/resolve/resolver.h"
 
 namespace kestrix::index {
 

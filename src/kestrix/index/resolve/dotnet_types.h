@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "kestrix/index/resolve/dotnet_projects.h"
-#include "kestrix/index/resolver.h"
+#include "kestrix/index/resolve/resolver.h"
 
 namespace kestrix::index {
 

@@ -12,7 +12,7 @@
 
 #include "kestrix/index/resolve/ecmascript_files.h"
 #include "kestrix/index/resolve/json.h"
-#include "kestrix/index/resolver.h"
+#include "kestrix/index/resolve/resolver.h"
 
 namespace kestrix::index::ecmascript {
 

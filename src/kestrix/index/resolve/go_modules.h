@@ -8,7 +8,7 @@
 #include <unordered_set>
 #include <vector>
 
-#include "kestrix/index/resolver.h"
+#include "kestrix/index/resolve/resolver.h"
 
 namespace kestrix::index {
 

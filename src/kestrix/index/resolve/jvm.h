@@ -4,7 +4,7 @@
 #include <memory>
 #include <string_view>
 
-#include "kestrix/index/resolver.h"
+#include "kestrix/index/resolve/resolver.h"
 
 namespace kestrix::index {
 

@@ -7,7 +7,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "kestrix/index/resolver.h"
+#include "kestrix/index/resolve/resolver.h"
 
 namespace kestrix::index {
 

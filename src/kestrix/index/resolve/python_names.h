@@ -4,7 +4,7 @@
 #include <string_view>
 #include <unordered_set>
 
-#include "kestrix/index/resolver.h"
+#include "kestrix/index/resolve/resolver.h"
 
 namespace kestrix::index {
 

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <memory>
 
-#include "kestrix/index/resolver.h"
+#include "kestrix/index/resolve/resolver.h"
 
 namespace kestrix::index {
 

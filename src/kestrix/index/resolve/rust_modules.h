@@ -6,8 +6,8 @@
 #include <unordered_map>
 #include <vector>
 
+#include "kestrix/index/resolve/resolver.h"
 #include "kestrix/index/resolve/rust_crates.h"
-#include "kestrix/index/resolver.h"
 
 namespace kestrix::index {
 

@@ -10,7 +10,7 @@
 #include <tuple>
 #include <unordered_map>
 
-#include "kestrix/index/classification.h"
+#include "kestrix/index/walk/classification.h"
 #include "kestrix/utils/ascii.h"
 #include "kestrix/workers/wiki_split.h"
 

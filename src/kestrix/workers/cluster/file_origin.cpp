@@ -6,7 +6,7 @@
 #include <array>
 #include <span>
 
-#include "kestrix/index/classification.h"
+#include "kestrix/index/walk/classification.h"
 #include "kestrix/utils/ascii.h"
 
 namespace kestrix {

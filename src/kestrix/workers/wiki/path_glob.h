@@ -3,7 +3,7 @@
 #include <string_view>
 #include <vector>
 
-#include "kestrix/index/wildmatch.h"
+#include "kestrix/index/walk/wildmatch.h"
 #include "kestrix/utils/error.h"
 
 namespace kestrix {

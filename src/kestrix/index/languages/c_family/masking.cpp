@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 
-#include "kestrix/index/symbols.h"
+#include "kestrix/index/parse/symbols.h"
 
 namespace kestrix::index {
 namespace {

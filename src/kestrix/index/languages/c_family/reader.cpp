@@ -9,7 +9,7 @@
 
 #include "kestrix/index/languages/c_family/includes.h"
 #include "kestrix/index/languages/c_family/uses.h"
-#include "kestrix/index/symbols.h"
+#include "kestrix/index/parse/symbols.h"
 
 namespace kestrix::index {
 namespace {

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "kestrix/index/facts.h"
-#include "kestrix/index/lexis.h"
-#include "kestrix/index/source_tree.h"
+#include "kestrix/index/parse/lexis.h"
+#include "kestrix/index/parse/source_tree.h"
 
 namespace kestrix::index {
 

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <array>
 
-#include "kestrix/index/symbols.h"
-#include "kestrix/index/words.h"
+#include "kestrix/index/parse/symbols.h"
+#include "kestrix/index/parse/words.h"
 
 namespace kestrix::index {
 namespace {

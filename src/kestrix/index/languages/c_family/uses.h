@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "kestrix/index/facts.h"
-#include "kestrix/index/lexis.h"
+#include "kestrix/index/parse/lexis.h"
 
 namespace kestrix::index {
 

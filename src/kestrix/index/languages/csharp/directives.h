@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "kestrix/index/lexis.h"
+#include "kestrix/index/parse/lexis.h"
 
 namespace kestrix::index::csharp {
 

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "kestrix/index/facts.h"
-#include "kestrix/index/source_tree.h"
+#include "kestrix/index/parse/source_tree.h"
 
 namespace kestrix::index::csharp {
 

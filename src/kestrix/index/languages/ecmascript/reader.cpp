@@ -8,8 +8,8 @@
 #include <utility>
 #include <vector>
 
+#include "kestrix/index/parse/symbols.h"
 #include "kestrix/index/resolve/ecmascript.h"
-#include "kestrix/index/symbols.h"
 
 namespace kestrix::index::ecmascript {
 namespace {

@@ -3,8 +3,8 @@
 #include <string_view>
 
 #include "kestrix/index/facts.h"
-#include "kestrix/index/lexis.h"
-#include "kestrix/index/source_tree.h"
+#include "kestrix/index/parse/lexis.h"
+#include "kestrix/index/parse/source_tree.h"
 
 namespace kestrix::index::ecmascript {
 

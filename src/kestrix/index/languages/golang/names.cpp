@@ -6,7 +6,7 @@
 #include <array>
 #include <optional>
 
-#include "kestrix/index/tree_cursor.h"
+#include "kestrix/index/parse/tree_cursor.h"
 
 namespace kestrix::index {
 namespace {

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "kestrix/index/lexis.h"
+#include "kestrix/index/parse/lexis.h"
 
 /// What can be told of Kotlin's text without its grammar.
 namespace kestrix::index::kotlin {

@@ -6,7 +6,7 @@
 #include <set>
 #include <utility>
 
-#include "kestrix/index/symbols.h"
+#include "kestrix/index/parse/symbols.h"
 
 namespace kestrix::index::packaged {
 namespace {

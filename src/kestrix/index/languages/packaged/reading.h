@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "kestrix/index/facts.h"
-#include "kestrix/index/source_tree.h"
+#include "kestrix/index/parse/source_tree.h"
 
 /// What the readers of Java, Kotlin and C# share: languages in which a file belongs to a package
 /// (or namespace) and names the types of its package without an import.

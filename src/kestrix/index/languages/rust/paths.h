@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "kestrix/index/source_tree.h"
+#include "kestrix/index/parse/source_tree.h"
 
 namespace kestrix::index {
 

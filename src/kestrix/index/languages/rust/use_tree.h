@@ -4,7 +4,7 @@
 #include <string_view>
 #include <vector>
 
-#include "kestrix/index/lexis.h"
+#include "kestrix/index/parse/lexis.h"
 
 namespace kestrix::index {
 
