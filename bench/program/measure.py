@@ -109,6 +109,10 @@ def listing(paths):
     return b"".join(path + b"\0" for path in paths)
 
 
+def plural(threads):
+    return f"{threads} thread" + "s" * (threads != 1)
+
+
 def floors_of(directory, files, parsed, options):
     if (Path(directory) / ".git").exists():
         yield Measure("git ls-files", ["git", "ls-files", "-co", "--exclude-standard"])
@@ -116,7 +120,7 @@ def floors_of(directory, files, parsed, options):
     yield Measure("read all bytes", [options.floors, "read", "1"], input=listing(files))
     for threads in options.threads:
         command = [options.floors, "parse", str(threads)]
-        yield Measure(f"bare parse, {threads} threads", command, input=listing(parsed))
+        yield Measure(f"bare parse, {plural(threads)}", command, input=listing(parsed))
     if shutil.which("ctags"):
         yield Measure("ctags -R", ["ctags", "-R", "--quiet", "-f", "-", "."])
 
@@ -136,8 +140,8 @@ def programs_of(directory, index, options):
 
     for threads in options.threads:
         command = [*refresh, "--threads", str(threads)]
-        beside = f"bare parse, {threads} threads"
-        yield Measure(f"cold index, {threads} threads", command, beside, before=forget)
+        beside = f"bare parse, {plural(threads)}"
+        yield Measure(f"cold index, {plural(threads)}", command, beside, before=forget)
     unchanged = "refresh, nothing changed"
     yield Measure(unchanged, refresh, "git ls-files")
     yield Measure("refresh, one file edited", refresh, unchanged, True, before=editor.edit)
