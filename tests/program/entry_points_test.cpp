@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <initializer_list>
 #include <random>
 #include <string>
 #include <vector>
@@ -19,11 +20,20 @@ using testing::IsEmpty;
 
 FileEdge use(std::string_view source, std::string_view target) { return {source, target, 2}; }
 
-std::vector<FileEdge> uses(std::string_view source, const Strings& targets) {
+// Edges are views: what the targets lie in has to outlive them.
+template <class Targets>
+std::vector<FileEdge> uses_of(std::string_view source, const Targets& targets) {
   std::vector<FileEdge> edges;
   for (const auto& target : targets) edges.push_back(use(source, target));
   return edges;
 }
+std::vector<FileEdge> uses(std::string_view source, std::initializer_list<const char*> literals) {
+  return uses_of(source, literals);
+}
+std::vector<FileEdge> uses(std::string_view source, const Strings& targets) {
+  return uses_of(source, targets);
+}
+std::vector<FileEdge> uses(std::string_view source, Strings&& targets) = delete;
 
 Strings names(const std::vector<EntryPointClass>& classes) {
   Strings out;
