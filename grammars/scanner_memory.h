@@ -8,10 +8,10 @@
 
 #define TREE_SITTER_REUSE_ALLOCATOR
 
-extern void *(*ts_current_malloc)(size_t size);
-extern void *(*ts_current_calloc)(size_t count, size_t size);
-extern void *(*ts_current_realloc)(void *block, size_t size);
-extern void (*ts_current_free)(void *block);
+extern void* (*ts_current_malloc)(size_t size);
+extern void* (*ts_current_calloc)(size_t count, size_t size);
+extern void* (*ts_current_realloc)(void* block, size_t size);
+extern void (*ts_current_free)(void* block);
 
 #define malloc ts_current_malloc
 #define calloc ts_current_calloc
