@@ -25,7 +25,10 @@ class Counter {
   Counter() = default;
   Counter(const Counter& other) : few_(other.few_), many_(copy_of(other.many_)) {}
   Counter(Counter&&) noexcept = default;
-  Counter& operator=(const Counter& other) { return *this = Counter(other); }
+  Counter& operator=(const Counter& other) {
+    *this = Counter(other);
+    return *this;
+  }
   Counter& operator=(Counter&&) noexcept = default;
   ~Counter() = default;
 
