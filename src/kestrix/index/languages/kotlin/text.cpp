@@ -1,6 +1,7 @@
 #include "kestrix/index/languages/kotlin/text.h"
 
 #include <algorithm>
+#include <iterator>
 #include <array>
 #include <cstddef>
 
@@ -153,7 +154,7 @@ std::vector<TypeText> top_types(std::string_view text) {
   std::string_view before;
   for (auto word = code.next_top_word(); !word.empty(); word = code.next_top_word()) {
     const bool reference = before == "class" && before.data() > text.data() &&
-                           before[-1] == ':';  // "Type::class"
+                           *std::prev(before.data()) == ':';  // "Type::class"
     if (!reference && (before == "class" || before == "interface" || before == "object")) {
       types.push_back({word, head_around(text, word), code.line(), before == "interface"});
     }
