@@ -1,9 +1,9 @@
 #include "kestrix/index/languages/kotlin/text.h"
 
 #include <algorithm>
-#include <iterator>
 #include <array>
 #include <cstddef>
+#include <iterator>
 
 namespace kestrix::index::kotlin {
 namespace {
