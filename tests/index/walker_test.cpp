@@ -199,7 +199,7 @@ std::string growing_index(std::uint32_t entries) {
     for (const unsigned shift : {24U, 16U, 8U, 0U}) index += static_cast<char>(number >> shift);
   }
   for (std::uint32_t i = 0; i < entries; ++i)
-    index += std::string(62, '\1') + std::string("\0x", 3);
+    index += std::string(62, '\1') + std::string("\0x\0", 3);
   return index + std::string(20, '\0');
 }
 

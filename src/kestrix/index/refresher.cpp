@@ -141,7 +141,7 @@ void Refresher::scan(const RefreshPlan& plan) {
   Workers<Scanned> workers(thread_count(options_.threads), options_.stop);
   workers.run(
       total, [&](std::size_t i) { return Scanned(i, scan_file(root_, plan.tasks[i])); },
-      [&](Scanned scanned) {
+      [&](Scanned&& scanned) {
         auto& [place, file] = scanned;
         // The place in the plan makes ids independent of which thread was first.
         if (file.row.id == 0) file.row.id = next_id + static_cast<std::int64_t>(place);

@@ -102,6 +102,8 @@ class RustResolver : public Resolver {
     }
   }
 
+  // NOLINTBEGIN(misc-no-recursion): kMostHops at most
+
   // The innermost module that the path names.
   std::optional<Spot> walk(const RustModules::Place& place, std::string_view path,
                            std::optional<FileId> file) const {
@@ -220,6 +222,8 @@ class RustResolver : public Resolver {
     const auto source = origin(*spot, hops, asked);
     return source || all ? source : std::optional(spot->file);
   }
+
+  // NOLINTEND(misc-no-recursion)
 
   const FileTable& files_;
   RustModules modules_;

@@ -8,7 +8,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstring>
 #include <string>
 #include <system_error>
 
@@ -61,7 +60,8 @@ FileStamp stamp_of(const struct stat& status) {
 
 RootDirectory::RootDirectory(const std::filesystem::path& path)
     : path_(real_path(path)), fd_(::open(path_.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC)) {
-  if (!fd_) throw Error(fmt::format("{}: {}", path.native(), std::strerror(errno)));
+  if (!fd_)
+    throw Error(fmt::format("{}: {}", path.native(), std::generic_category().message(errno)));
 }
 
 FileDescriptor RootDirectory::open(std::string_view relative, int flags) const {

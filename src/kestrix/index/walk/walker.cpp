@@ -7,10 +7,10 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <cstring>
 #include <memory>
 #include <optional>
 #include <string_view>
+#include <system_error>
 #include <utility>
 
 #include "kestrix/index/walk/directory_listing.h"
@@ -71,7 +71,8 @@ class Walk {
 
   void refuse(const std::string& path) {
     if (!path.empty()) return result_.skipped.add(skipped::kUnreadableDirectory);
-    throw Error(fmt::format("{}: {}", root_.path().native(), std::strerror(errno)));
+    throw Error(
+        fmt::format("{}: {}", root_.path().native(), std::generic_category().message(errno)));
   }
 
   void take(const DirectoryListing& directory, const DirectoryEntry& entry) {
