@@ -151,6 +151,7 @@ class Collector {
   }
 
   bool add_target(FileId id, std::string_view folder) {
+    // NOLINTNEXTLINE(readability-use-anyofallof): the loop has an effect
     for (const std::string_view target : kTargetFolders) {
       if (folder != target &&
           !(folder.ends_with(target) && folder[folder.size() - target.size() - 1] == '/')) {
