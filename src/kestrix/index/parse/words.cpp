@@ -26,8 +26,7 @@ const WordCounts::Entry& WordCounts::slot(std::string_view word) const {
 }
 
 WordCounts::Entry& WordCounts::slot(std::string_view word) {
-  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast): what is const here is only the view of
-  // it
+  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast): only the view of it is const
   return const_cast<Entry&>(std::as_const(*this).slot(word));
 }
 
