@@ -149,15 +149,15 @@ func typecheck(path string, all []*ast.File, own map[string]*types.Package) *typ
 // up by name.
 func skipped(file *ast.File, own map[string]*types.Package, info *types.Info) {
 	imported := map[string]*types.Package{}
-	for _, spec := range file.Imports {
-		path, _ := strconv.Unquote(spec.Path.Value)
+	for _, each := range file.Imports {
+		path, _ := strconv.Unquote(each.Path.Value)
 		if packages[path] == nil {
 			continue
 		}
 		target, _ := importing{own}.Import(path)
 		name := target.Name()
-		if spec.Name != nil {
-			name = spec.Name.Name
+		if each.Name != nil {
+			name = each.Name.Name
 		}
 		imported[name] = target
 	}
@@ -220,10 +220,10 @@ func declaresInit(file *ast.File) bool {
 
 func blankImports() {
 	for path, file := range parsed {
-		for _, spec := range file.Imports {
-			target, _ := strconv.Unquote(spec.Path.Value)
+		for _, each := range file.Imports {
+			target, _ := strconv.Unquote(each.Path.Value)
 			p := packages[target]
-			if p == nil || spec.Name == nil || spec.Name.Name != "_" {
+			if p == nil || each.Name == nil || each.Name.Name != "_" {
 				continue
 			}
 			all := files(p, p.GoFiles, p.CgoFiles)
