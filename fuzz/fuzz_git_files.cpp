@@ -8,10 +8,10 @@
 
 #include "fuzz/require.h"
 #include "fuzz/scratch_directory.h"
-#include "kestrix/index/walk/git_config.h"
-#include "kestrix/index/walk/git_index.h"
-#include "kestrix/index/walk/ignore_rules.h"
-#include "kestrix/index/walk/wildmatch.h"
+#include "kestrix/git/git_config.h"
+#include "kestrix/git/git_index.h"
+#include "kestrix/git/ignore_rules.h"
+#include "kestrix/git/wildmatch.h"
 
 namespace kestrix::index {
 namespace {

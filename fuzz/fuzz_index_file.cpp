@@ -16,9 +16,9 @@
 #include "fuzz/require.h"
 #include "fuzz/scratch_directory.h"
 #include "kestrix/index/indexer.h"
-#include "kestrix/index/store/content_hash.h"
-#include "kestrix/index/store/corrupt_index.h"
-#include "kestrix/index/store/facts_codec.h"
+#include "kestrix/store/content_hash.h"
+#include "kestrix/store/corrupt_index.h"
+#include "kestrix/store/facts_codec.h"
 #include "tests/index/dump.h"
 
 namespace kestrix::index {

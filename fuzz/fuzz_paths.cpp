@@ -8,11 +8,11 @@
 
 #include "fuzz/require.h"
 #include "kestrix/index/name_pattern.h"
-#include "kestrix/index/resolve/paths.h"
+#include "kestrix/text/paths.h"
 #include "kestrix/utils/path_filter.h"
-#include "kestrix/utils/text_decoding.h"
+#include "kestrix/text/decoding.h"
 #include "kestrix/workers/project_units.h"
-#include "kestrix/workers/wiki/path_glob.h"
+#include "kestrix/host/path_glob.h"
 #include "kestrix/workers/wiki/repo_facts.h"
 
 namespace kestrix {

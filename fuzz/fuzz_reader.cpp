@@ -7,9 +7,9 @@
 #include <string_view>
 
 #include "fuzz/require.h"
-#include "kestrix/index/parse/language.h"
-#include "kestrix/index/parse/reader.h"
-#include "kestrix/index/store/facts_codec.h"
+#include "kestrix/languages/language.h"
+#include "kestrix/languages/reading.h"
+#include "kestrix/store/facts_codec.h"
 
 namespace kestrix::index {
 namespace {

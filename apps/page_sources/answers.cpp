@@ -5,7 +5,7 @@
 #include <tuple>
 #include <utility>
 
-#include "kestrix/workers/wiki/entry_points.h"
+#include "kestrix/host/entry_points.h"
 
 namespace kestrix::program {
 namespace {

@@ -11,7 +11,7 @@
 
 #include "apps/page_sources/escape.h"
 #include "apps/page_sources/version.h"
-#include "kestrix/workers/wiki/path_glob.h"
+#include "kestrix/host/path_glob.h"
 
 namespace kestrix::program {
 namespace {

@@ -16,11 +16,11 @@
 #include "apps/page_sources/escape.h"
 #include "apps/page_sources/output.h"
 #include "kestrix/index/indexer.h"
-#include "kestrix/utils/native_logger.h"
+#include "kestrix/host/native_logger.h"
 #include "kestrix/utils/path_filter.h"
-#include "kestrix/workers/components.h"
+#include "kestrix/host/components.h"
 #include "kestrix/workers/wiki/page_sources/rules.h"
-#include "kestrix/workers/wiki/wiki_generator.h"
+#include "kestrix/host/wiki_generator.h"
 
 namespace kestrix::program {
 namespace {

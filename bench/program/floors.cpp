@@ -18,7 +18,7 @@
 #include <thread>
 #include <vector>
 
-#include "kestrix/index/parse/language.h"
+#include "kestrix/languages/language.h"
 
 namespace kestrix::index {
 namespace {

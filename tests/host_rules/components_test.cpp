@@ -1,4 +1,4 @@
-#include "kestrix/workers/components.h"
+#include "kestrix/host/components.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -5,9 +5,9 @@
 #include <string_view>
 #include <vector>
 
-#include "kestrix/workers/cluster/data_ranking.h"
-#include "kestrix/workers/cluster/data_signals.h"
-#include "kestrix/workers/cluster/file_origin.h"
+#include "kestrix/host/data_models/data_ranking.h"
+#include "kestrix/host/data_models/data_signals.h"
+#include "kestrix/host/data_models/file_origin.h"
 #include "kestrix/workers/wiki_cluster.h"
 
 namespace kestrix {

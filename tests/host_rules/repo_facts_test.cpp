@@ -9,7 +9,7 @@
 #include <string_view>
 #include <utility>
 
-#include "kestrix/utils/text_decoding.h"
+#include "kestrix/text/decoding.h"
 
 namespace kestrix {
 namespace {

@@ -1,4 +1,4 @@
-#include "kestrix/index/walk/classification.h"
+#include "kestrix/files/classification.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "kestrix/index/walk/git_config.h"
+#include "kestrix/git/git_config.h"
 
 #include <gtest/gtest.h>
 

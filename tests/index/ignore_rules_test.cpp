@@ -1,11 +1,11 @@
-#include "kestrix/index/walk/ignore_rules.h"
+#include "kestrix/git/ignore_rules.h"
 
 #include <gtest/gtest.h>
 
 #include <chrono>
 #include <string>
 
-#include "kestrix/index/walk/wildmatch.h"
+#include "kestrix/git/wildmatch.h"
 
 namespace kestrix::index {
 namespace {

@@ -1,4 +1,4 @@
-#include "kestrix/index/store/store_file.h"
+#include "kestrix/store/store_file.h"
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
@@ -10,7 +10,7 @@
 #include <random>
 #include <string>
 
-#include "kestrix/index/store/cache_path.h"
+#include "kestrix/store/cache_path.h"
 #include "kestrix/utils/error.h"
 #include "tests/index/index_fixture.h"
 

@@ -1,4 +1,4 @@
-#include "kestrix/index/walk/walker.h"
+#include "kestrix/walk/walker.h"
 
 #include <fcntl.h>
 #include <gmock/gmock.h>

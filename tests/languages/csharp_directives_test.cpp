@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "kestrix/index/languages/csharp/directives.h"
+#include "kestrix/languages/csharp/directives.h"
 
 namespace kestrix::index::csharp {
 namespace {

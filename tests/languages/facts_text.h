@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "kestrix/index/facts.h"
+#include "kestrix/facts/facts.h"
 
 namespace kestrix::index {
 

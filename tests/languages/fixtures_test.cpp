@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "kestrix/index/parse/language.h"
-#include "kestrix/index/parse/reader.h"
+#include "kestrix/languages/language.h"
+#include "kestrix/languages/reading.h"
 #include "tests/languages/facts_text.h"
 
 namespace kestrix::index {

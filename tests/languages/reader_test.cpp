@@ -1,4 +1,4 @@
-#include "kestrix/index/parse/reader.h"
+#include "kestrix/languages/reading.h"
 
 #include <gtest/gtest.h>
 
@@ -8,7 +8,7 @@
 #include <thread>
 #include <vector>
 
-#include "kestrix/index/parse/language.h"
+#include "kestrix/languages/language.h"
 
 namespace kestrix::index {
 namespace {

@@ -6,9 +6,9 @@
 #include <memory>
 #include <optional>
 
-#include "kestrix/index/parse/language.h"
-#include "kestrix/index/parse/reader.h"
-#include "kestrix/index/resolve/resolver.h"
+#include "kestrix/languages/language.h"
+#include "kestrix/languages/reading.h"
+#include "kestrix/languages/resolver.h"
 
 namespace kestrix::index {
 namespace {

@@ -1,4 +1,4 @@
-#include "kestrix/workers/wiki/entry_points.h"
+#include "kestrix/host/entry_points.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "kestrix/workers/wiki/path_glob.h"
+#include "kestrix/host/path_glob.h"
 
 namespace kestrix {
 namespace {

@@ -1,4 +1,4 @@
-#include "kestrix/workers/wiki/path_glob.h"
+#include "kestrix/host/path_glob.h"
 
 #include <gtest/gtest.h>
 

@@ -15,9 +15,9 @@
 #include "kestrix/utils/best_effort.h"
 #include "kestrix/utils/error.h"
 #include "kestrix/utils/path_filter.h"
-#include "kestrix/workers/components.h"
+#include "kestrix/host/components.h"
 #include "kestrix/workers/wiki/page_sources/rules.h"
-#include "kestrix/workers/wiki/wiki_generator.h"
+#include "kestrix/host/wiki_generator.h"
 #include "tests/program/process.h"
 
 namespace kestrix::program {

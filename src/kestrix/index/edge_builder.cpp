@@ -10,8 +10,8 @@
 #include <utility>
 #include <vector>
 
-#include "kestrix/index/parse/language.h"
-#include "kestrix/index/store/edge_codec.h"
+#include "kestrix/languages/language.h"
+#include "kestrix/store/edge_codec.h"
 #include "kestrix/index/workers.h"
 
 namespace kestrix::index {

@@ -4,7 +4,7 @@
 #include <span>
 
 #include "kestrix/index/indexed_files.h"
-#include "kestrix/index/store/store.h"
+#include "kestrix/store/store.h"
 #include "kestrix/utils/stop.h"
 
 namespace kestrix::index {

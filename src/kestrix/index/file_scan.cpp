@@ -6,13 +6,13 @@
 #include <optional>
 #include <utility>
 
-#include "kestrix/index/parse/language.h"
-#include "kestrix/index/parse/reader.h"
-#include "kestrix/index/store/content_hash.h"
-#include "kestrix/index/store/facts_codec.h"
-#include "kestrix/index/walk/classification.h"
-#include "kestrix/index/walk/file_reading.h"
-#include "kestrix/utils/text_decoding.h"
+#include "kestrix/languages/language.h"
+#include "kestrix/languages/reading.h"
+#include "kestrix/store/content_hash.h"
+#include "kestrix/store/facts_codec.h"
+#include "kestrix/files/classification.h"
+#include "kestrix/files/file_reading.h"
+#include "kestrix/text/decoding.h"
 
 namespace kestrix::index {
 namespace {

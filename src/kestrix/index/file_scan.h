@@ -3,8 +3,8 @@
 #include <cstdint>
 #include <string>
 
-#include "kestrix/index/store/store.h"
-#include "kestrix/index/walk/root_directory.h"
+#include "kestrix/store/store.h"
+#include "kestrix/files/root_directory.h"
 
 namespace kestrix::index {
 

@@ -8,12 +8,12 @@
 #include <utility>
 
 #include "kestrix/index/name_pattern.h"
-#include "kestrix/index/parse/language.h"
-#include "kestrix/index/store/content_hash.h"
-#include "kestrix/index/store/corrupt_index.h"
-#include "kestrix/index/store/edge_codec.h"
-#include "kestrix/index/store/facts_codec.h"
-#include "kestrix/index/store/store.h"
+#include "kestrix/languages/language.h"
+#include "kestrix/store/content_hash.h"
+#include "kestrix/store/corrupt_index.h"
+#include "kestrix/store/edge_codec.h"
+#include "kestrix/store/facts_codec.h"
+#include "kestrix/store/store.h"
 
 namespace kestrix::index {
 

@@ -11,9 +11,9 @@
 #include <vector>
 
 #include "kestrix/index/repository.h"
-#include "kestrix/index/resolve/resolver.h"
-#include "kestrix/index/store/text_blocks.h"
-#include "kestrix/index/walk/skip_counts.h"
+#include "kestrix/languages/resolver.h"
+#include "kestrix/store/text_blocks.h"
+#include "kestrix/files/skip_counts.h"
 
 namespace kestrix::index {
 

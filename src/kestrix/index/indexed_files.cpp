@@ -2,10 +2,10 @@
 
 #include <utility>
 
-#include "kestrix/index/store/corrupt_index.h"
-#include "kestrix/index/store/facts_codec.h"
-#include "kestrix/index/walk/file_reading.h"
-#include "kestrix/utils/text_decoding.h"
+#include "kestrix/store/corrupt_index.h"
+#include "kestrix/store/facts_codec.h"
+#include "kestrix/files/file_reading.h"
+#include "kestrix/text/decoding.h"
 
 namespace kestrix::index {
 namespace {

@@ -11,9 +11,9 @@
 #include <unordered_set>
 #include <vector>
 
-#include "kestrix/index/resolve/resolver.h"
-#include "kestrix/index/store/store.h"
-#include "kestrix/index/walk/root_directory.h"
+#include "kestrix/languages/resolver.h"
+#include "kestrix/store/store.h"
+#include "kestrix/files/root_directory.h"
 
 namespace kestrix::index {
 

@@ -3,11 +3,11 @@
 #include <fmt/format.h>
 
 #include "kestrix/index/refresher.h"
-#include "kestrix/index/store/cache_path.h"
-#include "kestrix/index/store/corrupt_index.h"
-#include "kestrix/index/store/store.h"
-#include "kestrix/index/store/store_file.h"
-#include "kestrix/index/walk/root_directory.h"
+#include "kestrix/store/cache_path.h"
+#include "kestrix/store/corrupt_index.h"
+#include "kestrix/store/store.h"
+#include "kestrix/store/store_file.h"
+#include "kestrix/files/root_directory.h"
 
 namespace kestrix::index {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "kestrix/utils/ascii.h"
+#include "kestrix/text/ascii.h"
 
 namespace kestrix::index {
 namespace {

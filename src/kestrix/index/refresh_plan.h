@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "kestrix/index/file_scan.h"
-#include "kestrix/index/store/store.h"
-#include "kestrix/index/walk/walker.h"
+#include "kestrix/store/store.h"
+#include "kestrix/walk/walker.h"
 
 namespace kestrix::index {
 

@@ -11,9 +11,9 @@
 #include "kestrix/index/edge_builder.h"
 #include "kestrix/index/indexed_files.h"
 #include "kestrix/index/sources_digest.h"
-#include "kestrix/index/store/content_hash.h"
-#include "kestrix/index/store/corrupt_index.h"
-#include "kestrix/index/store/facts_codec.h"
+#include "kestrix/store/content_hash.h"
+#include "kestrix/store/corrupt_index.h"
+#include "kestrix/store/facts_codec.h"
 #include "kestrix/index/workers.h"
 
 namespace kestrix::index {

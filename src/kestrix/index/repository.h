@@ -8,24 +8,9 @@
 #include <unordered_map>
 #include <vector>
 
+#include "kestrix/facts/symbol_kind.h"
+
 namespace kestrix {
-
-enum class SymbolKind { kClass, kInterface, kConstant, kVariable };
-
-/// "class", "interface", "constant" or "variable".
-constexpr std::string_view to_string(SymbolKind kind) {
-  switch (kind) {
-    case SymbolKind::kClass:
-      return "class";
-    case SymbolKind::kInterface:
-      return "interface";
-    case SymbolKind::kConstant:
-      return "constant";
-    case SymbolKind::kVariable:
-      return "variable";
-  }
-  return {};
-}
 
 /// Key of a symbol in the index; 0 marks a symbol that cannot be placed in a file.
 using SymbolId = std::int64_t;

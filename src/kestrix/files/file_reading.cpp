@@ -1,0 +1,90 @@
+#include "kestrix/files/file_reading.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <utility>
+
+#include "kestrix/text/decoding.h"
+
+namespace kestrix::index {
+namespace {
+
+ReadStatus status_of(int error) {
+  const bool gone = error == ENOENT || error == ENOTDIR || error == ELOOP || error == ENXIO;
+  return gone ? ReadStatus::kVanished : ReadStatus::kUnreadable;
+}
+
+// Appends until `bytes` holds `size` or the file ends.
+bool read_up_to(int fd, std::size_t size, std::string& bytes) {
+  std::size_t filled = bytes.size();
+  bytes.resize(size);
+  while (filled < size) {
+    const ssize_t count = ::read(fd, bytes.data() + filled, size - filled);
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) return false;
+    if (count == 0) break;
+    filled += static_cast<std::size_t>(count);
+  }
+  bytes.resize(filled);
+  return true;
+}
+
+FileBytes failed(ReadStatus status) {
+  FileBytes nothing;
+  nothing.status = status;
+  return nothing;
+}
+
+struct ReadPlan {
+  std::size_t limit;
+  bool stop_at_binary = false;
+};
+
+bool is_worth_reading_on(const FileBytes& file, std::size_t size, ReadPlan plan) {
+  return !plan.stop_at_binary || (size <= plan.limit && !is_binary(file.bytes));
+}
+
+FileBytes read_descriptor(const FileDescriptor& file, ReadPlan plan) {
+  if (!file) return failed(status_of(errno));
+  struct stat status {};
+  if (::fstat(file.get(), &status) != 0) return failed(ReadStatus::kUnreadable);
+  if (!S_ISREG(status.st_mode)) return failed(ReadStatus::kVanished);
+  FileBytes result;
+  result.stamp = stamp_of(status);
+  const auto size = static_cast<std::size_t>(std::max<off_t>(status.st_size, 0));
+  // One byte more than the file should hold, so that its growing shows.
+  const std::size_t all = std::min(size, plan.limit) + 1;
+  bool good = read_up_to(file.get(), std::min(all, kBinaryWindow), result.bytes);
+  if (good && is_worth_reading_on(result, size, plan)) {
+    good = read_up_to(file.get(), all, result.bytes);
+  }
+  if (!good) return failed(ReadStatus::kUnreadable);
+  result.truncated = size > plan.limit;
+  if (result.bytes.size() > plan.limit) result.bytes.resize(plan.limit);
+  struct stat after {};
+  result.changed = ::fstat(file.get(), &after) != 0 || stamp_of(after) != result.stamp;
+  return result;
+}
+
+}  // namespace
+
+FileBytes read_file(const RootDirectory& root, std::string_view path, std::size_t limit) {
+  return read_descriptor(root.open(path, O_RDONLY | O_NONBLOCK | O_NOCTTY), {limit});
+}
+
+FileBytes read_source(const RootDirectory& root, std::string_view path) {
+  return read_descriptor(root.open(path, O_RDONLY | O_NONBLOCK | O_NOCTTY),
+                         {.limit = kMaxParsedBytes, .stop_at_binary = true});
+}
+
+std::string read_small_file(const std::filesystem::path& path, std::size_t limit) {
+  const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+  FileBytes content = read_descriptor(file, {limit});
+  return content.truncated ? std::string() : std::move(content.bytes);
+}
+
+}  // namespace kestrix::index

@@ -1,0 +1,34 @@
+#include "kestrix/host/wiki_generator.h"
+
+#include <utility>
+
+#include "kestrix/utils/path_filter.h"
+
+namespace kestrix {
+
+WikiGenerator::WikiGenerator(const index::RepositoryIndex& index, std::filesystem::path root)
+    : index_(index), root_(std::move(root)) {
+  for (const auto& file : index_.files()) {
+    if (file.document) continue;
+    std::string path = _norm(file.path);
+    if (!is_test_path(path)) planner_paths_.push_back(std::move(path));
+  }
+}
+
+std::vector<SourceFileRecord> WikiGenerator::_source_files() const {
+  std::vector<SourceFileRecord> records;
+  for (const auto& file : index_.files()) {
+    if (!file.document) records.push_back({std::string(file.path)});
+  }
+  return records;
+}
+
+std::vector<DocumentRecord> WikiGenerator::_indexed_documents() const {
+  std::vector<DocumentRecord> records;
+  for (const auto& file : index_.files()) {
+    if (file.document) records.push_back({std::string(file.path)});
+  }
+  return records;
+}
+
+}  // namespace kestrix

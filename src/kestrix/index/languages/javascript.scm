@@ -1,3 +1,0 @@
-; inherits: ecmascript/common
-
-(field_definition property: (property_identifier) @name value: (_)? @body) @binding

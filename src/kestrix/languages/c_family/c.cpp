@@ -1,0 +1,31 @@
+#include <kestrix/grammars.h>
+
+#include <array>
+
+#include "kestrix/languages/c_family/c.scm.h"
+#include "kestrix/languages/c_family/masking.h"
+#include "kestrix/languages/c_family/reader.h"
+#include "kestrix/languages/language.h"
+#include "kestrix/languages/c_family/resolver.h"
+
+namespace kestrix::index {
+namespace {
+
+constexpr std::array<std::string_view, 1> kFiles = {".c"};
+
+}  // namespace
+
+const Language& c_language() {
+  static const Language language{.name = "c",
+                                 .files = kFiles,
+                                 .grammar = tree_sitter_c,
+                                 .query = c_query,
+                                 .lexis = &c_family_lexis(),
+                                 .keywords = {},
+                                 .read = read_c_family,
+                                 .resolver = make_include_resolver,
+                                 .mask = mask_macros};
+  return language;
+}
+
+}  // namespace kestrix::index

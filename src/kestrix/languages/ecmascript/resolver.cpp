@@ -1,0 +1,217 @@
+#include "kestrix/languages/ecmascript/resolver.h"
+
+#include <algorithm>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "kestrix/languages/dependencies.h"
+#include "kestrix/languages/ecmascript/configs.h"
+#include "kestrix/languages/ecmascript/files.h"
+#include "kestrix/languages/ecmascript/packages.h"
+#include "kestrix/text/paths.h"
+
+namespace kestrix::index {
+namespace {
+
+using ecmascript::Configs;
+using ecmascript::Dialect;
+using ecmascript::Packages;
+
+constexpr int kAliasHops = 4;
+
+// What an import means: a file of the repository, nothing in it although it should be, or
+// something outside.
+struct Found {
+  std::optional<FileId> file;
+  bool local = false;
+};
+
+bool is_relative(std::string_view specifier) {
+  return specifier == "." || specifier == ".." || specifier.starts_with("./") ||
+         specifier.starts_with("../");
+}
+
+bool means_folder(std::string_view specifier) {
+  return specifier.ends_with('/') || specifier == "." || specifier == ".." ||
+         specifier.ends_with("/.") || specifier.ends_with("/..");
+}
+
+// Bundlers put loaders before the module ("raw-loader!./x") and queries behind it ("./x?url").
+std::string_view without_decoration(std::string_view specifier) {
+  specifier = specifier.substr(specifier.rfind('!') + 1);
+  return specifier.substr(0, specifier.find('?'));
+}
+
+struct Named {
+  std::string_view package;
+  std::string_view subpath;
+};
+
+Named split_package(std::string_view specifier) {
+  std::size_t end = specifier.find('/');
+  if (specifier.starts_with('@') && end != std::string_view::npos) {
+    end = specifier.find('/', end + 1);
+  }
+  if (end == std::string_view::npos) return {specifier, {}};
+  return {specifier.substr(0, end), specifier.substr(end + 1)};
+}
+
+class EcmascriptResolver : public Resolver {
+ public:
+  explicit EcmascriptResolver(const FileTable& files)
+      : files_(files), packages_(files), configs_(files, packages_) {
+    for (FileId id = 0; id < files.size(); ++id) add_barrel(id);
+  }
+
+  Resolution resolve(FileId file) const override {
+    Dependencies dependencies(file);
+    for (const ImportFact& import : files_.facts(file).imports) {
+      const Found found = find(import.module, file);
+      if (!found.file) {
+        if (found.local) dependencies.miss();
+        continue;
+      }
+      double weight = 1 + import.uses;
+      for (const ImportedName& name : import.names) weight += name.uses;
+      dependencies.add(*found.file, weight);
+      follow(*found.file, import, dependencies);
+    }
+    return dependencies.take();
+  }
+
+ private:
+  // By the name under which a file hands it on: the file that it comes from.
+  using Barrel = std::unordered_map<std::string_view, FileId>;
+
+  void add_barrel(FileId id) {
+    Barrel barrel;
+    for (const ImportFact& import : files_.facts(id).imports) {
+      if (std::ranges::all_of(import.names, [](auto& name) { return name.exported.empty(); }))
+        continue;
+      const auto target = find(import.module, id).file;
+      if (!target) continue;
+      for (const ImportedName& name : import.names) {
+        if (name.exported == "*") {
+          add_all(*target, barrel);
+        } else if (!name.exported.empty()) {
+          barrel.insert_or_assign(name.exported, *target);
+        }
+      }
+    }
+    if (!barrel.empty()) barrels_.emplace(id, std::move(barrel));
+  }
+
+  // export *: every name but the default, unless the barrel names it itself.
+  void add_all(FileId target, Barrel& barrel) const {
+    const FileFacts& facts = files_.facts(target);
+    for (const std::string& name : facts.declares) {
+      if (name != "default") barrel.try_emplace(name, target);
+    }
+    for (const ImportFact& import : facts.imports) {
+      for (const ImportedName& name : import.names) {
+        const bool listed = !name.exported.empty() && name.exported != "*";
+        if (listed && name.exported != "default") barrel.try_emplace(name.exported, target);
+      }
+    }
+  }
+
+  void follow(FileId file, const ImportFact& import, Dependencies& dependencies) const {
+    const auto barrel = barrels_.find(file);
+    if (barrel == barrels_.end()) return;
+    for (const ImportedName& name : import.names) {
+      const auto origin = barrel->second.find(name.name);
+      if (origin != barrel->second.end()) dependencies.add(origin->second, 1.0 + name.uses);
+    }
+  }
+
+  Found find(std::string_view written, FileId file) const {
+    const std::string_view folder = folder_of(files_.path(file));
+    const Dialect dialect = ecmascript::dialect_of(files_.path(file));
+    const std::string_view specifier = without_decoration(written);
+    if (is_relative(specifier)) return find_relative(specifier, folder, dialect);
+    if (specifier.empty() || specifier.find(':') != std::string_view::npos) return {};
+    if (specifier.starts_with('/')) return {find_rooted(specifier, folder, dialect), false};
+    return find_named(specifier, folder, dialect, 0);
+  }
+
+  Found find_relative(std::string_view specifier, std::string_view folder, Dialect dialect) const {
+    const auto path = join_normal(folder, specifier);
+    if (!path) return {std::nullopt, true};
+    return found_or_missed(means_folder(specifier) ? packages_.find_folder(*path, dialect)
+                                                   : packages_.find_path(*path, dialect),
+                           *path);
+  }
+
+  // A picture is there, though it is no file that one could depend on.
+  Found found_or_missed(std::optional<FileId> file, std::string_view path) const {
+    return {file, file.has_value() || !files_.has_binary(path)};
+  }
+
+  // "/x" as a development server sees it: from the folder of the project.
+  std::optional<FileId> find_rooted(std::string_view specifier, std::string_view folder,
+                                    Dialect dialect) const {
+    const auto* package = packages_.around(folder);
+    if (package == nullptr) return std::nullopt;
+    const auto path = join_normal(package->folder, specifier);
+    return path ? packages_.find_path(*path, dialect) : std::nullopt;
+  }
+
+  // NOLINTBEGIN(misc-no-recursion): kAliasHops at most
+
+  Found find_named(std::string_view specifier, std::string_view folder, Dialect dialect,
+                   int hops) const {
+    const auto candidates = configs_.find(specifier, folder);
+    for (const std::string& path : candidates.paths) {
+      if (const auto id = packages_.find_path(path, dialect)) return {id, true};
+      if (files_.has_binary(path)) return {};
+    }
+    if (specifier.starts_with('#')) return find_internal(specifier, folder, dialect, hops);
+    if (specifier.starts_with("@/") || specifier.starts_with("~/")) {
+      return find_aliased(specifier.substr(2), folder, dialect);
+    }
+    const Named named = split_package(specifier);
+    const auto* package = packages_.named(named.package, folder);
+    if (package == nullptr) return {std::nullopt, candidates.named};
+    return found_or_missed(packages_.find(*package, named.subpath, dialect),
+                           join(package->folder, named.subpath));
+  }
+
+  Found find_internal(std::string_view specifier, std::string_view folder, Dialect dialect,
+                      int hops) const {
+    const auto internal = packages_.find_internal(specifier, folder, dialect);
+    if (internal.file || internal.specifiers.empty() || hops == kAliasHops) {
+      return {internal.file, internal.specifiers.empty()};
+    }
+    return find_named(internal.specifiers.front(), folder, dialect, hops + 1);
+  }
+
+  // NOLINTEND(misc-no-recursion)
+
+  // "@/x" and "~/x" mean a project's sources wherever no configuration says otherwise.
+  Found find_aliased(std::string_view path, std::string_view folder, Dialect dialect) const {
+    const auto* package = packages_.around(folder);
+    if (package == nullptr) return {std::nullopt, true};
+    for (const std::string_view source : {"src", "", "app"}) {
+      const auto place = join_normal(join(package->folder, source), path);
+      if (!place) continue;
+      if (const auto id = packages_.find_path(*place, dialect)) return {id, true};
+      if (files_.has_binary(*place)) return {};
+    }
+    return {std::nullopt, true};
+  }
+
+  const FileTable& files_;
+  Packages packages_;
+  Configs configs_;
+  std::unordered_map<FileId, Barrel> barrels_;
+};
+
+}  // namespace
+
+std::unique_ptr<Resolver> make_ecmascript_resolver(const FileTable& files) {
+  return std::make_unique<EcmascriptResolver>(files);
+}
+
+}  // namespace kestrix::index

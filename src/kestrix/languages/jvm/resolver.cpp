@@ -1,0 +1,182 @@
+#include "kestrix/languages/jvm/resolver.h"
+
+#include <algorithm>
+#include <array>
+#include <deque>
+#include <map>
+#include <span>
+#include <string>
+#include <string_view>
+#include <unordered_set>
+#include <vector>
+
+#include "kestrix/languages/packaged/reading.h"
+#include "kestrix/languages/dependencies.h"
+#include "kestrix/languages/packaged/packages.h"
+#include "kestrix/text/paths.h"
+#include "kestrix/languages/jvm/source_sets.h"
+
+namespace kestrix::index {
+namespace {
+
+constexpr std::array<std::string_view, 2> kPlatform = {"java", "kotlin"};
+
+std::string_view first_part(std::string_view dotted) { return dotted.substr(0, dotted.find('.')); }
+
+// The package of a dotted name, as its letters tell: what stands before the first type.
+std::string_view likely_package(std::string_view dotted) {
+  std::size_t end = 0;
+  while (end < dotted.size()) {
+    const std::size_t dot = std::min(dotted.find('.', end), dotted.size());
+    if (dot == dotted.size() || packaged::is_type_like(dotted.substr(end, dot - end))) break;
+    end = dot + 1;
+  }
+  return dotted.substr(0, end == 0 ? 0 : end - 1);
+}
+
+// The class that holds the functions of a Kotlin file.
+std::string facade_of(std::string_view path) {
+  const std::string_view name = base_name(path);
+  std::string facade(name.substr(0, name.rfind('.')));
+  if (facade.front() >= 'a' && facade.front() <= 'z') {
+    facade.front() = static_cast<char>(facade.front() - 'a' + 'A');
+  }
+  return facade + "Kt";
+}
+
+class JvmResolver : public Resolver {
+ public:
+  explicit JvmResolver(const FileTable& files) : files_(files), sets_(files), packages_(files) {
+    for (FileId id = 0; id < files.size(); ++id) {
+      const std::string_view language = files.language(id);
+      if (language == "java" || language == "kotlin") add_file(id, language == "kotlin");
+    }
+  }
+
+  Resolution resolve(FileId file) const override {
+    const FileFacts& facts = files_.facts(file);
+    Dependencies found(file);
+    std::vector<std::string_view> wildcards;
+    for (const ImportFact& import : facts.imports) {
+      if (is_platform(import.module, facts.package)) continue;
+      if (static_cast<JvmImport>(import.form) == JvmImport::kEverything &&
+          packages_.contains(import.module, file)) {
+        wildcards.push_back(import.module);
+      } else {
+        resolve_name(import, file, found);
+      }
+    }
+    resolve_uses(file, wildcards, found);
+    return found.take();
+  }
+
+ private:
+  using Targets = std::vector<FileId>;
+
+  void add_file(FileId id, bool kotlin) {
+    if (files_.path(id).ends_with(".kts")) return;
+    const FileFacts& facts = files_.facts(id);
+    const std::string_view platform = kotlin ? sets_.platform_of(files_.path(id)) : "";
+    bool functions = false;
+    for (std::string_view name : facts.declares) {
+      const bool actual = name.starts_with(kActual);
+      if (actual) name.remove_prefix(kActual.size());
+      packages_.declare(
+          facts.package, name, id,
+          actual || !platform.empty() ? Packages::Standing::kStandIn : Packages::Standing::kFull);
+      if (!platform.empty()) {
+        platforms_.try_emplace(platform, files_).first->second.declare(facts.package, name, id);
+      }
+      functions |= !packaged::is_type_like(name);
+    }
+    if (!kotlin || !functions) return;
+    facades_.push_back(facade_of(files_.path(id)));
+    packages_.declare(facts.package, facades_.back(), id);
+  }
+
+  static bool is_platform(std::string_view module, std::string_view package) {
+    const std::string_view first = first_part(module);
+    return std::ranges::find(kPlatform, first) != kPlatform.end() && first != first_part(package);
+  }
+
+  void resolve_name(const ImportFact& import, FileId file, Dependencies& found) const {
+    const Targets targets = find_longest(
+        import.module,
+        [&](std::string_view package, std::string_view name) { return find(package, name, file); });
+    const bool in_code = static_cast<JvmImport>(import.form) == JvmImport::kInCode;
+    for (const FileId target : targets) found.add(target, (in_code ? 0.0 : 1.0) + import.uses);
+    const bool looks_local = packages_.contains(likely_package(import.module), file);
+    if (targets.empty() && !in_code && looks_local) found.miss();
+  }
+
+  void resolve_uses(FileId file, const std::vector<std::string_view>& wildcards,
+                    Dependencies& found) const {
+    const FileFacts& facts = files_.facts(file);
+    std::unordered_set<FileId> imported;
+    for (const NameUse& use : facts.uses) {
+      const bool type = packaged::is_type_like(use.name);
+      const auto own = type ? find_type(facts.package, use.name, file) : Targets();
+      for (const FileId target : own) found.add(target, use.uses);
+      if (!own.empty()) continue;
+      for (const FileId target : find_imported(wildcards, use.name, file)) {
+        found.add(target, (imported.insert(target).second ? 1.0 : 0.0) + use.uses);
+      }
+    }
+  }
+
+  // A platform's file sees what the platform declares besides what all platforms share, and in the
+  // stead of what is only expected there.
+  Targets find(std::string_view package, std::string_view name, FileId file) const {
+    const auto shared = packages_.find(package, name, file);
+    Targets targets(shared.begin(), shared.end());
+    const auto platform = platforms_.find(sets_.platform_of(files_.path(file)));
+    if (platform == platforms_.end()) return targets;
+    const auto own = platform->second.find(package, name, file);
+    if (std::ranges::any_of(own, [&](FileId id) { return is_actual(id, name); })) targets.clear();
+    targets.insert(targets.end(), own.begin(), own.end());
+    std::ranges::sort(targets);
+    targets.erase(std::unique(targets.begin(), targets.end()), targets.end());
+    return targets;
+  }
+
+  bool is_actual(FileId file, std::string_view name) const {
+    return std::ranges::binary_search(files_.facts(file).declares,
+                                      std::string(kActual).append(name));
+  }
+
+  // A type has one file, but in Kotlin functions that make one may share its name.
+  Targets find_type(std::string_view package, std::string_view name, FileId file) const {
+    if (files_.language(file) == "kotlin") return find(package, name, file);
+    const auto one = packages_.find_one(package, name, file);
+    return one ? Targets{*one} : Targets{};
+  }
+
+  // The overloads of a function may come from several files and several packages.
+  Targets find_imported(const std::vector<std::string_view>& wildcards, std::string_view name,
+                        FileId file) const {
+    const bool type = packaged::is_type_like(name);
+    Targets targets;
+    for (const std::string_view package : wildcards) {
+      const auto more = type ? find_type(package, name, file) : find(package, name, file);
+      targets.insert(targets.end(), more.begin(), more.end());
+      if (type && !targets.empty()) break;
+    }
+    std::ranges::sort(targets);
+    targets.erase(std::unique(targets.begin(), targets.end()), targets.end());
+    return targets;
+  }
+
+  const FileTable& files_;
+  SourceSets sets_;
+  std::deque<std::string> facades_;  // what packages_ views
+  Packages packages_;
+  std::map<std::string_view, Packages> platforms_;
+};
+
+}  // namespace
+
+std::unique_ptr<Resolver> make_jvm_resolver(const FileTable& files) {
+  return std::make_unique<JvmResolver>(files);
+}
+
+}  // namespace kestrix::index

@@ -1,0 +1,191 @@
+#include "kestrix/languages/ruby/resolver.h"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "kestrix/languages/dependencies.h"
+#include "kestrix/text/paths.h"
+
+namespace kestrix::index {
+namespace {
+
+constexpr std::array<std::string_view, 3> kLoadFolders = {"lib", "test", "spec"};
+
+bool is_upper(char c) { return c >= 'A' && c <= 'Z'; }
+bool is_lower_or_digit(char c) { return (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9'); }
+
+// The path that a constant's name makes: "App::HTTPClient" is app/http_client.rb.
+std::string conventional_path(std::string_view name) {
+  std::string path;
+  for (std::size_t i = 0; i < name.size(); ++i) {
+    const char c = name[i];
+    if (c == ':') {
+      path += '/';
+      ++i;
+      continue;
+    }
+    const bool starts_word =
+        i > 0 && is_upper(c) &&
+        (is_lower_or_digit(name[i - 1]) ||
+         (is_upper(name[i - 1]) && i + 1 < name.size() && is_lower_or_digit(name[i + 1])));
+    if (starts_word) path += '_';
+    path += is_upper(c) ? static_cast<char>(c - 'A' + 'a') : c;
+  }
+  return path + ".rb";
+}
+
+bool ends_with_path(std::string_view path, std::string_view end) {
+  return path.ends_with(end) &&
+         (path.size() == end.size() || path[path.size() - end.size() - 1] == '/');
+}
+
+class RubyResolver : public Resolver {
+ public:
+  explicit RubyResolver(const FileTable& files) : files_(files) {
+    for (FileId id = 0; id < files.size(); ++id) {
+      if (files.language(id) != "ruby") continue;
+      const auto& names = files.facts(id).declares;
+      const bool owns = std::ranges::any_of(
+          names, [&](const std::string& name) { return is_named_after(id, name); });
+      for (const std::string& name : names) declare(name, id, owns);
+    }
+  }
+
+  Resolution resolve(FileId file) const override {
+    const FileFacts& facts = files_.facts(file);
+    Dependencies found(file);
+    for (const ImportFact& import : facts.imports) resolve_path(import, file, found);
+    const std::vector<std::string> scopes = scopes_of(facts);
+    for (const NameUse& use : facts.uses) {
+      if (const auto target = find_constant(use.name, scopes)) found.add(*target, use.uses);
+    }
+    return found.take();
+  }
+
+ private:
+  struct Declared {
+    std::optional<FileId> conventional{};  ///< the file whose path the name makes
+    std::optional<FileId> only{};          ///< else the one file that may stand for it
+    bool several = false;
+
+    std::optional<FileId> file() const {
+      if (conventional) return conventional;
+      return several ? std::nullopt : only;
+    }
+  };
+
+  bool is_named_after(FileId file, std::string_view name) const {
+    return ends_with_path(files_.path(file), conventional_path(name));
+  }
+
+  // Whether the file lies where the name's namespace has its files.
+  bool lies_in_namespace(FileId file, std::string_view name) const {
+    const std::size_t last = name.rfind("::");
+    if (last == std::string_view::npos) return false;
+    std::string folder = conventional_path(name.substr(0, last));
+    folder.resize(folder.size() - 3);
+    return ends_with_path(folder_of(files_.path(file)), folder);
+  }
+
+  // A file that merely reopens what others declare, such as a library's module, stands for nothing.
+  void declare(std::string_view name, FileId file, bool owns) {
+    for (auto end = name.rfind("::"); end != std::string_view::npos;
+         end = name.rfind("::", end - 1)) {
+      if (!declared_.try_emplace(name.substr(0, end)).second || end == 0) break;
+    }
+    Declared& declared = declared_[name];
+    if (is_named_after(file, name)) {
+      if (!declared.conventional) declared.conventional = file;
+    } else if (owns || lies_in_namespace(file, name)) {
+      declared.several |= declared.only.has_value();
+      declared.only = file;
+    }
+  }
+
+  // The namespaces that the file opens, the innermost first, each with "::" at its end, and "".
+  static std::vector<std::string> scopes_of(const FileFacts& facts) {
+    std::set<std::string> open;
+    for (const std::string& name : facts.declares) {
+      for (std::size_t end = name.size(); end != std::string::npos;
+           end = name.rfind("::", end - 1)) {
+        if (!open.insert(name.substr(0, end) + "::").second) break;
+        if (end == 0) break;
+      }
+    }
+    std::vector<std::string> scopes(open.begin(), open.end());
+    const auto depth = [](const std::string& scope) { return std::ranges::count(scope, ':'); };
+    std::ranges::stable_sort(scopes, std::ranges::greater{}, depth);
+    scopes.emplace_back();
+    return scopes;
+  }
+
+  // The first part decides the namespace; the parts behind it lead as far as they are declared.
+  std::optional<FileId> find_constant(std::string_view name,
+                                      const std::vector<std::string>& scopes) const {
+    const std::string_view first = name.substr(0, name.find("::"));
+    for (const std::string& scope : scopes) {
+      std::string whole = scope;
+      whole += first;
+      auto found = declared_.find(whole);
+      if (found == declared_.end()) continue;
+      auto target = found->second.file();
+      for (std::size_t at = first.size(); at < name.size();) {
+        const std::size_t end = std::min(name.find("::", at + 2), name.size());
+        whole += name.substr(at, end - at);
+        found = declared_.find(whole);
+        if (found == declared_.end()) break;
+        target = found->second.file();
+        at = end;
+      }
+      return target;
+    }
+    return std::nullopt;
+  }
+
+  void resolve_path(const ImportFact& import, FileId file, Dependencies& found) const {
+    const std::string_view folder = folder_of(files_.path(file));
+    const bool relative = static_cast<RubyImport>(import.form) == RubyImport::kRelative;
+    const auto target =
+        relative ? find_file(folder, import.module) : find_on_load_path(folder, import.module);
+    if (target) {
+      found.add(*target, 1.0);
+    } else if (relative) {
+      found.miss();
+    }
+  }
+
+  std::optional<FileId> find_file(std::string_view folder, std::string_view path) const {
+    const auto joined = join_normal(folder, path);
+    if (!joined) return std::nullopt;
+    if (const auto whole = files_.find(*joined + ".rb")) return whole;
+    return joined->ends_with(".rb") ? files_.find(*joined) : std::nullopt;
+  }
+
+  std::optional<FileId> find_on_load_path(std::string_view folder, std::string_view path) const {
+    std::optional<FileId> target;
+    if (path.starts_with('/')) return target;
+    for_each_folder_up(folder, [&](std::string_view above) {
+      for (const std::string_view name : kLoadFolders) {
+        if (!target) target = find_file(join(above, name), path);
+      }
+    });
+    return target ? target : find_file("", path);
+  }
+
+  const FileTable& files_;
+  std::unordered_map<std::string_view, Declared> declared_;
+};
+
+}  // namespace
+
+std::unique_ptr<Resolver> make_ruby_resolver(const FileTable& files) {
+  return std::make_unique<RubyResolver>(files);
+}
+
+}  // namespace kestrix::index

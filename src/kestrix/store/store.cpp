@@ -1,0 +1,332 @@
+#include "kestrix/store/store.h"
+
+#include <fmt/format.h>
+#include <sqlite3.h>
+
+#include <algorithm>
+#include <limits>
+#include <thread>
+#include <utility>
+
+#include "kestrix/store/corrupt_index.h"
+#include "kestrix/store/store_file.h"
+
+namespace kestrix::index {
+namespace {
+
+constexpr int kSchemaVersion = 2;
+constexpr std::int64_t kMaxInteger = std::numeric_limits<std::int64_t>::max();
+constexpr auto kLockPoll = std::chrono::milliseconds(20);
+
+constexpr const char* kTables = R"sql(
+CREATE TABLE setting (name TEXT PRIMARY KEY, value TEXT NOT NULL) WITHOUT ROWID;
+CREATE TABLE skipped (reason TEXT PRIMARY KEY, count INTEGER NOT NULL) WITHOUT ROWID;
+CREATE TABLE file (
+  id INTEGER PRIMARY KEY,
+  path TEXT NOT NULL,
+  language TEXT NOT NULL,
+  traits INTEGER NOT NULL,
+  size INTEGER NOT NULL,
+  modified INTEGER NOT NULL,
+  changed INTEGER NOT NULL,
+  inode INTEGER NOT NULL,
+  hash INTEGER NOT NULL,
+  unresolved INTEGER NOT NULL);
+CREATE TABLE facts (file INTEGER PRIMARY KEY, bytes BLOB NOT NULL);
+CREATE TABLE symbols (file INTEGER PRIMARY KEY, bytes BLOB NOT NULL);
+CREATE TABLE edges (source INTEGER PRIMARY KEY, bytes BLOB NOT NULL);
+)sql";
+
+// The rows of one SELECT. It reads columns with SQLite's own functions: an object for each value
+// would double the time that a large table takes.
+class Rows {
+ public:
+  Rows(SQLite::Database& database, const char* sql) : handle_(database.getHandle()) {
+    sqlite3_stmt* prepared = nullptr;
+    const int code = sqlite3_prepare_v2(handle_, sql, -1, &prepared, nullptr);
+    statement_.reset(prepared);
+    if (code != SQLITE_OK) throw SQLite::Exception(handle_, code);
+  }
+
+  bool next() {
+    const int code = sqlite3_step(statement_.get());
+    if (code != SQLITE_ROW && code != SQLITE_DONE) throw SQLite::Exception(handle_, code);
+    return code == SQLITE_ROW;
+  }
+
+  /// Holds until `next`.
+  std::string_view text(int column) {
+    const auto* bytes = static_cast<const char*>(sqlite3_column_blob(statement_.get(), column));
+    const auto size = static_cast<std::size_t>(sqlite3_column_bytes(statement_.get(), column));
+    return bytes == nullptr ? std::string_view() : std::string_view(bytes, size);
+  }
+
+  std::int64_t integer(int column) { return sqlite3_column_int64(statement_.get(), column); }
+  double real(int column) { return sqlite3_column_double(statement_.get(), column); }
+
+  template <class Number>
+  Number number(int column, std::int64_t most = std::numeric_limits<Number>::max()) {
+    const auto value = integer(column);
+    if (value < 0 || value > most) throw CorruptIndex("a number in the index is out of range");
+    return static_cast<Number>(value);
+  }
+
+ private:
+  struct Finalize {
+    void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
+  };
+
+  sqlite3* handle_;
+  std::unique_ptr<sqlite3_stmt, Finalize> statement_;
+};
+
+FileRow read_file_row(Rows& rows) {
+  FileRow row;
+  row.id = rows.integer(0);
+  row.path = rows.text(1);
+  row.language = rows.text(2);
+  row.traits = Traits(rows.number<std::uint32_t>(3));
+  row.stamp = {rows.integer(4), rows.integer(5), rows.integer(6),
+               static_cast<std::uint64_t>(rows.integer(7))};
+  row.hash = static_cast<std::uint64_t>(rows.integer(8));
+  row.unresolved = rows.number<std::uint32_t>(9);
+  return row;
+}
+
+}  // namespace
+
+Store Store::open_or_create(const std::filesystem::path& path) {
+  switch (look_at(path)) {
+    case PlaceContent::kForeignDatabase:
+      throw foreign_database(path);
+    case PlaceContent::kForeignFile:
+      throw Error(fmt::format("{}: not an index; it is left as it is", path.native()));
+    default:
+      return {path, open_database(path, true)};
+  }
+}
+
+Store Store::open_existing(const std::filesystem::path& path) {
+  if (look_at(path) != PlaceContent::kIndex) {
+    throw Error(fmt::format("{}: there is no index", path.native()));
+  }
+  return {path, open_database(path, false)};
+}
+
+Store::Store(std::filesystem::path path, OpenedFile file)
+    : path_(std::move(path)), database_(std::move(file.database)), writable_(file.writable) {}
+
+template <class Operation>
+auto Store::guarded(Operation operation) {
+  try {
+    return operation();
+  } catch (const SQLite::Exception& failure) {
+    raise(path_, failure);
+  }
+}
+
+bool Store::has_current_schema() {
+  return guarded(
+      [&] { return database_->execAndGet("PRAGMA user_version").getInt() == kSchemaVersion; });
+}
+
+void Store::begin_read() { run("BEGIN"); }
+
+void Store::end_read() { run("COMMIT"); }
+
+std::string Store::setting(const std::string& name) {
+  return guarded([&]() -> std::string {
+    SQLite::Statement query(*database_, "SELECT value FROM setting WHERE name = ?");
+    query.bindNoCopy(1, name);
+    return query.executeStep() ? query.getColumn(0).getString() : std::string();
+  });
+}
+
+SkipCounts Store::skip_counts() {
+  return guarded([&] {
+    SkipCounts counts;
+    Rows rows(*database_, "SELECT reason, count FROM skipped");
+    while (rows.next()) counts.add(rows.text(0), rows.number<std::uint64_t>(1, kMaxInteger));
+    return counts;
+  });
+}
+
+std::vector<FileRow> Store::files() {
+  return guarded([&] {
+    std::vector<FileRow> files;
+    Rows rows(*database_,
+              "SELECT id, path, language, traits, size, modified, changed, inode, hash, unresolved"
+              " FROM file");
+    while (rows.next()) files.push_back(read_file_row(rows));
+    if (!std::ranges::is_sorted(files, {}, &FileRow::path)) {
+      std::ranges::sort(files, {}, &FileRow::path);
+    }
+    const auto twice = std::ranges::adjacent_find(files, {}, &FileRow::path);
+    if (twice != files.end()) throw CorruptIndex("a path stands in the index twice");
+    return files;
+  });
+}
+
+std::optional<std::string> Store::facts(std::int64_t file) {
+  return guarded([&]() -> std::optional<std::string> {
+    auto& query = statement("SELECT bytes FROM facts WHERE file = ?");
+    query.bind(1, file);
+    if (!query.executeStep()) return std::nullopt;
+    return query.getColumn(0).getString();
+  });
+}
+
+int Store::data_version() {
+  return guarded([&] { return database_->execAndGet("PRAGMA data_version").getInt(); });
+}
+
+void Store::each_facts(const TakeBytes& take) { each_bytes("SELECT file, bytes FROM facts", take); }
+
+void Store::each_symbols(const TakeBytes& take) {
+  each_bytes("SELECT file, bytes FROM symbols ORDER BY file", take);
+}
+
+void Store::each_edges(const TakeBytes& take) {
+  each_bytes("SELECT source, bytes FROM edges ORDER BY source", take);
+}
+
+void Store::each_bytes(const char* sql, const TakeBytes& take) {
+  guarded([&] {
+    Rows rows(*database_, sql);
+    while (rows.next()) take(rows.integer(0), rows.text(1));
+  });
+}
+
+void Store::begin_write(std::chrono::milliseconds timeout, const StopFlag* stop) {
+  if (!writable_) {
+    throw Error(
+        fmt::format("{}: the index is out of date and cannot be written; choose another "
+                    "place with --index",
+                    path_.native()));
+  }
+  const auto deadline = std::chrono::steady_clock::now() + timeout;
+  sqlite3_busy_timeout(database_->getHandle(), 0);
+  run("PRAGMA cache_size = -8192");  // reading goes through each table once, writing to and fro
+  while (!try_begin_write()) {
+    check_stop(stop);
+    if (std::chrono::steady_clock::now() >= deadline) {
+      throw Error(fmt::format("{}: another process is writing the index", path_.native()));
+    }
+    std::this_thread::sleep_for(kLockPoll);
+  }
+}
+
+bool Store::try_begin_write() {
+  return guarded([&] {
+    const int code = database_->tryExec("BEGIN IMMEDIATE");
+    if (code == SQLITE_BUSY) return false;
+    if (code != SQLITE_OK) throw SQLite::Exception(database_->getHandle(), code);
+    return true;
+  });
+}
+
+void Store::recreate_tables() {
+  guarded([&] {
+    std::vector<std::string> tables;
+    Rows rows(*database_, "SELECT name FROM sqlite_schema WHERE type = 'table'");
+    while (rows.next()) tables.emplace_back(rows.text(0));
+    for (const std::string& table : tables) {
+      database_->exec(fmt::format("DROP TABLE \"{}\"", table));
+    }
+    database_->exec(kTables);
+    database_->exec(fmt::format("PRAGMA user_version = {}", kSchemaVersion));
+  });
+}
+
+void Store::set_setting(const std::string& name, const std::string& value) {
+  guarded([&] {
+    auto& insert = statement("INSERT OR REPLACE INTO setting VALUES (?, ?)");
+    insert.bindNoCopy(1, name);
+    insert.bindNoCopy(2, value);
+    insert.exec();
+  });
+}
+
+void Store::set_skip_counts(const SkipCounts& counts) {
+  guarded([&] {
+    database_->exec("DELETE FROM skipped");
+    for (const auto& [reason, count] : counts) {
+      auto& insert = statement("INSERT INTO skipped VALUES (?, ?)");
+      insert.bindNoCopy(1, reason);
+      insert.bind(2, static_cast<std::int64_t>(count));
+      insert.exec();
+    }
+  });
+}
+
+void Store::put_file(const FileRow& row) {
+  guarded([&] {
+    auto& insert = statement("INSERT OR REPLACE INTO file VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
+    insert.bind(1, row.id);
+    insert.bindNoCopy(2, row.path);
+    insert.bindNoCopy(3, row.language);
+    insert.bind(4, row.traits.bits());
+    insert.bind(5, row.stamp.size);
+    insert.bind(6, row.stamp.modified_ns);
+    insert.bind(7, row.stamp.changed_ns);
+    insert.bind(8, static_cast<std::int64_t>(row.stamp.inode));
+    insert.bind(9, static_cast<std::int64_t>(row.hash));
+    insert.bind(10, row.unresolved);
+    insert.exec();
+  });
+}
+
+void Store::remove_file(std::int64_t file) {
+  remove_facts(file);
+  put_edges(file, {});
+  remove("DELETE FROM file WHERE id = ?", file);
+}
+
+void Store::put_facts(std::int64_t file, const std::string& facts, const std::string& symbols) {
+  put_bytes("INSERT INTO facts VALUES (?, ?)", file, facts);
+  if (!symbols.empty()) put_bytes("INSERT INTO symbols VALUES (?, ?)", file, symbols);
+}
+
+void Store::remove_facts(std::int64_t file) {
+  remove("DELETE FROM facts WHERE file = ?", file);
+  remove("DELETE FROM symbols WHERE file = ?", file);
+}
+
+void Store::put_edges(std::int64_t source, const std::string& edges) {
+  if (edges.empty())
+    remove("DELETE FROM edges WHERE source = ?", source);
+  else
+    put_bytes("INSERT OR REPLACE INTO edges VALUES (?, ?)", source, edges);
+}
+
+void Store::put_bytes(const std::string& sql, std::int64_t file, const std::string& bytes) {
+  guarded([&] {
+    auto& insert = statement(sql);
+    insert.bind(1, file);
+    insert.bindNoCopy(2, bytes.data(), static_cast<int>(bytes.size()));
+    insert.exec();
+  });
+}
+
+void Store::remove(const std::string& sql, std::int64_t file) {
+  guarded([&] {
+    auto& remove = statement(sql);
+    remove.bind(1, file);
+    remove.exec();
+  });
+}
+
+void Store::commit() { run("COMMIT"); }
+
+SQLite::Statement& Store::statement(const std::string& sql) {
+  auto& prepared = statements_[sql];
+  if (!prepared) prepared = std::make_unique<SQLite::Statement>(*database_, sql);
+  prepared->reset();
+  return *prepared;
+}
+
+void Store::run(const char* sql) {
+  guarded([&] { database_->exec(sql); });
+}
+
+}  // namespace kestrix::index

@@ -1,0 +1,137 @@
+#pragma once
+
+#include <SQLiteCpp/SQLiteCpp.h>
+
+#include <chrono>
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "kestrix/store/store_file.h"
+#include "kestrix/files/root_directory.h"
+#include "kestrix/files/skip_counts.h"
+#include "kestrix/utils/stop.h"
+
+namespace kestrix::index {
+
+/// What a file is, as far as its text tells.
+enum class Trait : std::uint32_t {
+  kDocument = 1U << 0U,    ///< prose
+  kGenerated = 1U << 1U,   ///< made by a program
+  kMinified = 1U << 2U,    ///< not parsed for that
+  kLarge = 1U << 3U,       ///< not parsed for that
+  kGaveUp = 1U << 4U,      ///< parsing took too long
+  kBinary = 1U << 5U,      ///< seen, but not part of the index
+  kUnreadable = 1U << 6U,  ///< seen, but not part of the index
+  kParsed = 1U << 7U,      ///< there are facts of it
+  kConsulted = 1U << 8U,   ///< resolvers read its text: a project file
+};
+
+class Traits {
+ public:
+  Traits() = default;
+  explicit Traits(std::uint32_t bits) : bits_(bits) {}
+
+  void set(Trait trait, bool on = true) {
+    if (on) bits_ |= static_cast<std::uint32_t>(trait);
+  }
+  bool has(Trait trait) const { return (bits_ & static_cast<std::uint32_t>(trait)) != 0; }
+  bool is_text() const { return !has(Trait::kBinary) && !has(Trait::kUnreadable); }
+  std::uint32_t bits() const { return bits_; }
+
+  friend bool operator==(const Traits&, const Traits&) = default;
+
+ private:
+  std::uint32_t bits_ = 0;
+};
+
+/// A row of the store. Ids are the store's own, in no order.
+struct FileRow {
+  std::int64_t id = 0;
+  std::string path;
+  std::string language;  ///< name of the language that reads it, "" for none
+  Traits traits;
+  FileStamp stamp;  ///< a size below zero: read it again, whatever it looks like
+  std::uint64_t hash = 0;
+  std::uint32_t unresolved = 0;  ///< imports that looked local and led nowhere
+};
+
+/// The index's SQLite file.
+///
+/// Readers see the last complete state while a writer is at work: the file uses a write-ahead log.
+/// One transaction holds all changes of a refresh, so a process that is killed leaves the state
+/// before it. Failures are thrown as `Error`, which names the file; `CorruptIndex` when the file is
+/// this program's and damaged. Not for use by several threads at once.
+class Store {
+ public:
+  /// Opens the file for a refresh and creates it where there is none. A file that is not this
+  /// program's is refused, and never changed.
+  static Store open_or_create(const std::filesystem::path& path);
+
+  /// Opens an existing file for reading, also where nothing can be written.
+  static Store open_existing(const std::filesystem::path& path);
+
+  const std::filesystem::path& path() const { return path_; }
+
+  /// Whether begin_write can succeed here at all.
+  bool writable() const { return writable_; }
+
+  /// Whether the tables are those that this version reads and writes.
+  bool has_current_schema();
+
+  // Reading. One transaction keeps all reads in one state.
+  void begin_read();
+  void end_read();
+  std::string setting(const std::string& name);  ///< "" when it was never set
+  SkipCounts skip_counts();
+  std::vector<FileRow> files();  ///< ascending by path
+  /// The encoded facts of one file; none when it was not parsed.
+  std::optional<std::string> facts(std::int64_t file);
+  /// Changes whenever another connection has written.
+  int data_version();
+
+  // What is encoded, file by file, for all files that have some; the order is that of their ids.
+  // Views that are handed over hold until the function returns.
+  using TakeBytes = std::function<void(std::int64_t file, std::string_view bytes)>;
+  void each_facts(const TakeBytes& take);
+  void each_symbols(const TakeBytes& take);
+  void each_edges(const TakeBytes& take);  ///< by source
+
+  // Writing, between begin_write and commit. Destroying the store takes back what is not committed.
+  /// Waits for another writer; throws `Error` when it takes longer than `timeout`.
+  void begin_write(std::chrono::milliseconds timeout, const StopFlag* stop);
+  void recreate_tables();
+  void set_setting(const std::string& name, const std::string& value);
+  void set_skip_counts(const SkipCounts& counts);
+  void put_file(const FileRow& row);
+  void remove_file(std::int64_t file);
+  void put_facts(std::int64_t file, const std::string& facts, const std::string& symbols);
+  void remove_facts(std::int64_t file);
+  void put_edges(std::int64_t source, const std::string& edges);
+  void commit();
+
+ private:
+  Store(std::filesystem::path path, OpenedFile file);
+
+  template <class Operation>
+  auto guarded(Operation operation);
+  bool try_begin_write();
+  void each_bytes(const char* sql, const TakeBytes& take);
+  void put_bytes(const std::string& sql, std::int64_t file, const std::string& bytes);
+  void remove(const std::string& sql, std::int64_t file);
+  SQLite::Statement& statement(const std::string& sql);
+  void run(const char* sql);
+
+  std::filesystem::path path_;
+  std::unique_ptr<SQLite::Database> database_;
+  std::unordered_map<std::string, std::unique_ptr<SQLite::Statement>> statements_;
+  bool writable_ = true;
+};
+
+}  // namespace kestrix::index

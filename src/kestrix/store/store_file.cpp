@@ -1,0 +1,196 @@
+#include "kestrix/store/store_file.h"
+
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <sqlite3.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <string>
+#include <string_view>
+#include <system_error>
+
+#include "kestrix/store/corrupt_index.h"
+#include "kestrix/files/root_directory.h"
+
+namespace kestrix::index {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::string_view kMagic("SQLite format 3\0", 16);
+constexpr std::size_t kHeaderBytes = 100;
+constexpr std::size_t kApplicationIdOffset = 68;
+constexpr int kBusyMilliseconds = 5000;
+constexpr std::string_view kRemedy = "choose another place with --index";
+
+std::string read_header(const fs::path& path, int fd) {
+  std::string header(kHeaderBytes, '\0');
+  const ssize_t size = ::pread(fd, header.data(), header.size(), 0);
+  if (size < 0)
+    throw Error(fmt::format("{}: {}", path.native(), std::generic_category().message(errno)));
+  header.resize(static_cast<std::size_t>(size));
+  return header;
+}
+
+std::int32_t application_id(std::string_view header) {
+  std::uint32_t id = 0;
+  for (const char byte : header.substr(kApplicationIdOffset, 4)) {
+    id = id << 8U | static_cast<unsigned char>(byte);
+  }
+  return static_cast<std::int32_t>(id);
+}
+
+PlaceContent content_of(std::string_view header) {
+  if (header.empty()) return PlaceContent::kNothing;
+  if (!header.starts_with(kMagic) || header.size() < kHeaderBytes) {
+    return PlaceContent::kForeignFile;
+  }
+  return application_id(header) == kApplicationId ? PlaceContent::kIndex
+                                                  : PlaceContent::kForeignDatabase;
+}
+
+fs::path companion(const fs::path& path, std::string_view suffix) {
+  return path.native() + std::string(suffix);
+}
+
+std::string frozen_uri(const fs::path& path) {
+  std::string uri = "file:";
+  const fs::path absolute = fs::absolute(path);
+  for (const char c : absolute.native()) {
+    const bool plain = c == '/' || c == '.' || c == '-' || c == '_' || (c >= '0' && c <= '9') ||
+                       (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+    if (plain)
+      uri += c;
+    else
+      uri += fmt::format("%{:02X}", static_cast<unsigned char>(c));
+  }
+  return uri + "?immutable=1";
+}
+
+// Reading needs a place for the log's index beside the file. Without one, and as long as no log
+// holds part of the content, the file can be read as it stands.
+OpenedFile open_frozen(const fs::path& path, const SQLite::Exception& failure) {
+  std::error_code missing;
+  const auto log_bytes = fs::file_size(companion(path, "-wal"), missing);
+  if (!missing && log_bytes > 0) raise(path, failure);
+  return {std::make_unique<SQLite::Database>(frozen_uri(path),
+                                             SQLite::OPEN_READONLY | SQLite::OPEN_URI),
+          false};
+}
+
+// Two processes that find no index, or the same damage, take turns.
+class DirectoryLock {
+ public:
+  explicit DirectoryLock(const fs::path& directory)
+      : fd_(::open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+    if (fd_) ::flock(fd_.get(), LOCK_EX);
+  }
+
+ private:
+  FileDescriptor fd_;
+};
+
+bool is_ours(SQLite::Database& database) {
+  return database.execAndGet("PRAGMA application_id").getInt() == kApplicationId;
+}
+
+bool has_log(SQLite::Database& database) {
+  return database.execAndGet("PRAGMA journal_mode").getString() == "wal";
+}
+
+// What the library says counts, not the first bytes: where a process was killed while it made them,
+// they are taken back as soon as the file is read.
+void mark_as_index(const fs::path& path, SQLite::Database& database) {
+  if (is_ours(database) && has_log(database)) return;
+  const DirectoryLock lock(fs::absolute(path).parent_path());
+  if (!is_ours(database)) {
+    const bool is_empty = database.execAndGet("PRAGMA page_count").getInt() == 0;
+    if (!is_empty) throw foreign_database(path);
+    database.exec(fmt::format("PRAGMA application_id = {}", kApplicationId));
+  }
+  database.exec("PRAGMA journal_mode = WAL");
+}
+
+OpenedFile open_for_writing(const fs::path& path, bool create) {
+  const int flags =
+      SQLite::OPEN_READWRITE | SQLite::OPEN_NOMUTEX | (create ? SQLite::OPEN_CREATE : 0);
+  auto database = std::make_unique<SQLite::Database>(path, flags, kBusyMilliseconds);
+  const bool writable = sqlite3_db_readonly(database->getHandle(), "main") == 0;
+  if (create && writable) mark_as_index(path, *database);
+  // Nothing waits for the disk: what a failing machine leaves behind is checked as it is read, and
+  // the worst that can come is a rebuild.
+  database->exec("PRAGMA synchronous = OFF; PRAGMA cache_size = -1024");
+  database->execAndGet("SELECT count(*) FROM sqlite_schema");
+  return {std::move(database), writable};
+}
+
+}  // namespace
+
+PlaceContent look_at(const fs::path& path) {
+  const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+  if (!file && errno == ENOENT) return PlaceContent::kNothing;
+  if (!file)
+    throw Error(fmt::format("{}: {}", path.native(), std::generic_category().message(errno)));
+  struct stat status {};
+  if (::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) {
+    return PlaceContent::kForeignFile;
+  }
+  return content_of(read_header(path, file.get()));
+}
+
+OpenedFile open_database(const fs::path& path, bool create) {
+  try {
+    return open_for_writing(path, create);
+  } catch (const SQLite::Exception& failure) {
+    const int code = failure.getErrorCode();
+    const bool place_is_closed = code == SQLITE_CANTOPEN || code == SQLITE_READONLY;
+    std::error_code ignored;
+    if (!place_is_closed || !fs::exists(path, ignored)) raise(path, failure);
+    return open_frozen(path, failure);
+  }
+}
+
+Error foreign_database(const fs::path& path) {
+  return Error(fmt::format("{}: a database of another program, not an index", path.native()));
+}
+
+void raise(const fs::path& path, const SQLite::Exception& failure) {
+  switch (failure.getErrorCode()) {
+    case SQLITE_CORRUPT:
+    case SQLITE_NOTADB:
+    case SQLITE_ERROR:  // our statements are right: it is the schema that is not
+    case SQLITE_CONSTRAINT:
+    case SQLITE_MISMATCH:
+    case SQLITE_FORMAT:
+      throw CorruptIndex(fmt::format("{}: the index is damaged", path.native()));
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+      throw Error(fmt::format("{}: the index is in use by another process", path.native()));
+    case SQLITE_READONLY:
+    case SQLITE_CANTOPEN:
+    case SQLITE_PERM:
+      throw Error(fmt::format("{}: the index cannot be written; {}", path.native(), kRemedy));
+    default:
+      throw Error(fmt::format("{}: {}", path.native(), failure.what()));
+  }
+}
+
+FileIdentity identity_of(const fs::path& path) {
+  struct stat status {};
+  if (::stat(path.c_str(), &status) != 0) return {};
+  return {status.st_dev, status.st_ino};
+}
+
+void remove_database(const fs::path& path, const FileIdentity& damaged) {
+  const DirectoryLock lock(fs::absolute(path).parent_path());
+  if (identity_of(path) != damaged) return;
+  for (const std::string_view suffix : {"-wal", "-shm", "-journal", ""}) {
+    std::error_code failure;
+    fs::remove(companion(path, suffix), failure);
+    if (failure) throw Error(fmt::format("{}: {}", path.native(), failure.message()));
+  }
+}
+
+}  // namespace kestrix::index

@@ -1,0 +1,217 @@
+#include "kestrix/syntax/parser_memory.h"
+
+#include <tree_sitter/api.h>
+
+#include <algorithm>
+#include <array>
+#include <csetjmp>
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <mutex>
+#include <new>
+#include <vector>
+
+namespace kestrix::index {
+namespace {
+
+constexpr std::size_t kUnit = 16;
+// Larger blocks come from the general allocator; all do where it watches over their bounds.
+#ifdef __has_feature
+#define KESTRIX_ADDRESS_SANITIZER __has_feature(address_sanitizer)
+#elif defined(__SANITIZE_ADDRESS__)
+#define KESTRIX_ADDRESS_SANITIZER 1
+#else
+#define KESTRIX_ADDRESS_SANITIZER 0
+#endif
+constexpr std::size_t kSmallUnits = KESTRIX_ADDRESS_SANITIZER ? 0 : 64;
+constexpr std::size_t kSlab = std::size_t{256} << 10;
+constexpr std::size_t kSlabsKept = 32;
+
+// What the library could have in front of a wrong address is a pointer, whose upper bits are zero,
+// or an inline node, whose lowest bit is one: neither reads as this.
+constexpr std::uint64_t kSmall = 0xA10C'5A11'0B10'C000;
+constexpr std::uint64_t kLarge = 0xA10C'1A26'0B10'C000;
+constexpr std::uint64_t kForeign = 0xA10C'F02E'0B10'C000;
+constexpr std::uint64_t kFree = 0xA10C'F2EE'0B10'C000;
+
+struct Header {
+  std::uint64_t kind;
+  std::size_t size;  // usable bytes
+};
+static_assert(sizeof(Header) == kUnit);
+
+// Large blocks of a session, so that those which the library loses are found at its end.
+struct Link {
+  Link* next;
+  Link* previous;
+};
+
+Header* header_of(void* block) { return static_cast<Header*>(block) - 1; }
+
+// NOLINTBEGIN(cppcoreguidelines-no-malloc): this is an allocator
+
+class Arena {
+ public:
+  Arena() = default;
+  Arena(const Arena&) = delete;
+  Arena& operator=(const Arena&) = delete;
+  ~Arena() { end(); }
+
+  void begin() { active_ = true; }
+
+  void end() {
+    active_ = false;
+    while (large_ != nullptr) {
+      Link* const link = large_;
+      large_ = link->next;
+      std::free(link);
+    }
+    free_.fill(nullptr);
+    held_ = 0;
+    if (slabs_.size() > kSlabsKept) slabs_.resize(kSlabsKept);
+    slab_ = at_ = 0;
+  }
+
+  void* allocate(std::size_t size) {
+    const std::size_t units = std::max<std::size_t>((size + kUnit - 1) / kUnit, 1);
+    if (!active_) return foreign(size);
+    return units <= kSmallUnits ? small(units) : large(size);
+  }
+
+  // The frames between here and there are the library's, which is C.
+  bool run(void (*work)(void*), void* argument) {
+    if (setjmp(way_out_) != 0) {  // NOLINT(cert-err52-cpp): see above
+      guarded_ = false;
+      return false;
+    }
+    guarded_ = true;
+    work(argument);
+    guarded_ = false;
+    return true;
+  }
+
+  [[noreturn]] void give_up() {
+    if (guarded_) longjmp(way_out_, 1);  // NOLINT(cert-err52-cpp)
+    std::abort();
+  }
+
+  void release(void* block) {
+    Header* const header = header_of(block);
+    if (header->kind == kSmall) {
+      header->kind = kFree;
+      *static_cast<void**>(block) = free_[header->size / kUnit];
+      free_[header->size / kUnit] = block;
+    } else if (header->kind == kLarge) {
+      Link* const link = reinterpret_cast<Link*>(header) - 1;
+      held_ -= header->size;
+      unlink(link);
+      std::free(link);
+    } else if (header->kind == kForeign) {
+      std::free(header);
+    }
+  }
+
+ private:
+  static void* mark(void* memory, std::uint64_t kind, std::size_t size) {
+    return ::new (memory) Header{kind, size} + 1;
+  }
+
+  static void* foreign(std::size_t size) {
+    void* const memory = std::malloc(sizeof(Header) + size);
+    return memory == nullptr ? nullptr : mark(memory, kForeign, size);
+  }
+
+  void* small(std::size_t units) {
+    if (void* const block = free_[units]) {
+      free_[units] = *static_cast<void**>(block);
+      header_of(block)->kind = kSmall;
+      return block;
+    }
+    const std::size_t bytes = sizeof(Header) + units * kUnit;
+    if (slab_ == slabs_.size() || at_ + bytes > kSlab) {
+      if (slab_ < slabs_.size()) ++slab_;
+      if (slab_ == slabs_.size()) slabs_.emplace_back(new std::byte[kSlab]);
+      hold(kSlab);
+      at_ = 0;
+    }
+    std::byte* const memory = slabs_[slab_].get() + at_;
+    at_ += bytes;
+    return mark(memory, kSmall, units * kUnit);
+  }
+
+  void* large(std::size_t size) {
+    auto* const memory = static_cast<std::byte*>(std::malloc(sizeof(Link) + sizeof(Header) + size));
+    if (memory == nullptr) return nullptr;
+    Link* const link = ::new (memory) Link{large_, nullptr};
+    if (large_ != nullptr) large_->previous = link;
+    large_ = link;
+    hold(size);
+    return mark(memory + sizeof(Link), kLarge, size);
+  }
+
+  void hold(std::size_t bytes) {
+    held_ += bytes;
+    if (guarded_ && held_ > ParserMemory::kLimit) give_up();
+  }
+
+  void unlink(Link* link) {
+    if (link->next != nullptr) link->next->previous = link->previous;
+    (link->previous == nullptr ? large_ : link->previous->next) = link->next;
+  }
+
+  bool active_ = false;
+  std::vector<std::unique_ptr<std::byte[]>> slabs_;
+  std::size_t slab_ = 0;                       // the one that is being filled
+  std::size_t at_ = 0;                         // its first free byte
+  std::array<void*, kSmallUnits + 1> free_{};  // by units
+  Link* large_ = nullptr;
+  std::size_t held_ = 0;  // by slabs in use and large blocks
+  bool guarded_ = false;
+  std::jmp_buf way_out_{};
+};
+
+// NOLINTEND(cppcoreguidelines-no-malloc)
+
+thread_local Arena
+    arena;  // NOLINT(*-avoid-non-const-global-variables): the library's hooks find it
+
+void* allocate(std::size_t size) {
+  void* const block = arena.allocate(size);
+  if (block == nullptr) arena.give_up();
+  return block;
+}
+
+void* allocate_zeroed(std::size_t count, std::size_t size) {
+  if (size != 0 && count > SIZE_MAX / 2 / size) arena.give_up();
+  return std::memset(allocate(count * size), 0, count * size);
+}
+
+void release(void* block) {
+  if (block != nullptr) arena.release(block);
+}
+
+void* reallocate(void* block, std::size_t size) {
+  if (block == nullptr) return allocate(size);
+  const std::size_t before = header_of(block)->size;
+  if (size <= before) return block;
+  void* const larger = std::memcpy(allocate(size), block, before);
+  release(block);
+  return larger;
+}
+
+}  // namespace
+
+ParserMemory::ParserMemory() {
+  static std::once_flag once;
+  std::call_once(once, [] { ts_set_allocator(allocate, allocate_zeroed, reallocate, release); });
+  arena.begin();
+}
+
+ParserMemory::~ParserMemory() { arena.end(); }
+
+bool ParserMemory::run(void (*work)(void*), void* argument) { return arena.run(work, argument); }
+
+}  // namespace kestrix::index
