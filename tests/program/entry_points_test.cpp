@@ -51,7 +51,7 @@ const Strings kJobs{"jobs/a", "jobs/b", "jobs/c"};
 TEST(EntryPointClasses, AreTheFilesOfADirectoryThatOneOutsiderUses) {
   const Strings paths{"main", "jobs/c", "jobs/a", "jobs/b", "jobs/a", "jobs/notes.json"};
   EXPECT_THAT(entry_point_classes(paths, uses("main", kJobs)),
-              ElementsAre(EntryPointClass{"jobs", kJobs}));
+              ElementsAre(EntryPointClass{"jobs", kJobs, "main uses 3 of its 3 files"}));
 }
 
 TEST(EntryPointClasses, NeedThreeFilesUsedByOneFileOutside) {
@@ -114,8 +114,9 @@ TEST(EntryPointClasses, ComeByReachThenDirectoryWhateverTheOrderOfTheInput) {
 
 TEST(EntryPointsMatching, ListsTheSelectedFilesOnce) {
   const Strings paths{"jobs/b.py", "jobs/a.py", "main.py", "jobs/b.py"};
-  EXPECT_EQ(entry_points_matching("jobs/*", paths),
-            (EntryPointClass{"jobs/*", {"jobs/a.py", "jobs/b.py"}}));
+  EXPECT_EQ(
+      entry_points_matching("jobs/*", paths),
+      (EntryPointClass{"jobs/*", {"jobs/a.py", "jobs/b.py"}, "files that the pattern matches"}));
   EXPECT_THROW(entry_points_matching("[", paths), BadGlob);
 }
 

@@ -38,6 +38,12 @@ TEST(PathGlob, MatchesWholePathsAsGitDoes) {
       {"*\n?", {"a\nb", "\n\n"}, {"ab"}},
       {"app/*/", {"app/a/b"}, {"app/a"}},
       {"A.py", {"A.py"}, {"a.py"}},
+      {"app/{a,b/c}.py", {"app/a.py", "app/b/c.py"}, {"app/b.py", "app/{a,b/c}.py"}},
+      {"{a,{b,c}d}{,x}", {"a", "ax", "bd", "cdx"}, {"b", "bx"}},
+      {"a{b}c", {"a{b}c"}, {"abc"}},
+      {"a{b,c", {"a{b,c"}, {"ab"}},
+      {"a\\{b,c}", {"a{b,c}"}, {"ab"}},
+      {"{jobs,tasks}", {"jobs/a", "tasks/b/c"}, {"job/a"}},
       {"a.b+(c)", {"a.b+(c)"}, {"aXb+(c)", "a.bb(c)"}},
   };
   for (const Case& each : cases) {
@@ -48,7 +54,9 @@ TEST(PathGlob, MatchesWholePathsAsGitDoes) {
 }
 
 TEST(PathGlob, RejectsWhatIsNoPattern) {
-  for (const auto& pattern : {""s, "./"s, "a["s, "[!"s, "[a-"s, "a\\"s, "[\\"s}) {
+  for (const auto& pattern : {""s, "./"s, "a["s, "[!"s, "[a-"s, "a\\"s, "[\\"s, "{a,}"s,
+                              std::string(600, '{') + "a,b" + std::string(600, '}'),
+                              "{a,b}{a,b}{a,b}{a,b}{a,b}{a,b}{a,b}{a,b}{a,b}"s}) {
     EXPECT_THROW(PathGlob{pattern}, BadGlob) << pattern;
   }
 }

@@ -1,14 +1,16 @@
 #include "kestrix/host/entry_points.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cstdint>
 #include <unordered_map>
 #include <unordered_set>
 #include <utility>
 
+#include "kestrix/host/path_glob.h"
 #include "kestrix/workers/wiki/page_sources/constants.h"
 #include "kestrix/workers/wiki/page_sources/path_text.h"
-#include "kestrix/host/path_glob.h"
 
 namespace kestrix {
 namespace {
@@ -18,7 +20,8 @@ constexpr double kImportAlone = 1;
 struct Directory {
   std::string_view path;
   std::vector<std::string_view> files;
-  std::size_t reach = 0;  // files that the farthest reaching outsider uses
+  std::size_t reach = 0;        // files that the farthest reaching outsider uses
+  std::string_view outsider{};  // the first that reaches so far
 };
 
 bool lies_below(std::string_view path, std::string_view directory) {
@@ -41,7 +44,7 @@ class Directories {
       if (edge.weight <= kImportAlone || lies_below(edge.source, directory.path)) continue;
       auto& reached = reached_[{edge.source, number}];
       reached.insert(edge.target);
-      directory.reach = std::max(directory.reach, reached.size());
+      note(directory, edge.source, reached.size());
     }
   }
 
@@ -55,11 +58,19 @@ class Directories {
     }
   };
 
+  // Among equals the first by path, whatever the order of the edges.
+  static void note(Directory& directory, std::string_view outsider, std::size_t reach) {
+    if (reach < directory.reach) return;
+    if (reach == directory.reach && directory.outsider <= outsider) return;
+    directory.reach = reach;
+    directory.outsider = outsider;
+  }
+
   // Returns the number of the file's directory.
   std::size_t place(std::string_view path) {
     const std::string_view directory = directory_of(path);
     const auto [entry, fresh] = numbers_.try_emplace(directory, directories_.size());
-    if (fresh) directories_.push_back({directory, {}, 0});
+    if (fresh) directories_.push_back({directory, {}});
     if (placed_.insert(path).second) directories_[entry->second].files.push_back(path);
     return entry->second;
   }
@@ -78,7 +89,9 @@ bool shows_a_class(const Directory& directory) {
 
 EntryPointClass class_of(const Directory& directory) {
   EntryPointClass found{std::string(directory.path),
-                        {directory.files.begin(), directory.files.end()}};
+                        {directory.files.begin(), directory.files.end()},
+                        fmt::format("{} uses {} of its {} files", directory.outsider,
+                                    directory.reach, directory.files.size())};
   std::ranges::sort(found.roots);
   return found;
 }
@@ -88,7 +101,7 @@ EntryPointClass class_of(const Directory& directory) {
 EntryPointClass entry_points_matching(std::string_view pattern,
                                       std::span<const std::string> paths) {
   const PathGlob glob(pattern);
-  EntryPointClass found{std::string(pattern), {}};
+  EntryPointClass found{std::string(pattern), {}, "files that the pattern matches"};
   std::ranges::copy_if(paths, std::back_inserter(found.roots),
                        [&glob](const std::string& path) { return glob.matches(path); });
   std::ranges::sort(found.roots);

@@ -14,6 +14,7 @@ namespace kestrix {
 struct EntryPointClass {
   std::string name;                ///< the pattern or the directory that selects them
   std::vector<std::string> roots;  ///< ascending
+  std::string sign;                ///< what made them a class, in one line
 
   friend bool operator==(const EntryPointClass&, const EntryPointClass&) = default;
 };

@@ -1,9 +1,11 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "kestrix/host/reason.h"
@@ -29,6 +31,14 @@ struct PageAnswer {
   std::string nothing_found;         ///< what was looked for in vain, when both lists are empty
   std::optional<bool> has_material;  ///< errors only: whether the index has an exception class
 };
+
+/// Ends an answer whose lists and `total` are filled: says whether the rule's limit cut them, and,
+/// when they are empty, what was looked for.
+inline void finish(PageAnswer& answer, std::string looked_for) {
+  answer.total = std::max<std::uint64_t>(answer.total, answer.files.size());
+  answer.truncated = answer.total > answer.files.size();
+  if (answer.files.empty() && answer.further.empty()) answer.nothing_found = std::move(looked_for);
+}
 
 /// What leads to one class of entry points.
 struct FlowClass {

@@ -17,14 +17,16 @@ class BadGlob : public Error {
 /// A pattern over repository-relative paths, read as git reads the pathspec ":(glob)PATTERN".
 ///
 /// "*", "?" and "[…]" match within one directory level, "**" as a whole level stands for any number
-/// of levels, and "\" takes the next character literally. The pattern covers the whole path from
+/// of levels, and "\" takes the next character literally. Beyond git, "{a,b}" stands for either of
+/// the patterns with "a" and with "b" in its place. The pattern covers the whole path from
 /// the repository's top. One without wildcards names a file, or a directory and everything below
 /// it; so does any pattern that ends in "/".
 ///
 /// Paths are bytes and case counts. Safe to use from several threads.
 class PathGlob {
  public:
-  /// Throws `BadGlob` when the pattern is empty or malformed.
+  /// Throws `BadGlob` when the pattern is empty or malformed, or its braces have too many
+  /// alternatives.
   explicit PathGlob(std::string_view pattern);
 
   /// Takes at most the pattern's length times the path's.

@@ -1,5 +1,6 @@
 #include "kestrix/host/wiki_generator.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "kestrix/utils/path_filter.h"
@@ -13,6 +14,10 @@ WikiGenerator::WikiGenerator(const index::RepositoryIndex& index, std::filesyste
     std::string path = _norm(file.path);
     if (!is_test_path(path)) planner_paths_.push_back(std::move(path));
   }
+}
+
+bool WikiGenerator::is_planned(std::string_view path) const {
+  return std::ranges::binary_search(planner_paths_, path);
 }
 
 std::vector<SourceFileRecord> WikiGenerator::_source_files() const {

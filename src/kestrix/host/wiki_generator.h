@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "kestrix/index/index.h"
@@ -20,6 +21,10 @@ class WikiGenerator : public PageSourcesMixin {
   WikiGenerator(const index::RepositoryIndex& index, std::filesystem::path root);
 
   const Repository& repository() const override { return index_; }
+  /// The same handle, as the native host knows it.
+  const index::RepositoryIndex& indexed() const { return index_; }
+  /// Whether a path is one of `_planner_paths`.
+  bool is_planned(std::string_view path) const;
   std::filesystem::path repo_root() const override { return root_; }
   std::vector<SourceFileRecord> _source_files() const override;
   std::vector<std::string> _planner_paths() const override { return planner_paths_; }
@@ -28,7 +33,7 @@ class WikiGenerator : public PageSourcesMixin {
  private:
   const index::RepositoryIndex& index_;
   std::filesystem::path root_;
-  std::vector<std::string> planner_paths_;  // asked for by nearly every detector
+  std::vector<std::string> planner_paths_;  // ascending; asked for by nearly every detector
 };
 
 }  // namespace kestrix

@@ -26,6 +26,7 @@ bool DataRanking::before(const Entry& a, const Entry& b) {
 
 void DataRanking::add(std::string_view path, const DataSignals& signals) {
   if (!defines_data(signals)) return;
+  ++found_;
   entries_.push_back({signals, std::string(path)});
   if (entries_.size() < 2 * kept_ + 1) return;
   std::ranges::nth_element(entries_, entries_.begin() + static_cast<std::ptrdiff_t>(kept_), before);
@@ -37,15 +38,11 @@ bool DataRanking::is_settled(DataOrigin origin) const {
   return static_cast<std::size_t>(std::ranges::count_if(entries_, as_near)) >= kept_;
 }
 
-std::vector<std::string> DataRanking::best() const {
+std::vector<DataFile> DataRanking::best() const {
   auto ranked = entries_;
   std::ranges::sort(ranked, before);
-  std::vector<std::string> paths;
-  for (const auto& entry : ranked) {
-    if (paths.size() == kept_) break;
-    paths.push_back(entry.path);
-  }
-  return paths;
+  if (ranked.size() > kept_) ranked.resize(kept_);
+  return ranked;
 }
 
 }  // namespace kestrix

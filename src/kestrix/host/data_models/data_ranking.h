@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "kestrix/host/data_models/data_signals.h"
+#include "kestrix/workers/wiki_cluster.h"
 
 namespace kestrix {
 
@@ -17,6 +18,11 @@ bool defines_data(const DataSignals& signals);
 /// How strong the evidence is: stored definitions weigh more than exchanged ones, and those more
 /// than plain data classes.
 std::uint64_t strength(const DataSignals& signals);
+
+struct DataFile {
+  DataSignals signals;
+  std::string path;
+};
 
 /// Keeps the best of a stream of files: by origin, then by strength, then by mapped members, then
 /// by path. Holds at most twice as many as it keeps.
@@ -30,19 +36,23 @@ class DataRanking {
   /// Whether no file of a farther origin can be among the best any more.
   bool is_settled(DataOrigin origin) const;
 
-  /// The paths of the best files, best first.
-  std::vector<std::string> best() const;
+  /// The best files, best first.
+  std::vector<DataFile> best() const;
+  /// How many of the files that were added define data.
+  std::uint64_t found() const { return found_; }
 
  private:
-  struct Entry {
-    DataSignals signals;
-    std::string path;
-  };
+  using Entry = DataFile;
 
   static bool before(const Entry& a, const Entry& b);
 
   std::size_t kept_;
+  std::uint64_t found_ = 0;
   std::vector<Entry> entries_;
 };
+
+/// What `data_model_files` answers, with the signals that decided. Files of a farther origin are
+/// not read once the nearer ones fill the answer.
+DataRanking rank_data_models(const PathTexts& texts);
 
 }  // namespace kestrix

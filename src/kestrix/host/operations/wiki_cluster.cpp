@@ -7,8 +7,8 @@
 
 #include "kestrix/host/data_models/data_ranking.h"
 #include "kestrix/host/data_models/data_signals.h"
-#include "kestrix/host/design_documents.h"
 #include "kestrix/host/data_models/file_origin.h"
+#include "kestrix/host/design_documents.h"
 
 namespace kestrix {
 namespace {
@@ -58,7 +58,7 @@ Candidates candidates(const PathTexts& texts) {
 
 AspectFileLimit::operator std::ptrdiff_t() const { return 12; }
 
-std::vector<std::string> data_model_files(const PathTexts& texts) {
+DataRanking rank_data_models(const PathTexts& texts) {
   DataRanking ranking(static_cast<std::size_t>(std::ptrdiff_t{MAX_ASPECT_FILES}));
   const auto by_origin = candidates(texts);
   for (const auto origin : kDataOrigins) {
@@ -67,7 +67,13 @@ std::vector<std::string> data_model_files(const PathTexts& texts) {
     }
     if (ranking.is_settled(origin)) break;
   }
-  return ranking.best();
+  return ranking;
+}
+
+std::vector<std::string> data_model_files(const PathTexts& texts) {
+  std::vector<std::string> paths;
+  for (auto& entry : rank_data_models(texts).best()) paths.push_back(std::move(entry.path));
+  return paths;
 }
 
 std::vector<std::string> decision_docs(const std::vector<std::string>& documents,

@@ -1,0 +1,40 @@
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "kestrix/host/index_evidence.h"
+#include "kestrix/host/pages.h"
+#include "kestrix/text/ascii.h"
+
+namespace kestrix {
+namespace {
+
+// What `is_config_path` saw in a path that it accepts.
+Reason sign_of(std::string_view path) {
+  const std::string name(path.substr(path.rfind('/') + 1));
+  std::string lower = name;
+  std::ranges::transform(lower, lower.begin(), ascii::lower);
+  if (CONFIG_BASENAMES.contains(lower)) return {"named", fmt::format("named {}", name), 0, {}};
+  return {"config_directory", "in a directory named config", 0, {}};
+}
+
+}  // namespace
+
+PageAnswer configuration_answer(const WikiGenerator& generator) {
+  const IndexEvidence evidence(generator.indexed());
+  PageAnswer answer;
+  for (std::string& path : generator._config_files()) {
+    Pick pick{std::move(path), {}};
+    pick.reasons.push_back(sign_of(pick.path));
+    add_counted(pick.reasons, evidence.used_by(pick.path));
+    answer.files.push_back(std::move(pick));
+  }
+  finish(answer, "no file named like a configuration file, no directory named config");
+  return answer;
+}
+
+std::string configuration_why_not(const WikiGenerator& /*generator*/, std::string_view /*path*/) {
+  return "neither named like a configuration file nor in a directory named config";
+}
+
+}  // namespace kestrix

@@ -1,0 +1,84 @@
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+
+#include "kestrix/host/data_models/data_ranking.h"
+#include "kestrix/host/index_evidence.h"
+#include "kestrix/host/pages.h"
+#include "kestrix/workers/wiki/page_sources/recipes.h"
+
+namespace kestrix {
+namespace {
+
+// Texts for which the detector's recipe answers with all that decided, not the paths alone.
+struct RankedTexts : PathTexts {};
+
+DataRanking data_model_files(const RankedTexts& texts) { return rank_data_models(texts); }
+
+// The generator as the recipe sees it, but for the type of the texts.
+struct RankingHost {
+  using Texts = RankedTexts;
+
+  const WikiGenerator& generator;
+
+  std::vector<std::string> _planner_paths() const { return generator._planner_paths(); }
+  std::filesystem::path repo_root() const { return generator.repo_root(); }
+};
+
+struct SignalName {
+  std::string_view kind;
+  std::string_view one;
+  std::string_view many;
+  std::uint32_t DataSignals::*count;
+};
+
+// In the order of what they weigh.
+constexpr auto kSignals = std::to_array<SignalName>({
+    {"tables", "table", "tables", &DataSignals::tables},
+    {"entities", "class mapped to storage", "classes mapped to storage", &DataSignals::entities},
+    {"schemas", "schema definition", "schema definitions", &DataSignals::schemas},
+    {"records", "data class", "data classes", &DataSignals::records},
+    {"alterations", "change of a table", "changes of tables", &DataSignals::alterations},
+});
+
+std::vector<Reason> reasons_of(const DataSignals& signals) {
+  std::vector<Reason> reasons;
+  for (const SignalName& signal : kSignals) {
+    const std::uint32_t count = signals.*signal.count;
+    add_counted(reasons, {std::string(signal.kind),
+                          fmt::format("defines {}", counted(count, signal.one, signal.many)),
+                          count,
+                          {}});
+  }
+  return reasons;
+}
+
+}  // namespace
+
+PageAnswer data_models_answer(const WikiGenerator& generator) {
+  const IndexEvidence evidence(generator.indexed());
+  const DataRanking ranking = recipes::_data_model_files(RankingHost{generator});
+  PageAnswer answer;
+  for (DataFile& file : ranking.best()) {
+    Pick pick{std::move(file.path), reasons_of(file.signals)};
+    add_counted(pick.reasons, evidence.used_by(pick.path));
+    answer.files.push_back(std::move(pick));
+  }
+  answer.total = ranking.found();
+  finish(answer, "no table, no class mapped to storage, no schema, no two data classes");
+  return answer;
+}
+
+std::string data_models_why_not(const WikiGenerator& generator, std::string_view path) {
+  if (!may_define_data(path)) return "in no language that defines data";
+  const Text text = _read_text(generator.repo_root() / path, {.max_chars = DETECTOR_READ_CHARS});
+  const DataSignals signals = data_signals(path, text.str());
+  if (defines_data(signals)) {
+    return fmt::format("{}, and the page's files define more or lie nearer to the product",
+                       reasons_of(signals).front().text);
+  }
+  return "defines no table, no class mapped to storage, no schema, no two data classes";
+}
+
+}  // namespace kestrix

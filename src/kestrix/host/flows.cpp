@@ -1,0 +1,93 @@
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "kestrix/host/entry_points.h"
+#include "kestrix/host/index_evidence.h"
+#include "kestrix/host/pages.h"
+
+namespace kestrix {
+namespace {
+
+// The reach of one dispatcher into the roots, as the rule counts it.
+Reason reach_of(const WikiGenerator& generator, std::string_view path,
+                const std::vector<std::string>& roots) {
+  const auto& index = generator.indexed();
+  Reason reason{"reaches_entry_points", {}, 0, {}};
+  const auto file = index.find(path);
+  if (!file) return reason;
+  for (const auto& edge : index.edges_from(*file)) {
+    const std::string_view target = index.files()[edge.target].path;
+    if (directory_of(target) == directory_of(path)) continue;
+    if (!std::ranges::binary_search(roots, target)) continue;
+    ++reason.count;
+    if (reason.at.size() < kMostPlaces) reason.at.push_back({std::string(target), 0, {}});
+  }
+  reason.text = fmt::format("reaches {} of {}", reason.count,
+                            counted(roots.size(), "entry point", "entry points"));
+  return reason;
+}
+
+FlowClass flow_of(const WikiGenerator& generator, const IndexEvidence& evidence,
+                  EntryPointClass found) {
+  FlowClass flow{std::move(found.name), std::move(found.sign), std::move(found.roots), {}, {}};
+  for (std::string& path : generator._flow_dispatch(flow.roots)) {
+    Pick pick{std::move(path), {}};
+    pick.reasons.push_back(reach_of(generator, pick.path, flow.roots));
+    add_counted(pick.reasons, evidence.used_by(pick.path));
+    flow.files.push_back(std::move(pick));
+  }
+  return flow;
+}
+
+std::vector<EntryPointClass> classes_that_show(const WikiGenerator& generator) {
+  const auto paths = generator._planner_paths();
+  const auto edges = generator._file_edges({paths.begin(), paths.end()});
+  return entry_point_classes(paths, edges, paths.size());
+}
+
+}  // namespace
+
+FlowsAnswer flows_answer(const WikiGenerator& generator, std::span<const std::string> patterns) {
+  std::vector<EntryPointClass> classes;
+  FlowsAnswer answer;
+  if (patterns.empty()) {
+    classes = classes_that_show(generator);
+    answer.total = classes.size();
+    classes.resize(std::min(classes.size(), MAX_ENTRY_POINT_CLASSES));
+  } else {
+    const auto paths = generator._planner_paths();
+    for (const std::string& pattern : patterns) {
+      classes.push_back(entry_points_matching(pattern, paths));
+    }
+    answer.total = classes.size();
+  }
+  const IndexEvidence evidence(generator.indexed());
+  for (EntryPointClass& found : classes) {
+    answer.classes.push_back(flow_of(generator, evidence, std::move(found)));
+  }
+  answer.truncated = answer.total > answer.classes.size();
+  if (answer.classes.empty()) {
+    answer.nothing_found = "no directory of which one file outside uses three files and a third";
+  }
+  return answer;
+}
+
+std::string flows_why_not(const WikiGenerator& generator, std::string_view path) {
+  Reason farthest;
+  std::string name;
+  for (const EntryPointClass& found : classes_that_show(generator)) {
+    if (std::ranges::binary_search(found.roots, path)) {
+      return fmt::format("an entry point of the class {}, not what dispatches to it", found.name);
+    }
+    Reason reach = reach_of(generator, path, found.roots);
+    if (reach.count <= farthest.count) continue;
+    farthest = std::move(reach);
+    name = found.name;
+  }
+  if (farthest.count == 0) return "reaches no entry point";
+  return fmt::format("{} of the class {}; others reach more, or it is not among the classes shown",
+                     farthest.text, name);
+}
+
+}  // namespace kestrix
