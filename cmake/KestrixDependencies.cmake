@@ -2,7 +2,8 @@
 #
 #   component    re2::re2  tsl::ordered_map  Boost::headers
 #   native host  fmt::fmt  spdlog::spdlog  SQLiteCpp  SQLite::SQLite3  tree-sitter::tree-sitter
-#                nlohmann_json::nlohmann_json  CLI11::CLI11  Threads::Threads
+#                nlohmann_json::nlohmann_json  tomlplusplus::tomlplusplus  yaml-cpp
+#                pugixml::pugixml  utf8cpp  CLI11::CLI11  Threads::Threads
 #   tests        GTest::gtest  GTest::gtest_main  GTest::gmock
 #   bench        benchmark::benchmark
 #   python       pybind11_add_module; Python_EXECUTABLE runs the tests
@@ -22,6 +23,10 @@ if(KESTRIX_PROGRAM)
   find_package(SQLiteCpp REQUIRED)
   find_package(TreeSitter REQUIRED)
   find_package(nlohmann_json REQUIRED)
+  find_package(tomlplusplus REQUIRED)
+  find_package(yaml-cpp REQUIRED)
+  find_package(pugixml REQUIRED)
+  find_package(utf8cpp REQUIRED)
   find_package(CLI11 REQUIRED)
 endif()
 

@@ -11,7 +11,7 @@
 #include "kestrix/git/git_config.h"
 #include "kestrix/git/git_index.h"
 #include "kestrix/git/ignore_rules.h"
-#include "kestrix/git/wildmatch.h"
+#include "kestrix/text/wildmatch.h"
 
 namespace kestrix::index {
 namespace {

@@ -5,7 +5,7 @@
 #include <chrono>
 #include <string>
 
-#include "kestrix/git/wildmatch.h"
+#include "kestrix/text/wildmatch.h"
 
 namespace kestrix::index {
 namespace {

@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "kestrix/files/file_reading.h"
-#include "kestrix/git/wildmatch.h"
+#include "kestrix/text/wildmatch.h"
 #include "kestrix/text/ascii.h"
 
 namespace kestrix::index {

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "kestrix/git/wildmatch.h"
+#include "kestrix/text/wildmatch.h"
 
 namespace kestrix::index {
 

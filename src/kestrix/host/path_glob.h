@@ -3,7 +3,7 @@
 #include <string_view>
 #include <vector>
 
-#include "kestrix/git/wildmatch.h"
+#include "kestrix/text/wildmatch.h"
 #include "kestrix/utils/error.h"
 
 namespace kestrix {

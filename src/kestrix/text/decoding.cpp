@@ -1,8 +1,10 @@
 #include "kestrix/text/decoding.h"
 
-#include <algorithm>
+#include <utf8.h>
+
 #include <cstdint>
 #include <cstring>
+#include <iterator>
 #include <utility>
 
 namespace kestrix {
@@ -11,168 +13,108 @@ namespace {
 constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
 constexpr std::string_view kUtf16LittleMark = "\xFF\xFE";
 constexpr std::string_view kUtf16BigMark = "\xFE\xFF";
-constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
-
-std::uint8_t byte_at(std::string_view text, std::size_t i) {
-  return static_cast<std::uint8_t>(text[i]);
-}
+constexpr char32_t kReplacement = 0xFFFD;
 
 bool has_utf16_mark(std::string_view text) {
   return text.starts_with(kUtf16LittleMark) || text.starts_with(kUtf16BigMark);
 }
 
-std::size_t ascii_run(std::string_view text, std::size_t from) {
-  std::size_t i = from;
+std::size_t ascii_run(std::string_view text) {
+  std::size_t i = 0;
   for (std::uint64_t word = 0; i + sizeof word <= text.size(); i += sizeof word) {
     std::memcpy(&word, text.data() + i, sizeof word);
     if ((word & 0x8080808080808080U) != 0) break;
   }
-  while (i < text.size() && byte_at(text, i) < 0x80) ++i;
-  return i - from;
+  while (i < text.size() && static_cast<unsigned char>(text[i]) < 0x80) ++i;
+  return i;
 }
 
-struct Sequence {
-  std::size_t length;  ///< bytes that it takes, 1 at least
-  bool valid;
-};
-
-struct Lead {
-  std::size_t length;        ///< of a whole sequence; 0 for a byte that begins none
-  std::uint8_t second_low;   ///< range of the second byte, which excludes surrogates,
-  std::uint8_t second_high;  ///< overlong forms and what lies beyond U+10FFFF
-};
-
-Lead lead_of(std::uint8_t byte) {
-  if (byte >= 0xC2 && byte <= 0xDF) return {2, 0x80, 0xBF};
-  if (byte == 0xE0) return {3, 0xA0, 0xBF};
-  if (byte == 0xED) return {3, 0x80, 0x9F};
-  if (byte >= 0xE1 && byte <= 0xEF) return {3, 0x80, 0xBF};
-  if (byte == 0xF0) return {4, 0x90, 0xBF};
-  if (byte >= 0xF1 && byte <= 0xF3) return {4, 0x80, 0xBF};
-  if (byte == 0xF4) return {4, 0x80, 0x8F};
-  return {0, 0, 0};
-}
-
-// The sequence at a byte beyond ASCII: valid, or the longest prefix of a valid one.
-Sequence sequence_at(std::string_view text, std::size_t at) {
-  const Lead lead = lead_of(byte_at(text, at));
-  if (lead.length == 0) return {1, false};
-  std::size_t length = 1;
-  while (length < lead.length && at + length < text.size()) {
-    const auto byte = byte_at(text, at + length);
-    const auto low = length == 1 ? lead.second_low : 0x80;
-    const auto high = length == 1 ? lead.second_high : 0xBF;
-    if (byte < low || byte > high) break;
-    ++length;
+std::size_t valid_length(std::string_view text) {
+  const char* at = text.data();
+  const char* const end = at + text.size();
+  while (at < end) {
+    at += ascii_run({at, static_cast<std::size_t>(end - at)});
+    if (at < end && utf8::internal::validate_next(at, end) != utf8::internal::UTF8_OK) break;
   }
-  return {length, length == lead.length};
+  return static_cast<std::size_t>(at - text.data());
 }
 
-struct Prefix {
-  std::size_t bytes = 0;
-  std::size_t chars = 0;
-};
-
-// The longest valid prefix of at most `max_chars` characters.
-Prefix valid_prefix(std::string_view text, std::size_t max_chars) {
-  Prefix done;
-  while (done.bytes < text.size() && done.chars < max_chars) {
-    const auto run = std::min(ascii_run(text, done.bytes), max_chars - done.chars);
-    done.bytes += run;
-    done.chars += run;
-    if (done.bytes == text.size() || done.chars == max_chars) break;
-    const auto next = sequence_at(text, done.bytes);
-    if (!next.valid) break;
-    done.bytes += next.length;
-    ++done.chars;
+// The bytes at the start of `text`, which is ill-formed there, that one U+FFFD stands for: as many
+// as could begin a well-formed sequence, else one.
+std::size_t ill_formed_length(std::string_view text) {
+  for (const std::size_t length : {3U, 2U}) {
+    if (text.size() < length || !utf8::internal::is_trail(text[1])) continue;
+    std::string sequence(text.substr(0, length));
+    while (sequence.size() < 4) {
+      sequence += '\x80';
+      if (utf8::is_valid(sequence)) return length;
+    }
   }
-  return done;
+  return 1;
 }
 
-std::string repaired(std::string_view text, std::size_t max_chars) {
+// Cuts valid UTF-8 behind its first `max_chars` characters.
+void cut(std::string& text, std::size_t max_chars) {
+  if (text.size() <= max_chars) return;
+  const char* at = text.data();
+  const char* const end = at + text.size();
+  for (std::size_t chars = 0; at < end && chars < max_chars; ++chars) utf8::unchecked::next(at);
+  text.resize(static_cast<std::size_t>(at - text.data()));
+}
+
+std::string repaired(std::string_view text, std::size_t good) {
   std::string out;
   out.reserve(text.size());
-  for (std::size_t left = max_chars; !text.empty() && left > 0;) {
-    const auto good = valid_prefix(text, left);
-    out.append(text.substr(0, good.bytes));
-    text.remove_prefix(good.bytes);
-    left -= good.chars;
-    if (text.empty() || left == 0) break;
-    out.append(kReplacement);
-    text.remove_prefix(sequence_at(text, 0).length);
-    --left;
+  for (;; good = valid_length(text)) {
+    out.append(text.substr(0, good));
+    text.remove_prefix(good);
+    if (text.empty()) return out;
+    utf8::unchecked::append(kReplacement, std::back_inserter(out));
+    text.remove_prefix(ill_formed_length(text));
   }
-  return out;
 }
 
+// Bytes that can hold no character beyond the first `max_chars` are left out at once.
 std::string decode_utf8(std::string bytes, std::size_t max_chars) {
+  constexpr std::size_t kLongestSequence = 4;
   if (bytes.starts_with(kUtf8Mark)) bytes.erase(0, kUtf8Mark.size());
-  const auto good = valid_prefix(bytes, max_chars);
-  if (good.bytes == bytes.size() || good.chars == max_chars) {
-    bytes.resize(good.bytes);
-    return bytes;
+  if (bytes.size() / kLongestSequence > max_chars) bytes.resize(max_chars * kLongestSequence);
+  if (const std::size_t good = valid_length(bytes); good < bytes.size()) {
+    bytes = repaired(bytes, good);
   }
-  return repaired(bytes, max_chars);
+  cut(bytes, max_chars);
+  return bytes;
 }
 
-void append_utf8(std::string& out, std::uint32_t code) {
-  const auto put = [&out](std::uint32_t byte) { out += static_cast<char>(byte); };
-  if (code < 0x80) return put(code);
-  if (code < 0x800) {
-    put(0xC0 | code >> 6U);
-  } else {
-    if (code < 0x10000) {
-      put(0xE0 | code >> 12U);
-    } else {
-      put(0xF0 | code >> 18U);
-      put(0x80 | (code >> 12U & 0x3FU));
+// Every surrogate without its other half is replaced, and half a unit at the end.
+std::u16string units_of(std::string_view bytes, bool big) {
+  std::u16string units;
+  units.reserve(bytes.size() / 2 + 1);
+  for (std::size_t at = 0; at + 1 < bytes.size(); at += 2) {
+    const auto first = static_cast<unsigned char>(bytes[at]);
+    const auto second = static_cast<unsigned char>(bytes[at + 1]);
+    units += static_cast<char16_t>(big ? first << 8U | second : second << 8U | first);
+  }
+  for (std::size_t i = 0; i < units.size(); ++i) {
+    const bool lead = utf8::internal::is_lead_surrogate(units[i]);
+    if (lead && i + 1 < units.size() && utf8::internal::is_trail_surrogate(units[i + 1])) {
+      ++i;
+    } else if (utf8::internal::is_surrogate(units[i])) {
+      units[i] = static_cast<char16_t>(kReplacement);
     }
-    put(0x80 | (code >> 6U & 0x3FU));
   }
-  put(0x80 | (code & 0x3FU));
+  if (bytes.size() % 2 != 0) units += static_cast<char16_t>(kReplacement);
+  return units;
 }
-
-class Utf16Reader {
- public:
-  explicit Utf16Reader(std::string_view marked)
-      : text_(marked.substr(2)), big_(marked.starts_with(kUtf16BigMark)) {}
-
-  bool done() const { return at_ >= text_.size(); }
-
-  std::uint32_t next() {
-    if (at_ + 1 >= text_.size()) return at_ = text_.size(), kInvalid;
-    const auto high = unit(at_);
-    at_ += 2;
-    if (high < 0xD800 || high > 0xDFFF) return high;
-    if (high > 0xDBFF || at_ + 1 >= text_.size()) return kInvalid;
-    const auto low = unit(at_);
-    if (low < 0xDC00 || low > 0xDFFF) return kInvalid;
-    at_ += 2;
-    return 0x10000 + ((high - 0xD800) << 10U) + (low - 0xDC00);
-  }
-
- private:
-  static constexpr std::uint32_t kInvalid = 0xFFFD;
-
-  std::uint32_t unit(std::size_t at) const {
-    const std::uint32_t first = byte_at(text_, at);
-    const std::uint32_t second = byte_at(text_, at + 1);
-    return big_ ? first << 8U | second : second << 8U | first;
-  }
-
-  std::string_view text_;
-  bool big_;
-  std::size_t at_ = 0;
-};
 
 std::string decode_utf16(std::string_view bytes, std::size_t max_chars) {
-  std::string out;
-  out.reserve(bytes.size() / 2);
-  Utf16Reader reader(bytes);
-  for (std::size_t chars = 0; chars < max_chars && !reader.done(); ++chars) {
-    append_utf8(out, reader.next());
-  }
-  return out;
+  constexpr std::size_t kLongestPair = 4;
+  const bool big = bytes.starts_with(kUtf16BigMark);
+  bytes.remove_prefix(kUtf16BigMark.size());
+  if (bytes.size() / kLongestPair > max_chars) bytes = bytes.substr(0, max_chars * kLongestPair);
+  std::string text = utf8::utf16to8(units_of(bytes, big));
+  cut(text, max_chars);
+  return text;
 }
 
 }  // namespace

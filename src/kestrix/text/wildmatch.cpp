@@ -1,4 +1,4 @@
-#include "kestrix/git/wildmatch.h"
+#include "kestrix/text/wildmatch.h"
 
 #include <algorithm>
 #include <cctype>
