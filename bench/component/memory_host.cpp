@@ -67,7 +67,7 @@ std::vector<DocumentRecord> MemoryHost::_indexed_documents() const {
 }  // namespace bench
 
 std::string _norm(std::string_view path) { return std::string(path); }
-Text _read_text(const std::filesystem::path& /*path*/, ReadTextOptions /*options*/) { return {}; }
+Text _read_text(const RepoPath& /*path*/, ReadTextOptions /*options*/) { return {}; }
 bool is_test_path(std::string_view path) { return path.starts_with("tests/"); }
 std::string stem(std::string_view path) { return std::string(path.substr(path.rfind('/') + 1)); }
 std::vector<std::string> data_model_files(const PathTexts& /*texts*/) { return {}; }

@@ -35,13 +35,14 @@ class MemoryHost : public PageSourcesMixin {
   explicit MemoryHost(World world) : index_(std::move(world)) {}
 
   const Repository& repository() const override { return index_; }
-  std::filesystem::path repo_root() const override { return "/repository"; }
+  const RepoRoot& repo_root() const override { return root_; }
   std::vector<SourceFileRecord> _source_files() const override;
   std::vector<std::string> _planner_paths() const override { return index_.world().files; }
   std::vector<DocumentRecord> _indexed_documents() const override;
 
  private:
   MemoryIndex index_;
+  RepoRoot root_{"/repository"};
 };
 
 }  // namespace kestrix::bench

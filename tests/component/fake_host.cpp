@@ -92,9 +92,9 @@ std::string _norm(std::string_view path) {
   return std::string(path.starts_with("./") ? path.substr(2) : path);
 }
 
-Text _read_text(const std::filesystem::path& path, ReadTextOptions options) {
-  world->called(fmt::format("_read_text({}, {})", path.string(), options.max_chars));
-  return Text(world->texts[path.string()]);
+Text _read_text(const RepoPath& path, ReadTextOptions options) {
+  world->called(fmt::format("_read_text({}, {})", path.path().string(), options.max_chars));
+  return Text(world->texts[path.path().string()]);
 }
 
 bool is_test_path(std::string_view path) {

@@ -64,11 +64,12 @@ class FakeHost : public PageSourcesMixin {
   std::vector<std::string> _planner_paths() const override;
   std::vector<DocumentRecord> _indexed_documents() const override;
   const Repository& repository() const override { return repository_; }
-  std::filesystem::path repo_root() const override { return "/repo"; }
+  const RepoRoot& repo_root() const override { return root_; }
   std::vector<SourceFileRecord> _source_files() const override;
 
  private:
   FakeRepository repository_;
+  RepoRoot root_{"/repo"};
 };
 
 }  // namespace kestrix::test

@@ -3,12 +3,14 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
 #include <string_view>
 #include <utility>
 
+#include "kestrix/host/repository_root.h"
 #include "kestrix/text/decoding.h"
 
 namespace kestrix {
@@ -82,13 +84,15 @@ class ReadText : public testing::Test {
   }
   void TearDown() override { std::filesystem::remove_all(root_); }
 
-  std::filesystem::path write(const std::string& name, std::string_view bytes) const {
+  std::string write(const std::string& name, std::string_view bytes) const {
+    std::filesystem::create_directories((root_ / name).parent_path());
     std::ofstream(root_ / name, std::ios::binary) << bytes;
-    return root_ / name;
+    return name;
   }
 
-  static std::string read(const std::filesystem::path& path, std::size_t max_chars = 400000) {
-    return _read_text(path, {.max_chars = max_chars}).str();
+  std::string read(const std::string& path, std::size_t max_chars = 400000) const {
+    const RepositoryRoot root(root_);
+    return _read_text({&root, path}, {.max_chars = max_chars}).str();
   }
 
   std::filesystem::path root_;
@@ -101,22 +105,38 @@ TEST_F(ReadText, CountsCharactersNotBytes) {
 }
 
 TEST_F(ReadText, ReadsWhenTheTextIsAskedFor) {
-  const auto text = _read_text(root_ / "late", {.max_chars = 100});
+  const RepositoryRoot root(root_);
+  const auto text = _read_text({&root, "late"}, {.max_chars = 100});
   EXPECT_EQ(text.str(), "");
   write("late", "here now");
   EXPECT_EQ(text.str(), "here now");
 }
 
 TEST_F(ReadText, IsEmptyForWhatIsNoTextFile) {
-  const auto target = write("target", "secret");
-  std::filesystem::create_symlink(target, root_ / "link");
+  write("target", "secret");
+  write("folder/target", "secret");
+  std::filesystem::create_symlink(root_ / "target", root_ / "link");
+  std::filesystem::create_directory_symlink("folder", root_ / "linked");
   ASSERT_EQ(::mkfifo((root_ / "pipe").c_str(), 0600), 0);
-  EXPECT_EQ(read(root_ / "missing"), "");
-  EXPECT_EQ(read(root_), "");
-  EXPECT_EQ(read(root_ / "link"), "");
-  EXPECT_EQ(read(root_ / "pipe"), "");
-  EXPECT_EQ(read("/dev/zero"), "");
+  for (const char* path : {"missing", "", "folder", "link", "linked/target", "pipe", "/dev/zero",
+                           "../secret", "folder/../../secret"}) {
+    EXPECT_EQ(read(path), "") << path;
+  }
   EXPECT_EQ(read(write("late-nul", std::string(5000, 'a') + '\0'), 10), "");
+}
+
+// What counts is the path within the repository.
+TEST_F(ReadText, ReachesFilesHoweverDeepTheRootLies) {
+  std::filesystem::path deep = root_;
+  while (deep.native().size() < 3500) deep /= std::string(200, 'd');
+  std::filesystem::create_directories(deep);
+  std::string below;
+  while (below.size() < 3000) below += std::string(100, 'e') + "/";
+  const auto command =
+      "cd '" + deep.native() + "' && mkdir -p '" + below + "' && printf far > '" + below + "file'";
+  ASSERT_EQ(std::system(command.c_str()), 0);
+  const RepositoryRoot root(deep);
+  EXPECT_EQ(_read_text({&root, below + "file"}, {.max_chars = 10}).str(), "far");
 }
 
 }  // namespace

@@ -4,8 +4,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <cstdlib>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -43,6 +46,29 @@ Paths listed_by_git(const Scratch& scratch, const std::string& directory) {
   });
   return paths;
 }
+
+/// Sets an environment variable, or takes it away, for a test.
+class ScopedVariable {
+ public:
+  ScopedVariable(const char* name, const char* value) : name_(name) {
+    if (const char* before = std::getenv(name)) before_ = before;
+    set(value);
+  }
+  ScopedVariable(const ScopedVariable&) = delete;
+  ScopedVariable& operator=(const ScopedVariable&) = delete;
+  ~ScopedVariable() { set(before_ ? before_->c_str() : nullptr); }
+
+ private:
+  void set(const char* value) const {
+    if (value == nullptr)
+      ::unsetenv(name_);
+    else
+      ::setenv(name_, value, 1);
+  }
+
+  const char* name_;
+  std::optional<std::string> before_;
+};
 
 class GitWalk : public testing::Test {
  protected:
@@ -235,6 +261,44 @@ TEST_F(GitWalk, RunsNothingThatTheConfigurationNames) {
   repo("a.py", "changed");
   EXPECT_THAT(paths_of(walk_in(scratch_ / "repo")), ElementsAre(".gitattributes", "a.py"));
   EXPECT_FALSE(std::filesystem::exists(scratch_ / "ran"));
+}
+
+// As git does, whose own word is asked, too.
+TEST_F(GitWalk, DoesNotObeyAnotherUsersDataInAFolderAbove) {
+  if (::geteuid() != 0) GTEST_SKIP() << "only root can give files away";
+  const ScopedVariable caller("SUDO_UID", nullptr);
+  repo(".gitignore", "ignored\n");
+  repo("sub/ignored");
+  EXPECT_EQ(paths_of(walk_in(scratch_ / "repo/sub")), Paths());
+  for (const char* foreign : {"repo", "repo/.git"}) {
+    ASSERT_EQ(::chown((scratch_ / foreign).c_str(), 65534, 65534), 0);
+    scratch_.run("cd repo/sub && ! git status");
+    const WalkResult result = walk_in(scratch_ / "repo/sub");
+    EXPECT_EQ(paths_of(result), Paths{"ignored"}) << foreign;
+    EXPECT_EQ(result.skipped[skipped::kGitForeign], 1U);
+    ASSERT_EQ(::chown((scratch_ / foreign).c_str(), 0, 0), 0);
+  }
+  ASSERT_EQ(::chown((scratch_ / "repo").c_str(), 65534, 65534), 0);
+  const ScopedVariable settings("GIT_CONFIG_GLOBAL", (scratch_ / "settings").c_str());
+  for (const std::string& safe :
+       {(scratch_ / "repo").native(), std::string("*"), scratch_.path().native() + "/*"}) {
+    scratch_.write("settings", "[safe]\ndirectory = " + safe + "\n");
+    EXPECT_EQ(paths_of(walk_in(scratch_ / "repo/sub")), Paths()) << safe;
+  }
+  scratch_.write("settings", "[safe]\ndirectory = *\ndirectory =\n");
+  EXPECT_EQ(paths_of(walk_in(scratch_ / "repo/sub")), Paths{"ignored"});
+  EXPECT_EQ(paths_of(walk_in(scratch_ / "repo")), Paths{".gitignore"}) << "named by the user";
+}
+
+TEST_F(GitWalk, FollowsNoLinkInGitsData) {
+  scratch_.write("outside/exclude", "a.py\n");
+  repo("a.py");
+  scratch_.run("rm -rf repo/.git/info && ln -s ../../outside repo/.git/info");
+  EXPECT_EQ(paths_of(walk_in(scratch_ / "repo")), Paths{"a.py"});
+  scratch_.run(
+      "rm repo/.git/info && mkdir repo/.git/info && "
+      "ln -s ../../../outside/exclude repo/.git/info/exclude");
+  EXPECT_EQ(paths_of(walk_in(scratch_ / "repo")), Paths{"a.py"});
 }
 
 TEST(PlainWalk, SkipsDependenciesAndCaches) {

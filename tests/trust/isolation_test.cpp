@@ -1,17 +1,23 @@
 // A repository can't make the program look outside its root, run anything, or write anywhere but
 // into the index. The files outside are watched: not even opening one goes unnoticed.
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/inotify.h>
 #include <unistd.h>
 
 #include <array>
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <stop_token>
 #include <string>
+#include <thread>
+#include <utility>
 #include <vector>
 
+#include "apps/page_sources/arguments.h"
 #include "tests/program/process.h"
 
 namespace kestrix::program {
@@ -142,6 +148,79 @@ TEST(Isolation, NothingThatGitsDataNamesIsRunOrOpened) {
   program.run({"--version"});
   EXPECT_TRUE(watch.tripped()) << "git itself springs the trap";
 }
+
+/// Swaps a file or folder for a link that leads out, and back, as fast as it can.
+class Swapping {
+ public:
+  Swapping(std::filesystem::path place, const std::filesystem::path& target)
+      : place_(std::move(place)), link_(place_.native() + ".link") {
+    std::filesystem::create_symlink(target, link_);
+    thread_ = std::jthread([this](const std::stop_token& stop) {
+      while (!stop.stop_requested()) {
+        renameat2(AT_FDCWD, place_.c_str(), AT_FDCWD, link_.c_str(), RENAME_EXCHANGE);
+      }
+    });
+  }
+
+ private:
+  std::filesystem::path place_;
+  std::filesystem::path link_;
+  std::jthread thread_;
+};
+
+struct SwapCase {
+  const char* name;
+  const char* place;
+  const char* target;
+};
+
+class Swap : public testing::TestWithParam<SwapCase> {};
+
+// Whatever takes a folder's or a file's place, and whenever it does.
+TEST_P(Swap, NeverLeadsOutOfTheRoot) {
+  ProgramUnderTest program;
+  for (int i = 0; i < 40; ++i) {
+    const std::string file = "m" + std::to_string(i) + ".py";
+    const std::string fields = "@dataclass\nclass A" + std::to_string(i) + "Error:\n  x: int\n";
+    program.directory().write("repo/pkg/" + file, "import pkg.m1\n" + fields + fields);
+    program.directory().write("outside/" + file, "class SecretError(Exception): pass\n");
+  }
+  for (const char* file : {"exclude", "config", "HEAD", "index", "tsconfig.json", "go.mod"}) {
+    program.directory().write(std::string("outside/") + file, "pkg/m7.py\n");
+    program.directory().write(std::string("repo/pkg/") + file, "{}\n");
+  }
+  program.directory().write("repo/go.mod", "module a\n");
+  program.directory().write("repo/pkg/a.ts", "import './b'\n");
+  program.directory().write("repo/pkg/b.go", "package pkg\n");
+  program.before =
+      "cd repo && git init -q . && git add pkg/m1.py && mkdir -p .git/info && "
+      "touch .git/info/exclude && cd .. ; \"$@\"; exit";
+  ASSERT_EQ(program.run({"index", "repo", "--index", "i.db"}).code, 0);
+  program.before.clear();
+  const Watch watch(program.path() / "outside");
+  const Swapping swapping(program.path() / "repo" / GetParam().place,
+                          program.path() / GetParam().target);
+  std::vector<std::vector<std::string>> runs{{"index"}, {"symbols"}, {"edges"}, {"pages"}};
+  for (const auto page : kPageNames) runs.push_back({"pages", "--page", std::string(page)});
+  for (int round = 0; round < 4; ++round) {
+    for (auto run : runs) {
+      run.insert(run.end(), {"repo", "--quiet", "--index", "i.db"});
+      const Ended ended = program.run(run);
+      EXPECT_EQ(ended.code, 0) << ended.err;
+      EXPECT_THAT(ended.out, Not(HasSubstr("SecretError")));
+    }
+  }
+  EXPECT_FALSE(watch.tripped());
+}
+
+INSTANTIATE_TEST_SUITE_P(All, Swap,
+                         testing::Values(SwapCase{"Folder", "pkg", "outside"},
+                                         SwapCase{"File", "pkg/m3.py", "outside/m3.py"},
+                                         SwapCase{"ProjectFile", "go.mod", "outside/go.mod"},
+                                         SwapCase{"GitFolder", ".git/info", "outside"},
+                                         SwapCase{"GitFile", ".git/config", "outside/config"},
+                                         SwapCase{"GitIndex", ".git/index", "outside/index"}),
+                         [](const auto& test) { return test.param.name; });
 
 TEST(Isolation, TheRepositoryIsNotWrittenTo) {
   const ProgramUnderTest program;

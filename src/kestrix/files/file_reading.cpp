@@ -2,35 +2,22 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <utility>
 
+#include "kestrix/files/shortage.h"
 #include "kestrix/text/decoding.h"
 
 namespace kestrix::index {
 namespace {
 
+constexpr int kReading = O_RDONLY | O_NONBLOCK | O_NOCTTY;
+
 ReadStatus status_of(int error) {
   const bool gone = error == ENOENT || error == ENOTDIR || error == ELOOP || error == ENXIO;
   return gone ? ReadStatus::kVanished : ReadStatus::kUnreadable;
-}
-
-// Appends until `bytes` holds `size` or the file ends.
-bool read_up_to(int fd, std::size_t size, std::string& bytes) {
-  std::size_t filled = bytes.size();
-  bytes.resize(size);
-  while (filled < size) {
-    const ssize_t count = ::read(fd, bytes.data() + filled, size - filled);
-    if (count < 0 && errno == EINTR) continue;
-    if (count < 0) return false;
-    if (count == 0) break;
-    filled += static_cast<std::size_t>(count);
-  }
-  bytes.resize(filled);
-  return true;
 }
 
 FileBytes failed(ReadStatus status) {
@@ -58,10 +45,8 @@ FileBytes read_descriptor(const FileDescriptor& file, ReadPlan plan) {
   const auto size = static_cast<std::size_t>(std::max<off_t>(status.st_size, 0));
   // One byte more than the file should hold, so that its growing shows.
   const std::size_t all = std::min(size, plan.limit) + 1;
-  bool good = read_up_to(file.get(), std::min(all, kBinaryWindow), result.bytes);
-  if (good && is_worth_reading_on(result, size, plan)) {
-    good = read_up_to(file.get(), all, result.bytes);
-  }
+  bool good = read_up_to(file, std::min(all, kBinaryWindow), result.bytes);
+  if (good && is_worth_reading_on(result, size, plan)) good = read_up_to(file, all, result.bytes);
   if (!good) return failed(ReadStatus::kUnreadable);
   result.truncated = size > plan.limit;
   if (result.bytes.size() > plan.limit) result.bytes.resize(plan.limit);
@@ -73,17 +58,20 @@ FileBytes read_descriptor(const FileDescriptor& file, ReadPlan plan) {
 }  // namespace
 
 FileBytes read_file(const RootDirectory& root, std::string_view path, std::size_t limit) {
-  return read_descriptor(root.open(path, O_RDONLY | O_NONBLOCK | O_NOCTTY), {limit});
+  return read_descriptor(root.open(path, kReading), {limit});
 }
 
 FileBytes read_source(const RootDirectory& root, std::string_view path) {
-  return read_descriptor(root.open(path, O_RDONLY | O_NONBLOCK | O_NOCTTY),
-                         {.limit = kMaxParsedBytes, .stop_at_binary = true});
+  return read_descriptor(root.open(path, kReading), {kMaxParsedBytes, true});
 }
 
-std::string read_small_file(const std::filesystem::path& path, std::size_t limit) {
-  const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
-  FileBytes content = read_descriptor(file, {limit});
+FileBytes read_users_file(const std::filesystem::path& path, std::size_t limit) {
+  const FileDescriptor file(::open(path.c_str(), kReading | O_CLOEXEC));
+  if (!file) check_shortage(path.native(), errno);
+  return read_descriptor(file, {limit});
+}
+
+std::string whole_text(FileBytes content) {
   return content.truncated ? std::string() : std::move(content.bytes);
 }
 

@@ -21,8 +21,8 @@ enum class ReadStatus {
 /// The start of a file.
 struct FileBytes {
   ReadStatus status = ReadStatus::kRead;
-  std::string bytes;       ///< at most as many as were asked for
-  FileStamp stamp;         ///< taken before the first byte was read
+  std::string bytes{};     ///< at most as many as were asked for
+  FileStamp stamp{};       ///< taken before the first byte was read
   bool truncated = false;  ///< the file holds more
   bool changed = false;    ///< it was written to while it was read
 };
@@ -35,8 +35,11 @@ FileBytes read_file(const RootDirectory& root, std::string_view path, std::size_
 /// that it is binary, or where the file is larger than what is parsed.
 FileBytes read_source(const RootDirectory& root, std::string_view path);
 
-/// Reads a small regular file anywhere, "" when that is not possible or it holds more than `limit`
-/// bytes. Follows links.
-std::string read_small_file(const std::filesystem::path& path, std::size_t limit);
+/// Reads at most `limit` bytes of a file of the user's own settings, which may lie anywhere.
+/// Follows links; never used for a path that a repository names.
+FileBytes read_users_file(const std::filesystem::path& path, std::size_t limit);
+
+/// What was read, "" when it failed or there is more than was read.
+std::string whole_text(FileBytes content);
 
 }  // namespace kestrix::index

@@ -2,32 +2,14 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <string_view>
-#include <utility>
+
+#include "kestrix/files/file_descriptor.h"
 
 struct stat;
 
 namespace kestrix::index {
-
-/// Owns an open file descriptor, or none (-1).
-class FileDescriptor {
- public:
-  FileDescriptor() = default;
-  explicit FileDescriptor(int fd) : fd_(fd) {}
-  FileDescriptor(FileDescriptor&& other) noexcept : fd_(std::exchange(other.fd_, -1)) {}
-  FileDescriptor& operator=(FileDescriptor&& other) noexcept;
-  FileDescriptor(const FileDescriptor&) = delete;
-  FileDescriptor& operator=(const FileDescriptor&) = delete;
-  ~FileDescriptor() { reset(); }
-
-  int get() const { return fd_; }
-  int release() { return std::exchange(fd_, -1); }
-  void reset();
-  explicit operator bool() const { return fd_ >= 0; }
-
- private:
-  int fd_ = -1;
-};
 
 /// What tells, without reading it, that a file is still the one that was read.
 ///
@@ -44,23 +26,33 @@ struct FileStamp {
 
 FileStamp stamp_of(const struct stat& status);
 
-/// The repository's directory. Everything below it is opened through it, and nothing outside can be
-/// reached: no symbolic link is followed, not even one that takes a directory's place while we
-/// look. Immutable; safe to use from several threads.
+/// A directory below which files are opened: the repository's, or one of git's. This is the one
+/// place that opens a file of a repository. Nothing outside can be reached: no symbolic link is
+/// followed, not even one that takes a directory's place while we look, and how long the
+/// directory's own path is does not matter. Immutable; safe to use from several threads.
 class RootDirectory {
  public:
-  /// Throws `Error`, which names `path`, when it is not a directory.
+  /// Follows links on the way to the directory itself. Throws `Error`, which names `path`, when it
+  /// is not a directory.
   explicit RootDirectory(const std::filesystem::path& path);
+  /// The same; none when it is not a directory.
+  static std::optional<RootDirectory> find(const std::filesystem::path& path);
 
   /// Absolute, without symbolic links.
   const std::filesystem::path& path() const { return path_; }
 
   /// Opens a path below the root ("" is the root itself) with the flags of open(2). No descriptor
-  /// on failure; errno says why.
+  /// on failure; errno says why. Throws `Error` where the process or the system is out of
+  /// descriptors or memory: that says nothing of the file.
   FileDescriptor open(std::string_view relative, int flags) const;
 
+  /// A directory below the root as a root of its own; none when no link-free path leads to one.
+  std::optional<RootDirectory> below(std::string_view relative) const;
+
  private:
-  FileDescriptor open_step_by_step(std::string_view relative, int flags) const;
+  RootDirectory(std::filesystem::path path, FileDescriptor fd);
+
+  FileDescriptor open_in_steps(std::string_view relative, int flags) const;
 
   std::filesystem::path path_;
   FileDescriptor fd_;

@@ -47,6 +47,7 @@ inline constexpr std::string_view kNestedRepository = "nested repository";
 inline constexpr std::string_view kUnreadableDirectory = "unreadable directory";
 inline constexpr std::string_view kMissing = "tracked, but not in the work tree";
 inline constexpr std::string_view kGitUnreadable = "git data that cannot be read";
+inline constexpr std::string_view kGitForeign = "git data of another user in a folder above";
 // While reading.
 inline constexpr std::string_view kVanished = "vanished while indexing";
 inline constexpr std::string_view kUnreadable = "unreadable file";

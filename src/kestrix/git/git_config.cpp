@@ -35,6 +35,14 @@ fs::path with_home(std::string_view path) {
 
 }  // namespace
 
+std::optional<std::string> path_below(const fs::path& top, const fs::path& path) {
+  const std::string& whole = path.native();
+  if (whole == top.native()) return "";
+  const std::string base = top == top.root_path() ? top.native() : top.native() + "/";
+  if (!whole.starts_with(base)) return std::nullopt;
+  return whole.substr(base.size());
+}
+
 // NOLINTBEGIN(misc-no-recursion): a file that includes files, kMaxDepth of them at most
 
 // Reads one file's text (git-config(1), "Syntax").
@@ -146,6 +154,7 @@ class GitConfig::Parser {
       if (config_.holds(file_, condition)) config_.include(file_, value);
       return;
     }
+    if (section_ == "safe" && key == "directory") config_.add_safe_directory(value);
     config_.values_[section_ + "." + key] = std::move(value);
   }
 
@@ -157,14 +166,16 @@ class GitConfig::Parser {
 };
 
 bool GitConfig::read(const fs::path& file) {
-  const std::string text = read_small_file(file, kMaxConfigBytes);
+  const FileBytes content = confines_.empty() ? read_users_file(file, kMaxConfigBytes)
+                                              : read_admitted(file, kMaxConfigBytes);
+  const std::string text = whole_text(content);
   if (!Parser(text, *this, file).parse()) well_formed_ = false;
   return well_formed_;
 }
 
 void GitConfig::include(const fs::path& from, std::string_view path) {
   const fs::path file = from.parent_path() / with_home(path);
-  if (depth_ == kMaxDepth || !admits(file)) return;
+  if (depth_ == kMaxDepth || (!confines_.empty() && !admits(file))) return;
   if (++included_ > kMaxIncludes) {
     well_formed_ = false;
     return;
@@ -202,14 +213,36 @@ std::optional<fs::path> GitConfig::path(std::string_view name) const {
   return with_home(*text);
 }
 
-bool GitConfig::admits(const fs::path& file) const {
-  std::error_code failure;
-  const fs::path real = fs::weakly_canonical(file, failure);
-  const auto holds = [&real](const fs::path& directory) {
-    const std::string below = real.lexically_relative(directory).native();
-    return !below.empty() && below != ".." && !below.starts_with("../");
-  };
-  return confines_.empty() || (!failure && std::ranges::any_of(confines_, holds));
+bool GitConfig::is_safe(const fs::path& top) const {
+  return std::ranges::any_of(safe_directories_, [&](const std::string& safe) {
+    if (safe == "*") return true;
+    const fs::path named = with_home(safe);
+    if (!safe.ends_with("/*")) return named.lexically_normal() == top;
+    return path_below(named.parent_path(), top).has_value();
+  });
+}
+
+// An empty value takes back those before it.
+void GitConfig::add_safe_directory(const std::string& value) {
+  if (value.empty())
+    safe_directories_.clear();
+  else if (confines_.empty())
+    safe_directories_.push_back(value);
+}
+
+std::optional<GitConfig::Place> GitConfig::place_of(const fs::path& file) const {
+  const fs::path normal = file.lexically_normal();
+  for (const RootDirectory* directory : confines_) {
+    auto relative = path_below(directory->path(), normal);
+    if (relative && !relative->empty()) return Place{directory, *std::move(relative)};
+  }
+  return std::nullopt;
+}
+
+FileBytes GitConfig::read_admitted(const fs::path& file, std::size_t limit) const {
+  const auto place = place_of(file);
+  return place ? read_file(*place->directory, place->relative, limit)
+               : FileBytes{.status = ReadStatus::kVanished};
 }
 
 bool GitConfig::holds(const fs::path& from, std::string_view condition) const {

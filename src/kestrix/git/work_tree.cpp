@@ -1,9 +1,10 @@
 #include "kestrix/git/work_tree.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
-#include <cstdint>
 #include <string_view>
 #include <system_error>
 #include <utility>
@@ -22,53 +23,56 @@ constexpr std::size_t kMaxIgnoreBytes = std::size_t{1} << 20;
 constexpr std::size_t kMaxIndexBytes = std::size_t{256} << 20;  // some three million files
 constexpr std::size_t kMaxLinkBytes = std::size_t{16} << 10;
 
-bool is_there(const fs::path& path) {
-  std::error_code ignored;
-  return fs::exists(path, ignored);
+constexpr const char* kGit = ".git";
+
+bool is_there(const RootDirectory& directory, std::string_view name) {
+  return static_cast<bool>(directory.open(name, O_PATH));
 }
 
-std::string first_line(const fs::path& file) {
-  std::string text = read_small_file(file, kMaxLinkBytes);
+// Of what stands at the path itself, not of what a link leads to; all zero for nothing.
+struct stat status_of(const RootDirectory& directory, std::string_view name) {
+  struct stat status {};
+  const FileDescriptor found = directory.open(name, O_PATH);
+  if (!found || ::fstat(found.get(), &status) != 0) return {};
+  return status;
+}
+
+std::string first_line(const RootDirectory& directory, std::string_view name) {
+  std::string text = whole_text(read_file(directory, name, kMaxLinkBytes));
   text.resize(std::min(text.find_last_not_of("\r\n") + 1, text.size()));
   return text;
 }
 
 // Where a work tree's data lies: a linked work tree has an index of its own and shares the rest.
 struct GitDirectories {
-  fs::path own;
-  fs::path common;
+  RootDirectory own;
+  RootDirectory common;
 };
 
-// "gitdir: PATH" in place of the directory.
-fs::path follow_link(const fs::path& place) {
+// What ".git" stands for: a directory, a link to one, or a file that says "gitdir: PATH". The two
+// latter may lead anywhere, as linked work trees need it; nothing is read there but git's data.
+std::optional<RootDirectory> own_directory(const RootDirectory& holder) {
   constexpr std::string_view kLink = "gitdir: ";
-  std::error_code ignored;
-  if (!fs::is_regular_file(place, ignored)) return place;
-  const std::string text = first_line(place);
-  return text.starts_with(kLink) ? place.parent_path() / text.substr(kLink.size()) : place;
+  const struct stat status = status_of(holder, kGit);
+  if (S_ISDIR(status.st_mode)) return holder.below(kGit);
+  if (S_ISLNK(status.st_mode)) return RootDirectory::find(holder.path() / kGit);
+  const std::string text = S_ISREG(status.st_mode) ? first_line(holder, kGit) : "";
+  if (!text.starts_with(kLink)) return std::nullopt;
+  return RootDirectory::find(holder.path() / text.substr(kLink.size()));
 }
 
-std::optional<GitDirectories> git_directories(const fs::path& place) {
-  std::error_code failure;
-  const fs::path own = fs::canonical(follow_link(place), failure);
-  if (failure) return std::nullopt;
-  const std::string shared = first_line(own / "commondir");
-  const fs::path common = shared.empty() ? own : fs::canonical(own / shared, failure);
-  const std::string head = first_line(own / "HEAD");
+std::optional<GitDirectories> git_directories(const RootDirectory& holder) {
+  auto own = own_directory(holder);
+  if (!own) return std::nullopt;
+  const std::string shared = first_line(*own, "commondir");
+  auto common = shared.empty() ? own->below("") : RootDirectory::find(own->path() / shared);
+  const std::string head = first_line(*own, "HEAD");
   const bool has_head =
       head.starts_with("ref: ") || (head.size() >= 40 && std::ranges::all_of(head, ascii::is_word));
-  if (failure || !has_head || !is_there(common / "objects") || !is_there(common / "refs")) {
+  if (!common || !has_head || !is_there(*common, "objects") || !is_there(*common, "refs")) {
     return std::nullopt;
   }
-  return GitDirectories{own, common};
-}
-
-std::optional<std::string> path_below(const fs::path& top, const fs::path& directory) {
-  const std::string& whole = directory.native();
-  if (whole == top.native()) return "";
-  const std::string base = top == top.root_path() ? top.native() : top.native() + "/";
-  if (!whole.starts_with(base)) return std::nullopt;
-  return whole.substr(base.size());
+  return GitDirectories{*std::move(own), *std::move(common)};
 }
 
 bool is_inside_git_data(std::string_view prefix) {
@@ -77,18 +81,19 @@ bool is_inside_git_data(std::string_view prefix) {
 }
 
 // The repository's own settings; those of the user come first.
-bool read_config(const fs::path& holder, const GitDirectories& git, GitConfig& config) {
-  config.confine_to({holder, git.own, git.common});
-  if (!config.read(git.common / "config")) return false;
-  return !config.is_true("extensions.worktreeconfig") || config.read(git.own / "config.worktree");
+bool read_config(const RootDirectory& holder, const GitDirectories& git, GitConfig& config) {
+  config.confine_to({&holder, &git.own, &git.common});
+  if (!config.read(git.common.path() / "config")) return false;
+  return !config.is_true("extensions.worktreeconfig") ||
+         config.read(git.own.path() / "config.worktree");
 }
 
 bool read_index(const GitDirectories& git, const GitConfig& config, WorkTree& tree) {
-  const fs::path file = git.own / "index";
-  if (!is_there(file)) return true;  // nothing was ever added
+  const FileBytes content = read_file(git.own, "index", kMaxIndexBytes);
+  if (content.status == ReadStatus::kVanished) return true;  // nothing was ever added
   const std::string below = tree.prefix.empty() ? "" : tree.prefix + "/";
   const bool long_ids = config.value("extensions.objectformat") == "sha256";
-  auto paths = read_git_index(read_small_file(file, kMaxIndexBytes), below, long_ids ? 32 : 20);
+  auto paths = read_git_index(whole_text(content), below, long_ids ? 32 : 20);
   if (!paths) return false;
   tree.tracked = std::move(paths->files);
   tree.submodules = std::move(paths->submodules);
@@ -103,54 +108,62 @@ fs::path default_global_excludes() {
 }
 
 // The user may keep the excludes anywhere, the repository only in itself.
-fs::path global_excludes(const std::optional<fs::path>& by_user, const GitConfig& config,
-                         const WorkTree& tree) {
+std::string global_excludes(const std::optional<fs::path>& by_user, const GitConfig& config,
+                            const fs::path& top) {
   const auto named = config.path("core.excludesfile");
-  if (named && named != by_user && config.admits(tree.top / *named)) return *named;
-  return by_user.value_or(default_global_excludes());
-}
-
-void read_excludes(const GitDirectories& git, const fs::path& global, const GitConfig& config,
-                   WorkTree& tree) {
-  tree.ignore_case = config.is_true("core.ignorecase");
-  tree.info_exclude = read_small_file(git.common / "info/exclude", kMaxIgnoreBytes);
-  if (!global.empty()) tree.global_excludes = read_small_file(tree.top / global, kMaxIgnoreBytes);
+  if (named && named != by_user && config.admits(top / *named)) {
+    return whole_text(config.read_admitted(top / *named, kMaxIgnoreBytes));
+  }
+  const fs::path users = by_user.value_or(default_global_excludes());
+  return users.empty() ? "" : whole_text(read_users_file(top / users, kMaxIgnoreBytes));
 }
 
 // The directory whose ".git" it is, unless the configuration names one in it.
-std::optional<fs::path> top_of(const fs::path& holder, const GitDirectories& git,
-                               const GitConfig& config) {
+std::optional<RootDirectory> top_of(const RootDirectory& holder, const GitDirectories& git,
+                                    const GitConfig& config) {
   if (config.is_true("core.bare")) return std::nullopt;
   const auto named = config.path("core.worktree");
-  if (!named) return holder;
+  if (!named) return holder.below("");
   std::error_code failure;
-  fs::path top = fs::canonical(git.own / *named, failure);
-  if (failure || !path_below(holder, top)) return std::nullopt;
-  return top;
+  const fs::path top = fs::weakly_canonical(git.own.path() / *named, failure);
+  const auto relative = path_below(holder.path(), top);
+  return failure || !relative ? std::nullopt : holder.below(*relative);
 }
 
-WorkTreeLookup read_work_tree(const fs::path& holder, const GitDirectories& git,
+// Git obeys no data of another user, as that could make it run programs. Nothing is run here, but
+// neither should somebody's ".git" in a folder above decide what is read.
+bool is_of_another_user(const RootDirectory& holder, const GitDirectories& git) {
+  uid_t user = ::geteuid();
+  const std::string caller = environment("SUDO_UID");
+  const auto owns = [&](uid_t owner) {
+    return owner == user || (user == 0 && !caller.empty() && caller == std::to_string(owner));
+  };
+  return !owns(status_of(holder, "").st_uid) || !owns(status_of(holder, kGit).st_uid) ||
+         !owns(status_of(git.own, "").st_uid);
+}
+
+WorkTreeLookup read_work_tree(const RootDirectory& holder, const GitDirectories& git,
                               const fs::path& directory) {
-  constexpr bool kDamaged = true;
-  GitConfig config(git.own);
+  using enum WorkTreeLookup::Problem;
+  GitConfig config(git.own.path());
   if (!config.read_user_files()) return {{}, kDamaged};
+  const bool is_above = holder.path() != directory;
+  if (is_above && is_of_another_user(holder, git) && !config.is_safe(holder.path())) {
+    return {{}, kForeign};
+  }
   const auto users_excludes = config.path("core.excludesfile");
   if (!read_config(holder, git, config)) return {{}, kDamaged};
-  const auto top = top_of(holder, git, config);
-  auto prefix = top ? path_below(*top, directory) : std::nullopt;
+  auto top = top_of(holder, git, config);
+  auto prefix = top ? path_below(top->path(), directory) : std::nullopt;
   if (!prefix || is_inside_git_data(*prefix)) return {};
   WorkTree tree;
-  tree.top = *top;
   tree.prefix = *std::move(prefix);
-  read_excludes(git, global_excludes(users_excludes, config, tree), config, tree);
+  tree.ignore_case = config.is_true("core.ignorecase");
+  tree.info_exclude = whole_text(read_file(git.common, "info/exclude", kMaxIgnoreBytes));
+  tree.global_excludes = global_excludes(users_excludes, config, top->path());
+  tree.top = std::make_shared<const RootDirectory>(*std::move(top));
   if (!read_index(git, config, tree)) return {{}, kDamaged};
-  return {std::move(tree), !kDamaged};
-}
-
-// Like git, the search for a work tree does not leave the file system.
-std::uint64_t device_of(const fs::path& path) {
-  struct stat status {};
-  return ::stat(path.c_str(), &status) == 0 ? status.st_dev : 0;
+  return {std::move(tree), kNone};
 }
 
 bool contains(const std::vector<std::string>& sorted, std::string_view path) {
@@ -170,16 +183,19 @@ std::size_t WorkTree::count_tracked_below(std::string_view directory) const {
   return static_cast<std::size_t>(last - first);
 }
 
-WorkTreeLookup find_work_tree(const fs::path& directory) {
-  const bool expected = is_there(directory / ".git");
-  const auto device = device_of(directory);
-  for (fs::path holder = directory; device_of(holder) == device; holder = holder.parent_path()) {
-    if (const auto git = git_directories(holder / ".git")) {
-      return read_work_tree(holder, *git, directory);
+// Like git, the search for a work tree does not leave the file system.
+WorkTreeLookup find_work_tree(const RootDirectory& directory) {
+  using enum WorkTreeLookup::Problem;
+  const auto device = status_of(directory, "").st_dev;
+  auto holder = directory.below("");
+  while (holder && status_of(*holder, "").st_dev == device) {
+    if (const auto git = git_directories(*holder)) {
+      return read_work_tree(*holder, *git, directory.path());
     }
-    if (holder == holder.parent_path()) break;
+    const fs::path parent = holder->path().parent_path();
+    holder = parent == holder->path() ? std::nullopt : RootDirectory::find(parent);
   }
-  return {{}, expected};
+  return {{}, is_there(directory, kGit) ? kDamaged : kNone};
 }
 
 }  // namespace kestrix::index

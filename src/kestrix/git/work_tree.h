@@ -1,11 +1,13 @@
 #pragma once
 
 #include <cstddef>
-#include <filesystem>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "kestrix/files/root_directory.h"
 
 namespace kestrix::index {
 
@@ -17,7 +19,7 @@ namespace kestrix::index {
 struct WorkTree {
   /// The directory's path below the top of the work tree, "" for the top itself.
   std::string prefix;
-  std::filesystem::path top;
+  std::shared_ptr<const RootDirectory> top;
   /// Paths below `prefix`, relative to it, ascending by bytes: tracked files and links …
   std::vector<std::string> tracked;
   /// … and the places of submodules.
@@ -33,11 +35,17 @@ struct WorkTree {
 };
 
 struct WorkTreeLookup {
+  enum class Problem {
+    kNone,
+    kDamaged,  ///< there is git data, but it cannot be read
+    kForeign,  ///< a directory above holds git data of another user, which git refuses, too
+  };
+
   std::optional<WorkTree> work_tree;
-  bool damaged = false;  ///< there is git data, but it cannot be read
+  Problem problem = Problem::kNone;
 };
 
-/// The work tree that holds `directory`, an absolute path without symbolic links.
-WorkTreeLookup find_work_tree(const std::filesystem::path& directory);
+/// The work tree that holds `directory`.
+WorkTreeLookup find_work_tree(const RootDirectory& directory);
 
 }  // namespace kestrix::index

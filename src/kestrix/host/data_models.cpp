@@ -23,7 +23,7 @@ struct RankingHost {
   const WikiGenerator& generator;
 
   std::vector<std::string> _planner_paths() const { return generator._planner_paths(); }
-  std::filesystem::path repo_root() const { return generator.repo_root(); }
+  const RepoRoot& repo_root() const { return generator.repo_root(); }
 };
 
 struct SignalName {
@@ -72,7 +72,8 @@ PageAnswer data_models_answer(const WikiGenerator& generator) {
 
 std::string data_models_why_not(const WikiGenerator& generator, std::string_view path) {
   if (!may_define_data(path)) return "in no language that defines data";
-  const Text text = _read_text(generator.repo_root() / path, {.max_chars = DETECTOR_READ_CHARS});
+  const Text text =
+      _read_text({&generator.repo_root(), std::string(path)}, {.max_chars = DETECTOR_READ_CHARS});
   const DataSignals signals = data_signals(path, text.str());
   if (defines_data(signals)) {
     return fmt::format("{}, and the page's files define more or lie nearer to the product",

@@ -7,8 +7,8 @@
 
 namespace kestrix {
 
-WikiGenerator::WikiGenerator(const index::RepositoryIndex& index, std::filesystem::path root)
-    : index_(index), root_(std::move(root)) {
+WikiGenerator::WikiGenerator(const index::RepositoryIndex& index, const std::filesystem::path& root)
+    : index_(index), root_(root) {
   for (const auto& file : index_.files()) {
     if (file.document) continue;
     std::string path = _norm(file.path);

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "kestrix/host/repository_root.h"
 #include "kestrix/index/index.h"
 #include "kestrix/workers/wiki/page_sources.h"
 
@@ -18,21 +19,22 @@ namespace kestrix {
 class WikiGenerator : public PageSourcesMixin {
  public:
   /// `index` must outlive the generator; `root` is the directory that its paths are relative to.
-  WikiGenerator(const index::RepositoryIndex& index, std::filesystem::path root);
+  /// Throws `Error` when that is no directory.
+  WikiGenerator(const index::RepositoryIndex& index, const std::filesystem::path& root);
 
   const Repository& repository() const override { return index_; }
   /// The same handle, as the native host knows it.
   const index::RepositoryIndex& indexed() const { return index_; }
   /// Whether a path is one of `_planner_paths`.
   bool is_planned(std::string_view path) const;
-  std::filesystem::path repo_root() const override { return root_; }
+  const RepoRoot& repo_root() const override { return root_; }
   std::vector<SourceFileRecord> _source_files() const override;
   std::vector<std::string> _planner_paths() const override { return planner_paths_; }
   std::vector<DocumentRecord> _indexed_documents() const override;
 
  private:
   const index::RepositoryIndex& index_;
-  std::filesystem::path root_;
+  RepositoryRoot root_;
   std::vector<std::string> planner_paths_;  // ascending; asked for by nearly every detector
 };
 

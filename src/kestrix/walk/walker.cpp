@@ -16,9 +16,9 @@
 #include "kestrix/files/directory_listing.h"
 #include "kestrix/files/file_reading.h"
 #include "kestrix/git/ignore_rules.h"
-#include "kestrix/walk/third_party.h"
 #include "kestrix/git/work_tree.h"
 #include "kestrix/utils/error.h"
+#include "kestrix/walk/third_party.h"
 
 namespace kestrix::index {
 namespace {
@@ -262,13 +262,12 @@ struct Surroundings {
 Surroundings surroundings_of(const WorkTree& tree) {
   Surroundings result{rules_outside(tree)};
   if (tree.prefix.empty()) return result;
-  const RootDirectory top(tree.top);
   for (std::size_t end = 0; end != std::string::npos;) {
     const std::string above = tree.prefix.substr(0, end);
     const std::string file = above.empty() ? ".gitignore" : above + "/.gitignore";
     result.rules = std::make_shared<const IgnoreScope>(
         std::move(result.rules), above,
-        IgnoreRules(read_file(top, file, kMaxIgnoreBytes).bytes, tree.ignore_case));
+        IgnoreRules(read_file(*tree.top, file, kMaxIgnoreBytes).bytes, tree.ignore_case));
     end = tree.prefix.find('/', end == 0 ? 0 : end + 1);
     if (result.rules->ignores(tree.prefix.substr(0, end), true)) {
       result.root_is_ignored = true;
@@ -286,10 +285,12 @@ WalkResult walk_plainly(const RootDirectory& root, const WalkOptions& options) {
 }  // namespace
 
 WalkResult walk(const RootDirectory& root, const WalkOptions& options) {
-  const WorkTreeLookup found = find_work_tree(root.path());
+  using enum WorkTreeLookup::Problem;
+  const WorkTreeLookup found = find_work_tree(root);
   if (!found.work_tree) {
     WalkResult result = walk_plainly(root, options);
-    if (found.damaged) result.skipped.add(skipped::kGitUnreadable);
+    if (found.problem == kDamaged) result.skipped.add(skipped::kGitUnreadable);
+    if (found.problem == kForeign) result.skipped.add(skipped::kGitForeign);
     return result;
   }
   const WorkTree& tree = *found.work_tree;

@@ -31,7 +31,7 @@ namespace kestrix {
 AspectFileLimit::operator std::ptrdiff_t() const { return 5; }
 bool is_test_path(std::string_view path) { return path.starts_with("tests/"); }
 std::string _norm(std::string_view path) { return std::string(path); }
-Text _read_text(const std::filesystem::path&, ReadTextOptions) { return {}; }
+Text _read_text(const RepoPath&, ReadTextOptions) { return {}; }
 std::string stem(std::string_view path) { return std::filesystem::path(path).stem().string(); }
 bool search(const InterfaceSignaturePattern&, std::string_view) { return false; }
 std::vector<std::string> data_model_files(const PathTexts&) { return {}; }
@@ -82,7 +82,7 @@ class Index : public kestrix::Repository {
 class Generator : public kestrix::PageSourcesMixin {
  public:
   const kestrix::Repository& repository() const override { return index_; }
-  std::filesystem::path repo_root() const override { return "."; }
+  const kestrix::RepoRoot& repo_root() const override { return root_; }
   std::vector<kestrix::DocumentRecord> _indexed_documents() const override { return {}; }
 
   std::vector<kestrix::SourceFileRecord> _source_files() const override {
@@ -99,6 +99,7 @@ class Generator : public kestrix::PageSourcesMixin {
 
  private:
   Index index_;
+  kestrix::RepoRoot root_{"."};
 };
 
 void print(std::string_view page, const std::vector<std::string>& files) {

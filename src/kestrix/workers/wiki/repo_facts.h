@@ -59,10 +59,35 @@ struct ReadTextOptions {
 /// index holds no path with the one, and the other is part of a name. Idempotent.
 std::string _norm(std::string_view path);
 
+/// The root directory of a repository, and the way to the texts below it.
+class RepoRoot {
+ public:
+  explicit RepoRoot(std::filesystem::path path) : path_(std::move(path)) {}
+  RepoRoot(const RepoRoot&) = delete;
+  RepoRoot& operator=(const RepoRoot&) = delete;
+  virtual ~RepoRoot() = default;
+
+  const std::filesystem::path& path() const { return path_; }
+
+  /// What `_read_text` gives for a path below the root; "" unless the host reads files.
+  virtual Text text(const std::string& /*below*/, ReadTextOptions /*options*/) const { return {}; }
+
+ private:
+  std::filesystem::path path_;
+};
+
+/// A file's place: a root, which must outlive it, joined with a path below it.
+struct RepoPath {
+  const RepoRoot* root;
+  std::string below;
+
+  std::filesystem::path path() const { return root->path() / below; }
+};
+
 /// The first `max_chars` characters of a file, read when the text is asked for. A file that is
-/// missing, unreadable or not text has the text "". The last piece of the path is never followed as
-/// a link, and only regular files are read; nothing waits on a pipe or a device.
-Text _read_text(const std::filesystem::path& path, ReadTextOptions options);
+/// missing, unreadable or not text has the text "". No piece of the path below the root is followed
+/// as a link, and only regular files are read; nothing waits on a pipe or a device.
+Text _read_text(const RepoPath& path, ReadTextOptions options);
 
 /// What the wiki generator knows about its repository.
 class RepoFactsMixin {
@@ -72,7 +97,7 @@ class RepoFactsMixin {
   /// The handle of the repository's index.
   virtual const Repository& repository() const = 0;
   /// The repository's root directory.
-  virtual std::filesystem::path repo_root() const = 0;
+  virtual const RepoRoot& repo_root() const = 0;
   /// The source files of the index, in the index's order.
   virtual std::vector<SourceFileRecord> _source_files() const = 0;
 };

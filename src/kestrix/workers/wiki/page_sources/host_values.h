@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <exception>
-#include <filesystem>
 #include <iterator>
 #include <span>
 #include <string>
@@ -17,6 +16,7 @@
 
 #include "kestrix/index/repository.h"
 #include "kestrix/workers/report_generator.h"
+#include "kestrix/workers/wiki/repo_facts.h"
 
 namespace kestrix {
 
@@ -67,8 +67,6 @@ inline std::vector<std::string> ascending(PathSet set) {
   return paths;
 }
 
-inline std::filesystem::path joined(const std::filesystem::path& root, const std::string& path) {
-  return root / path;
-}
+inline RepoPath joined(const RepoRoot& root, const std::string& path) { return {&root, path}; }
 
 }  // namespace kestrix
