@@ -11,6 +11,7 @@
 #include <unordered_map>
 
 #include "kestrix/files/classification.h"
+#include "kestrix/roles/path_roles.h"
 #include "kestrix/text/ascii.h"
 #include "kestrix/workers/wiki_split.h"
 
@@ -41,9 +42,6 @@ constexpr auto kEntryFolders = std::to_array<std::string_view>({"adr",
                                                                 "eips"});
 constexpr auto kOverviewFolders = std::to_array<std::string_view>(
     {"design", "designs", "design-docs", "design_docs", "designdocs", "architecture"});
-constexpr auto kForeignFolders = std::to_array<std::string_view>(
-    {"test", "tests", "__tests__", "testdata", "test_data", "fixtures", "node_modules", "vendor",
-     "third_party", "template", "templates"});
 constexpr auto kDocumentNames =
     std::to_array<std::string_view>({"design", "architecture", "decisions"});
 constexpr auto kIndexNames = std::to_array<std::string_view>(
@@ -226,9 +224,16 @@ std::string_view naming_piece(std::string_view path, std::string_view own_stem) 
   return in_folder ? piece_of(directory) : own_stem;
 }
 
+// What tests and dependencies bring along, and what entries are begun from.
+bool is_foreign(std::string_view path) {
+  const Roles roles = path_roles(path);
+  return roles.has(Role::kTest) || roles.has(Role::kTestData) || roles.has(Role::kVendored) ||
+         has_piece(directory_of(path), kTemplateWords);
+}
+
 std::optional<DesignDocument> judge(std::string_view path, const SeriesLengths& lengths) {
   const auto directory = directory_of(path);
-  if (!index::is_document_path(path) || has_piece(directory, kForeignFolders)) return std::nullopt;
+  if (!index::is_document_path(path) || is_foreign(path)) return std::nullopt;
   const auto place = place_of(directory, lengths);
   const auto own_stem = stem(path);
   const auto name = naming_piece(path, own_stem);

@@ -11,6 +11,7 @@
 #include "kestrix/store/content_hash.h"
 #include "kestrix/store/facts_codec.h"
 #include "kestrix/files/classification.h"
+#include "kestrix/roles/generated.h"
 #include "kestrix/files/file_reading.h"
 #include "kestrix/text/decoding.h"
 

@@ -8,8 +8,9 @@
 #include <string_view>
 
 #include "kestrix/facts/facts.h"
-#include "kestrix/syntax/lexis.h"
+#include "kestrix/languages/conventions.h"
 #include "kestrix/languages/resolver.h"
+#include "kestrix/syntax/lexis.h"
 
 namespace kestrix::index {
 
@@ -33,6 +34,7 @@ struct Language {
   /// A copy of the text, of equal length, in which what the grammar cannot read is blank; it is
   /// parsed in the text's stead. None when nothing is in the way; null for a language without need.
   std::optional<std::string> (*mask)(std::string_view text) = nullptr;
+  const Conventions* conventions = nullptr;  ///< how its files are named; may be null
 };
 
 /// Every language, in name order. Immutable; usable from any thread.

@@ -5,6 +5,7 @@
 #include "kestrix/languages/c_family/c.scm.h"
 #include "kestrix/languages/c_family/masking.h"
 #include "kestrix/languages/c_family/reader.h"
+#include "kestrix/languages/c_family/conventions.h"
 #include "kestrix/languages/language.h"
 #include "kestrix/languages/c_family/resolver.h"
 
@@ -24,7 +25,8 @@ const Language& c_language() {
                                  .keywords = {},
                                  .read = read_c_family,
                                  .resolver = make_include_resolver,
-                                 .mask = mask_macros};
+                                 .mask = mask_macros,
+                                 .conventions = &c_family::kConventions};
   return language;
 }
 

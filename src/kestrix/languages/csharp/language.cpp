@@ -14,6 +14,7 @@
 #include "kestrix/languages/csharp/directives.h"
 #include "kestrix/languages/csharp/names.h"
 #include "kestrix/languages/packaged/reading.h"
+#include "kestrix/languages/csharp/conventions.h"
 #include "kestrix/languages/language.h"
 #include "kestrix/syntax/source_tree.h"
 #include "kestrix/languages/symbols.h"
@@ -211,7 +212,8 @@ const Language& csharp_language() {
                                  .keywords = {},
                                  .read = read,
                                  .resolver = make_csharp_resolver,
-                                 .mask = csharp::mask};
+                                 .mask = csharp::mask,
+                                 .conventions = &csharp::kConventions};
   return language;
 }
 

@@ -6,6 +6,7 @@
 #include <span>
 #include <string_view>
 
+#include "kestrix/languages/ecmascript/conventions.h"
 #include "kestrix/languages/ecmascript/javascript.scm.h"
 #include "kestrix/languages/ecmascript/reader.h"
 #include "kestrix/languages/ecmascript/resolver.h"
@@ -30,7 +31,8 @@ Language dialect(std::string_view name, Files files, const TSLanguage* (*grammar
           .lexis = &ecmascript::lexis,
           .keywords = ecmascript::keywords(),
           .read = ecmascript::read,
-          .resolver = make_ecmascript_resolver};
+          .resolver = make_ecmascript_resolver,
+          .conventions = &ecmascript::kConventions};
 }
 
 }  // namespace

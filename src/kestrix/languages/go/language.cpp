@@ -9,6 +9,7 @@
 
 #include "kestrix/languages/go/query.scm.h"
 #include "kestrix/languages/go/names.h"
+#include "kestrix/languages/go/conventions.h"
 #include "kestrix/languages/language.h"
 #include "kestrix/syntax/source_tree.h"
 #include "kestrix/languages/symbols.h"
@@ -201,7 +202,8 @@ const Language& go_language() {
                                  .lexis = &kLexis,
                                  .keywords = {},
                                  .read = read,
-                                 .resolver = make_go_resolver};
+                                 .resolver = make_go_resolver,
+                                 .conventions = &go::kConventions};
   return language;
 }
 

@@ -5,6 +5,7 @@
 
 #include "kestrix/languages/java/query.scm.h"
 #include "kestrix/languages/packaged/reading.h"
+#include "kestrix/languages/jvm/conventions.h"
 #include "kestrix/languages/language.h"
 #include "kestrix/syntax/source_tree.h"
 #include "kestrix/languages/symbols.h"
@@ -122,7 +123,8 @@ const Language& java_language() {
                                  .lexis = &kLexis,
                                  .keywords = {},
                                  .read = read,
-                                 .resolver = make_jvm_resolver};
+                                 .resolver = make_jvm_resolver,
+                                 .conventions = &jvm::kConventions};
   return language;
 }
 

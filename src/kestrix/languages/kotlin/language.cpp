@@ -11,6 +11,7 @@
 #include "kestrix/languages/kotlin/query.scm.h"
 #include "kestrix/languages/kotlin/text.h"
 #include "kestrix/languages/packaged/reading.h"
+#include "kestrix/languages/jvm/conventions.h"
 #include "kestrix/languages/language.h"
 #include "kestrix/syntax/source_tree.h"
 #include "kestrix/languages/symbols.h"
@@ -214,7 +215,8 @@ const Language& kotlin_language() {
                                  .keywords = {},
                                  .read = read,
                                  .resolver = make_jvm_resolver,
-                                 .mask = kotlin::mask};
+                                 .mask = kotlin::mask,
+                                 .conventions = &jvm::kConventions};
   return language;
 }
 

@@ -13,6 +13,7 @@
 
 #include "kestrix/languages/packaged/reading.h"
 #include "kestrix/languages/php/query.scm.h"
+#include "kestrix/languages/php/conventions.h"
 #include "kestrix/languages/language.h"
 #include "kestrix/syntax/source_tree.h"
 #include "kestrix/languages/symbols.h"
@@ -232,7 +233,8 @@ const Language& php_language() {
                                  .lexis = &kLexis,
                                  .keywords = kKeywords,
                                  .read = read,
-                                 .resolver = make_php_resolver};
+                                 .resolver = make_php_resolver,
+                                 .conventions = &php::kConventions};
   return language;
 }
 

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "kestrix/languages/python/query.scm.h"
+#include "kestrix/languages/python/conventions.h"
 #include "kestrix/languages/language.h"
 #include "kestrix/syntax/source_tree.h"
 #include "kestrix/languages/symbols.h"
@@ -106,7 +107,8 @@ const Language& python_language() {
                                  .lexis = &kLexis,
                                  .keywords = kKeywords,
                                  .read = read,
-                                 .resolver = make_python_resolver};
+                                 .resolver = make_python_resolver,
+                                 .conventions = &python::kConventions};
   return language;
 }
 

@@ -11,6 +11,7 @@
 
 #include "kestrix/languages/packaged/reading.h"
 #include "kestrix/languages/ruby/query.scm.h"
+#include "kestrix/languages/ruby/conventions.h"
 #include "kestrix/languages/language.h"
 #include "kestrix/syntax/source_tree.h"
 #include "kestrix/languages/symbols.h"
@@ -158,7 +159,8 @@ const Language& ruby_language() {
                                  .lexis = &kLexis,
                                  .keywords = kKeywords,
                                  .read = read,
-                                 .resolver = make_ruby_resolver};
+                                 .resolver = make_ruby_resolver,
+                                 .conventions = &ruby::kConventions};
   return language;
 }
 

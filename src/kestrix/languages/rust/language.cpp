@@ -14,6 +14,7 @@
 #include "kestrix/languages/rust/macro_items.h"
 #include "kestrix/languages/rust/paths.h"
 #include "kestrix/languages/rust/use_tree.h"
+#include "kestrix/languages/rust/conventions.h"
 #include "kestrix/languages/language.h"
 #include "kestrix/syntax/source_tree.h"
 #include "kestrix/languages/symbols.h"
@@ -264,7 +265,8 @@ const Language& rust_language() {
                                  .lexis = &kLexis,
                                  .keywords = kKeywords,
                                  .read = read,
-                                 .resolver = make_rust_resolver};
+                                 .resolver = make_rust_resolver,
+                                 .conventions = &rust::kConventions};
   return language;
 }
 

@@ -1,0 +1,175 @@
+#include "kestrix/roles/path_roles.h"
+
+#include <fmt/format.h>
+#include <re2/re2.h>
+
+#include <algorithm>
+#include <array>
+#include <span>
+#include <string>
+
+#include "kestrix/roles/folder_names.h"
+#include "kestrix/roles/generated.h"
+#include "kestrix/roles/test_paths.h"
+#include "kestrix/text/paths.h"
+
+namespace kestrix {
+namespace {
+
+constexpr auto kTestDataFolders = std::to_array<std::string_view>(
+    {"golden", "goldens", "fixture", "fixtures", "__fixtures__", "testdata", "test_data",
+     "test-data", "__snapshots__", "snapshots", "cassettes", "corpus"});
+constexpr auto kSampleFolders = std::to_array<std::string_view>(
+    {"example", "examples", "sample", "samples", "demo", "demos", "tutorial", "tutorials",
+     "playground", "benchmark", "benchmarks", "bench", "cookbook", "snippets", "quickstart",
+     "quickstarts"});
+constexpr auto kDocumentationFolders =
+    std::to_array<std::string_view>({"doc", "docs", "docs_src", "documentation", "website"});
+constexpr auto kTestWords = std::to_array<std::string_view>(
+    {"test", "tests", "testing", "testutil", "testutils", "testsupport"});
+// At the top of a repository only: further down they may be a part of the product.
+constexpr auto kToolFolders = std::to_array<std::string_view>(
+    {"script", "scripts", "tool", "tools", "hack", "ci", "contrib", "misc", "etc", "build"});
+constexpr auto kMigrationFolders =
+    std::to_array<std::string_view>({"migrations", "migration", "migrate"});
+constexpr auto kGeneratedFolders =
+    std::to_array<std::string_view>({"generated", "__generated__", "_generated", "gen", "autogen"});
+constexpr auto kVendorFolders = std::to_array<std::string_view>(
+    {"vendor", "_vendor", "_vendored", "third_party", "thirdparty", "third-party", "3rdparty",
+     "3rd_party", "3rd-party", "node_modules", "bower_components"});
+constexpr auto kArchiveFolders = std::to_array<std::string_view>(
+    {"archive", "archived", "old", "superseded", "deprecated", "obsolete"});
+
+// "old_migrations" and "post_migrate" too; a "user_migration" may be what the product does.
+bool holds_migrations(std::string_view folder, std::string_view parent) {
+  if (is_among(kMigrationFolders, folder)) return true;
+  const auto last = folder.substr(folder.find_last_of("-_.") + 1);
+  return ascii::equals(last, "migrations") || ascii::equals(last, "migrate") ||
+         (folder == "versions" && parent == "alembic");
+}
+
+// A folder of what tests are written with: "test-utils", "testing_support". Its files are no tests,
+// and nothing that the product consists of.
+bool serves_tests(std::string_view folder) {
+  while (!folder.empty()) {
+    const auto end = std::min(folder.find_first_of("-_."), folder.size());
+    if (is_among(kTestWords, folder.substr(0, end))) return true;
+    folder.remove_prefix(std::min(end + 1, folder.size()));
+  }
+  return false;
+}
+
+bool has_migration_name(std::string_view name) {
+  static const RE2 pattern(
+      R"(^[VUR]\d*[\d_.]*__\w+\.sql$|^(?:[a-z]+[_-])?\d{3,}(?:[_.-].*)?\.sql$|)"
+      R"(^\d{12,14}_\w+\.(?:rb|php|ts|js)$)");
+  return RE2::PartialMatch(re2::StringPiece(name.data(), name.size()), pattern);
+}
+
+// What decided, for each role at most one sign. `folder` is "" where the name decided.
+class Signs {
+ public:
+  void add(Role role, std::string_view what, std::string_view folder = {}) {
+    if (roles_.has(role)) return;
+    roles_.add(role);
+    signs_[static_cast<std::size_t>(role)] = {what, folder};
+  }
+
+  Roles roles() const { return roles_; }
+
+  std::vector<RoleEvidence> evidence() const {
+    std::vector<RoleEvidence> list;
+    for (const Role role : kRoles) {
+      if (!roles_.has(role)) continue;
+      const auto& [what, folder] = signs_[static_cast<std::size_t>(role)];
+      list.push_back(
+          {role, folder.empty() ? std::string(what) : fmt::format("{} {}/", what, folder)});
+    }
+    return list;
+  }
+
+ private:
+  struct Sign {
+    std::string_view what;
+    std::string_view folder;
+  };
+
+  Roles roles_;
+  std::array<Sign, kRoles.size()> signs_;
+};
+
+void add_test_signs(std::string_view path, Signs& signs) {
+  const TestSign sign = test_sign(path);
+  if (sign.kind == TestSign::Kind::kName) signs.add(Role::kTest, "named like a test");
+  if (sign.kind != TestSign::Kind::kFolder) return;
+  signs.add(Role::kTest, "below the test folder", sign.folder);
+  for_each_folder_down(path, [&](std::string_view piece, std::string_view folder) {
+    const bool data = folder.size() >= sign.folder.size() && is_among(kTestDataFolders, piece);
+    if (data) signs.add(Role::kTestData, "below the folder of test data", folder);
+    return !data;
+  });
+}
+
+// Below "src" a folder is named for what the product does, and a package may be called "samples".
+void add_folder_signs(std::string_view path, Signs& signs) {
+  std::string_view parent;
+  bool in_sources = false;
+  for_each_folder_down(path, [&](std::string_view piece, std::string_view folder) {
+    const bool top = parent.empty() && piece.size() == folder.size();
+    if (is_among(kVendorFolders, piece)) signs.add(Role::kVendored, "below", folder);
+    if (is_among(kGeneratedFolders, piece)) signs.add(Role::kGenerated, "below", folder);
+    if (is_among(kArchiveFolders, piece)) signs.add(Role::kArchived, "below", folder);
+    if (holds_migrations(piece, parent)) {
+      signs.add(Role::kMigration, "below the folder of migrations", folder);
+    }
+    if (!in_sources && is_among(kSampleFolders, piece)) {
+      signs.add(Role::kSample, "below the folder of samples", folder);
+    }
+    if (!in_sources && is_among(kDocumentationFolders, piece)) {
+      signs.add(Role::kDocumentation, "below the folder of documentation", folder);
+    }
+    if (!signs.roles().has(Role::kTest) && serves_tests(piece))
+      signs.add(Role::kTool, "below the folder of test tools", folder);
+    if (top && (piece.starts_with('.') || is_among(kToolFolders, piece))) {
+      signs.add(Role::kTool, "below the folder of tools", folder);
+    }
+    in_sources = in_sources || piece == "src";
+    parent = piece;
+    return true;
+  });
+}
+
+void add_name_signs(std::string_view path, Signs& signs) {
+  if (has_migration_name(index::base_name(path))) signs.add(Role::kMigration, "named like one");
+  if (has_generated_name(path)) signs.add(Role::kGenerated, "named like one");
+}
+
+Signs signs_of(std::string_view path) {
+  Signs signs;
+  add_test_signs(path, signs);
+  add_folder_signs(path, signs);
+  add_name_signs(path, signs);
+  return signs;
+}
+
+}  // namespace
+
+Roles path_roles(std::string_view path) {
+  Roles roles = signs_of(path).roles();
+  if (is_schema_dump(path)) roles.remove(Role::kMigration);
+  return roles;
+}
+
+std::vector<RoleEvidence> explain_path_roles(std::string_view path) {
+  auto evidence = signs_of(path).evidence();
+  if (is_schema_dump(path)) {
+    std::erase_if(evidence, [](const auto& piece) { return piece.role == Role::kMigration; });
+  }
+  return evidence;
+}
+
+bool is_test_by_path(std::string_view path) {
+  return test_sign(path).kind != TestSign::Kind::kNone;
+}
+
+}  // namespace kestrix
