@@ -36,8 +36,6 @@ constexpr std::array kRows{
     Row{".exs", &kElixir},
     Row{".fs", &kDotNet},
     Row{".groovy", &index::jvm::kConventions},
-    Row{".mts", &index::ecmascript::kConventions},
-    Row{".cts", &index::ecmascript::kConventions},
     Row{".pyx", &index::python::kConventions},
     Row{".scala", &index::jvm::kConventions},
     Row{".snap", &kSnapshots},
