@@ -1,7 +1,7 @@
 # Every library from outside, found once. The targets to link:
 #
 #   component    re2::re2  tsl::ordered_map  Boost::headers
-#   native host  fmt::fmt  spdlog::spdlog  SQLiteCpp  SQLite::SQLite3  tree-sitter::tree-sitter
+#   native host  fmt::fmt  spdlog::spdlog  SQLiteCpp  SQLite::SQLite3
 #                nlohmann_json::nlohmann_json  tomlplusplus::tomlplusplus  yaml-cpp
 #                pugixml::pugixml  utf8cpp  CLI11::CLI11  Threads::Threads
 #   tests        GTest::gtest  GTest::gtest_main  GTest::gmock
@@ -21,7 +21,6 @@ if(KESTRIX_PROGRAM)
   find_package(spdlog REQUIRED)
   find_package(SQLite3 REQUIRED)
   find_package(SQLiteCpp REQUIRED)
-  find_package(TreeSitter REQUIRED)
   find_package(nlohmann_json REQUIRED)
   find_package(tomlplusplus REQUIRED)
   find_package(yaml-cpp REQUIRED)

@@ -1,5 +1,6 @@
 /* Included before the first line of every external scanner: its memory comes from the parser
- * library's allocator, so that it is counted and dropped with that of the parse. */
+ * library's allocator, so that it is counted and dropped with that of the parse. Some ask the
+ * general allocator whatever the library is set to, and that of Swift asks it for too little. */
 #ifndef KESTRIX_GRAMMARS_SCANNER_MEMORY_H
 #define KESTRIX_GRAMMARS_SCANNER_MEMORY_H
 

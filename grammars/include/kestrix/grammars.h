@@ -1,8 +1,7 @@
 #pragma once
 
 // The tree-sitter grammars compiled into this library, one function a language. Each returns a
-// pointer to static, immutable data: never null, never to be freed, usable from any thread. All of
-// them have ABI version 14, which the parser library of Debian 12 reads.
+// pointer to static, immutable data: never null, never to be freed, usable from any thread.
 
 struct TSLanguage;
 
@@ -18,6 +17,8 @@ const TSLanguage* tree_sitter_php();
 const TSLanguage* tree_sitter_python();
 const TSLanguage* tree_sitter_ruby();
 const TSLanguage* tree_sitter_rust();
+const TSLanguage* tree_sitter_scala();
+const TSLanguage* tree_sitter_swift();
 const TSLanguage* tree_sitter_tsx();
 const TSLanguage* tree_sitter_typescript();
 }

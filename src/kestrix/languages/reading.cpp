@@ -5,30 +5,19 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <ctime>
 #include <map>
-#include <memory>
 #include <mutex>
 #include <utility>
 #include <vector>
 
 #include "kestrix/languages/language.h"
 #include "kestrix/syntax/outline.h"
-#include "kestrix/syntax/parser_memory.h"
+#include "kestrix/syntax/parsed_text.h"
 #include "kestrix/syntax/source_tree.h"
 #include "kestrix/utils/error.h"
 
 namespace kestrix::index {
 namespace {
-
-struct ParserDeleter {
-  void operator()(TSParser* parser) const { ts_parser_delete(parser); }
-};
-struct TreeDeleter {
-  void operator()(TSTree* tree) const { ts_tree_delete(tree); }
-};
-using ParserPtr = std::unique_ptr<TSParser, ParserDeleter>;
-using TreePtr = std::unique_ptr<TSTree, TreeDeleter>;
 
 const Query& query_of(const Language& language) {
   static std::mutex mutex;
@@ -39,47 +28,6 @@ const Query& query_of(const Language& language) {
     found = queries.try_emplace(&language, language.grammar(), language.query, language.name).first;
   }
   return found->second;
-}
-
-std::chrono::microseconds thread_time() {
-  timespec now{};
-  clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-  return std::chrono::duration_cast<std::chrono::microseconds>(
-      std::chrono::seconds(now.tv_sec) + std::chrono::nanoseconds(now.tv_nsec));
-}
-
-// One call of the parser, in a form that may be left in its middle.
-struct ParserCall {
-  TSParser* parser;
-  std::string_view text;
-  TSTree* tree = nullptr;
-
-  static void run(void* self) {
-    auto& call = *static_cast<ParserCall*>(self);
-    call.tree = ts_parser_parse_string(call.parser, nullptr, call.text.data(),
-                                       static_cast<std::uint32_t>(call.text.size()));
-  }
-};
-
-// The library counts the time that passes. On a busy machine that is not what the parser got: what
-// it still has is granted, so that which files are given up depends less on the load.
-TreePtr parse(ParserMemory& memory, ParserPtr parser, const Language& language,
-              std::string_view text, std::chrono::microseconds budget) {
-  if (!ts_parser_set_language(parser.get(), language.grammar())) {
-    throw Error(fmt::format("the grammar of {} does not fit the parser library", language.name));
-  }
-  const auto masked = language.mask == nullptr ? std::nullopt : language.mask(text);
-  ParserCall call{.parser = parser.get(), .text = masked ? std::string_view(*masked) : text};
-  const auto end = thread_time() + budget;
-  for (auto left = budget; left.count() > 0; left = end - thread_time()) {
-    ts_parser_set_timeout_micros(parser.get(), static_cast<std::uint64_t>(left.count()));
-    if (!memory.run(ParserCall::run, &call)) {
-      static_cast<void>(parser.release());  // the memory of what was left goes with the arena
-      return nullptr;
-    }
-    if (call.tree != nullptr) return TreePtr(call.tree);
-  }
-  return nullptr;
 }
 
 struct Words {
@@ -130,16 +78,16 @@ std::optional<FileFacts> read_facts(const Language& language, std::string_view t
                                     const ReadOptions& options) {
   if (text.size() >= UINT32_MAX) return std::nullopt;
   const Query& query = query_of(language);
-  ParserMemory memory;
-  const TreePtr tree =
-      parse(memory, ParserPtr(ts_parser_new()), language, text, options.parse_budget);
-  if (tree == nullptr) return std::nullopt;
+  const auto masked = language.mask == nullptr ? std::nullopt : language.mask(text);
+  const ParsedText parsed(language.grammar(), masked ? std::string_view(*masked) : text,
+                          options.parse_steps);
+  const auto root = parsed.root();
+  if (!root) return std::nullopt;
   Words words = words_of(language, text);
-  const TSNode root = ts_tree_root_node(tree.get());
-  Outline outline = outline_of(root, query, text, words.hits);
+  Outline outline = outline_of(*root, query, text, words.hits);
   forget_imports(outline, query, *language.lexis, text, words.counts);
   FileFacts facts = language.read(
-      SourceTree(root, text, *language.lexis, query, std::move(outline), std::move(words.counts)));
+      SourceTree(*root, text, *language.lexis, query, std::move(outline), std::move(words.counts)));
   drop_nameless(facts);
   return facts;
 }

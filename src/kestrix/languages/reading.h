@@ -1,6 +1,6 @@
 #pragma once
 
-#include <chrono>
+#include <cstdint>
 #include <optional>
 #include <string_view>
 
@@ -11,13 +11,14 @@ namespace kestrix::index {
 struct Language;
 
 struct ReadOptions {
-  /// A file whose parse takes more of the thread's time is given up.
-  std::chrono::milliseconds parse_budget{2000};
+  /// A file whose parse takes more is given up; see ParsedText. About two seconds of work, and five
+  /// times what a minified file of a megabyte takes.
+  std::uint64_t parse_steps = 100'000;
 };
 
-/// Parses `text` (UTF-8, may hold invalid bytes) and returns its facts; none when the budget of
-/// time or memory ran out. Deterministic but for the budget; never recurses on the depth of the
-/// input. Usable from several threads.
+/// Parses `text` (UTF-8, may hold invalid bytes) and returns its facts; none when its parse would
+/// take too many steps or too much memory. Deterministic; never recurses on the depth of the input.
+/// Usable from several threads.
 std::optional<FileFacts> read_facts(const Language& language, std::string_view text,
                                     const ReadOptions& options = {});
 

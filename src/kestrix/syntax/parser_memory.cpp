@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <array>
-#include <csetjmp>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -30,20 +29,15 @@ constexpr std::size_t kSmallUnits = KESTRIX_ADDRESS_SANITIZER ? 0 : 64;
 constexpr std::size_t kSlab = std::size_t{256} << 10;
 constexpr std::size_t kSlabsKept = 32;
 
-// What the library could have in front of a wrong address is a pointer, whose upper bits are zero,
-// or an inline node, whose lowest bit is one: neither reads as this.
-constexpr std::uint64_t kSmall = 0xA10C'5A11'0B10'C000;
-constexpr std::uint64_t kLarge = 0xA10C'1A26'0B10'C000;
-constexpr std::uint64_t kForeign = 0xA10C'F02E'0B10'C000;
-constexpr std::uint64_t kFree = 0xA10C'F2EE'0B10'C000;
+enum class Kind : std::size_t { kSmall, kLarge, kForeign };
 
 struct Header {
-  std::uint64_t kind;
+  Kind kind;
   std::size_t size;  // usable bytes
 };
 static_assert(sizeof(Header) == kUnit);
 
-// Large blocks of a session, so that those which the library loses are found at its end.
+// Large blocks of a session, found at its end.
 struct Link {
   Link* next;
   Link* previous;
@@ -75,59 +69,50 @@ class Arena {
     slab_ = at_ = 0;
   }
 
+  // Null when there is no memory.
   void* allocate(std::size_t size) {
     const std::size_t units = std::max<std::size_t>((size + kUnit - 1) / kUnit, 1);
-    if (!active_) return foreign(size);
-    return units <= kSmallUnits ? small(units) : large(size);
+    if (!active_) return foreign(units * kUnit);
+    return units <= kSmallUnits ? small(units) : large(units * kUnit);
   }
 
-  // The frames between here and there are the library's, which is C.
-  bool run(void (*work)(void*), void* argument) {
-    if (setjmp(way_out_) != 0) {  // NOLINT(cert-err52-cpp): see above
-      guarded_ = false;
-      return false;
-    }
-    guarded_ = true;
-    work(argument);
-    guarded_ = false;
-    return true;
-  }
+  void guard(bool on) { guarded_ = on; }
 
-  [[noreturn]] void give_up() {
-    if (guarded_) longjmp(way_out_, 1);  // NOLINT(cert-err52-cpp)
+  [[noreturn]] void give_up() const {
+    if (guarded_) throw ParserMemory::Exhausted();
     std::abort();
   }
 
   void release(void* block) {
     Header* const header = header_of(block);
-    if (header->kind == kSmall) {
-      header->kind = kFree;
-      *static_cast<void**>(block) = free_[header->size / kUnit];
-      free_[header->size / kUnit] = block;
-    } else if (header->kind == kLarge) {
-      Link* const link = reinterpret_cast<Link*>(header) - 1;
-      held_ -= header->size;
-      unlink(link);
-      std::free(link);
-    } else if (header->kind == kForeign) {
-      std::free(header);
+    switch (header->kind) {
+      case Kind::kSmall:
+        *static_cast<void**>(block) = free_[header->size / kUnit];
+        free_[header->size / kUnit] = block;
+        break;
+      case Kind::kLarge:
+        held_ -= header->size;
+        drop(reinterpret_cast<Link*>(header) - 1);
+        break;
+      case Kind::kForeign:
+        std::free(header);
+        break;
     }
   }
 
  private:
-  static void* mark(void* memory, std::uint64_t kind, std::size_t size) {
+  static void* mark(void* memory, Kind kind, std::size_t size) {
     return ::new (memory) Header{kind, size} + 1;
   }
 
   static void* foreign(std::size_t size) {
     void* const memory = std::malloc(sizeof(Header) + size);
-    return memory == nullptr ? nullptr : mark(memory, kForeign, size);
+    return memory == nullptr ? nullptr : mark(memory, Kind::kForeign, size);
   }
 
   void* small(std::size_t units) {
     if (void* const block = free_[units]) {
       free_[units] = *static_cast<void**>(block);
-      header_of(block)->kind = kSmall;
       return block;
     }
     const std::size_t bytes = sizeof(Header) + units * kUnit;
@@ -139,7 +124,7 @@ class Arena {
     }
     std::byte* const memory = slabs_[slab_].get() + at_;
     at_ += bytes;
-    return mark(memory, kSmall, units * kUnit);
+    return mark(memory, Kind::kSmall, units * kUnit);
   }
 
   void* large(std::size_t size) {
@@ -149,7 +134,7 @@ class Arena {
     if (large_ != nullptr) large_->previous = link;
     large_ = link;
     hold(size);
-    return mark(memory + sizeof(Link), kLarge, size);
+    return mark(memory + sizeof(Link), Kind::kLarge, size);
   }
 
   void hold(std::size_t bytes) {
@@ -157,9 +142,10 @@ class Arena {
     if (guarded_ && held_ > ParserMemory::kLimit) give_up();
   }
 
-  void unlink(Link* link) {
+  void drop(Link* link) {
     if (link->next != nullptr) link->next->previous = link->previous;
     (link->previous == nullptr ? large_ : link->previous->next) = link->next;
+    std::free(link);
   }
 
   bool active_ = false;
@@ -170,7 +156,6 @@ class Arena {
   Link* large_ = nullptr;
   std::size_t held_ = 0;  // by slabs in use and large blocks
   bool guarded_ = false;
-  std::jmp_buf way_out_{};
 };
 
 // NOLINTEND(cppcoreguidelines-no-malloc)
@@ -212,6 +197,7 @@ ParserMemory::ParserMemory() {
 
 ParserMemory::~ParserMemory() { arena.end(); }
 
-bool ParserMemory::run(void (*work)(void*), void* argument) { return arena.run(work, argument); }
+ParserMemory::Guard::Guard() { arena.guard(true); }
+ParserMemory::Guard::~Guard() { arena.guard(false); }
 
 }  // namespace kestrix::index

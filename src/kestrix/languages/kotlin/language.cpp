@@ -66,7 +66,9 @@ class Reader {
 
   void read_package(TSNode package) {
     for_each_child(package, [this](TSNode child, std::string_view) {
-      if (type_of(child) == "identifier") facts_.package = packaged::dotted(tree_, child);
+      if (type_of(child) == "qualified_identifier") {
+        facts_.package = packaged::dotted(tree_, child);
+      }
     });
   }
 
@@ -74,19 +76,20 @@ class Reader {
     ImportFact import{.line = SourceTree::line(header)};
     imports_end_ = ts_node_end_byte(header);
     std::string_view bound;
-    for_each_child(header, [&](TSNode child, std::string_view) {
-      if (type_of(child) == "identifier") {
+    TreeCursor cursor(header);
+    for (bool more = cursor.to_first_child(); more; more = cursor.to_next_sibling()) {
+      const TSNode child = cursor.node();
+      if (type_of(child) == "qualified_identifier") {
         import.module = packaged::dotted(tree_, child);
         bound = tree_.text(child);
         bound = bound.substr(bound.rfind('.') + 1);
-      } else if (type_of(child) == "import_alias") {
-        bound = tree_.text(child);
-        bound = bound.substr(bound.find_last_of(" \t\n`") + 1);
-      } else if (type_of(child) == "wildcard_import") {
+      } else if (type_of(child) == "identifier") {
+        bound = tree_.text(child);  // behind "as"
+      } else if (type_of(child) == "*") {
         import.form = static_cast<std::uint16_t>(JvmImport::kEverything);
         imports_everything_ = true;
       }
-    });
+    }
     if (import.form == static_cast<std::uint16_t>(JvmImport::kName)) bind(import, bound);
     facts_.imports.push_back(std::move(import));
   }

@@ -5,7 +5,7 @@
 ; What stands at the top of a module or of a class may be conditional or guarded.
 [
   (if_statement) (elif_clause) (else_clause)
-  (try_statement) (except_clause) (except_group_clause) (finally_clause)
+  (try_statement) (except_clause) (finally_clause)
   (with_statement) (block) (decorated_definition) (expression_statement)
 ] @enter
 
