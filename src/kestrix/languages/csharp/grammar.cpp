@@ -25,6 +25,7 @@ Grammar::Grammar()
       argument(symbol_named("argument")),
       as(symbol_named("as_expression")),
       attribute(symbol_named("attribute")),
+      attribute_argument(symbol_named("attribute_argument")),
       binary(symbol_named("binary_expression")),
       constant_pattern(symbol_named("constant_pattern")),
       error(symbol_named("ERROR")),

@@ -19,9 +19,10 @@ struct Grammar {
     return node == namespace_block || node == namespace_of_file;
   }
 
-  TSSymbol alias_qualified_name, argument, as, attribute, binary, constant_pattern, error,
-      generic_name, identifier, invocation, is, member_access, member_binding, namespace_block,
-      namespace_of_file, qualified_name, type_arguments, type_parameter, using_directive;
+  TSSymbol alias_qualified_name, argument, as, attribute, attribute_argument, binary,
+      constant_pattern, error, generic_name, identifier, invocation, is, member_access,
+      member_binding, namespace_block, namespace_of_file, qualified_name, type_arguments,
+      type_parameter, using_directive;
   TSFieldId left, name, qualifier, returns, right, type;
   std::vector<bool> holds_types;  ///< by symbol: nodes whose children without a field are types
 

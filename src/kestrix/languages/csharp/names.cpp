@@ -117,7 +117,8 @@ class Walk {
     }
     const bool type = parent == grammar_.error || is_in_nameof() || is_tested_type(frame);
     if (type) return Place::kType;
-    return is_name && parent != grammar_.argument ? Place::kValue : Place::kOther;
+    const bool passed = parent == grammar_.argument || parent == grammar_.attribute_argument;
+    return is_name && !passed ? Place::kValue : Place::kOther;
   }
 
   void take_name(const Frame& frame, TSNode node, std::string_view text, std::size_t arity) {
