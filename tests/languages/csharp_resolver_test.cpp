@@ -118,6 +118,21 @@ TEST(CSharpResolver, SeesWhatTheProjectSees) {
         {"other/D.cs", "namespace M; class D {}"},
         {"open/E.cs", "namespace M; class E { D d; }"}},
        {"app/A.cs -> lib/B.cs", "app/A.cs -> core/C.cs", "open/E.cs -> other/D.cs"}},
+      {"what stands in a comment is nothing, a list is each of its entries",
+       {{"app/App.csproj",
+         project +
+             "<!-- <ProjectReference Include=\"..\\core\\Core.csproj\" /> -->"
+             "<ProjectReference Condition=\"'$(A)' > 1\"\n Include='../lib/Lib.csproj; "
+             "../x/X.csproj'><Private>false</Private></ProjectReference>" +
+             end},
+        {"lib/Lib.csproj", "<Project><!-- <Import Project=\"a.props\" /> --></Project>"},
+        {"x/X.csproj", project + end},
+        {"core/Core.csproj", project + end},
+        {"app/A.cs", "namespace M; class A { B b; C c; D d; }"},
+        {"lib/B.cs", "namespace M; class B { C c; }"},
+        {"core/C.cs", "namespace M; class C {}"},
+        {"x/D.cs", "namespace M; class D {}"}},
+       {"app/A.cs -> lib/B.cs", "app/A.cs -> x/D.cs"}},
       {"global directives of the project's sources, its file and what is shared above",
        {{"Directory.Build.props", "<Project><ItemGroup><Using Include=\"Shared\" />" + end},
         {"a/A.csproj",

@@ -18,6 +18,9 @@ class Wildmatch {
 
   bool is_valid() const { return valid_; }
 
+  /// Of its parts, each of which is looked at for each byte of a path at most.
+  std::size_t size() const { return tokens_.size(); }
+
   /// Whether the pattern matches the whole of `path`. A malformed pattern matches nothing.
   bool matches(std::string_view path) const;
 

@@ -1,12 +1,11 @@
 #include "kestrix/languages/csharp/projects.h"
 
-#include <re2/re2.h>
-
 #include <algorithm>
 #include <optional>
 #include <unordered_set>
 #include <utility>
 
+#include "kestrix/languages/csharp/project_file.h"
 #include "kestrix/languages/csharp/resolver.h"
 #include "kestrix/text/paths.h"
 
@@ -15,7 +14,6 @@ namespace {
 
 constexpr std::string_view kProjectFile = ".csproj";
 constexpr std::string_view kSharedFile = "Directory.Build.props";
-constexpr std::size_t kMostItems = 2000;        // of one project file
 constexpr std::size_t kMostSteps = 20'000'000;  // from project to project, for all together
 
 std::string_view stem(std::string_view path) {
@@ -23,41 +21,10 @@ std::string_view stem(std::string_view path) {
   return name.substr(0, name.rfind('.'));
 }
 
-// The value of an attribute in the text between a tag's name and its end.
-std::string attribute(std::string_view tag, const RE2& pattern) {
-  std::string value;
-  RE2::PartialMatch(re2::StringPiece(tag.data(), tag.size()), pattern, &value);
-  return value;
-}
-
-std::optional<GlobalUsing> using_of(std::string_view tag) {
-  static const RE2 include(R"(\bInclude\s*=\s*["']\s*([\w.]+)\s*["'])");
-  static const RE2 alias(R"(\bAlias\s*=\s*["']\s*(\w+)\s*["'])");
-  static const RE2 fixed(R"((?i)\bStatic\s*=\s*["']\s*(true)\s*["'])");
-  GlobalUsing directive{.name = attribute(tag, include)};
-  if (directive.name.empty()) return std::nullopt;
-  directive.type = !attribute(tag, fixed).empty();
-  directive.alias = attribute(tag, alias);
-  return directive;
-}
-
-// The tags of the items that matter, with what stands in them.
-std::vector<std::pair<std::string, std::string>> items_of(const std::string& project) {
-  static const RE2 item(
-      R"(<(Using|ProjectReference|PackageReference|Reference|Compile)\s([^<>]*)>)");
-  std::vector<std::pair<std::string, std::string>> items;
-  re2::StringPiece rest(project);
-  std::string kind;
-  std::string tag;
-  while (items.size() < kMostItems && RE2::FindAndConsume(&rest, item, &kind, &tag)) {
-    items.emplace_back(kind, tag);
-  }
-  return items;
-}
-
 std::optional<GlobalUsing> global_of(const ImportFact& import) {
   const auto form = static_cast<CSharpImport>(import.form);
-  GlobalUsing directive{.name = import.module, .type = form == CSharpImport::kGlobalStatic};
+  GlobalUsing directive{
+      .name = import.module, .type = form == CSharpImport::kGlobalStatic, .alias = {}};
   if (form == CSharpImport::kGlobalAlias && !import.names.empty()) {
     directive.alias = import.names.front().name;
     return directive;
@@ -98,34 +65,33 @@ DotnetProjects::Id DotnetProjects::containing(std::string_view path) const {
 
 // Files that are shared are read once, however many projects they stand above.
 void DotnetProjects::read_project_files() {
-  std::unordered_map<std::string_view, std::vector<Item>> shared;
+  std::unordered_map<std::string_view, ProjectFile> shared;
   for (FileId id = 0; id < files_.size(); ++id) {
     const std::string_view path = files_.path(id);
-    if (base_name(path) == kSharedFile) shared.emplace(folder_of(path), items_of(files_.read(id)));
+    if (base_name(path) == kSharedFile)
+      shared.emplace(folder_of(path), read_project_file(files_.read(id)));
   }
   for (FileId id = 0; id < files_.size(); ++id) {
     const std::string_view path = files_.path(id);
     if (!path.ends_with(kProjectFile)) continue;
     Project& project = projects_[by_folder_[folder_of(path)]];
-    const std::string text = files_.read(id);
-    take(project, project.folder, items_of(text));
+    const ProjectFile own = read_project_file(files_.read(id));
+    take(project, project.folder, own.items);
     for_each_folder_up(project.folder, [&](std::string_view folder) {
       const auto found = shared.find(folder);
-      if (found != shared.end()) take(project, folder, found->second);
+      if (found != shared.end()) take(project, folder, found->second.items);
     });
-    project.open = project.referred.empty() && text.find("<Import ") != text.npos;
+    project.open = project.referred.empty() && own.imports;
   }
 }
 
-void DotnetProjects::take(Project& project, std::string_view folder, std::span<const Item> items) {
-  static const RE2 include(R"(\bInclude\s*=\s*["']([^"']+)["'])");
-  for (const auto& [kind, tag] : items) {
-    if (kind == "Using") {
-      auto directive = using_of(tag);
-      if (directive && project.usings.size() < kMostUsings) {
-        project.usings.push_back(std::move(*directive));
-      }
-    } else if (const Id other = referred_by(kind, attribute(tag, include), folder); other > 0) {
+void DotnetProjects::take(Project& project, std::string_view folder,
+                          std::span<const DotnetItem> items) {
+  for (const DotnetItem& item : items) {
+    if (item.kind == "Using") {
+      if (project.usings.size() >= kMostUsings) continue;
+      project.usings.push_back({.name = item.include, .type = item.is_static, .alias = item.alias});
+    } else if (const Id other = referred_by(item.kind, item.include, folder); other > 0) {
       project.referred.push_back(other);
     }
   }

@@ -5,9 +5,9 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
-#include <utility>
 #include <vector>
 
+#include "kestrix/languages/csharp/project_file.h"
 #include "kestrix/languages/resolver.h"
 
 namespace kestrix::index {
@@ -51,10 +51,8 @@ class DotnetProjects {
     std::vector<GlobalUsing> usings;
   };
 
-  using Item = std::pair<std::string, std::string>;  // of a project file: its tag and the rest
-
   Id containing(std::string_view path) const;
-  void take(Project& project, std::string_view folder, std::span<const Item> items);
+  void take(Project& project, std::string_view folder, std::span<const DotnetItem> items);
   Id referred_by(std::string_view kind, std::string_view value, std::string_view folder) const;
   void read_project_files();
   void add_usings_of_sources();

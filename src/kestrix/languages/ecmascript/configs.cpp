@@ -4,11 +4,20 @@
 #include <unordered_set>
 
 #include "kestrix/text/paths.h"
+#include "kestrix/text/sorting.h"
 
 namespace kestrix::index::ecmascript {
 namespace {
 
-constexpr std::size_t kMostTargets = 100;  // of a pattern: each is tried on every import that fits
+// Each import looks at the files of a folder, at the prefixes of one length after the other, at the
+// patterns that begin alike, and tries each place that they name.
+constexpr std::size_t kMostVariants = 64;
+constexpr std::size_t kLongestPrefix = 256;
+constexpr std::size_t kMostAlike = 16;
+constexpr std::size_t kMostTargets = 32;
+constexpr std::size_t kMostCandidates = 128;
+
+constexpr std::size_t kMostBases = 64;  // of one file, over all ways
 
 constexpr std::string_view kConfigFolder = "${configDir}";
 
@@ -41,113 +50,139 @@ Configs::Configs(const FileTable& files, const Packages& packages) : packages_(p
         path.find("tsconfig") == std::string_view::npos) {
       continue;
     }
-    raw_.emplace(path, Raw{std::string(folder_of(path)), parse_config(files.read(id))});
+    raw_.emplace(path, read(folder_of(path), files.read(id)));
     if (config) paths.emplace_back(path);
+  }
+  for (auto& [path, raw] : raw_) {
+    for (const std::string& name : raw.extends) {
+      if (const Raw* base = find_base(raw.folder, name)) raw.bases.push_back(base);
+    }
   }
   std::ranges::stable_sort(paths, {},
                            [](const std::string& path) { return !is_main(base_name(path)); });
-  for (const std::string& path : paths) {
-    Config config = effective(path);
-    if (config.rules.empty() && !config.base_url) continue;
-    by_folder_[std::string(folder_of(path))].push_back(std::move(config));
-  }
+  for (const std::string& path : paths) add(path);
 }
 
-// Bases first, so that what extends them overrides; each file once, whatever the loops.
-Configs::Config Configs::effective(std::string_view path) const {
-  std::vector<std::string> order;
-  std::unordered_set<std::string> seen;
-  std::vector<std::string> open = {std::string(path)};
-  while (!open.empty()) {
-    const std::string next = std::move(open.back());
+// A file that says what another one of its folder does is left out.
+void Configs::add(std::string_view path) {
+  Config config = effective(raw_.at(std::string(path)), is_main(base_name(path)));
+  if (config.rules == nullptr && !config.base_url) return;
+  std::vector<Config>& known = by_folder_[std::string(folder_of(path))];
+  const auto same = [&config](const Config& other) {
+    return !config.main && other.rules == config.rules && other.from == config.from;
+  };
+  if (known.size() >= kMostVariants || std::ranges::any_of(known, same)) return;
+  known.push_back(std::move(config));
+}
+
+Configs::Raw Configs::read(std::string_view folder, std::string_view text) {
+  Raw raw{std::string(folder), {}, {}, {}, {}};
+  const Json json = parse_config(text);
+  if (const Json* extends = find_key(json, "extends")) raw.extends = texts_of(*extends);
+  if (raw.extends.size() > kMostBases) raw.extends.resize(kMostBases);
+  const Json* options = find_key(json, "compilerOptions");
+  if (options == nullptr) return raw;
+  if (std::string base = text_at(*options, "baseUrl"); !base.empty())
+    raw.base_url = std::move(base);
+  const Json* paths = find_key(*options, "paths");
+  if (paths != nullptr && paths->is_object()) raw.rules = rules_of(*paths);
+  return raw;
+}
+
+Configs::Rules Configs::rules_of(const Json& paths) {
+  Rules rules;
+  for (const auto& [pattern, value] : paths.items()) {
+    std::vector<std::string> targets = texts_of(value);
+    if (targets.size() > kMostTargets) targets.resize(kMostTargets);
+    const std::size_t star = pattern.find('*');
+    if (star == std::string::npos) {
+      rules.exact.try_emplace(pattern, std::move(targets));
+      continue;
+    }
+    if (star > kLongestPrefix) continue;
+    std::vector<Starred>& alike = rules.by_prefix[pattern.substr(0, star)];
+    if (alike.empty()) rules.lengths.push_back(star);
+    if (alike.size() < kMostAlike) alike.push_back({pattern.substr(star + 1), std::move(targets)});
+  }
+  sort_distinct(rules.lengths);
+  std::ranges::reverse(rules.lengths);
+  return rules;
+}
+
+// What a file says itself goes before what its bases say, of which the last goes first; paths are
+// seen from the base URL that is in force, whoever sets it.
+Configs::Config Configs::effective(const Raw& leaf, bool main) {
+  Config config{nullptr, {}, std::nullopt, main};
+  bool has_base_url = false;
+  bool has_rules = false;
+  std::unordered_set<const Raw*> seen;
+  std::vector<const Raw*> open = {&leaf};
+  while (!open.empty() && seen.size() < kMostBases && !(has_rules && has_base_url)) {
+    const Raw& raw = *open.back();
     open.pop_back();
-    const auto raw = raw_.find(next);
-    if (raw == raw_.end() || !seen.insert(next).second) continue;
-    order.push_back(next);
-    for (std::string& base : bases_of(raw->second)) open.push_back(std::move(base));
+    if (!seen.insert(&raw).second) continue;
+    if (raw.rules && !has_rules) {
+      has_rules = true;
+      config.from = raw.folder;
+      const bool empty = raw.rules->exact.empty() && raw.rules->by_prefix.empty();
+      config.rules = empty ? nullptr : &*raw.rules;
+    }
+    if (raw.base_url && !has_base_url) {
+      has_base_url = true;
+      config.base_url = located(raw.folder, leaf.folder, *raw.base_url);
+    }
+    open.insert(open.end(), raw.bases.begin(), raw.bases.end());
   }
-  Config config{{}, std::nullopt, is_main(base_name(path))};
-  for (std::size_t at = order.size(); at > 0; --at) {
-    apply(raw_.at(order[at - 1]), folder_of(path), config);
-  }
+  if (config.base_url) config.from = *config.base_url;
   return config;
 }
 
-std::vector<std::string> Configs::bases_of(const Raw& raw) const {
-  std::vector<std::string> bases;
-  const Json* extends = find_key(raw.json, "extends");
-  if (extends == nullptr) return bases;
-  for (const std::string& name : texts_of(*extends)) {
-    if (auto base = find_base(raw.folder, name)) bases.push_back(std::move(*base));
-  }
-  return bases;
-}
-
-std::optional<std::string> Configs::find_base(std::string_view folder,
-                                              const std::string& name) const {
+const Configs::Raw* Configs::find_base(std::string_view folder, const std::string& name) const {
   std::optional<std::string> path;
   if (name.starts_with('.')) {
     path = join_normal(folder, name);
   } else {
     const std::size_t end = name.find('/', name.starts_with('@') ? name.find('/') + 1 : 0);
     const auto* package = packages_.named(std::string_view(name).substr(0, end), folder);
-    if (package == nullptr) return std::nullopt;
+    if (package == nullptr) return nullptr;
     path = join_normal(package->folder, end == std::string::npos ? "" : name.substr(end + 1));
   }
-  if (!path) return std::nullopt;
+  if (!path) return nullptr;
   for (const char* suffix : {"", ".json", "/tsconfig.json"}) {
-    if (raw_.contains(*path + suffix)) return *path + suffix;
+    const auto found = raw_.find(*path + suffix);
+    if (found != raw_.end()) return &found->second;
+  }
+  return nullptr;
+}
+
+// An exact rule, else the one with the longest prefix.
+std::optional<Configs::Match> Configs::match(const Rules& rules, std::string_view specifier) {
+  if (const auto exact = rules.exact.find(std::string(specifier)); exact != rules.exact.end()) {
+    return Match{specifier, {}, &exact->second};
+  }
+  for (const std::size_t length : rules.lengths) {
+    if (length > specifier.size()) continue;
+    const auto alike = rules.by_prefix.find(std::string(specifier.substr(0, length)));
+    if (alike == rules.by_prefix.end()) continue;
+    const std::string_view rest = specifier.substr(length);
+    for (const Starred& rule : alike->second) {
+      if (!rest.ends_with(rule.suffix)) continue;
+      return Match{specifier.substr(0, length), rest.substr(0, rest.size() - rule.suffix.size()),
+                   &rule.targets};
+    }
   }
   return std::nullopt;
 }
 
-void Configs::apply(const Raw& raw, std::string_view leaf, Config& config) const {
-  const Json* options = find_key(raw.json, "compilerOptions");
-  if (options == nullptr) return;
-  if (const std::string base = text_at(*options, "baseUrl"); !base.empty()) {
-    config.base_url = located(raw.folder, leaf, base);
-  }
-  const Json* paths = find_key(*options, "paths");
-  if (paths == nullptr || !paths->is_object()) return;
-  config.rules.clear();
-  const std::string& from = config.base_url ? *config.base_url : raw.folder;
-  for (const auto& [pattern, targets] : paths->items()) {
-    const std::size_t star = pattern.find('*');
-    Rule rule{pattern.substr(0, star),
-              star == std::string::npos ? "" : pattern.substr(star + 1),
-              star != std::string::npos,
-              {}};
-    for (const std::string& target : texts_of(targets)) {
-      if (rule.targets.size() >= kMostTargets) break;
-      if (auto place = located(from, leaf, target)) rule.targets.push_back(std::move(*place));
-    }
-    config.rules.push_back(std::move(rule));
-  }
-}
-
-// An exact rule, else the one with the longest prefix.
-const Configs::Rule* Configs::best_rule(const Config& config, std::string_view specifier) {
-  const Rule* best = nullptr;
-  for (const Rule& rule : config.rules) {
-    if (!rule.star) {
-      if (rule.prefix == specifier) return &rule;
-    } else if (specifier.size() >= rule.prefix.size() + rule.suffix.size() &&
-               specifier.starts_with(rule.prefix) && specifier.ends_with(rule.suffix) &&
-               (best == nullptr || rule.prefix.size() > best->prefix.size())) {
-      best = &rule;
-    }
-  }
-  return best;
-}
-
-void Configs::add_targets(const Rule& rule, std::string_view specifier, Candidates& found) {
-  found.named |= !rule.prefix.empty();
-  const std::string_view star = specifier.substr(
-      rule.prefix.size(), specifier.size() - rule.prefix.size() - rule.suffix.size());
-  for (std::string target : rule.targets) {
-    const std::size_t at = target.find('*');
-    if (at != std::string::npos) target.replace(at, 1, star);
-    if (auto path = join_normal("", target)) found.paths.push_back(std::move(*path));
+void Configs::add_targets(const Config& config, std::string_view leaf, const Match& match,
+                          Candidates& found) {
+  found.named |= !match.prefix.empty();
+  for (const std::string& written : *match.targets) {
+    auto target = located(config.from, leaf, written);
+    if (!target || found.paths.size() >= kMostCandidates) continue;
+    const std::size_t at = target->find('*');
+    if (at != std::string::npos) target->replace(at, 1, match.star);
+    if (auto path = join_normal("", *target)) found.paths.push_back(std::move(*path));
   }
 }
 
@@ -158,7 +193,8 @@ Configs::Candidates Configs::find(std::string_view specifier, std::string_view f
     const auto configs = by_folder_.find(std::string(up));
     if (configs == by_folder_.end()) return;
     for (const Config& config : configs->second) {
-      if (const Rule* rule = best_rule(config, specifier)) add_targets(*rule, specifier, found);
+      const auto fit = config.rules ? match(*config.rules, specifier) : std::nullopt;
+      if (fit) add_targets(config, up, *fit, found);
       if (nearest && config.main && config.base_url) {
         if (auto path = join_normal(*config.base_url, specifier)) {
           found.paths.push_back(std::move(*path));

@@ -6,6 +6,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "kestrix/formats/json.h"
 #include "kestrix/languages/ecmascript/packages.h"
 #include "kestrix/languages/resolver.h"
 
@@ -28,28 +29,46 @@ class Configs {
   Candidates find(std::string_view specifier, std::string_view folder) const;
 
  private:
-  struct Rule {
-    std::string prefix;
+  // A pattern with a "*": what follows it, and where the "*" may stand, as it is written.
+  struct Starred {
     std::string suffix;
-    bool star;
-    std::vector<std::string> targets;  // below the repository, with their "*"
+    std::vector<std::string> targets;
   };
+  // What one file says under "paths". A look-up goes through the lengths that prefixes have.
+  struct Rules {
+    std::unordered_map<std::string, std::vector<std::string>> exact;
+    std::unordered_map<std::string, std::vector<Starred>> by_prefix;
+    std::vector<std::size_t> lengths;  // descending
+  };
+  struct Match {
+    std::string_view prefix;
+    std::string_view star;
+    const std::vector<std::string>* targets;
+  };
+  // One file as it is written.
+  struct Raw {
+    std::string folder;
+    std::optional<std::string> base_url;
+    std::optional<Rules> rules;
+    std::vector<std::string> extends;
+    std::vector<const Raw*> bases;
+  };
+  // What is in force in a file: rules are shared with the one that has them.
   struct Config {
-    std::vector<Rule> rules;
+    const Rules* rules;
+    std::string from;  // folder that their targets are seen from
     std::optional<std::string> base_url;
     bool main;  // tsconfig.json or jsconfig.json
   };
-  struct Raw {
-    std::string folder;
-    Json json;
-  };
 
-  Config effective(std::string_view path) const;
-  std::vector<std::string> bases_of(const Raw& raw) const;
-  std::optional<std::string> find_base(std::string_view folder, const std::string& name) const;
-  void apply(const Raw& raw, std::string_view leaf, Config& config) const;
-  static void add_targets(const Rule& rule, std::string_view specifier, Candidates& found);
-  static const Rule* best_rule(const Config& config, std::string_view specifier);
+  static Raw read(std::string_view folder, std::string_view text);
+  static Rules rules_of(const Json& paths);
+  static Config effective(const Raw& leaf, bool main);
+  void add(std::string_view path);
+  const Raw* find_base(std::string_view folder, const std::string& name) const;
+  static std::optional<Match> match(const Rules& rules, std::string_view specifier);
+  static void add_targets(const Config& config, std::string_view leaf, const Match& match,
+                          Candidates& found);
 
   const Packages& packages_;
   std::unordered_map<std::string, Raw> raw_;  // by path

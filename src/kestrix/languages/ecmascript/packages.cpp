@@ -3,14 +3,20 @@
 #include <algorithm>
 #include <array>
 
-#include "kestrix/languages/ecmascript/targets.h"
+#include "kestrix/formats/json.h"
+#include "kestrix/formats/scalars.h"
+#include "kestrix/text/braces.h"
 #include "kestrix/text/paths.h"
 
 namespace kestrix::index::ecmascript {
 namespace {
 
-// Each is a compiled pattern and is tried on the packages below its folder.
+// Each pattern is tried on the packages below its folder: what is tried is bounded in bytes of the
+// pattern times bytes of the folder.
 constexpr std::size_t kMostPatterns = 1000;
+constexpr std::size_t kLongestPattern = 512;
+constexpr std::size_t kMostPlainMembers = 50'000;
+constexpr std::size_t kMostMatchSteps = 500'000'000;
 
 constexpr std::array kEntryKeys = {"source", "module", "main", "types", "typings"};
 constexpr std::array<std::string_view, 5> kEntries = {"src/index", "index", "src/main", "lib/index",
@@ -18,24 +24,13 @@ constexpr std::array<std::string_view, 5> kEntries = {"src/index", "index", "src
 constexpr std::array<std::string_view, 4> kSourceFolders = {"src", "", "source", "lib"};
 
 // The list under "packages:" of a pnpm-workspace.yaml.
-std::vector<std::string> yaml_packages(std::string_view text) {
+std::vector<std::string> pnpm_packages(std::string_view text) {
   std::vector<std::string> found;
-  bool in_list = false;
-  while (!text.empty()) {
-    const std::size_t end = std::min(text.find('\n'), text.size());
-    std::string_view line = text.substr(0, end);
-    text.remove_prefix(std::min(end + 1, text.size()));
-    const std::size_t first = line.find_first_not_of(" \t");
-    if (first == std::string_view::npos || line[first] == '#') continue;
-    if (line[first] != '-') {
-      in_list = line.starts_with("packages:");
-      continue;
+  for_each_scalar(Format::kYaml, text, [&](const Scalar& scalar) {
+    if (scalar.path.size() == 2 && scalar.path.front() == "packages") {
+      found.emplace_back(scalar.value);
     }
-    line.remove_prefix(first + 1);
-    const std::size_t start = line.find_first_not_of(" \t'\"");
-    if (!in_list || start == std::string_view::npos) continue;
-    found.emplace_back(line.substr(start, line.find_first_of("'\" #\r", start) - start));
-  }
+  });
   return found;
 }
 
@@ -68,9 +63,15 @@ Packages::Packages(const FileTable& files) : files_(files) {
 }
 
 void Packages::add_package(std::string_view path, std::string_view text) {
-  Package package{std::string(folder_of(path)), {}, parse_config(text)};
-  package.name = text_at(package.manifest, "name");
-  if (const Json* workspaces = find_key(package.manifest, "workspaces")) {
+  const Json manifest = parse_config(text);
+  Package package{std::string(folder_of(path)), text_at(manifest, "name"), {}, {}, {}};
+  for (const char* key : kEntryKeys) {
+    std::string target = text_at(manifest, key);
+    if (!target.empty()) package.entries.push_back(std::move(target));
+  }
+  if (const Json* exports = find_key(manifest, "exports")) package.exports = TargetMap(*exports);
+  if (const Json* imports = find_key(manifest, "imports")) package.imports = TargetMap(*imports);
+  if (const Json* workspaces = find_key(manifest, "workspaces")) {
     const Json* list = find_key(*workspaces, "packages");
     add_members(package.folder, texts_of(list == nullptr ? *workspaces : *list));
   }
@@ -79,7 +80,7 @@ void Packages::add_package(std::string_view path, std::string_view text) {
 
 void Packages::read_workspace(std::string_view path, std::string_view text) {
   const std::string_view folder = folder_of(path);
-  if (path.ends_with(".yaml")) return add_members(folder, yaml_packages(text));
+  if (path.ends_with(".yaml")) return add_members(folder, pnpm_packages(text));
   const Json config = parse_config(text);
   if (path.ends_with("rush.json")) return add_members(folder, rush_folders(config));
   const Json* list = find_key(config, "packages");
@@ -91,11 +92,30 @@ void Packages::add_members(std::string_view folder, const std::vector<std::strin
   for (const std::string& pattern : patterns) {
     if (pattern.starts_with('!')) continue;
     if (pattern.find_first_of("*{") != std::string::npos) {
-      if (patterns_++ < kMostPatterns) workspace.patterns.push_back(folder_pattern(pattern));
-    } else if (auto member = join_normal(folder, pattern)) {
+      add_patterns(workspace, pattern);
+    } else if (auto member = join_normal(folder, pattern);
+               member && plain_members_++ < kMostPlainMembers) {
       workspace.folders.insert(std::move(*member));
     }
   }
+}
+
+void Packages::add_patterns(Workspace& workspace, std::string_view pattern) {
+  if (pattern.starts_with("./")) pattern.remove_prefix(2);
+  while (pattern.ends_with('/')) pattern.remove_suffix(1);
+  if (pattern.size() > kLongestPattern) return;
+  for (const std::string& way : expand_braces(pattern).value_or(std::vector<std::string>())) {
+    if (patterns_++ < kMostPatterns) workspace.patterns.emplace_back(way);
+  }
+}
+
+bool Packages::is_member(const Workspace& workspace, std::string_view folder,
+                         std::string_view relative) {
+  if (workspace.folders.contains(std::string(folder))) return true;
+  return std::ranges::any_of(workspace.patterns, [&](const Wildmatch& pattern) {
+    match_steps_ += (pattern.size() + 1) * (relative.size() + 1);
+    return match_steps_ < kMostMatchSteps && pattern.matches(relative);
+  });
 }
 
 void Packages::link_members() {
@@ -105,12 +125,7 @@ void Packages::link_members() {
       const auto found = workspaces_.find(std::string(folder));
       if (found == workspaces_.end() || folder == package.folder) return;
       Workspace& workspace = found->second;
-      const std::string_view relative = below(package.folder, folder);
-      const auto fits = [relative](const std::unique_ptr<RE2>& pattern) {
-        return RE2::FullMatch(re2::StringPiece(relative.data(), relative.size()), *pattern);
-      };
-      if (workspace.folders.contains(package.folder) ||
-          std::ranges::any_of(workspace.patterns, fits)) {
+      if (is_member(workspace, package.folder, below(package.folder, folder))) {
         workspace.members.try_emplace(package.name, &package);
       }
     });
@@ -144,16 +159,9 @@ const Packages::Package* Packages::named(std::string_view name, std::string_view
 
 std::optional<FileId> Packages::find(const Package& package, std::string_view subpath,
                                      Dialect dialect) const {
-  std::vector<std::string> targets;
-  if (const Json* exports = find_key(package.manifest, "exports")) {
-    targets = targets_of(*exports, subpath.empty() ? "." : "./" + std::string(subpath));
-  }
-  if (targets.empty() && subpath.empty()) {
-    for (const char* key : kEntryKeys) {
-      std::string target = text_at(package.manifest, key);
-      if (!target.empty()) targets.push_back(std::move(target));
-    }
-  }
+  std::vector<std::string> targets =
+      package.exports.find(subpath.empty() ? "." : "./" + std::string(subpath));
+  if (targets.empty() && subpath.empty()) targets = package.entries;
   if (const auto id = find_targets(package, targets, subpath, dialect)) return id;
   return find_entry(package, subpath, dialect);
 }
@@ -214,9 +222,7 @@ Packages::Internal Packages::find_internal(std::string_view specifier, std::stri
   for_each_folder_up(folder, [&](std::string_view up) {
     const auto package = by_folder_.find(up);
     if (found.file || !found.specifiers.empty() || package == by_folder_.end()) return;
-    const Json* imports = find_key(package->second->manifest, "imports");
-    if (imports == nullptr) return;
-    for (std::string& target : targets_of(*imports, specifier)) {
+    for (std::string& target : package->second->imports.find(specifier)) {
       if (!target.starts_with('.')) {
         found.specifiers.push_back(std::move(target));
       } else if (!found.file) {

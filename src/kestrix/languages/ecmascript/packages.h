@@ -1,8 +1,5 @@
 #pragma once
 
-#include <re2/re2.h>
-
-#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -11,8 +8,9 @@
 #include <vector>
 
 #include "kestrix/languages/ecmascript/files.h"
-#include "kestrix/formats/json.h"
+#include "kestrix/languages/ecmascript/targets.h"
 #include "kestrix/languages/resolver.h"
+#include "kestrix/text/wildmatch.h"
 
 namespace kestrix::index::ecmascript {
 
@@ -25,7 +23,9 @@ class Packages {
   struct Package {
     std::string folder;
     std::string name;
-    Json manifest;
+    std::vector<std::string> entries;  ///< what "main" and its like name, best first
+    TargetMap exports;
+    TargetMap imports;
   };
 
   /// The nearest package around a folder; null when there is none.
@@ -57,12 +57,14 @@ class Packages {
  private:
   struct Workspace {
     std::unordered_set<std::string> folders;  // members written without wildcards
-    std::vector<std::unique_ptr<RE2>> patterns;
+    std::vector<Wildmatch> patterns;
     std::unordered_map<std::string_view, const Package*> members;
   };
 
   void add_package(std::string_view path, std::string_view text);
   void add_members(std::string_view folder, const std::vector<std::string>& patterns);
+  void add_patterns(Workspace& workspace, std::string_view pattern);
+  bool is_member(const Workspace& workspace, std::string_view folder, std::string_view relative);
   void read_workspace(std::string_view path, std::string_view text);
   void link_members();
 
@@ -78,7 +80,10 @@ class Packages {
   std::optional<FileId> find_plain(const std::string& path, Dialect dialect) const;
 
   const FileTable& files_;
-  std::size_t patterns_ = 0;  // of all workspaces
+  // What all workspaces together take.
+  std::size_t patterns_ = 0;
+  std::size_t plain_members_ = 0;
+  std::size_t match_steps_ = 0;
   std::vector<Package> packages_;
   std::unordered_map<std::string_view, const Package*> by_folder_;
   std::unordered_map<std::string, Workspace> workspaces_;  // by the folder of their root

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <functional>
 #include <optional>
 
 #include "kestrix/languages/ecmascript/files.h"
@@ -11,7 +12,8 @@ namespace kestrix::index::ecmascript {
 namespace {
 
 constexpr int kDeepestConditions = 8;
-constexpr std::size_t kMostTargets = 100;  // each is tried on every import
+constexpr std::size_t kMostTargets = 32;  // each is tried on every import,
+constexpr std::size_t kMostSources = 16;  // and so are the sources of each
 constexpr std::size_t kLongestTarget = 4096;
 constexpr std::array<std::string_view, 17> kBuilt = {
     "build", "bundle", "cjs",  "compiled", "dist",    "dist-cjs", "dist-esm", "dist-types", "es",
@@ -67,78 +69,47 @@ bool has_subpaths(const Json& map) {
          (map.begin().key().starts_with('.') || map.begin().key().starts_with('#'));
 }
 
-std::vector<std::string> matching_targets(const Json& map, std::string_view key) {
-  std::vector<std::string> targets;
-  std::string_view best;
-  for (const auto& [pattern, value] : map.items()) {
-    const auto star = star_of(pattern, key);
-    if (!star || pattern.size() <= best.size()) continue;
-    best = pattern;
-    targets.clear();
-    collect(value, 0, targets);
-    for (std::string& target : targets) target = filled(std::move(target), *star);
-  }
-  return targets;
-}
-
 bool is_built(std::string_view folder) { return std::ranges::find(kBuilt, folder) != kBuilt.end(); }
-
-std::string pattern_of(std::string_view glob) {
-  std::string pattern;
-  int alternatives = 0;
-  for (std::size_t at = 0; at < glob.size(); ++at) {
-    const std::string_view rest = glob.substr(at);
-    if (rest.starts_with("**")) {
-      pattern += ".*";
-      at += rest.starts_with("**/") ? 2 : 1;
-    } else if (rest[0] == '*') {
-      pattern += "[^/]*";
-    } else if (rest[0] == '{') {
-      pattern += "(?:";
-      ++alternatives;
-    } else if (rest[0] == '}' && alternatives > 0) {
-      pattern += ")";
-      --alternatives;
-    } else if (rest[0] == ',' && alternatives > 0) {
-      pattern += "|";
-    } else {
-      pattern += RE2::QuoteMeta(re2::StringPiece(rest.data(), 1));
-    }
-  }
-  return pattern;
-}
 
 }  // namespace
 
-std::vector<std::string> targets_of(const Json& map, std::string_view key) {
-  std::vector<std::string> targets;
+TargetMap::TargetMap(const Json& map) {
   if (!has_subpaths(map)) {
-    if (key == ".") collect(map, 0, targets);
+    collect(map, 0, exact_["."]);
+    return;
+  }
+  for (const auto& [key, value] : map.items()) {
+    std::vector<std::string>& targets = exact_[key];
+    if (targets.empty()) collect(value, 0, targets);
+    const bool pattern = key.find('*') != std::string::npos || key.ends_with('/');
+    if (pattern && patterns_.size() < kMostPatterns) patterns_.push_back({key, targets});
+  }
+  std::ranges::stable_sort(patterns_, std::ranges::greater{},
+                           [](const Pattern& pattern) { return pattern.key.size(); });
+}
+
+std::vector<std::string> TargetMap::find(std::string_view key) const {
+  if (const auto exact = exact_.find(std::string(key)); exact != exact_.end()) return exact->second;
+  for (const Pattern& pattern : patterns_) {
+    const auto star = star_of(pattern.key, key);
+    if (!star) continue;
+    std::vector<std::string> targets = pattern.targets;
+    for (std::string& target : targets) target = filled(std::move(target), *star);
     return targets;
   }
-  if (const Json* exact = find_key(map, key)) {
-    collect(*exact, 0, targets);
-    return targets;
-  }
-  return matching_targets(map, key);
+  return {};
 }
 
 std::vector<std::string> sources_of(std::string_view built) {
   std::vector<std::string> sources;
   std::string_view rest = without_extension(built);
-  for (std::size_t slash = rest.find('/'); slash != std::string_view::npos;
-       slash = rest.find('/')) {
+  for (std::size_t slash = rest.find('/');
+       slash != std::string_view::npos && sources.size() < kMostSources; slash = rest.find('/')) {
     if (!is_built(rest.substr(0, slash))) break;
     rest.remove_prefix(slash + 1);
     for (const std::string_view folder : kSources) sources.push_back(join(folder, rest));
   }
   return sources;
-}
-
-std::unique_ptr<RE2> folder_pattern(std::string_view glob) {
-  if (glob.starts_with("./")) glob.remove_prefix(2);
-  while (glob.ends_with('/')) glob.remove_suffix(1);
-  return std::make_unique<RE2>(pattern_of(glob), RE2::Quiet);
 }
 
 }  // namespace kestrix::index::ecmascript

@@ -1,26 +1,40 @@
 #pragma once
 
-#include <re2/re2.h>
-
-#include <memory>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "kestrix/formats/json.h"
 
 namespace kestrix::index::ecmascript {
 
-/// What an `exports` or `imports` map says of a key ("." or "./a", "#a"): the targets of all its
-/// conditions in the order in which they are written, a "*" replaced. Empty when the map lacks the
-/// key.
-std::vector<std::string> targets_of(const Json& map, std::string_view key);
+/// An `exports` or `imports` map: the targets of all conditions of a key, in the order in which
+/// they are written, those that every surrounding understands first.
+class TargetMap {
+ public:
+  TargetMap() = default;
+  /// Of a map with far more patterns or conditions than are ever written the first ones count.
+  explicit TargetMap(const Json& map);
+
+  /// What the map says of a key ("." or "./a", "#a"), a "*" replaced. Empty when it lacks the key.
+  /// Goes through at most `kMostPatterns`, however many keys there are.
+  std::vector<std::string> find(std::string_view key) const;
+
+  static constexpr std::size_t kMostPatterns = 256;
+
+ private:
+  struct Pattern {
+    std::string key;
+    std::vector<std::string> targets;
+  };
+
+  std::unordered_map<std::string, std::vector<std::string>> exact_;
+  std::vector<Pattern> patterns_;  // the longest first
+};
 
 /// Where the source of a built file may stand: paths without extension, best first, for a path such
 /// as "dist/esm/a.js". Empty when it is in no folder for built files.
 std::vector<std::string> sources_of(std::string_view built);
-
-/// The expression of a workspace's pattern ("packages/*", "apps/**", "libs/{a,b}") over folders.
-std::unique_ptr<RE2> folder_pattern(std::string_view glob);
 
 }  // namespace kestrix::index::ecmascript

@@ -1,50 +1,35 @@
 #include <algorithm>
+#include <initializer_list>
 #include <optional>
 
-#include "kestrix/text/paths.h"
+#include "kestrix/formats/scalars.h"
 #include "kestrix/languages/python/names.h"
+#include "kestrix/text/ascii.h"
+#include "kestrix/text/lines.h"
+#include "kestrix/text/paths.h"
 
 namespace kestrix::index {
 namespace {
 
 using Names = std::unordered_set<std::string>;
 
-bool is_name_byte(char c) {
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' ||
-         c == '_' || c == '.';
-}
-
-std::string_view trim(std::string_view text) {
-  const std::size_t first = text.find_first_not_of(" \t\r");
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(" \t\r") - first + 1);
-}
+bool is_name_byte(char c) { return ascii::is_word(c) || c == '-' || c == '.'; }
 
 // The name that a requirement ("Name[extra]>=1; marker") starts with.
 void add_requirement(std::string_view text, Names& names) {
-  text = trim(text);
+  text = ascii::trim(text);
   const auto end = std::ranges::find_if_not(text, is_name_byte);
   std::string name(text.begin(), end);
-  const std::string_view rest = trim(text.substr(name.size()));
+  const std::string_view rest = ascii::trim(text.substr(name.size()));
   if (name.empty() || name.front() == '-') return;
   if (!rest.empty() &&
       std::string_view("[<>=!~;@(,#").find(rest.front()) == std::string_view::npos) {
     return;
   }
   for (char& c : name) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-    if (c == '-' || c == '.') c = '_';
+    c = c == '-' || c == '.' ? '_' : ascii::lower(c);
   }
   names.insert(std::move(name));
-}
-
-template <class Visit>
-void for_each_line(std::string_view text, Visit visit) {
-  while (!text.empty()) {
-    const std::size_t end = std::min(text.find('\n'), text.size());
-    visit(text.substr(0, end));
-    text.remove_prefix(std::min(end + 1, text.size()));
-  }
 }
 
 void add_quoted(std::string_view line, Names& names) {
@@ -65,28 +50,26 @@ void read_requirements_txt(std::string_view text, Names& names) {
 // The value of `key = value`, when the line has that key.
 std::optional<std::string_view> value_of(std::string_view line, std::string_view key) {
   if (!line.starts_with(key)) return std::nullopt;
-  const std::string_view rest = trim(line.substr(key.size()));
+  const std::string_view rest = ascii::trim(line.substr(key.size()));
   if (!rest.starts_with('=')) return std::nullopt;
-  return trim(rest.substr(1));
+  return ascii::trim(rest.substr(1));
 }
 
+// Lists of requirements, and Poetry's tables in which the key is the name.
 void read_pyproject(std::string_view text, Names& names) {
-  std::string_view table;
-  bool in_list = false;
-  for_each_line(text, [&](std::string_view raw) {
-    const std::string_view line = trim(raw);
-    if (line.starts_with('[') && line.ends_with(']') && !in_list) {
-      table = trim(line.substr(1, line.size() - 2));
-      return;
-    }
-    if (table.starts_with("tool.poetry.") && table.ends_with("dependencies")) {
-      add_requirement(line, names);
-    } else if (table == "project.optional-dependencies" || table == "dependency-groups") {
-      add_quoted(line, names);
-    } else if (table == "project") {
-      in_list = in_list || value_of(line, "dependencies").has_value();
-      if (in_list) add_quoted(line, names);
-      if (line.ends_with(']')) in_list = false;
+  for_each_scalar(Format::kToml, text, [&](const Scalar& scalar) {
+    const auto at = scalar.path;
+    const auto begins = [at](std::initializer_list<std::string_view> tables) {
+      return at.size() > tables.size() && std::equal(tables.begin(), tables.end(), at.begin());
+    };
+    if (begins({"tool", "poetry"})) {
+      const auto table = std::find_if(at.begin() + 2, at.end(), [](const std::string& name) {
+        return name.ends_with("dependencies");
+      });
+      if (at.end() - table > 1) add_requirement(*std::next(table), names);
+    } else if (begins({"project", "dependencies"}) ||
+               begins({"project", "optional-dependencies"}) || begins({"dependency-groups"})) {
+      add_requirement(scalar.value, names);
     }
   });
 }
@@ -101,18 +84,19 @@ void read_setup_cfg(std::string_view text, Names& names) {
       in_list = true;
       add_requirement(*value, names);
     }
-    if (trim(line) == "[options.extras_require]") in_list = true;
+    if (ascii::trim(line) == "[options.extras_require]") in_list = true;
   });
 }
 
-// Lists are written in any way here: what is quoted between "requires" and the closing bracket.
+// Lists are written in any way here: what is quoted between "requires" and the closing bracket. No
+// byte is looked at twice.
 void read_setup_py(std::string_view text, Names& names) {
   constexpr std::string_view kKey = "requires";
-  for (std::size_t at = text.find(kKey); at != std::string_view::npos; at = text.find(kKey, at)) {
-    at += kKey.size();
-    const std::size_t end = std::min(text.find_first_of("])", at), text.size());
-    for_each_line(text.substr(at, end - at),
-                  [&](std::string_view line) { add_quoted(line, names); });
+  for (std::size_t at = text.find(kKey); at != std::string_view::npos; at = text.find(kKey)) {
+    text.remove_prefix(at + kKey.size());
+    const std::size_t end = std::min(text.find_first_of("])"), text.size());
+    for_each_line(text.substr(0, end), [&](std::string_view line) { add_quoted(line, names); });
+    text.remove_prefix(end);
   }
 }
 

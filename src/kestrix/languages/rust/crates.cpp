@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <array>
 #include <optional>
+#include <span>
 #include <unordered_set>
 #include <utility>
 
+#include "kestrix/formats/scalars.h"
 #include "kestrix/text/paths.h"
 
 namespace kestrix::index {
@@ -14,19 +16,13 @@ namespace {
 constexpr std::array<std::string_view, 4> kTargetFolders = {"src/bin", "tests", "examples",
                                                             "benches"};
 
-std::string_view trim(std::string_view text) {
-  const std::size_t first = text.find_first_not_of(" \t\r\"'");
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(" \t\r\"'") - first + 1);
-}
-
 std::string as_name(std::string_view package) {
   std::string name(package);
   std::ranges::replace(name, '-', '_');
   return name;
 }
 
-// What a Cargo.toml says of its targets, read by line.
+// What a Cargo.toml says of its targets and of what it calls other packages.
 struct Manifest {
   bool package = false;
   std::string name;
@@ -34,61 +30,37 @@ struct Manifest {
   std::optional<std::string> library_path;
   std::vector<std::string> target_paths;
   std::vector<std::pair<std::string, std::string>> renamed;
+  std::vector<std::string> inherited;  // names under which it depends on what the workspace says
 };
 
-void read_dependency(Manifest& manifest, std::string_view key, std::string_view value) {
-  constexpr std::string_view kPackage = "package";
-  std::size_t at = value.find(kPackage);
-  if (!value.starts_with('{') || at == std::string_view::npos) return;
-  value = value.substr(at + kPackage.size());
-  const std::size_t open = value.find('"');
-  const std::size_t close = value.find('"', open + 1);
-  if (open == value.npos || close == value.npos) return;
-  manifest.renamed.emplace_back(as_name(key), as_name(value.substr(open + 1, close - open - 1)));
+bool is_target(std::string_view table) {
+  return table == "bin" || table == "test" || table == "example" || table == "bench";
 }
 
-void read_entry(Manifest& manifest, std::string_view table, std::string_view key,
-                std::string_view value) {
-  const std::string text(trim(value));
-  if (table == "package" && key == "name") manifest.name = text;
-  if (table == "lib" && key == "name") manifest.library = text;
-  if (table == "lib" && key == "path") manifest.library_path = text;
-  if ((table == "[bin]" || table == "[test]" || table == "[example]" || table == "[bench]") &&
-      key == "path") {
-    manifest.target_paths.push_back(text);
+// `at` is the path of `value`: "package/name", "bin/0/path", "target/cfg(unix)/dependencies/x/…".
+void read_entry(Manifest& manifest, std::span<const std::string> at, std::string_view value) {
+  const std::string_view table = at.front();
+  const std::string_view key = at.back();
+  manifest.package |= table == "package";
+  if (at.size() == 2 && table == "package" && key == "name") manifest.name = value;
+  if (at.size() == 2 && table == "package" && key == "build" && value != "false") {
+    manifest.target_paths.emplace_back(value);
   }
-  if (table == "package" && key == "build" && text != "false")
-    manifest.target_paths.push_back(text);
-  if (table.ends_with("dependencies")) {
-    read_dependency(manifest, key, value);
-  } else if (const std::size_t at = table.find("dependencies."); at != table.npos) {
-    if (key == "package") {
-      manifest.renamed.emplace_back(as_name(trim(table.substr(at + 13))), as_name(text));
-    }
+  if (at.size() == 2 && table == "lib" && key == "name") manifest.library = value;
+  if (at.size() == 2 && table == "lib" && key == "path") manifest.library_path = value;
+  if (at.size() == 3 && is_target(table) && key == "path") {
+    manifest.target_paths.emplace_back(value);
   }
+  if (at.size() < 3 || !at[at.size() - 3].ends_with("dependencies")) return;
+  const std::string name = as_name(at[at.size() - 2]);
+  if (key == "package") manifest.renamed.emplace_back(name, as_name(value));
+  if (key == "workspace" && value == "true") manifest.inherited.push_back(name);
 }
 
 Manifest read_manifest(std::string_view text) {
   Manifest manifest;
-  std::string_view table;
-  while (!text.empty()) {
-    const std::size_t end = std::min(text.find('\n'), text.size());
-    std::string_view line = text.substr(0, end);
-    text.remove_prefix(std::min(end + 1, text.size()));
-    line = line.substr(0, line.find('#'));
-    const std::size_t first = line.find_first_not_of(" \t");
-    if (first == line.npos) continue;
-    line = line.substr(first);
-    const std::size_t equals = line.find('=');
-    if (line.starts_with('[')) {
-      table = trim(line.substr(1, line.rfind(']') == line.npos ? line.npos : line.rfind(']') - 1));
-      manifest.package |= table == "package";
-    } else if (equals != line.npos) {
-      const std::size_t value = line.find_first_not_of(" \t", equals + 1);
-      read_entry(manifest, table, trim(line.substr(0, equals)),
-                 value == line.npos ? std::string_view() : line.substr(value));
-    }
-  }
+  for_each_scalar(Format::kToml, text,
+                  [&](const Scalar& scalar) { read_entry(manifest, scalar.path, scalar.value); });
   return manifest;
 }
 
@@ -101,6 +73,7 @@ class Collector {
       const std::string_view path = files_.path(id);
       if (base_name(path) == "Cargo.toml") read(folder_of(path), read_manifest(files_.read(id)));
     }
+    for (const auto& [folder, name] : inherited_) inherit(folder, name);
     if (packages_.empty()) add_bare();
     for (FileId id = 0; id < files_.size(); ++id) add_usual_target(id);
     for (auto& crate : others_) found_.crates.push_back(std::move(crate));
@@ -113,6 +86,7 @@ class Collector {
       found_.renamed[std::string(folder)].emplace(alias, name);
     }
     if (!manifest.package) return;
+    for (const std::string& name : manifest.inherited) inherited_.emplace_back(folder, name);
     packages_.emplace(folder);
     const std::string library = manifest.library_path.value_or("src/lib.rs");
     if (const auto root = find(folder, library)) {
@@ -122,6 +96,20 @@ class Collector {
     }
     for (const std::string_view usual : {"src/main.rs", "build.rs"}) add_other(folder, usual);
     for (const std::string& path : manifest.target_paths) add_other(folder, path);
+  }
+
+  // The name that a dependency of the nearest workspace above stands for.
+  void inherit(std::string_view folder, const std::string& name) {
+    bool found = false;
+    for_each_folder_up(folder, [&](std::string_view up) {
+      const auto workspace = found ? found_.renamed.end() : found_.renamed.find(std::string(up));
+      if (workspace == found_.renamed.end()) return;
+      const auto renamed = workspace->second.find(name);
+      if (renamed == workspace->second.end()) return;
+      found = true;
+      const std::string package = renamed->second;
+      found_.renamed[std::string(folder)].emplace(name, package);
+    });
   }
 
   std::optional<FileId> find(std::string_view folder, std::string_view relative) const {
@@ -169,7 +157,8 @@ class Collector {
   const FileTable& files_;
   RustCrates found_;
   std::vector<RustCrate> others_;
-  std::unordered_set<std::string> packages_;  // folders
+  std::unordered_set<std::string> packages_;                    // folders
+  std::vector<std::pair<std::string, std::string>> inherited_;  // folder and name
 };
 
 }  // namespace

@@ -1,0 +1,99 @@
+// Twice the repository costs twice the work. Work is counted in bytes that are allocated, which are
+// the same in every run.
+
+#include <fmt/format.h>
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+#include "kestrix/languages/ecmascript/targets.h"
+#include "tests/languages/allocation.h"
+#include "tests/languages/world.h"
+
+namespace kestrix::index {
+namespace {
+
+std::size_t cost_of(const World& world) {
+  edges_of(world);  // what is made once
+  const std::size_t before = allocated_bytes();
+  edges_of(world);
+  return allocated_bytes() - before;
+}
+
+std::string repeated(std::size_t times, const std::function<std::string(std::size_t)>& piece) {
+  std::string text;
+  for (std::size_t i = 0; i < times; ++i) text += (i > 0 ? "," : "") + piece(i);
+  return text;
+}
+
+World setup_requires(std::size_t n) {
+  std::string text;
+  for (std::size_t i = 0; i < n; ++i) text += fmt::format("x_requires = 'name{}' \n", i);
+  return {{"setup.py", text}, {"a.py", "import b"}};
+}
+
+World configs_of_one_base(std::size_t n) {
+  const auto rule = [](std::size_t i) { return fmt::format(R"("a{}/*": ["b/*"])", i); };
+  World world = {
+      {"tsconfig.base.json", R"({"compilerOptions": {"paths": {)" + repeated(n, rule) + "}}}"},
+      {"a.ts", "import 'a1/x'"}};
+  for (std::size_t i = 0; i < n; ++i) {
+    world[fmt::format("p{}/tsconfig.json", i)] = R"({"extends": "../tsconfig.base.json"})";
+  }
+  return world;
+}
+
+World configs_in_a_graph(std::size_t n) {
+  World world = {{"a.ts", "import 'x'"}};
+  for (std::size_t i = 0; i < n; ++i) {
+    world[fmt::format("tsconfig.{}.json", i)] = fmt::format(
+        R"({{"extends": ["./tsconfig.{}.json", "./tsconfig.{}.json"]}})", (i + 1) % n, (i + 2) % n);
+  }
+  return world;
+}
+
+World globs_and_packages(std::size_t n) {
+  const auto glob = [](std::size_t i) { return fmt::format(R"("p{}/{{a,b}}/**/x*y*")", i); };
+  World world = {{"package.json", R"({"workspaces": [)" + repeated(n, glob) + "]}"},
+                 {"a.ts", "import 'm1'"}};
+  for (std::size_t i = 0; i < n; ++i) {
+    world[fmt::format("p{}/a/xy/package.json", i)] = fmt::format(R"({{"name": "m{}"}})", i);
+  }
+  return world;
+}
+
+TEST(ProjectFiles, CostNoMoreThanTheirSize) {
+  using MakeWorld = World (*)(std::size_t);
+  const std::vector<std::pair<const char*, MakeWorld>> cases = {
+      {"setup.py", setup_requires},
+      {"configurations of one base", configs_of_one_base},
+      {"configurations that extend each other", configs_in_a_graph},
+      // Beyond what is read of patterns, which are tried on each package.
+      {"patterns of a workspace", [](std::size_t n) { return globs_and_packages(4 * n); }},
+  };
+  constexpr std::size_t kSize = 300;
+  for (const auto& [name, world] : cases) {
+    const auto once = static_cast<double>(cost_of(world(kSize)));
+    const auto twice = static_cast<double>(cost_of(world(2 * kSize)));
+    EXPECT_LT(twice, 2.6 * once) << name;
+  }
+}
+
+TEST(ProjectFiles, CostALookUpNoMoreThanTheLimit) {
+  constexpr std::size_t kPatterns = ecmascript::TargetMap::kMostPatterns;
+  Json exports = Json::object();
+  for (std::size_t i = 0; i < 2 * kPatterns; ++i) {
+    exports[fmt::format("./{:04}/*", i)] = "./src/*.js";
+  }
+  const ecmascript::TargetMap map(exports);
+  EXPECT_EQ(map.find(fmt::format("./{:04}/a", kPatterns - 1)),
+            std::vector<std::string>{"./src/a.js"});
+  EXPECT_TRUE(map.find(fmt::format("./{:04}/a", kPatterns)).empty());
+  EXPECT_EQ(map.find(fmt::format("./{:04}/*", kPatterns)), std::vector<std::string>{"./src/*.js"});
+}
+
+}  // namespace
+}  // namespace kestrix::index
