@@ -33,7 +33,6 @@ class Input {
     ++*this;
     return before;
   }
-  friend bool operator==(const Input& a, const Input& b) { return a.at_ == b.at_; }
   friend bool operator!=(const Input& a, const Input& b) { return a.at_ != b.at_; }
 
  private:

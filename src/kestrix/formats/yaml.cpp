@@ -13,8 +13,8 @@
 namespace kestrix::index {
 namespace {
 
-// Ends the reading of a document that holds too much.
-struct Crowded {};
+// Ends the reading of a text that holds too much or in which the library stands still.
+struct Unreadable {};
 
 // A text as the library reads it, without a copy.
 class TextBuffer : public std::streambuf {
@@ -30,7 +30,11 @@ class Events : public YAML::EventHandler {
  public:
   explicit Events(Nesting& nesting) : nesting_(nesting) {}
 
-  void OnDocumentStart(const YAML::Mark& /*mark*/) override {}
+  // The library finds one empty document after the other before some kinds of damage.
+  void OnDocumentStart(const YAML::Mark& mark) override {
+    if (mark.pos <= document_) throw Unreadable{};
+    document_ = mark.pos;
+  }
   void OnDocumentEnd() override {}
 
   void OnNull(const YAML::Mark& mark, YAML::anchor_t /*anchor*/) override { scalar({}, mark); }
@@ -64,7 +68,7 @@ class Events : public YAML::EventHandler {
 
   // Whether the node that begins is a key.
   bool begin_node() {
-    if (++nodes_ > kMostValues) throw Crowded{};
+    if (++nodes_ > kMostValues) throw Unreadable{};
     if (open_.empty() || !open_.back().map) return false;
     const bool key = open_.back().at_key;
     open_.back().at_key = !key;
@@ -79,7 +83,7 @@ class Events : public YAML::EventHandler {
   // What is a key stands under "?".
   void open(bool map) {
     if (begin_node()) nesting_.key("?");
-    if (!(map ? nesting_.open_map() : nesting_.open_list())) throw Crowded{};
+    if (!(map ? nesting_.open_map() : nesting_.open_list())) throw Unreadable{};
     open_.push_back({map});
   }
 
@@ -91,6 +95,7 @@ class Events : public YAML::EventHandler {
   Nesting& nesting_;
   std::vector<Open> open_;
   std::size_t nodes_ = 0;
+  int document_ = -1;  // where the last one began
 };
 
 }  // namespace
@@ -105,7 +110,7 @@ void read_yaml_scalars(std::string_view text, const ScalarVisitor& visit) {
     while (parser.HandleNextDocument(events)) {
     }
   } catch (const YAML::Exception&) {  // NOLINT(bugprone-empty-catch): damaged
-  } catch (const Crowded&) {          // NOLINT(bugprone-empty-catch)
+  } catch (const Unreadable&) {       // NOLINT(bugprone-empty-catch)
   }
 }
 
