@@ -49,27 +49,5 @@ TEST(CSharpMask, KeepsBranchesThatStandOnTheirOwn) {
   });
 }
 
-TEST(CSharpMask, GivesTypesABody) {
-  check({
-      {"and leaves the lines where they are", "class A(int b) : C(b);\nstruct D; int e;",
-       "class\nA(int b) : C(b){}struct D{}int e;"},
-      {"the last one", "interface A;", "interface A{"},
-      {"no constraint of a parameter", "void A<T>() where T : class ;\n", ""},
-      {"no comment", "// class\nint a;\n", ""},
-      {"no word of that kind", "int subclass ;\n", ""},
-  });
-}
-
-TEST(CSharpMask, GivesListsBraces) {
-  check({
-      {"where a value stands", "a = [1, [2]]; return []; x => [b]; c ?? [d]; e ? [] : [f];",
-       "a = {1, {2}}; return {}; x => {b}; c ?? {d}; e ? {} : {f};"},
-      {"of arguments", "a([b], [c]);", "a({b}, {c});"},
-      {"no index, attribute or pattern",
-       "a[0]; f([A] int b, [C] [D] int e); g?[0]; new() { [h] = i, [j] = k }; l = m[n];", ""},
-      {"unclosed", "a = [b, [c", ""},
-  });
-}
-
 }  // namespace
 }  // namespace kestrix::index::csharp

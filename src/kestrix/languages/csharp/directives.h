@@ -15,10 +15,7 @@ const Lexis& lexis();
 /// Blanks the lines of directives (#if, #region …), which may stand where the grammar expects none.
 /// Of the branches of a conditional the first one stays, and others when they are whole: when each
 /// adds complete statements, declarations or list entries, so that all can be read one after the
-/// other. A type that ends in ";" gets an empty body, which the grammar asks for, and lists of
-/// values
-/// ("[a, b]") the braces of an initializer; line numbers stay as they are.
-/// None when there is nothing to do; else a text of equal length. One pass.
+/// other. None when there is no directive; else a text of equal length. One pass.
 std::optional<std::string> mask(std::string_view text);
 
 }  // namespace kestrix::index::csharp

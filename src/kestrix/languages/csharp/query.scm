@@ -6,10 +6,13 @@
   (class_declaration name: (identifier) @name body: (_) @body @members)
   (struct_declaration name: (identifier) @name body: (_) @body @members)
   (record_declaration name: (identifier) @name body: (_) @body @members)
+  (class_declaration !body name: (identifier) @name)
+  (struct_declaration !body name: (identifier) @name)
   (record_declaration !body name: (identifier) @name)
   (enum_declaration name: (identifier) @name body: (_) @body)
 ] @class
 (interface_declaration name: (identifier) @name body: (_) @body @members) @interface
+(interface_declaration !body name: (identifier) @name) @interface
 (delegate_declaration name: (identifier) @name) @delegate
 
 (field_declaration

@@ -1,3 +1,5 @@
+#include "kestrix/languages/language.h"
+
 #include <kestrix/grammars.h>
 
 #include <algorithm>
@@ -8,14 +10,13 @@
 #include <unordered_map>
 #include <unordered_set>
 
+#include "kestrix/languages/jvm/conventions.h"
+#include "kestrix/languages/jvm/resolver.h"
 #include "kestrix/languages/kotlin/query.scm.h"
 #include "kestrix/languages/kotlin/text.h"
 #include "kestrix/languages/packaged/reading.h"
-#include "kestrix/languages/jvm/conventions.h"
-#include "kestrix/languages/language.h"
-#include "kestrix/syntax/source_tree.h"
 #include "kestrix/languages/symbols.h"
-#include "kestrix/languages/jvm/resolver.h"
+#include "kestrix/syntax/source_tree.h"
 
 namespace kestrix::index {
 namespace {

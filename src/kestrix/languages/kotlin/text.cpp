@@ -36,8 +36,6 @@ class Mask {
       if (starts_line(at)) blank(at, annotation_end(at));
     }
     blank_before("fun ", "interface");
-    blank_before("annotation ", "class");
-    blank_all("..<", 2);
     return std::move(masked_);
   }
 
@@ -79,13 +77,6 @@ class Mask {
     }
   }
 
-  // Keeps the first bytes of each.
-  void blank_all(std::string_view token, std::size_t kept) {
-    for (std::size_t at = text_.find(token); at != text_.npos; at = text_.find(token, at + 1)) {
-      blank(at + kept, at + token.size());
-    }
-  }
-
   void blank_before(std::string_view word, std::string_view next) {
     for (std::size_t at = text_.find(word); at != text_.npos; at = text_.find(word, at + 1)) {
       const bool whole = at == 0 || !is_name_byte(text_[at - 1]);
@@ -108,6 +99,15 @@ std::size_t skip_length(std::string_view rest) {
 
 std::size_t word_length(std::string_view rest) {
   return static_cast<std::size_t>(std::ranges::find_if_not(rest, is_name_byte) - rest.begin());
+}
+
+// Whether the keyword is followed by the word alone: "Type::class" and "object : Base()" name none.
+bool is_name_of(std::string_view text, std::string_view keyword, std::string_view word) {
+  const auto at = static_cast<std::size_t>(keyword.data() - text.data());
+  const auto end = at + keyword.size();
+  const auto start = static_cast<std::size_t>(word.data() - text.data());
+  if (at > 0 && text[at - 1] == ':') return false;
+  return text.substr(end, start - end).find_first_not_of(" \t\r\n") == text.npos;
 }
 
 // From the start of the line that the name stands on up to the body or the line's end.
@@ -153,9 +153,8 @@ std::vector<TypeText> top_types(std::string_view text) {
   Code code(text);
   std::string_view before;
   for (auto word = code.next_top_word(); !word.empty(); word = code.next_top_word()) {
-    const bool reference = before == "class" && before.data() > text.data() &&
-                           *std::prev(before.data()) == ':';  // "Type::class"
-    if (!reference && (before == "class" || before == "interface" || before == "object")) {
+    const bool type = before == "class" || before == "interface" || before == "object";
+    if (type && is_name_of(text, before, word)) {
       types.push_back({word, head_around(text, word), code.line(), before == "interface"});
     }
     before = word;

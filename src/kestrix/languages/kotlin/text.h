@@ -15,9 +15,9 @@ namespace kestrix::index::kotlin {
 const Lexis& lexis();
 
 /// A copy of the text without what the grammar misreads at the start of declarations: annotations
-/// in front of them (it takes many such declarations for expressions), and the first words of
-/// "fun interface" and "annotation class"; and with ".." for "..<". None of these is needed of the
-/// tree.
+/// on the lines before them (when a modifier that may also be a name follows, "data" or "actual",
+/// it takes the whole for an expression), and the first word of "fun interface" (with a body on one
+/// line it gives up the file). None of these is needed of the tree.
 std::optional<std::string> mask(std::string_view text);
 
 /// Walks over the code outside of comments and strings, counting lines and braces.
