@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <re2/re2.h>
 #include <tree_sitter/api.h>
 
 #include <algorithm>
@@ -12,6 +13,7 @@
 #include "kestrix/languages/language.h"
 #include "kestrix/languages/reading.h"
 #include "tests/languages/facts_text.h"
+#include "tests/languages/query_comparison.h"
 
 namespace kestrix::index {
 namespace {
@@ -67,6 +69,28 @@ TEST(Queries, AreValidForTheParserLibrary) {
                      static_cast<std::uint32_t>(language->query.size()), &offset, &error);
     EXPECT_EQ(error, TSQueryErrorNone) << language->query.substr(offset, 60);
     ts_query_delete(query);
+  }
+}
+
+TEST(Queries, MatchAsTheParserLibraryDoes) {
+  for (const fs::path& path : fixtures()) {
+    const std::string text = read_file(path);
+    for (const Language* language : languages()) {
+      EXPECT_EQ(test::query_difference(*language, text), "") << language->name << ' ' << path;
+    }
+  }
+}
+
+// The other way round, what a query captures and no reader states is an error of the query.
+TEST(Queries, CaptureAllThatTheirReadersLookAt) {
+  for (const Language* language : languages()) {
+    for (const std::string_view capture : language->captures) {
+      const auto captured = [&](const Language* other) {
+        return other->read == language->read &&
+               RE2::PartialMatch(other->query, "@" + std::string(capture) + "\\b");
+      };
+      EXPECT_TRUE(std::ranges::any_of(languages(), captured)) << language->name << ' ' << capture;
+    }
   }
 }
 

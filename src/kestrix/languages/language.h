@@ -26,6 +26,9 @@ struct Language {
   std::span<const std::string_view> files;
   const TSLanguage* (*grammar)();
   std::string_view query;  ///< text of languages/<name>.scm
+  /// What `read` makes of the captures: their names, without "@". The query may capture these,
+  /// "@enter", "@members" and "@import", and names that start with "_" for its predicates.
+  std::span<const std::string_view> captures;
   const Lexis* lexis;
   /// Words that announce a pattern marked `anywhere` ("import"): it may start with one or hold it.
   std::span<const std::string_view> keywords;

@@ -25,7 +25,10 @@ const Query& query_of(const Language& language) {
   const std::lock_guard lock(mutex);
   auto found = queries.find(&language);
   if (found == queries.end()) {
-    found = queries.try_emplace(&language, language.grammar(), language.query, language.name).first;
+    found = queries
+                .try_emplace(&language, language.grammar(), language.query, language.name,
+                             language.captures)
+                .first;
   }
   return found->second;
 }

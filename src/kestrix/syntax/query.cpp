@@ -27,8 +27,8 @@ bool is_word(char c) {
 class QueryParser {
  public:
   QueryParser(const TSLanguage* language, std::string_view text, std::string_view name,
-              Query& query)
-      : language_(language), text_(text), name_(name), query_(query) {}
+              std::span<const std::string_view> captures, Query& query)
+      : language_(language), text_(text), name_(name), captures_(captures), query_(query) {}
 
   void run() {
     while (skip_space(), at_ < text_.size()) query_.patterns_.push_back(pattern());
@@ -115,9 +115,15 @@ class QueryParser {
     expect(")");
   }
 
+  bool is_known(std::string_view capture) const {
+    return role_of(capture) != CaptureRole::kFact || capture == "import" ||
+           capture.starts_with('_') || std::ranges::find(captures_, capture) != captures_.end();
+  }
+
   std::uint32_t capture(std::string_view name) {
     const auto found = std::ranges::find(query_.names_, name);
     if (found == query_.names_.end()) {
+      if (!is_known(name)) fail(fmt::format("nobody looks at \"@{}\"", name));
       query_.names_.emplace_back(name);
       query_.roles_.push_back(role_of(name));
       return static_cast<std::uint32_t>(query_.names_.size() - 1);
@@ -201,6 +207,7 @@ class QueryParser {
   const TSLanguage* language_;
   std::string_view text_;
   std::string_view name_;
+  std::span<const std::string_view> captures_;
   Query& query_;
   std::size_t at_ = 0;
 };
@@ -216,8 +223,9 @@ void collect_roots(const PatternNode& node, std::vector<TSSymbol>& symbols) {
 
 }  // namespace
 
-Query::Query(const TSLanguage* language, std::string_view text, std::string_view name) {
-  QueryParser(language, text, name, *this).run();
+Query::Query(const TSLanguage* language, std::string_view text, std::string_view name,
+             std::span<const std::string_view> captures) {
+  QueryParser(language, text, name, captures, *this).run();
   by_symbol_.resize(ts_language_symbol_count(language));
   for (std::size_t at = 0; at < patterns_.size(); ++at) {
     std::vector<TSSymbol> roots;

@@ -3,16 +3,19 @@
 #include <array>
 
 #include "kestrix/languages/c_family/c.scm.h"
+#include "kestrix/languages/c_family/conventions.h"
 #include "kestrix/languages/c_family/masking.h"
 #include "kestrix/languages/c_family/reader.h"
-#include "kestrix/languages/c_family/conventions.h"
-#include "kestrix/languages/language.h"
 #include "kestrix/languages/c_family/resolver.h"
+#include "kestrix/languages/language.h"
 
 namespace kestrix::index {
 namespace {
 
 constexpr std::array<std::string_view, 1> kFiles = {".c"};
+// What the reader asks the matches of the query for.
+constexpr std::array<std::string_view, 7> kCaptures = {
+    "constant", "declaration", "function", "macro", "name", "type", "typedef"};
 
 }  // namespace
 
@@ -21,6 +24,7 @@ const Language& c_language() {
                                  .files = kFiles,
                                  .grammar = tree_sitter_c,
                                  .query = c_query,
+                                 .captures = kCaptures,
                                  .lexis = &c_family_lexis(),
                                  .keywords = {},
                                  .read = read_c_family,

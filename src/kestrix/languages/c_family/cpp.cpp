@@ -2,12 +2,12 @@
 
 #include <array>
 
+#include "kestrix/languages/c_family/conventions.h"
+#include "kestrix/languages/c_family/cpp.scm.h"
 #include "kestrix/languages/c_family/masking.h"
 #include "kestrix/languages/c_family/reader.h"
-#include "kestrix/languages/c_family/cpp.scm.h"
-#include "kestrix/languages/c_family/conventions.h"
-#include "kestrix/languages/language.h"
 #include "kestrix/languages/c_family/resolver.h"
+#include "kestrix/languages/language.h"
 
 namespace kestrix::index {
 namespace {
@@ -16,6 +16,9 @@ namespace {
 constexpr std::array<std::string_view, 16> kFiles = {".cc",  ".cpp", ".cxx", ".c++", ".cu",  ".cuh",
                                                      ".h",   ".hh",  ".hpp", ".hxx", ".h++", ".inl",
                                                      ".ipp", ".ixx", ".tcc", ".tpp"};
+// What the reader asks the matches of the query for.
+constexpr std::array<std::string_view, 8> kCaptures = {
+    "alias", "constant", "declaration", "function", "macro", "name", "type", "typedef"};
 
 }  // namespace
 
@@ -24,6 +27,7 @@ const Language& cpp_language() {
                                  .files = kFiles,
                                  .grammar = tree_sitter_cpp,
                                  .query = cpp_query,
+                                 .captures = kCaptures,
                                  .lexis = &c_family_lexis(),
                                  .keywords = {},
                                  .read = read_c_family,

@@ -1,4 +1,4 @@
-#include "kestrix/languages/csharp/resolver.h"
+#include "kestrix/languages/language.h"
 
 #include <kestrix/grammars.h>
 
@@ -10,19 +10,23 @@
 #include <utility>
 #include <vector>
 
-#include "kestrix/languages/csharp/query.scm.h"
+#include "kestrix/languages/csharp/conventions.h"
 #include "kestrix/languages/csharp/directives.h"
 #include "kestrix/languages/csharp/names.h"
+#include "kestrix/languages/csharp/query.scm.h"
+#include "kestrix/languages/csharp/resolver.h"
 #include "kestrix/languages/packaged/reading.h"
-#include "kestrix/languages/csharp/conventions.h"
-#include "kestrix/languages/language.h"
-#include "kestrix/syntax/source_tree.h"
 #include "kestrix/languages/symbols.h"
+#include "kestrix/syntax/source_tree.h"
 
 namespace kestrix::index {
 namespace {
 
 constexpr std::array<std::string_view, 2> kFiles = {".cs", ".csx"};
+// What the reader asks the matches of the query for.
+constexpr std::array<std::string_view, 11> kCaptures = {
+    "accessors", "body", "class",     "delegate", "field", "interface",
+    "method",    "name", "namespace", "property", "using"};
 constexpr std::size_t kLongestSpace = 1000;  // bytes of a namespace's name
 
 bool is_automatic(const SourceTree& tree, TSNode accessors) {
@@ -208,6 +212,7 @@ const Language& csharp_language() {
                                  .files = kFiles,
                                  .grammar = tree_sitter_c_sharp,
                                  .query = csharp_query,
+                                 .captures = kCaptures,
                                  .lexis = &csharp::lexis(),
                                  .keywords = {},
                                  .read = read,

@@ -19,9 +19,9 @@
   (variable_declaration (variable_declarator name: (identifier) @name))) @field
 (property_declaration name: (identifier) @name accessors: (accessor_list) @accessors) @property
 ((method_declaration name: (identifier) @method
-   parameters: (parameter_list . (parameter (modifier) @this)))
- (#eq? @this "this"))
+   parameters: (parameter_list . (parameter (modifier) @_this)))
+ (#eq? @_this "this"))
 ; The grammar takes a block of extension members for a constructor with functions in its body.
-((constructor_declaration name: (identifier) @block
+((constructor_declaration name: (identifier) @_block
    body: (block (local_function_statement name: (identifier) @method)))
- (#eq? @block "extension"))
+ (#eq? @_block "extension"))

@@ -9,9 +9,9 @@
 ((variable_declarator
    name: (_) @bind
    value: (call_expression
-            function: (identifier) @require
+            function: (identifier) @_require
             arguments: (arguments . [(string) (template_string)] @module)))
- (#eq? @require "require") (#set! anywhere))
+ (#eq? @_require "require") (#set! anywhere))
 ((variable_declarator
    name: (_) @bind
    value: (await_expression
@@ -21,31 +21,31 @@
  (#set! anywhere))
 ((member_expression
    object: (call_expression
-             function: (identifier) @require
+             function: (identifier) @_require
              arguments: (arguments . [(string) (template_string)] @module))
    property: (property_identifier) @member)
- (#eq? @require "require") (#set! anywhere))
+ (#eq? @_require "require") (#set! anywhere))
 ((assignment_expression
    left: (member_expression) @assigned
    right: (call_expression
-            function: (identifier) @require
+            function: (identifier) @_require
             arguments: (arguments . [(string) (template_string)] @module)))
- (#eq? @require "require") (#set! anywhere))
+ (#eq? @_require "require") (#set! anywhere))
 ((pair
    key: (property_identifier) @key
    value: (call_expression
-            function: (identifier) @require
+            function: (identifier) @_require
             arguments: (arguments . [(string) (template_string)] @module)))
- (#eq? @require "require") (#set! anywhere))
+ (#eq? @_require "require") (#set! anywhere))
 ((spread_element
    (call_expression
-     function: (identifier) @require
+     function: (identifier) @_require
      arguments: (arguments . [(string) (template_string)] @module))) @spread
- (#eq? @require "require") (#set! anywhere))
+ (#eq? @_require "require") (#set! anywhere))
 ((call_expression
-   function: (identifier) @require
+   function: (identifier) @_require
    arguments: (arguments . [(string) (template_string)] @module))
- (#eq? @require "require") (#set! anywhere))
+ (#eq? @_require "require") (#set! anywhere))
 ((call_expression
    function: (import) @dynamic
    arguments: (arguments . [(string) (template_string)] @module))

@@ -20,6 +20,11 @@ using Files = std::span<const std::string_view>;
 constexpr std::array<std::string_view, 4> kJavaScript = {".js", ".jsx", ".mjs", ".cjs"};
 constexpr std::array<std::string_view, 3> kTypeScript = {".ts", ".mts", ".cts"};
 constexpr std::array<std::string_view, 1> kTsx = {".tsx"};
+// What the reader asks the matches of the query for.
+constexpr std::array<std::string_view, 17> kCaptures = {
+    "assigned", "bind",    "binding", "body",    "class",     "constant",
+    "default",  "dynamic", "export",  "exports", "interface", "key",
+    "member",   "module",  "name",    "spread",  "value"};
 
 // The dialects differ in their grammar; what is read of them and how it is resolved is one.
 Language dialect(std::string_view name, Files files, const TSLanguage* (*grammar)(),
@@ -28,6 +33,7 @@ Language dialect(std::string_view name, Files files, const TSLanguage* (*grammar
           .files = files,
           .grammar = grammar,
           .query = query,
+          .captures = kCaptures,
           .lexis = &ecmascript::lexis,
           .keywords = ecmascript::keywords(),
           .read = ecmascript::read,

@@ -1,4 +1,4 @@
-#include "kestrix/languages/go/resolver.h"
+#include "kestrix/languages/language.h"
 
 #include <kestrix/grammars.h>
 
@@ -7,17 +7,20 @@
 #include <string>
 #include <vector>
 
-#include "kestrix/languages/go/query.scm.h"
-#include "kestrix/languages/go/names.h"
 #include "kestrix/languages/go/conventions.h"
-#include "kestrix/languages/language.h"
-#include "kestrix/syntax/source_tree.h"
+#include "kestrix/languages/go/names.h"
+#include "kestrix/languages/go/query.scm.h"
+#include "kestrix/languages/go/resolver.h"
 #include "kestrix/languages/symbols.h"
+#include "kestrix/syntax/source_tree.h"
 
 namespace kestrix::index {
 namespace {
 
 constexpr std::array<std::string_view, 1> kFiles = {".go"};
+// What the reader asks the matches of the query for.
+constexpr std::array<std::string_view, 5> kCaptures = {"function", "method", "package", "types",
+                                                       "values"};
 constexpr std::array<std::string_view, 1> kComments = {"//"};
 constexpr std::array kStrings = {
     StringStyle{.open = "`", .close = "`", .multiline = true, .escapes = false},
@@ -199,6 +202,7 @@ const Language& go_language() {
                                  .files = kFiles,
                                  .grammar = tree_sitter_go,
                                  .query = go_query,
+                                 .captures = kCaptures,
                                  .lexis = &kLexis,
                                  .keywords = {},
                                  .read = read,

@@ -1,20 +1,24 @@
+#include "kestrix/languages/language.h"
+
 #include <kestrix/grammars.h>
 
 #include <array>
 #include <string>
 
 #include "kestrix/languages/java/query.scm.h"
-#include "kestrix/languages/packaged/reading.h"
 #include "kestrix/languages/jvm/conventions.h"
-#include "kestrix/languages/language.h"
-#include "kestrix/syntax/source_tree.h"
-#include "kestrix/languages/symbols.h"
 #include "kestrix/languages/jvm/resolver.h"
+#include "kestrix/languages/packaged/reading.h"
+#include "kestrix/languages/symbols.h"
+#include "kestrix/syntax/source_tree.h"
 
 namespace kestrix::index {
 namespace {
 
 constexpr std::array<std::string_view, 1> kFiles = {".java"};
+// What the reader asks the matches of the query for.
+constexpr std::array<std::string_view, 7> kCaptures = {"body",      "class", "constant", "field",
+                                                       "interface", "name",  "package"};
 // Words behind which a dotted name is no use of it.
 constexpr std::array<std::string_view, 3> kStatements = {"import", "module", "package"};
 constexpr std::array<std::string_view, 1> kComments = {"//"};
@@ -120,6 +124,7 @@ const Language& java_language() {
                                  .files = kFiles,
                                  .grammar = tree_sitter_java,
                                  .query = java_query,
+                                 .captures = kCaptures,
                                  .lexis = &kLexis,
                                  .keywords = {},
                                  .read = read,

@@ -22,6 +22,9 @@ namespace kestrix::index {
 namespace {
 
 constexpr std::array<std::string_view, 2> kFiles = {".kt", ".kts"};
+// What the reader asks the matches of the query for.
+constexpr std::array<std::string_view, 8> kCaptures = {
+    "class", "declaration", "facade", "head", "interface", "name", "package", "value"};
 // Words behind which a dotted name is no use of it.
 constexpr std::array<std::string_view, 2> kStatements = {"import", "package"};
 // Words that are followed by a bracket without being called.
@@ -215,6 +218,7 @@ const Language& kotlin_language() {
                                  .files = kFiles,
                                  .grammar = tree_sitter_kotlin,
                                  .query = kotlin_query,
+                                 .captures = kCaptures,
                                  .lexis = &kotlin::lexis(),
                                  .keywords = {},
                                  .read = read,

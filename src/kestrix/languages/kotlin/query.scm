@@ -1,6 +1,6 @@
-((file_annotation (constructor_invocation (user_type (identifier) @annotation)
+((file_annotation (constructor_invocation (user_type (identifier) @_annotation)
    (value_arguments (value_argument (string_literal (string_content) @facade)))))
- (#eq? @annotation "JvmName"))
+ (#eq? @_annotation "JvmName"))
 (package_header) @package @import
 (import) @import
 

@@ -1,4 +1,4 @@
-#include "kestrix/languages/php/resolver.h"
+#include "kestrix/languages/language.h"
 
 #include <kestrix/grammars.h>
 
@@ -12,16 +12,20 @@
 #include <vector>
 
 #include "kestrix/languages/packaged/reading.h"
-#include "kestrix/languages/php/query.scm.h"
 #include "kestrix/languages/php/conventions.h"
-#include "kestrix/languages/language.h"
-#include "kestrix/syntax/source_tree.h"
+#include "kestrix/languages/php/query.scm.h"
+#include "kestrix/languages/php/resolver.h"
 #include "kestrix/languages/symbols.h"
+#include "kestrix/syntax/source_tree.h"
 
 namespace kestrix::index {
 namespace {
 
 constexpr std::array<std::string_view, 3> kFiles = {".php", ".phtml", ".inc"};
+// What the reader asks the matches of the query for.
+constexpr std::array<std::string_view, 11> kCaptures = {
+    "binding",   "body", "class",   "constant", "function", "inclusion",
+    "interface", "name", "package", "use",      "variable"};
 constexpr std::array<std::string_view, 4> kKeywords = {"include", "include_once", "require",
                                                        "require_once"};
 // "#[" opens an attribute.
@@ -230,6 +234,7 @@ const Language& php_language() {
                                  .files = kFiles,
                                  .grammar = tree_sitter_php,
                                  .query = php_query,
+                                 .captures = kCaptures,
                                  .lexis = &kLexis,
                                  .keywords = kKeywords,
                                  .read = read,

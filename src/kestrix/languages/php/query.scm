@@ -20,9 +20,9 @@
 
 (const_declaration (const_element . (name) @name (_) @body)) @constant
 ((expression_statement
-   (function_call_expression function: (name) @callee
+   (function_call_expression function: (name) @_callee
      arguments: (arguments . (argument (string (string_content) @name)))) @constant)
- (#eq? @callee "define"))
+ (#eq? @_callee "define"))
 (property_declaration
   (property_element name: (variable_name (name) @name) default_value: (_)? @body)) @variable
 (expression_statement

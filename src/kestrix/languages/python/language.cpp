@@ -1,4 +1,4 @@
-#include "kestrix/languages/python/resolver.h"
+#include "kestrix/languages/language.h"
 
 #include <kestrix/grammars.h>
 
@@ -6,16 +6,18 @@
 #include <array>
 #include <string>
 
-#include "kestrix/languages/python/query.scm.h"
 #include "kestrix/languages/python/conventions.h"
-#include "kestrix/languages/language.h"
-#include "kestrix/syntax/source_tree.h"
+#include "kestrix/languages/python/query.scm.h"
+#include "kestrix/languages/python/resolver.h"
 #include "kestrix/languages/symbols.h"
+#include "kestrix/syntax/source_tree.h"
 
 namespace kestrix::index {
 namespace {
 
 constexpr std::array<std::string_view, 3> kFiles = {".py", ".pyi", ".pyw"};
+// What the reader asks the matches of the query for.
+constexpr std::array<std::string_view, 4> kCaptures = {"binding", "body", "class", "name"};
 constexpr std::array<std::string_view, 1> kKeywords = {"import"};
 constexpr std::array<std::string_view, 1> kComments = {"#"};
 constexpr std::array kStrings = {
@@ -104,6 +106,7 @@ const Language& python_language() {
                                  .files = kFiles,
                                  .grammar = tree_sitter_python,
                                  .query = python_query,
+                                 .captures = kCaptures,
                                  .lexis = &kLexis,
                                  .keywords = kKeywords,
                                  .read = read,

@@ -1,4 +1,4 @@
-#include "kestrix/languages/ruby/resolver.h"
+#include "kestrix/languages/language.h"
 
 #include <kestrix/grammars.h>
 
@@ -10,17 +10,21 @@
 #include <vector>
 
 #include "kestrix/languages/packaged/reading.h"
-#include "kestrix/languages/ruby/query.scm.h"
 #include "kestrix/languages/ruby/conventions.h"
-#include "kestrix/languages/language.h"
-#include "kestrix/syntax/source_tree.h"
+#include "kestrix/languages/ruby/query.scm.h"
+#include "kestrix/languages/ruby/resolver.h"
 #include "kestrix/languages/symbols.h"
+#include "kestrix/syntax/source_tree.h"
 
 namespace kestrix::index {
 namespace {
 
 constexpr std::array<std::string_view, 6> kFiles = {".rb", ".rake",   ".gemspec",
                                                     ".ru", "gemfile", "rakefile"};
+// What the reader asks the matches of the query for.
+constexpr std::array<std::string_view, 11> kCaptures = {
+    "body", "class",   "constant", "made",       "name",    "namespace",
+    "path", "require", "scope",    "superclass", "variable"};
 constexpr std::array<std::string_view, 3> kKeywords = {"autoload", "require", "require_relative"};
 constexpr std::array<std::string_view, 1> kComments = {"#"};
 constexpr std::array kStrings = {
@@ -156,6 +160,7 @@ const Language& ruby_language() {
                                  .files = kFiles,
                                  .grammar = tree_sitter_ruby,
                                  .query = ruby_query,
+                                 .captures = kCaptures,
                                  .lexis = &kLexis,
                                  .keywords = kKeywords,
                                  .read = read,

@@ -1,9 +1,9 @@
 ((call method: (identifier) @require
    arguments: (argument_list . (string (string_content) @path))) @import
  (#any-of? @require "require" "require_relative") (#set! anywhere))
-((call method: (identifier) @autoload
+((call method: (identifier) @_autoload
    arguments: (argument_list . (simple_symbol) . (string (string_content) @path))) @import
- (#eq? @autoload "autoload") (#set! anywhere))
+ (#eq? @_autoload "autoload") (#set! anywhere))
 
 (module name: (_) @namespace body: (_)? @members) @scope
 (class name: (_) @name superclass: (_)? @superclass body: (_)? @members) @class @scope
@@ -12,8 +12,8 @@
 
 ; A class that a call makes.
 ((assignment left: (constant) @name
-   right: (call receiver: (constant) @maker method: (identifier) @make)) @made
- (#any-of? @maker "Struct" "Data" "Class") (#any-of? @make "new" "define"))
+   right: (call receiver: (constant) @_maker method: (identifier) @_make)) @made
+ (#any-of? @_maker "Struct" "Data" "Class") (#any-of? @_make "new" "define"))
 (assignment left: (constant) @name right: (_) @body) @constant
 (assignment
   left: [(class_variable) (global_variable) (instance_variable) (identifier)] @name

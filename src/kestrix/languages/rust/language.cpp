@@ -1,4 +1,4 @@
-#include "kestrix/languages/rust/resolver.h"
+#include "kestrix/languages/language.h"
 
 #include <kestrix/grammars.h>
 
@@ -10,19 +10,23 @@
 #include <utility>
 #include <vector>
 
-#include "kestrix/languages/rust/query.scm.h"
+#include "kestrix/languages/rust/conventions.h"
 #include "kestrix/languages/rust/macro_items.h"
 #include "kestrix/languages/rust/paths.h"
+#include "kestrix/languages/rust/query.scm.h"
+#include "kestrix/languages/rust/resolver.h"
 #include "kestrix/languages/rust/use_tree.h"
-#include "kestrix/languages/rust/conventions.h"
-#include "kestrix/languages/language.h"
-#include "kestrix/syntax/source_tree.h"
 #include "kestrix/languages/symbols.h"
+#include "kestrix/syntax/source_tree.h"
 
 namespace kestrix::index {
 namespace {
 
 constexpr std::array<std::string_view, 1> kFiles = {".rs"};
+// What the reader asks the matches of the query for.
+constexpr std::array<std::string_view, 13> kCaptures = {
+    "attribute", "body", "class", "constant", "crate", "inline",  "interface",
+    "item",      "mod",  "name",  "tokens",   "use",   "variable"};
 constexpr std::array<std::string_view, 2> kKeywords = {"extern", "use"};
 constexpr std::array<std::string_view, 1> kComments = {"//"};
 constexpr std::array kStrings = {StringStyle{.open = "\"", .close = "\"", .multiline = true}};
@@ -262,6 +266,7 @@ const Language& rust_language() {
                                  .files = kFiles,
                                  .grammar = tree_sitter_rust,
                                  .query = rust_query,
+                                 .captures = kCaptures,
                                  .lexis = &kLexis,
                                  .keywords = kKeywords,
                                  .read = read,
