@@ -20,8 +20,8 @@ if(NOT CMAKE_SCRIPT_MODE_FILE)
 endif()
 
 set(forbidden "/(SQLiteCpp|tree_sitter|git2|spdlog|pybind11)/|/(sqlite3(ext)?|git2|Python)\\.h$")
-set(forbidden "${forbidden}|^/(grammars|src/kestrix/(host|index|facts|files|formats|git|languages|store|syntax|text|walk))/")
-set(allowed "^/src/kestrix/(index/repository|facts/symbol_kind)\\.h$")
+set(forbidden "${forbidden}|^/(grammars|src/kestrix/(definitions|host|index|facts|files|formats|git|languages|store|syntax|text|walk))/")
+set(allowed "^/src/kestrix/(index/repository|facts/(data_signals|symbol_kind))\\.h$")
 
 string(REPLACE "|" ";" INCLUDES "${INCLUDES}")
 list(TRANSFORM INCLUDES PREPEND "-I")

@@ -17,8 +17,6 @@
 #include "apps/page_sources/output.h"
 #include "kestrix/index/indexer.h"
 #include "kestrix/host/native_logger.h"
-#include "kestrix/utils/path_filter.h"
-#include "kestrix/host/components.h"
 #include "kestrix/workers/wiki/page_sources/rules.h"
 #include "kestrix/host/wiki_generator.h"
 
@@ -63,7 +61,7 @@ class Commands {
 
   std::string operator()(const SymbolsCommand& command) const {
     const Opened opened = open(command.common);
-    const auto symbols = find_symbols(*opened.index, command.kind, command.name);
+    const auto symbols = find_symbols(RepositoryHandle(*opened.index), command.kind, command.name);
     return command.format == Format::kJson ? symbols_as_json(opened.name(), symbols)
                                            : symbols_as_tsv(symbols);
   }
@@ -92,7 +90,6 @@ class Commands {
     index::IndexOptions options;
     options.root = common.repository;
     options.file = common.index;
-    options.path_rules = {.components = components_of, .is_test = is_test_path};
     options.threads = common.threads;
     options.stop = &stop_;
     options.progress = [&progress](std::size_t done, std::size_t total) {

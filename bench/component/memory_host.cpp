@@ -1,6 +1,7 @@
 #include "bench/component/memory_host.h"
 
 #include <algorithm>
+#include <unordered_set>
 
 namespace kestrix {
 namespace bench {
@@ -51,6 +52,15 @@ std::vector<Component> MemoryIndex::get_all_components(ComponentOptions /*option
   return {{"domain", "src/product/services/**"}};
 }
 
+FileGraph MemoryIndex::graph_among(std::span<const std::string_view> paths) const {
+  const std::unordered_set<std::string_view> known(paths.begin(), paths.end());
+  FileGraph graph;
+  std::ranges::copy_if(world_.edges, std::back_inserter(graph.edges), [&](const FileEdge& edge) {
+    return known.contains(edge.source) && known.contains(edge.target);
+  });
+  return graph;
+}
+
 std::vector<SourceFileRecord> MemoryHost::_source_files() const {
   std::vector<SourceFileRecord> records;
   for (const auto& path : index_.world().files) records.push_back({path});
@@ -98,11 +108,9 @@ std::optional<std::string> most_specific(const RootMap& roots, std::string_view 
 }
 
 ClusterInputs cluster_inputs(const Repository& repository, const PathSet& paths) {
-  const auto& world = dynamic_cast<const bench::MemoryIndex&>(repository).world();
+  const std::vector<std::string_view> views(paths.begin(), paths.end());
   ClusterInputs inputs;
-  std::ranges::copy_if(world.edges, std::back_inserter(inputs.edges), [&](const FileEdge& edge) {
-    return paths.contains(edge.source) && paths.contains(edge.target);
-  });
+  inputs.edges = repository.graph_among(views).edges;
   return inputs;
 }
 

@@ -19,6 +19,7 @@ class MemoryIndex : public Repository {
                               SymbolSearchOptions options) const override;
   std::unordered_map<SymbolId, std::string> get_file_paths_batch(
       std::span<const Symbol> symbols) const override;
+  FileGraph graph_among(std::span<const std::string_view> paths) const override;
   std::vector<Component> get_all_components(ComponentOptions options) const override;
 
   const World& world() const { return world_; }

@@ -63,6 +63,10 @@ std::unordered_map<SymbolId, std::string> FakeRepository::get_file_paths_batch(
   return world->symbol_files;
 }
 
+FileGraph FakeRepository::graph_among(std::span<const std::string_view> /*paths*/) const {
+  return {{}, world->edges};
+}
+
 std::vector<Component> FakeRepository::get_all_components(ComponentOptions options) const {
   world->called(fmt::format("get_all_components({})", options.source_only));
   return world->components;
@@ -116,11 +120,11 @@ std::optional<std::string> most_specific(const RootMap& roots, std::string_view 
   return std::nullopt;
 }
 
-ClusterInputs cluster_inputs(const Repository& /*repository*/, const PathSet& paths) {
+ClusterInputs cluster_inputs(const Repository& repository, const PathSet& paths) {
   test::Paths sorted(paths.begin(), paths.end());
   std::ranges::sort(sorted);
   world->called("cluster_inputs(" + test::list(sorted) + ")");
-  return {{}, {}, world->edges};
+  return {{}, {}, repository.graph_among({}).edges};
 }
 
 std::vector<std::string> data_model_files(const PathTexts& texts) {

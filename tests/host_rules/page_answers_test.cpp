@@ -51,7 +51,6 @@ class PageAnswers : public testing::Test {
     index::IndexOptions options;
     options.root = scratch_ / "repo";
     options.file = scratch_ / "index.sqlite";
-    options.path_rules = {.components = components_of, .is_test = is_test_path};
     index_ = index::refresh_and_open(options).index;
     generator_.emplace(*index_, options.root);
   }

@@ -50,7 +50,6 @@ class Concurrency : public testing::Test {
     index::IndexOptions options;
     options.root = directory_.path() / "repo";
     options.file = directory_.path() / "i.db";
-    options.path_rules = {.components = components_of, .is_test = is_test_path};
     options.threads = 2;
     return options;
   }

@@ -28,12 +28,9 @@ FileBytes failed(ReadStatus status) {
 
 struct ReadPlan {
   std::size_t limit;
+  std::size_t head;  // what is read of a file that is larger
   bool stop_at_binary = false;
 };
-
-bool is_worth_reading_on(const FileBytes& file, std::size_t size, ReadPlan plan) {
-  return !plan.stop_at_binary || (size <= plan.limit && !is_binary(file.bytes));
-}
 
 FileBytes read_descriptor(const FileDescriptor& file, ReadPlan plan) {
   if (!file) return failed(status_of(errno));
@@ -43,13 +40,15 @@ FileBytes read_descriptor(const FileDescriptor& file, ReadPlan plan) {
   FileBytes result;
   result.stamp = stamp_of(status);
   const auto size = static_cast<std::size_t>(std::max<off_t>(status.st_size, 0));
-  // One byte more than the file should hold, so that its growing shows.
-  const std::size_t all = std::min(size, plan.limit) + 1;
-  bool good = read_up_to(file, std::min(all, kBinaryWindow), result.bytes);
-  if (good && is_worth_reading_on(result, size, plan)) good = read_up_to(file, all, result.bytes);
-  if (!good) return failed(ReadStatus::kUnreadable);
   result.truncated = size > plan.limit;
-  if (result.bytes.size() > plan.limit) result.bytes.resize(plan.limit);
+  const std::size_t limit = result.truncated ? plan.head : plan.limit;
+  // One byte more than the file should hold, so that its growing shows.
+  const std::size_t all = std::min(size, limit) + 1;
+  bool good = read_up_to(file, std::min(all, kBinaryWindow), result.bytes);
+  const bool stop = plan.stop_at_binary && is_binary(result.bytes);
+  if (good && !stop && result.bytes.size() < all) good = read_up_to(file, all, result.bytes);
+  if (!good) return failed(ReadStatus::kUnreadable);
+  if (result.bytes.size() > limit) result.bytes.resize(limit);
   struct stat after {};
   result.changed = ::fstat(file.get(), &after) != 0 || stamp_of(after) != result.stamp;
   return result;
@@ -58,17 +57,17 @@ FileBytes read_descriptor(const FileDescriptor& file, ReadPlan plan) {
 }  // namespace
 
 FileBytes read_file(const RootDirectory& root, std::string_view path, std::size_t limit) {
-  return read_descriptor(root.open(path, kReading), {limit});
+  return read_descriptor(root.open(path, kReading), {limit, limit});
 }
 
-FileBytes read_source(const RootDirectory& root, std::string_view path) {
-  return read_descriptor(root.open(path, kReading), {kMaxParsedBytes, true});
+FileBytes read_source(const RootDirectory& root, std::string_view path, std::size_t head) {
+  return read_descriptor(root.open(path, kReading), {kMaxParsedBytes, std::max(head, kBinaryWindow), true});
 }
 
 FileBytes read_users_file(const std::filesystem::path& path, std::size_t limit) {
   const FileDescriptor file(::open(path.c_str(), kReading | O_CLOEXEC));
   if (!file) check_shortage(path.native(), errno);
-  return read_descriptor(file, {limit});
+  return read_descriptor(file, {limit, limit});
 }
 
 std::string whole_text(FileBytes content) {

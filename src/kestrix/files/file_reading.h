@@ -31,9 +31,9 @@ struct FileBytes {
 /// a pipe, follows no link.
 FileBytes read_file(const RootDirectory& root, std::string_view path, std::size_t limit);
 
-/// The same for a file that may be source: all of it, but only the first 8 KiB where these show
-/// that it is binary, or where the file is larger than what is parsed.
-FileBytes read_source(const RootDirectory& root, std::string_view path);
+/// The same for a file that may be source: all of it, but of a binary only the first 8 KiB, and of
+/// one that is larger than what is parsed the first `head` bytes.
+FileBytes read_source(const RootDirectory& root, std::string_view path, std::size_t head);
 
 /// Reads at most `limit` bytes of a file of the user's own settings, which may lie anywhere.
 /// Follows links; never used for a path that a repository names.

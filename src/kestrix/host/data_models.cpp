@@ -4,6 +4,7 @@
 #include <array>
 
 #include "kestrix/host/data_models/data_ranking.h"
+#include "kestrix/host/data_models/data_signals.h"
 #include "kestrix/host/index_evidence.h"
 #include "kestrix/host/pages.h"
 #include "kestrix/workers/wiki/page_sources/recipes.h"
@@ -74,7 +75,7 @@ std::string data_models_why_not(const WikiGenerator& generator, std::string_view
   if (!may_define_data(path)) return "in no language that defines data";
   const Text text =
       _read_text({&generator.repo_root(), std::string(path)}, {.max_chars = DETECTOR_READ_CHARS});
-  const DataSignals signals = data_signals(path, text.str());
+  const DataSignals signals = data_signals(path, text);
   if (defines_data(signals)) {
     return fmt::format("{}, and the page's files define more or lie nearer to the product",
                        reasons_of(signals).front().text);

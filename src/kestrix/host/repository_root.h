@@ -4,6 +4,7 @@
 #include <string>
 
 #include "kestrix/files/root_directory.h"
+#include "kestrix/index/index.h"
 #include "kestrix/workers/wiki/repo_facts.h"
 
 namespace kestrix {
@@ -11,10 +12,12 @@ namespace kestrix {
 /// The root of a repository on disk. Its texts must not outlive it.
 class RepositoryRoot : public RepoRoot {
  public:
-  /// Throws `Error`, which names `path`, when it is not a directory.
-  explicit RepositoryRoot(const std::filesystem::path& path)
-      : RepositoryRoot(index::RootDirectory(path)) {}
-  explicit RepositoryRoot(index::RootDirectory directory);
+  /// What `index` knows of a text comes with it, unless it is null; it must outlive the root. Throws
+  /// `Error`, which names `path`, when it is not a directory.
+  explicit RepositoryRoot(const std::filesystem::path& path,
+                          const index::RepositoryIndex* index = nullptr)
+      : RepositoryRoot(index::RootDirectory(path), index) {}
+  RepositoryRoot(index::RootDirectory directory, const index::RepositoryIndex* index);
 
   Text text(const std::string& below, ReadTextOptions options) const override;
 
@@ -22,6 +25,7 @@ class RepositoryRoot : public RepoRoot {
   std::string read(const std::string& below, std::size_t max_chars) const;
 
   index::RootDirectory directory_;
+  const index::RepositoryIndex* index_;
 };
 
 }  // namespace kestrix

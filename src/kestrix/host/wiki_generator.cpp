@@ -8,7 +8,7 @@
 namespace kestrix {
 
 WikiGenerator::WikiGenerator(const index::RepositoryIndex& index, const std::filesystem::path& root)
-    : index_(index), root_(root) {
+    : index_(index), handle_(index), root_(root, &index) {
   for (const auto& file : index_.files()) {
     if (file.document) continue;
     std::string path = _norm(file.path);

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "kestrix/host/repository_handle.h"
 #include "kestrix/host/repository_root.h"
 #include "kestrix/index/index.h"
 #include "kestrix/workers/wiki/page_sources.h"
@@ -22,8 +23,8 @@ class WikiGenerator : public PageSourcesMixin {
   /// Throws `Error` when that is no directory.
   WikiGenerator(const index::RepositoryIndex& index, const std::filesystem::path& root);
 
-  const Repository& repository() const override { return index_; }
-  /// The same handle, as the native host knows it.
+  const Repository& repository() const override { return handle_; }
+  /// What the handle speaks for.
   const index::RepositoryIndex& indexed() const { return index_; }
   /// Whether a path is one of `_planner_paths`.
   bool is_planned(std::string_view path) const;
@@ -34,6 +35,7 @@ class WikiGenerator : public PageSourcesMixin {
 
  private:
   const index::RepositoryIndex& index_;
+  RepositoryHandle handle_;
   RepositoryRoot root_;
   std::vector<std::string> planner_paths_;  // ascending; asked for by nearly every detector
 };

@@ -6,6 +6,8 @@
 #include <optional>
 #include <utility>
 
+#include "kestrix/index/data_definitions.h"
+#include "kestrix/languages/data_languages.h"
 #include "kestrix/languages/language.h"
 #include "kestrix/languages/reading.h"
 #include "kestrix/store/content_hash.h"
@@ -50,16 +52,23 @@ std::optional<FileFacts> parse(const Language& language, std::string_view text) 
   return read_facts(language, text);
 }
 
-void take_text(ScannedFile& file, const Language* language, const std::string& text) {
+void take_facts(ScannedFile& file, const Language& language, std::string_view text) {
   FileRow& row = file.row;
-  row.traits.set(Trait::kGenerated, is_generated(row.path, text));
-  row.traits.set(Trait::kMinified, is_minified(row.path, text));
-  if (language == nullptr || row.traits.has(Trait::kMinified)) return;
-  auto facts = parse(*language, text);
+  const auto facts = parse(language, text);
   row.traits.set(facts ? Trait::kParsed : Trait::kGaveUp);
   if (!facts) return;
   file.facts = encode_facts(*facts, {row.path, row.hash});
   file.symbols = encode_symbols(facts->symbols);
+}
+
+// All that is taken from a text is taken here, while it is in hand.
+void take_text(ScannedFile& file, const Language* language, std::string_view text) {
+  FileRow& row = file.row;
+  row.data = data_definitions(row.path, text);
+  if (row.traits.has(Trait::kLarge)) return;
+  row.traits.set(Trait::kGenerated, is_generated(row.path, text));
+  row.traits.set(Trait::kMinified, is_minified(row.path, text));
+  if (language != nullptr && !row.traits.has(Trait::kMinified)) take_facts(file, *language, text);
 }
 
 void take_content(ScannedFile& file, FileBytes content) {
@@ -69,7 +78,7 @@ void take_content(ScannedFile& file, FileBytes content) {
   const Language* language = language_of(row.path);
   row.traits.set(Trait::kDocument, language == nullptr && is_document_path(row.path));
   if (language != nullptr) row.language = language->name;
-  if (!content.truncated) take_text(file, language, decode_text(std::move(content.bytes)));
+  take_text(file, language, decode_text(std::move(content.bytes)));
 }
 
 // What was read of a file is what its row and its facts are made of.
@@ -82,7 +91,8 @@ bool has_same_content(const FileRow* known, const FileBytes& content, std::uint6
 
 ScannedFile scan_file(const RootDirectory& root, const ScanTask& task) {
   const auto before = now();
-  FileBytes content = read_source(root, task.path);
+  const bool may_define_data = definition_scan_of(task.path) != nullptr;
+  FileBytes content = read_source(root, task.path, may_define_data ? kMostScannedBytes : 0);
   ScannedFile file;
   if (content.status == ReadStatus::kVanished) {
     file.outcome = ScanOutcome::kVanished;

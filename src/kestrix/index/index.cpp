@@ -13,6 +13,7 @@
 #include "kestrix/store/corrupt_index.h"
 #include "kestrix/store/edge_codec.h"
 #include "kestrix/store/facts_codec.h"
+#include "kestrix/store/signals_codec.h"
 #include "kestrix/store/store.h"
 
 namespace kestrix::index {
@@ -40,7 +41,7 @@ class RepositoryIndex::Loader {
       index_.files_.push_back(
           {index_.texts_.keep(row.path), language_name(row.language),
            row.traits.has(Trait::kDocument),
-           row.traits.has(Trait::kGenerated) || row.traits.has(Trait::kMinified)});
+           row.traits.has(Trait::kGenerated) || row.traits.has(Trait::kMinified), row.data});
       if (!row.language.empty()) count_language(row);
     }
   }
@@ -48,6 +49,7 @@ class RepositoryIndex::Loader {
   void sum_up(const FileRow& row) {
     digest_.add(row.path);
     digest_.add(row.language);
+    digest_.add(encode_signals(row.data));
     for (const std::int64_t number :
          {row.id, row.stamp.size, row.stamp.modified_ns, row.stamp.changed_ns}) {
       digest_.add(static_cast<std::uint64_t>(number));
@@ -142,9 +144,8 @@ class RepositoryIndex::Loader {
   Digest digest_;
 };
 
-std::unique_ptr<RepositoryIndex> RepositoryIndex::load(Store& store, std::span<const FileRow> rows,
-                                                       const PathRules& rules) {
-  std::unique_ptr<RepositoryIndex> index(new RepositoryIndex(rules));
+std::unique_ptr<RepositoryIndex> RepositoryIndex::load(Store& store, std::span<const FileRow> rows) {
+  std::unique_ptr<RepositoryIndex> index(new RepositoryIndex);
   Loader(*index, store).load(rows);
   return index;
 }
@@ -174,11 +175,6 @@ Statistics RepositoryIndex::statistics() const {
   statistics.languages = languages_;
   statistics.skipped = skipped_;
   return statistics;
-}
-
-SymbolSearch RepositoryIndex::search_symbols(std::string_view pattern,
-                                             SymbolSearchOptions options) const {
-  return search_symbols(std::span(&pattern, 1), options);
 }
 
 SymbolSearch RepositoryIndex::search_symbols(std::span<const std::string_view> patterns,
@@ -211,17 +207,21 @@ std::unordered_map<SymbolId, std::string> RepositoryIndex::get_file_paths_batch(
   return paths;
 }
 
-bool RepositoryIndex::is_production(const IndexedFile& file) const {
-  return !file.document && (rules_.is_test == nullptr || !rules_.is_test(file.path));
-}
-
-std::vector<Component> RepositoryIndex::get_all_components(ComponentOptions options) const {
-  if (rules_.components == nullptr) return {};
-  std::vector<std::string> paths;
-  for (const IndexedFile& file : files_) {
-    if (!options.source_only || is_production(file)) paths.emplace_back(file.path);
+FileGraph RepositoryIndex::graph_among(std::span<const std::string_view> paths) const {
+  std::vector<bool> wanted(files_.size());
+  for (const std::string_view path : paths) {
+    if (const auto file = find(path)) wanted[*file] = true;
   }
-  return rules_.components(paths);
+  FileGraph graph;
+  for (FileId file = 0; file < files_.size(); ++file) {
+    if (!wanted[file]) continue;
+    graph.files.push_back(files_[file].path);
+    for (const IndexedEdge& edge : edges_from(file)) {
+      if (!wanted[edge.target]) continue;
+      graph.edges.push_back({files_[file].path, files_[edge.target].path, edge.weight});
+    }
+  }
+  return graph;
 }
 
 }  // namespace kestrix::index

@@ -20,20 +20,13 @@ namespace kestrix::index {
 class Store;
 struct FileRow;
 
-/// The host's rules about paths that the handle applies. Without them it knows no components.
-struct PathRules {
-  /// The components that folders show, found among paths.
-  std::vector<Component> (*components)(std::span<const std::string> paths) = nullptr;
-  /// Whether a path is a test file; none are by default.
-  bool (*is_test)(std::string_view path) = nullptr;
-};
-
 /// A text file of the index. Binary and unreadable files are only counted.
 struct IndexedFile {
   std::string_view path;      ///< relative to the repository's root
   std::string_view language;  ///< "" when no language reads it
   bool document = false;      ///< prose; all other files are source
   bool generated = false;     ///< made by a program, or minified
+  DataSignals data;           ///< what its first `kMostScannedChars` characters define
 };
 
 struct IndexedSymbol {
@@ -73,12 +66,11 @@ struct Statistics {
 /// threads. Files ascend by the bytes of their paths, and a file's place is its id; symbols come in
 /// the order of their files and then of their source, and a symbol's id is its place, counted from
 /// one. So the same files give the same ids, however the index came to be.
-class RepositoryIndex : public Repository {
+class RepositoryIndex {
  public:
   /// Reads the store within the caller's transaction; `rows` are all of its files, ascending by
   /// path.
-  static std::unique_ptr<RepositoryIndex> load(Store& store, std::span<const FileRow> rows,
-                                               const PathRules& rules);
+  static std::unique_ptr<RepositoryIndex> load(Store& store, std::span<const FileRow> rows);
   /// Sums up all that was read. What was stored and what is read must have the same.
   std::string digest() const;
 
@@ -90,22 +82,18 @@ class RepositoryIndex : public Repository {
   std::span<const IndexedEdge> edges_from(FileId source) const;
   Statistics statistics() const;
 
-  SymbolSearch search_symbols(std::string_view pattern, SymbolSearchOptions options) const override;
+  // As `Repository` has them.
   SymbolSearch search_symbols(std::span<const std::string_view> patterns,
-                              SymbolSearchOptions options) const override;
+                              SymbolSearchOptions options) const;
   std::unordered_map<SymbolId, std::string> get_file_paths_batch(
-      std::span<const Symbol> symbols) const override;
-  /// Found anew at each call, which looks at every path.
-  std::vector<Component> get_all_components(ComponentOptions options) const override;
+      std::span<const Symbol> symbols) const;
+  FileGraph graph_among(std::span<const std::string_view> paths) const;
 
  private:
   class Loader;
 
-  explicit RepositoryIndex(const PathRules& rules) : rules_(rules) {}
+  RepositoryIndex() = default;
 
-  bool is_production(const IndexedFile& file) const;
-
-  PathRules rules_;
   TextBlocks texts_;  // what the views point into
   std::vector<IndexedFile> files_;
   std::vector<IndexedSymbol> symbols_;

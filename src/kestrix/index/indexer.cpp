@@ -61,7 +61,7 @@ std::unique_ptr<RepositoryIndex> open(const IndexOptions& options) {
   const RootDirectory root(options.root);
   Store store = Store::open_existing(place_of(options, root.path()).file);
   store.begin_read();
-  return open_stored(store, options.path_rules);
+  return open_stored(store);
 }
 
 RefreshedIndex refresh_and_open(const IndexOptions& options) {

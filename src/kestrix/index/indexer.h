@@ -18,8 +18,6 @@ struct IndexOptions {
   std::filesystem::path root = ".";
   /// The index's file; none: `default_index_path`, which never lies in the repository.
   std::optional<std::filesystem::path> file;
-  /// What tells components and tests by their paths, for the handle.
-  PathRules path_rules;
   /// How many threads read and parse; 0: one a core. Results do not depend on it.
   unsigned threads = 0;
   /// How long to wait while another process refreshes the same index. A first indexing may take

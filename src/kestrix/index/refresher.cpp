@@ -25,9 +25,8 @@ const std::string kReaderSetting = "reader";
 const std::string kRootSetting = "root";
 const std::string kDigestSetting = "digest";
 
-std::unique_ptr<RepositoryIndex> load_checked(Store& store, std::span<const FileRow> rows,
-                                              const PathRules& rules) {
-  auto index = RepositoryIndex::load(store, rows, rules);
+std::unique_ptr<RepositoryIndex> load_checked(Store& store, std::span<const FileRow> rows) {
+  auto index = RepositoryIndex::load(store, rows);
   if (index->digest() != store.setting(kDigestSetting)) {
     throw CorruptIndex(fmt::format("{}: the index is damaged", store.path().native()));
   }
@@ -61,13 +60,13 @@ std::unique_ptr<RepositoryIndex> Refresher::run(bool open) {
   const WalkResult walked = walk(root_, {.excluded = own_files, .stop = options_.stop});
   store_.begin_read();
   if (is_up_to_date(walked))
-    return open ? load_checked(store_, rows_, options_.path_rules) : nullptr;
+    return open ? load_checked(store_, rows_) : nullptr;
   const int seen = store_.data_version();
   store_.end_read();
   store_.begin_write(options_.lock_timeout, options_.stop);
   if (store_.data_version() != seen) is_up_to_date(walked);
   bring_up_to_date(walked);
-  auto index = RepositoryIndex::load(store_, rows_, options_.path_rules);
+  auto index = RepositoryIndex::load(store_, rows_);
   store_.set_setting(kDigestSetting, index->digest());
   check_stop(options_.stop);
   store_.commit();
@@ -107,7 +106,7 @@ std::string Refresher::reason_to_rebuild() {
 void Refresher::bring_up_to_date(const WalkResult& walked) {
   // What stays of the old state must be sound; its sum is renewed with the new one.
   if (result_.rebuilt.empty())
-    load_checked(store_, rows_, {});
+    load_checked(store_, rows_);
   else
     recreate();
   skipped_ = walked.skipped;
@@ -229,11 +228,11 @@ void Refresher::resolve() {
   }
 }
 
-std::unique_ptr<RepositoryIndex> open_stored(Store& store, const PathRules& rules) {
+std::unique_ptr<RepositoryIndex> open_stored(Store& store) {
   if (!store.has_current_schema() || store.setting(kReaderSetting) != sources_digest) {
     throw Error(fmt::format("{}: an index of another version", store.path().native()));
   }
-  return load_checked(store, store.files(), rules);
+  return load_checked(store, store.files());
 }
 
 }  // namespace kestrix::index

@@ -57,6 +57,6 @@ class Refresher {
 
 /// Opens the store's state within the caller's transaction. Throws when another version wrote it,
 /// or when it is not what was written.
-std::unique_ptr<RepositoryIndex> open_stored(Store& store, const PathRules& rules);
+std::unique_ptr<RepositoryIndex> open_stored(Store& store);
 
 }  // namespace kestrix::index

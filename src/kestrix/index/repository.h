@@ -5,6 +5,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <unordered_map>
 #include <vector>
 
@@ -21,6 +22,24 @@ struct Symbol {
   std::string signature;  ///< the declaration's head on one line; may be empty
 
   friend bool operator==(const Symbol&, const Symbol&) = default;
+};
+
+/// One evidence-backed dependency: `source` depends on `target`.
+///
+/// The paths are views into a table that outlives the edge (the index's, or the caller's strings).
+struct FileEdge {
+  std::string_view source;
+  std::string_view target;
+  double weight = 0;  ///< strength of the evidence; sums are meaningful
+
+  friend bool operator==(const FileEdge&, const FileEdge&) = default;
+};
+static_assert(std::is_trivially_copyable_v<FileEdge>);
+
+/// Some files of the index with the dependencies among them.
+struct FileGraph {
+  std::vector<std::string_view> files;  ///< ascending
+  std::vector<FileEdge> edges;          ///< by source, then target
 };
 
 struct Component {
@@ -61,6 +80,10 @@ class Repository {
   /// The file of each symbol, by the symbol's id. A symbol without a file has no entry.
   virtual std::unordered_map<SymbolId, std::string> get_file_paths_batch(
       std::span<const Symbol> symbols) const = 0;
+
+  /// Those of the files at `paths` that the index knows, each once. Views live as long as the
+  /// handle does.
+  virtual FileGraph graph_among(std::span<const std::string_view> paths) const = 0;
 
   virtual std::vector<Component> get_all_components(ComponentOptions options) const = 0;
 };

@@ -9,12 +9,13 @@
 #include <utility>
 
 #include "kestrix/store/corrupt_index.h"
+#include "kestrix/store/signals_codec.h"
 #include "kestrix/store/store_file.h"
 
 namespace kestrix::index {
 namespace {
 
-constexpr int kSchemaVersion = 2;
+constexpr int kSchemaVersion = 3;
 constexpr std::int64_t kMaxInteger = std::numeric_limits<std::int64_t>::max();
 constexpr auto kLockPoll = std::chrono::milliseconds(20);
 
@@ -31,7 +32,8 @@ CREATE TABLE file (
   changed INTEGER NOT NULL,
   inode INTEGER NOT NULL,
   hash INTEGER NOT NULL,
-  unresolved INTEGER NOT NULL);
+  unresolved INTEGER NOT NULL,
+  data BLOB NOT NULL);
 CREATE TABLE facts (file INTEGER PRIMARY KEY, bytes BLOB NOT NULL);
 CREATE TABLE symbols (file INTEGER PRIMARY KEY, bytes BLOB NOT NULL);
 CREATE TABLE edges (source INTEGER PRIMARY KEY, bytes BLOB NOT NULL);
@@ -90,6 +92,7 @@ FileRow read_file_row(Rows& rows) {
                static_cast<std::uint64_t>(rows.integer(7))};
   row.hash = static_cast<std::uint64_t>(rows.integer(8));
   row.unresolved = rows.number<std::uint32_t>(9);
+  row.data = decode_signals(rows.text(10));
   return row;
 }
 
@@ -155,7 +158,7 @@ std::vector<FileRow> Store::files() {
   return guarded([&] {
     std::vector<FileRow> files;
     Rows rows(*database_,
-              "SELECT id, path, language, traits, size, modified, changed, inode, hash, unresolved"
+              "SELECT id, path, language, traits, size, modified, changed, inode, hash, unresolved, data"
               " FROM file");
     while (rows.next()) files.push_back(read_file_row(rows));
     if (!std::ranges::is_sorted(files, {}, &FileRow::path)) {
@@ -261,7 +264,8 @@ void Store::set_skip_counts(const SkipCounts& counts) {
 
 void Store::put_file(const FileRow& row) {
   guarded([&] {
-    auto& insert = statement("INSERT OR REPLACE INTO file VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
+    auto& insert = statement("INSERT OR REPLACE INTO file VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
+    const std::string data = encode_signals(row.data);
     insert.bind(1, row.id);
     insert.bindNoCopy(2, row.path);
     insert.bindNoCopy(3, row.language);
@@ -272,6 +276,7 @@ void Store::put_file(const FileRow& row) {
     insert.bind(8, static_cast<std::int64_t>(row.stamp.inode));
     insert.bind(9, static_cast<std::int64_t>(row.hash));
     insert.bind(10, row.unresolved);
+    insert.bindNoCopy(11, data.data(), static_cast<int>(data.size()));
     insert.exec();
   });
 }

@@ -13,6 +13,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "kestrix/facts/data_signals.h"
 #include "kestrix/store/store_file.h"
 #include "kestrix/files/root_directory.h"
 #include "kestrix/files/skip_counts.h"
@@ -60,6 +61,7 @@ struct FileRow {
   FileStamp stamp;  ///< a size below zero: read it again, whatever it looks like
   std::uint64_t hash = 0;
   std::uint32_t unresolved = 0;  ///< imports that looked local and led nowhere
+  DataSignals data;              ///< what its text defines
 };
 
 /// The index's SQLite file.

@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <type_traits>
 #include <vector>
 
 #include "kestrix/utils/counter.h"
@@ -12,18 +11,6 @@
 #include "kestrix/workers/wiki/repo_facts.h"
 
 namespace kestrix {
-
-/// One evidence-backed dependency: `source` depends on `target`.
-///
-/// The paths are views into a table that outlives the edge (the index's, or the caller's strings).
-struct FileEdge {
-  std::string_view source;
-  std::string_view target;
-  double weight = 0;  ///< strength of the evidence; sums are meaningful
-
-  friend bool operator==(const FileEdge&, const FileEdge&) = default;
-};
-static_assert(std::is_trivially_copyable_v<FileEdge>);
 
 /// How the rules read an edge. An edge type of another host brings overloads of its own, which
 /// may compute a field at each read.

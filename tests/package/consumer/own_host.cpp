@@ -46,12 +46,9 @@ std::optional<std::string> most_specific(const RootMap&, std::string_view) { ret
 void note_absorbed(const std::string&, const std::exception&) noexcept {}
 void Logger::warning(std::string_view, const Failure&) const noexcept {}
 
-ClusterInputs cluster_inputs(const Repository&, const PathSet& paths) {
-  ClusterInputs inputs;
-  std::ranges::copy_if(EDGES, std::back_inserter(inputs.edges), [&](const FileEdge& edge) {
-    return paths.contains(edge.source) && paths.contains(edge.target);
-  });
-  return inputs;
+ClusterInputs cluster_inputs(const Repository& repository, const PathSet& paths) {
+  const std::vector<std::string_view> views(paths.begin(), paths.end());
+  return {.files = {}, .units = {}, .edges = repository.graph_among(views).edges};
 }
 
 }  // namespace kestrix
@@ -73,6 +70,16 @@ class Index : public kestrix::Repository {
   std::unordered_map<kestrix::SymbolId, std::string> get_file_paths_batch(
       std::span<const kestrix::Symbol>) const override {
     return {{1, "app/errors.py"}};
+  }
+  kestrix::FileGraph graph_among(std::span<const std::string_view> paths) const override {
+    const auto holds = [&](std::string_view path) {
+      return std::ranges::find(paths, path) != paths.end();
+    };
+    kestrix::FileGraph graph;
+    std::ranges::copy_if(EDGES, std::back_inserter(graph.edges), [&](const FileEdge& edge) {
+      return holds(edge.source) && holds(edge.target);
+    });
+    return graph;
   }
   std::vector<kestrix::Component> get_all_components(kestrix::ComponentOptions) const override {
     return {};

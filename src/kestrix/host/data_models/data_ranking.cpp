@@ -18,7 +18,7 @@ std::uint64_t strength(const DataSignals& signals) {
 
 bool DataRanking::before(const Entry& a, const Entry& b) {
   const auto key = [](const Entry& entry) {
-    return std::tuple(entry.signals.origin, ~strength(entry.signals), ~entry.signals.columns,
+    return std::tuple(entry.origin, ~strength(entry.signals), ~entry.signals.columns,
                       std::string_view(entry.path));
   };
   return key(a) < key(b);
@@ -27,14 +27,14 @@ bool DataRanking::before(const Entry& a, const Entry& b) {
 void DataRanking::add(std::string_view path, const DataSignals& signals) {
   if (!defines_data(signals)) return;
   ++found_;
-  entries_.push_back({signals, std::string(path)});
+  entries_.push_back({origin_of(path, signals.made_by_program), signals, std::string(path)});
   if (entries_.size() < 2 * kept_ + 1) return;
   std::ranges::nth_element(entries_, entries_.begin() + static_cast<std::ptrdiff_t>(kept_), before);
   entries_.resize(kept_);
 }
 
 bool DataRanking::is_settled(DataOrigin origin) const {
-  const auto as_near = [origin](const Entry& entry) { return entry.signals.origin <= origin; };
+  const auto as_near = [origin](const Entry& entry) { return entry.origin <= origin; };
   return static_cast<std::size_t>(std::ranges::count_if(entries_, as_near)) >= kept_;
 }
 

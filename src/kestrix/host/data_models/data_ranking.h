@@ -6,7 +6,8 @@
 #include <string_view>
 #include <vector>
 
-#include "kestrix/host/data_models/data_signals.h"
+#include "kestrix/facts/data_signals.h"
+#include "kestrix/host/data_models/file_origin.h"
 #include "kestrix/workers/wiki_cluster.h"
 
 namespace kestrix {
@@ -20,6 +21,7 @@ bool defines_data(const DataSignals& signals);
 std::uint64_t strength(const DataSignals& signals);
 
 struct DataFile {
+  DataOrigin origin;
   DataSignals signals;
   std::string path;
 };

@@ -26,9 +26,9 @@ DataOrigin origin_of_path(std::string_view path) {
   return DataOrigin::kProduct;
 }
 
-DataOrigin origin_of(std::string_view path, std::string_view text) {
+DataOrigin origin_of(std::string_view path, bool made_by_program) {
   const auto origin = origin_of_path(path);
-  const bool made = is_generated(path, text) || (!is_schema_dump(path) && is_squeezed(text));
+  const bool made = made_by_program && !is_schema_dump(path);
   return made ? std::max(origin, DataOrigin::kGenerated) : origin;
 }
 

@@ -63,7 +63,7 @@ DataRanking rank_data_models(const PathTexts& texts) {
   const auto by_origin = candidates(texts);
   for (const auto origin : kDataOrigins) {
     for (const auto* entry : by_origin[static_cast<std::size_t>(origin)]) {
-      ranking.add(entry->first, data_signals(entry->first, entry->second.str()));
+      ranking.add(entry->first, data_signals(entry->first, entry->second));
     }
     if (ranking.is_settled(origin)) break;
   }

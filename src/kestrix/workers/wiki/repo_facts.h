@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "kestrix/facts/data_signals.h"
 #include "kestrix/index/repository.h"
 #include "kestrix/utils/error.h"
 
@@ -41,13 +42,18 @@ class Text {
  public:
   Text() = default;
   explicit Text(std::string text) : read_([text = std::move(text)] { return text; }) {}
-  explicit Text(std::function<std::string()> read) : read_(std::move(read)) {}
+  /// `definitions`: what the host knows of it without reading it.
+  explicit Text(std::function<std::string()> read, std::optional<DataSignals> definitions = {})
+      : read_(std::move(read)), definitions_(definitions) {}
 
   /// The text, UTF-8. A deferred text is read anew at each call.
   std::string str() const { return read_ ? read_() : std::string(); }
+  /// What it defines, when that is known.
+  const std::optional<DataSignals>& definitions() const { return definitions_; }
 
  private:
   std::function<std::string()> read_;
+  std::optional<DataSignals> definitions_;
 };
 
 struct ReadTextOptions {

@@ -12,8 +12,20 @@ struct Stretch {
   std::size_t end;
 };
 
-/// Whether the line that holds `at` begins as a comment of any language.
-bool on_comment_line(std::string_view text, std::size_t at);
+/// Tells which lines of a text begin as a comment of any language. Asked for ascending places, it
+/// reads the text once.
+class CommentLines {
+ public:
+  explicit CommentLines(std::string_view text) : text_(text) {}
+
+  /// Whether the line that holds `at` is one.
+  bool hold(std::size_t at);
+
+ private:
+  std::string_view text_;
+  std::size_t line_ = 0;  // where the line begins
+  std::size_t read_ = 0;
+};
 
 /// What stands between the brace at `open` and its partner, without either; to the end of the text
 /// when it has none, and never more than a few thousand bytes.

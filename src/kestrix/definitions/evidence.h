@@ -42,16 +42,14 @@ enum class DataSyntax {
   kDocument,  ///< JSON or YAML, a schema only if it says so
 };
 
-/// One row of the table of languages; adding a language touches no other row.
-struct DataLanguageRow {
+/// What definitions of data look like in one language, or in several that are written alike.
+struct DataLanguage {
   std::span<const std::string_view> extensions;  ///< lower case, without the dot
   DataSyntax syntax;
   std::span<const Evidence> evidence;  ///< besides DDL, which every language may hold
 };
 
-/// The most kinds of evidence that one row lists.
+/// The most kinds of evidence that one language lists.
 inline constexpr std::size_t kMostEvidence = 8;
-
-std::span<const DataLanguageRow> data_languages();
 
 }  // namespace kestrix

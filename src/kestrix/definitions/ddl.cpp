@@ -1,4 +1,4 @@
-#include "kestrix/host/data_models/ddl.h"
+#include "kestrix/definitions/ddl.h"
 
 #include <re2/re2.h>
 
@@ -7,7 +7,6 @@
 #include <string>
 
 #include "kestrix/text/ascii.h"
-#include "kestrix/host/data_models/source_text.h"
 
 namespace kestrix {
 namespace {
@@ -92,7 +91,7 @@ Ddl ddl_at(std::string_view text, std::size_t at) {
   const auto head = text.substr(at, kLongestHead);
   const re2::StringPiece input(head.data(), head.size());
   const bool starts = begins_statement(text.substr(0, at));
-  if ((!starts && !ascii::is_upper(head.front())) || on_comment_line(text, at)) return Ddl::kNone;
+  if (!starts && !ascii::is_upper(head.front())) return Ddl::kNone;
   const auto matches = [&input](const RE2& pattern) {
     std::array<re2::StringPiece, 2> found;
     return pattern.Match(input, 0, input.size(), RE2::ANCHOR_START, found.data(), 2) &&

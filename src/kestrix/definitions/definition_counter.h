@@ -6,9 +6,9 @@
 #include <unordered_map>
 #include <vector>
 
-#include "kestrix/host/data_models/data_languages.h"
-#include "kestrix/host/data_models/data_signals.h"
-#include "kestrix/host/data_models/source_text.h"
+#include "kestrix/definitions/evidence.h"
+#include "kestrix/facts/data_signals.h"
+#include "kestrix/definitions/source_text.h"
 
 namespace kestrix {
 
@@ -19,13 +19,19 @@ enum class ClassSort { kPlain, kRecord, kValidated, kMapped };
 /// ascending order. The text outlives the counter.
 class DefinitionCounter {
  public:
-  DefinitionCounter(std::string_view text, DataSyntax syntax) : text_(text), syntax_(syntax) {}
+  DefinitionCounter(std::string_view text, DataSyntax syntax)
+      : text_(text), syntax_(syntax), block_bytes_left_(kBlockBytes + 4 * text.size()) {}
 
   void add(EvidenceKind kind, Stretch place);
 
   DataSignals signals() const;
 
  private:
+  // Blocks may lie within blocks: what is read of them all stays linear in the text.
+  static constexpr std::size_t kBlockBytes = std::size_t{64} << 10;
+
+  std::string_view block_behind(Stretch head);
+  bool uses_mongoose();
   void add_ddl(Stretch place);
   void add_python_class(Stretch place);
   void add_mapping();
@@ -48,6 +54,9 @@ class DefinitionCounter {
   std::optional<std::vector<TripleQuoted>> strings_;
   std::size_t next_string_ = 0;
   TemplateLiterals literals_{text_};
+  CommentLines comments_{text_};
+  std::optional<bool> uses_mongoose_;
+  std::size_t block_bytes_left_;  ///< how much may still be looked into for single definitions
 };
 
 }  // namespace kestrix

@@ -1,4 +1,4 @@
-#include "kestrix/host/data_models/definition_counter.h"
+#include "kestrix/definitions/definition_counter.h"
 
 #include <re2/re2.h>
 
@@ -7,7 +7,7 @@
 #include <span>
 
 #include "kestrix/text/ascii.h"
-#include "kestrix/host/data_models/ddl.h"
+#include "kestrix/definitions/ddl.h"
 
 namespace kestrix {
 namespace {
@@ -153,7 +153,7 @@ void DefinitionCounter::add(EvidenceKind kind, Stretch place) {
       if (!is_call_envelope(text_.substr(place.begin, place.end - place.begin))) ++signals_.schemas;
       break;
     case EvidenceKind::kMongoose:
-      if (text_.find("mongoose") != std::string_view::npos) ++signals_.entities;
+      if (uses_mongoose()) ++signals_.entities;
       break;
     case EvidenceKind::kFields:
       add_fields(place);
@@ -185,8 +185,21 @@ DataSignals DefinitionCounter::signals() const {
   return signals;
 }
 
+// Without the brace that the head ends in; "" once too much was looked into.
+std::string_view DefinitionCounter::block_behind(Stretch head) {
+  const auto block = block_at(text_.substr(0, head.end + block_bytes_left_), head.end - 1);
+  block_bytes_left_ -= std::min(block.size(), block_bytes_left_);
+  return block;
+}
+
+bool DefinitionCounter::uses_mongoose() {
+  if (!uses_mongoose_) uses_mongoose_ = text_.find("mongoose") != std::string_view::npos;
+  return *uses_mongoose_;
+}
+
 void DefinitionCounter::add_ddl(Stretch place) {
   if (syntax_ == DataSyntax::kDocument) return;
+  if (comments_.hold(place.begin)) return;
   const auto ddl = ddl_at(text_, place.begin);
   if (ddl == Ddl::kNone || is_documentation(place.begin)) return;
   ++(ddl == Ddl::kCreates ? signals_.tables : signals_.alterations);
@@ -221,12 +234,12 @@ void DefinitionCounter::add_mapping() {
 
 void DefinitionCounter::add_fields(Stretch place) {
   if (is_component_type(text_.substr(place.begin, place.end - place.begin))) return;
-  if (holds_only_fields(block_at(text_, place.end - 1))) ++signals_.records;
+  if (holds_only_fields(block_behind(place))) ++signals_.records;
 }
 
 void DefinitionCounter::add_tagged_struct(Stretch place) {
   if (place.begin < block_end_) return;
-  const auto block = block_at(text_, place.end - 1);
+  const auto block = block_behind(place);
   block_end_ = place.end + block.size();
   if (block.find('`') == std::string_view::npos || !has_tag(block)) return;
   ++(has_mapping_tag(block) ? signals_.entities : signals_.records);

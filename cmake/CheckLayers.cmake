@@ -1,0 +1,84 @@
+# The folders are layers: what a folder's files include lies in folders above it in this table, and
+# only in those that its row names. As each row names rows above it alone, there are no circles.
+#
+# Included, this adds a test that runs the file as a script.
+
+if(NOT CMAKE_SCRIPT_MODE_FILE)
+  add_test(NAME layers
+    COMMAND ${CMAKE_COMMAND} -D "SOURCE_DIR=${PROJECT_SOURCE_DIR}"
+      -P ${PROJECT_SOURCE_DIR}/cmake/CheckLayers.cmake)
+  return()
+endif()
+
+set(table
+  "utils:"
+  "text: utils"
+  "formats: text utils"
+  "facts: utils"
+  "files: text utils"
+  "git: files text utils"
+  "syntax: text utils"
+  "definitions: facts text utils"
+  "languages: definitions facts formats syntax text utils"
+  "roles: languages git files facts text utils"
+  "walk: roles git files text utils"
+  "store: facts files text utils"
+  "contract: facts utils"
+  "workers: contract facts utils"
+  "index: contract store walk roles languages definitions git files facts formats text utils"
+  "host: workers contract index store walk roles languages definitions git files facts formats text utils"
+  "python: workers contract facts utils"
+  "capi: host workers contract index roles facts files text utils"
+  "apps: capi host workers contract index store roles facts files text utils")
+
+# The headers of the contract that stand in the folders of those who fulfil it.
+set(contract "^(index/repository\\.h|facts/(data_signals|symbol_kind)\\.h)$")
+
+set(known "")
+set(found "")
+foreach(row IN LISTS table)
+  string(REGEX MATCH "^[a-z]+" folder "${row}")
+  string(REGEX MATCHALL "[a-z]+" allowed "${row}")
+  foreach(name IN LISTS allowed)
+    if(NOT name STREQUAL folder AND NOT name IN_LIST known)
+      string(APPEND found "\n  the row of ${folder} names ${name}, which is not above it")
+    endif()
+  endforeach()
+  list(APPEND known ${folder})
+  set(allowed_${folder} ${allowed})
+endforeach()
+
+file(GLOB_RECURSE files RELATIVE ${SOURCE_DIR}
+  ${SOURCE_DIR}/src/*.h ${SOURCE_DIR}/src/*.cpp ${SOURCE_DIR}/apps/*.h ${SOURCE_DIR}/apps/*.cpp
+  ${SOURCE_DIR}/capi/*.h ${SOURCE_DIR}/capi/*.cpp ${SOURCE_DIR}/python/*.h
+  ${SOURCE_DIR}/python/*.cpp)
+list(LENGTH files count)
+if(count LESS 100)
+  message(FATAL_ERROR "Only ${count} C++ files below ${SOURCE_DIR}")
+endif()
+
+foreach(file IN LISTS files)
+  string(REGEX REPLACE "^src/kestrix/" "" within "${file}")
+  string(REGEX REPLACE "/.*" "" folder "${within}")
+  if(within MATCHES "${contract}")
+    set(folder contract)
+  endif()
+  if(NOT DEFINED allowed_${folder})
+    string(APPEND found "\n  ${file} lies in no layer")
+    continue()
+  endif()
+  file(STRINGS ${SOURCE_DIR}/${file} lines REGEX "^#include \"(kestrix|apps|capi|python)/")
+  foreach(line IN LISTS lines)
+    string(REGEX REPLACE "^#include \"(kestrix/)?([^\"]*)\".*" "\\2" header "${line}")
+    string(REGEX REPLACE "/.*" "" target "${header}")
+    if(header MATCHES "${contract}")
+      set(target contract)
+    endif()
+    if(NOT target IN_LIST allowed_${folder})
+      string(APPEND found "\n  ${file} includes ${header}")
+    endif()
+  endforeach()
+endforeach()
+if(found)
+  message(FATAL_ERROR "An arrow points the wrong way:${found}")
+endif()
