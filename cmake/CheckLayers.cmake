@@ -10,24 +10,25 @@ if(NOT CMAKE_SCRIPT_MODE_FILE)
   return()
 endif()
 
+cmake_policy(VERSION 3.25)
 set(table
   "utils:"
   "text: utils"
   "formats: text utils"
-  "facts: utils"
+  "contract: utils"
+  "facts: contract utils"
   "files: text utils"
   "git: files text utils"
   "syntax: text utils"
-  "definitions: facts text utils"
-  "languages: definitions facts formats syntax text utils"
+  "definitions: contract text utils"
+  "languages: definitions facts contract formats syntax text utils"
   "roles: languages git files facts text utils"
   "walk: roles git files text utils"
-  "store: facts files text utils"
-  "contract: facts utils"
-  "workers: contract facts utils"
-  "index: contract store walk roles languages definitions git files facts formats text utils"
-  "host: workers contract index store walk roles languages definitions git files facts formats text utils"
-  "python: workers contract facts utils"
+  "store: facts contract files text utils"
+  "workers: contract utils"
+  "index: store walk roles languages definitions git files facts contract formats text utils"
+  "host: workers index store walk roles languages definitions git files facts contract formats text utils"
+  "python: workers contract utils"
   "capi: host workers contract index roles facts files text utils"
   "apps: capi host workers contract index store roles facts files text utils")
 

@@ -10,6 +10,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "kestrix/facts/data_signals.h"
 #include "kestrix/index/repository.h"
 #include "kestrix/languages/resolver.h"
 #include "kestrix/store/text_blocks.h"
