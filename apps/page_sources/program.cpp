@@ -15,10 +15,10 @@
 #include "apps/page_sources/arguments.h"
 #include "apps/page_sources/escape.h"
 #include "apps/page_sources/output.h"
-#include "kestrix/index/indexer.h"
 #include "kestrix/host/native_logger.h"
-#include "kestrix/workers/wiki/page_sources/rules.h"
 #include "kestrix/host/wiki_generator.h"
+#include "kestrix/index/indexer.h"
+#include "kestrix/workers/wiki/page_sources/rules.h"
 
 namespace kestrix::program {
 namespace {

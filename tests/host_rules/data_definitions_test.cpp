@@ -7,10 +7,10 @@
 #include <string_view>
 #include <vector>
 
-#include "kestrix/roles/generated.h"
 #include "kestrix/host/data_models/data_ranking.h"
 #include "kestrix/host/data_models/data_signals.h"
 #include "kestrix/host/data_models/file_origin.h"
+#include "kestrix/roles/generated.h"
 #include "kestrix/workers/wiki_cluster.h"
 
 namespace kestrix {
@@ -127,15 +127,13 @@ constexpr Source kOther[] = {
 
 TEST(DataModelFiles, RecognisesDefinitions) {
   for (const auto& source : kData) {
-    EXPECT_TRUE(is_data(source)) << source.path << "\n"
-                                 << source.text;
+    EXPECT_TRUE(is_data(source)) << source.path << "\n" << source.text;
   }
 }
 
 TEST(DataModelFiles, PassesOverNearMisses) {
   for (const auto& source : kOther) {
-    EXPECT_FALSE(is_data(source)) << source.path << "\n"
-                                 << source.text;
+    EXPECT_FALSE(is_data(source)) << source.path << "\n" << source.text;
   }
 }
 
@@ -254,11 +252,21 @@ TEST(DataModelFiles, TakesTimeLinearInTheText) {
     return static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC;
   };
   const Source pieces[] = {
-      {"a.sql", "create table a ("},  {"a.sql", "CREATE TABLE "},       {"a.sql", "alter table a add b "},
-      {"a.ts", "new Schema("},        {"a.ts", "interface A {"},        {"a.ts", "interface A{a:b}"},
-      {"a.ts", "`new Schema(` "},     {"a.py", "\"\"\"a\"\"\""},        {"a.py", "class A(B): "},
-      {"a.py", "\"\"\" create table a ("}, {"a.go", "type A struct {"}, {"a.rs", "derive("},
-      {"a.py", "\\\n'"},             {"a.ts", "type A = {("},          {"a.json", "\"$defs\": {"},
+      {"a.sql", "create table a ("},
+      {"a.sql", "CREATE TABLE "},
+      {"a.sql", "alter table a add b "},
+      {"a.ts", "new Schema("},
+      {"a.ts", "interface A {"},
+      {"a.ts", "interface A{a:b}"},
+      {"a.ts", "`new Schema(` "},
+      {"a.py", "\"\"\"a\"\"\""},
+      {"a.py", "class A(B): "},
+      {"a.py", "\"\"\" create table a ("},
+      {"a.go", "type A struct {"},
+      {"a.rs", "derive("},
+      {"a.py", "\\\n'"},
+      {"a.ts", "type A = {("},
+      {"a.json", "\"$defs\": {"},
   };
   for (const auto& [path, piece] : pieces) {
     seconds(path, piece, 1000);  // compiles the patterns

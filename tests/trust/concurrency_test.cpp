@@ -11,13 +11,13 @@
 
 #include "apps/page_sources/answers.h"
 #include "apps/page_sources/output.h"
+#include "kestrix/host/components.h"
+#include "kestrix/host/wiki_generator.h"
 #include "kestrix/index/indexer.h"
 #include "kestrix/utils/best_effort.h"
 #include "kestrix/utils/error.h"
 #include "kestrix/utils/path_filter.h"
-#include "kestrix/host/components.h"
 #include "kestrix/workers/wiki/page_sources/rules.h"
-#include "kestrix/host/wiki_generator.h"
 #include "tests/program/process.h"
 
 namespace kestrix::program {
@@ -82,7 +82,8 @@ TEST_F(Concurrency, RulesAndDetectorsShareAGenerator) {
       text += std::string(source) + std::to_string(is_archived_path(source)) +
               std::to_string(is_config_path(source)) + std::to_string(is_registry_name(source));
     }
-    for (const FoundSymbol& symbol : find_symbols(*opened.index, {}, "%e%")) text += symbol.name;
+    for (const FoundSymbol& symbol : find_symbols(generator.repository(), {}, "%e%"))
+      text += symbol.name;
     return text;
   });
   EXPECT_GT(results.front().size(), 1000U);

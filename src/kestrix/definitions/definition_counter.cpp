@@ -6,8 +6,8 @@
 #include <array>
 #include <span>
 
-#include "kestrix/text/ascii.h"
 #include "kestrix/definitions/ddl.h"
+#include "kestrix/text/ascii.h"
 
 namespace kestrix {
 namespace {

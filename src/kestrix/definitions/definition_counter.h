@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "kestrix/definitions/evidence.h"
-#include "kestrix/facts/data_signals.h"
 #include "kestrix/definitions/source_text.h"
+#include "kestrix/facts/data_signals.h"
 
 namespace kestrix {
 

@@ -70,9 +70,9 @@ DataSignals DefinitionScan::signals(std::string_view text) const {
   DefinitionCounter counter(text, language_.syntax);
   Matches found;
   const int groups = static_cast<int>(language_.evidence.size()) + 2;
-  for (std::size_t at = 0; at <= text.size() &&
-                           state_->pattern->Match(input, at, text.size(), RE2::UNANCHORED,
-                                                  found.data(), groups);) {
+  for (std::size_t at = 0;
+       at <= text.size() &&
+       state_->pattern->Match(input, at, text.size(), RE2::UNANCHORED, found.data(), groups);) {
     const auto begin = static_cast<std::size_t>(found[0].data() - text.data());
     counter.add(kind_of(found, language_.evidence), {begin, begin + found[0].size()});
     at = std::max(begin + found[0].size(), at + 1);

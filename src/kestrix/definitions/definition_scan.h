@@ -32,8 +32,8 @@ class DefinitionScan {
   const DataLanguage& language() const { return language_; }
 
   /// What the scanned part of `text` defines: DDL in every language,
-  /// and the data classes, mapped classes or schema definitions of this one. Linear in the text. Whether a
-  /// program made the text is left open.
+  /// and the data classes, mapped classes or schema definitions of this one. Linear in the text.
+  /// Whether a program made the text is left open.
   DataSignals signals(std::string_view text) const;
 
  private:

@@ -97,8 +97,7 @@ class PythonStrings {
   bool is_statement() {
     while (first_ < at_ && ascii::is_space(text_[first_])) ++first_;
     const bool raw = first_ + 1 == at_ && ascii::lower(text_[first_]) == 'r';
-    return depth_ == 0 && (first_ == at_ || raw) &&
-           !text_.substr(0, line_).ends_with("\\\n");
+    return depth_ == 0 && (first_ == at_ || raw) && !text_.substr(0, line_).ends_with("\\\n");
   }
 
   std::string_view text_;

@@ -61,7 +61,8 @@ FileBytes read_file(const RootDirectory& root, std::string_view path, std::size_
 }
 
 FileBytes read_source(const RootDirectory& root, std::string_view path, std::size_t head) {
-  return read_descriptor(root.open(path, kReading), {kMaxParsedBytes, std::max(head, kBinaryWindow), true});
+  return read_descriptor(root.open(path, kReading),
+                         {kMaxParsedBytes, std::max(head, kBinaryWindow), true});
 }
 
 FileBytes read_users_file(const std::filesystem::path& path, std::size_t limit) {

@@ -14,7 +14,7 @@ bool is_production(const index::IndexedFile& file) {
 
 SymbolSearch RepositoryHandle::search_symbols(std::string_view pattern,
                                               SymbolSearchOptions options) const {
-  return index_.search_symbols(std::span(&pattern, 1), options);
+  return index_.search_symbols(pattern, options);
 }
 
 SymbolSearch RepositoryHandle::search_symbols(std::span<const std::string_view> patterns,

@@ -12,8 +12,8 @@ namespace kestrix {
 /// The root of a repository on disk. Its texts must not outlive it.
 class RepositoryRoot : public RepoRoot {
  public:
-  /// What `index` knows of a text comes with it, unless it is null; it must outlive the root. Throws
-  /// `Error`, which names `path`, when it is not a directory.
+  /// What `index` knows of a text comes with it, unless it is null; it must outlive the root.
+  /// Throws `Error`, which names `path`, when it is not a directory.
   explicit RepositoryRoot(const std::filesystem::path& path,
                           const index::RepositoryIndex* index = nullptr)
       : RepositoryRoot(index::RootDirectory(path), index) {}

@@ -6,15 +6,15 @@
 #include <optional>
 #include <utility>
 
+#include "kestrix/files/classification.h"
+#include "kestrix/files/file_reading.h"
 #include "kestrix/index/data_definitions.h"
 #include "kestrix/languages/data_languages.h"
 #include "kestrix/languages/language.h"
 #include "kestrix/languages/reading.h"
+#include "kestrix/roles/generated.h"
 #include "kestrix/store/content_hash.h"
 #include "kestrix/store/facts_codec.h"
-#include "kestrix/files/classification.h"
-#include "kestrix/roles/generated.h"
-#include "kestrix/files/file_reading.h"
 #include "kestrix/text/decoding.h"
 
 namespace kestrix::index {

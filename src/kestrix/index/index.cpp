@@ -144,7 +144,8 @@ class RepositoryIndex::Loader {
   Digest digest_;
 };
 
-std::unique_ptr<RepositoryIndex> RepositoryIndex::load(Store& store, std::span<const FileRow> rows) {
+std::unique_ptr<RepositoryIndex> RepositoryIndex::load(Store& store,
+                                                       std::span<const FileRow> rows) {
   std::unique_ptr<RepositoryIndex> index(new RepositoryIndex);
   Loader(*index, store).load(rows);
   return index;

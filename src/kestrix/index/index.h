@@ -11,10 +11,10 @@
 #include <vector>
 
 #include "kestrix/facts/data_signals.h"
+#include "kestrix/files/skip_counts.h"
 #include "kestrix/index/repository.h"
 #include "kestrix/languages/resolver.h"
 #include "kestrix/store/text_blocks.h"
-#include "kestrix/files/skip_counts.h"
 
 namespace kestrix::index {
 
@@ -84,6 +84,9 @@ class RepositoryIndex {
   Statistics statistics() const;
 
   // As `Repository` has them.
+  SymbolSearch search_symbols(std::string_view pattern, SymbolSearchOptions options) const {
+    return search_symbols(std::span(&pattern, 1), options);
+  }
   SymbolSearch search_symbols(std::span<const std::string_view> patterns,
                               SymbolSearchOptions options) const;
   std::unordered_map<SymbolId, std::string> get_file_paths_batch(

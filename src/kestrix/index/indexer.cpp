@@ -2,12 +2,12 @@
 
 #include <fmt/format.h>
 
+#include "kestrix/files/root_directory.h"
 #include "kestrix/index/refresher.h"
 #include "kestrix/store/cache_path.h"
 #include "kestrix/store/corrupt_index.h"
 #include "kestrix/store/store.h"
 #include "kestrix/store/store_file.h"
-#include "kestrix/files/root_directory.h"
 
 namespace kestrix::index {
 namespace {

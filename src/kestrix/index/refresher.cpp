@@ -11,10 +11,10 @@
 #include "kestrix/index/edge_builder.h"
 #include "kestrix/index/indexed_files.h"
 #include "kestrix/index/sources_digest.h"
+#include "kestrix/index/workers.h"
 #include "kestrix/store/content_hash.h"
 #include "kestrix/store/corrupt_index.h"
 #include "kestrix/store/facts_codec.h"
-#include "kestrix/index/workers.h"
 
 namespace kestrix::index {
 namespace {
@@ -59,8 +59,7 @@ std::unique_ptr<RepositoryIndex> Refresher::run(bool open) {
   const auto own_files = own_files_below(root_.path(), store_.path());
   const WalkResult walked = walk(root_, {.excluded = own_files, .stop = options_.stop});
   store_.begin_read();
-  if (is_up_to_date(walked))
-    return open ? load_checked(store_, rows_) : nullptr;
+  if (is_up_to_date(walked)) return open ? load_checked(store_, rows_) : nullptr;
   const int seen = store_.data_version();
   store_.end_read();
   store_.begin_write(options_.lock_timeout, options_.stop);

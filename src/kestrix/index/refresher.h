@@ -7,12 +7,12 @@
 #include <utility>
 #include <vector>
 
+#include "kestrix/files/root_directory.h"
+#include "kestrix/files/skip_counts.h"
 #include "kestrix/index/file_scan.h"
 #include "kestrix/index/indexer.h"
 #include "kestrix/index/refresh_plan.h"
 #include "kestrix/store/store.h"
-#include "kestrix/files/root_directory.h"
-#include "kestrix/files/skip_counts.h"
 #include "kestrix/walk/walker.h"
 
 namespace kestrix::index {

@@ -9,9 +9,9 @@
 namespace kestrix::index {
 namespace {
 
-constexpr std::array kCounts{&DataSignals::tables,  &DataSignals::alterations,
+constexpr std::array kCounts{&DataSignals::tables,   &DataSignals::alterations,
                              &DataSignals::entities, &DataSignals::schemas,
-                             &DataSignals::records, &DataSignals::columns};
+                             &DataSignals::records,  &DataSignals::columns};
 constexpr unsigned kSchemaFile = 1;
 constexpr unsigned kMadeByProgram = 2;
 

@@ -157,9 +157,10 @@ SkipCounts Store::skip_counts() {
 std::vector<FileRow> Store::files() {
   return guarded([&] {
     std::vector<FileRow> files;
-    Rows rows(*database_,
-              "SELECT id, path, language, traits, size, modified, changed, inode, hash, unresolved, data"
-              " FROM file");
+    Rows rows(
+        *database_,
+        "SELECT id, path, language, traits, size, modified, changed, inode, hash, unresolved, data"
+        " FROM file");
     while (rows.next()) files.push_back(read_file_row(rows));
     if (!std::ranges::is_sorted(files, {}, &FileRow::path)) {
       std::ranges::sort(files, {}, &FileRow::path);
@@ -264,7 +265,8 @@ void Store::set_skip_counts(const SkipCounts& counts) {
 
 void Store::put_file(const FileRow& row) {
   guarded([&] {
-    auto& insert = statement("INSERT OR REPLACE INTO file VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
+    auto& insert =
+        statement("INSERT OR REPLACE INTO file VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
     const std::string data = encode_signals(row.data);
     insert.bind(1, row.id);
     insert.bindNoCopy(2, row.path);

@@ -14,9 +14,9 @@
 #include <vector>
 
 #include "kestrix/facts/data_signals.h"
-#include "kestrix/store/store_file.h"
 #include "kestrix/files/root_directory.h"
 #include "kestrix/files/skip_counts.h"
+#include "kestrix/store/store_file.h"
 #include "kestrix/utils/stop.h"
 
 namespace kestrix::index {

@@ -8,8 +8,8 @@ namespace {
 
 using enum EvidenceKind;
 
-constexpr auto kScriptExtensions = std::to_array<std::string_view>({"ts",  "js",  "tsx", "jsx",
-                                       "mts", "cts", "mjs", "cjs"});
+constexpr auto kScriptExtensions =
+    std::to_array<std::string_view>({"ts", "js", "tsx", "jsx", "mts", "cts", "mjs", "cjs"});
 constexpr std::array kScript{
     Evidence{kEntity,
              R"(^[ \t]*@(?:Entity|ViewEntity|ChildEntity|Schema|Table|modelOptions)\s*\()"},

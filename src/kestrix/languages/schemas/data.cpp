@@ -19,7 +19,8 @@ constexpr auto kPrismaExtensions = std::to_array<std::string_view>({"prisma"});
 constexpr std::array kPrisma{Evidence{kEntity, R"(^[ \t]*model\s+\w+\s*\{)"},
                              Evidence{kSchema, R"(^[ \t]*(?:enum|type|view)\s+\w+\s*\{)"}};
 
-constexpr auto kThriftExtensions = std::to_array<std::string_view>({"thrift", "fbs", "capnp", "avdl"});
+constexpr auto kThriftExtensions =
+    std::to_array<std::string_view>({"thrift", "fbs", "capnp", "avdl"});
 constexpr std::array kThrift{
     Evidence{kSchema, R"(^[ \t]*(?:struct|table|record|exception|error|union|enum)\s+\w+)"}};
 
