@@ -11,9 +11,9 @@ namespace kestrix::index {
 struct Language;
 
 struct ReadOptions {
-  /// A file whose parse takes more is given up; see ParsedText. About two seconds of work, and five
-  /// times what a minified file of a megabyte takes.
-  std::uint64_t parse_steps = 100'000;
+  /// A file whose parse takes more is given up; see ParsedText. About a second of work for
+  /// code, which reaches ParserMemory::kLimit before; hostile texts may take several.
+  std::uint64_t parse_steps = 50'000;
 };
 
 /// Parses `text` (UTF-8, may hold invalid bytes) and returns its facts; none when its parse would
