@@ -1,5 +1,3 @@
-#include "kestrix/languages/reading.h"
-
 #include <gtest/gtest.h>
 
 #include <random>
@@ -8,6 +6,7 @@
 #include <vector>
 
 #include "kestrix/languages/language.h"
+#include "kestrix/languages/reading.h"
 
 namespace kestrix::index {
 namespace {
@@ -78,9 +77,9 @@ TEST(Reader, BoundsWhatAParseTakes) {
     std::string_view language, text;
     std::size_t times;
   };
-  for (const Case& c : {Case{"java", "a<", 16'384}, Case{"java", "a<", 500'000},
-                        Case{"ruby", "<<A\n#{", 100'000}, Case{"cpp", "a<b(", 200'000},
-                        Case{"csharp", "a<b(", 100'000}}) {
+  for (const Case& c :
+       {Case{"java", "a<", 16'384}, Case{"java", "a<", 500'000}, Case{"ruby", "<<A\n#{", 100'000},
+        Case{"cpp", "a<b(", 200'000}, Case{"csharp", "a<b(", 100'000}}) {
     SCOPED_TRACE(c.language);
     const std::string text = repeated(c.text, c.times);
     EXPECT_FALSE(read_facts(language(c.language), text).has_value());

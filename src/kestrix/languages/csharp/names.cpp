@@ -5,8 +5,8 @@
 #include <utility>
 
 #include "kestrix/languages/csharp/grammar.h"
-#include "kestrix/languages/packaged/reading.h"
 #include "kestrix/languages/csharp/resolver.h"
+#include "kestrix/languages/packaged/reading.h"
 
 namespace kestrix::index::csharp {
 namespace {
