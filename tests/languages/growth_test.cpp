@@ -93,6 +93,7 @@ TEST(ProjectFiles, CostALookUpNoMoreThanTheLimit) {
             std::vector<std::string>{"./src/a.js"});
   EXPECT_TRUE(map.find(fmt::format("./{:04}/a", kPatterns)).empty());
   EXPECT_EQ(map.find(fmt::format("./{:04}/*", kPatterns)), std::vector<std::string>{"./src/*.js"});
+  EXPECT_TRUE(map.find("./0001/" + std::string(2000, 'x')).empty());
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "kestrix/host/path_glob.h"
+#include "kestrix/text/sorting.h"
 #include "kestrix/workers/wiki/page_sources/constants.h"
 #include "kestrix/workers/wiki/page_sources/path_text.h"
 
@@ -104,8 +105,7 @@ EntryPointClass entry_points_matching(std::string_view pattern,
   EntryPointClass found{std::string(pattern), {}, "files that the pattern matches"};
   std::ranges::copy_if(paths, std::back_inserter(found.roots),
                        [&glob](const std::string& path) { return glob.matches(path); });
-  std::ranges::sort(found.roots);
-  found.roots.erase(std::unique(found.roots.begin(), found.roots.end()), found.roots.end());
+  sort_distinct(found.roots);
   return found;
 }
 

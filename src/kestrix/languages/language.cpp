@@ -5,6 +5,9 @@
 #include <string>
 #include <unordered_map>
 
+#include "kestrix/text/ascii.h"
+#include "kestrix/text/paths.h"
+
 namespace kestrix::index {
 
 // Each is defined in its own folder.
@@ -28,18 +31,9 @@ constexpr std::size_t kLongestName = 32;
 
 auto sorted_languages() {
   std::array rows{
-      &c_language(),
-      &cpp_language(),
-      &csharp_language(),
-      &go_language(),
-      &java_language(),
-      &javascript_language(),
-      &kotlin_language(),
-      &php_language(),
-      &python_language(),
-      &ruby_language(),
-      &rust_language(),
-      &tsx_language(),
+      &c_language(),          &cpp_language(),        &csharp_language(), &go_language(),
+      &java_language(),       &javascript_language(), &kotlin_language(), &php_language(),
+      &python_language(),     &ruby_language(),       &rust_language(),   &tsx_language(),
       &typescript_language(),
   };
   std::ranges::sort(rows, {}, &Language::name);
@@ -56,9 +50,7 @@ std::unordered_map<std::string_view, const Language*> by_file() {
 
 std::string lower(std::string_view name) {
   std::string text(name);
-  for (char& c : text) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  }
+  std::ranges::transform(text, text.begin(), ascii::lower);
   return text;
 }
 
@@ -75,7 +67,7 @@ const Language* language_of(std::string_view path) {
     const auto found = rows.find(file);
     return found == rows.end() ? nullptr : found->second;
   };
-  const std::string_view name = path.substr(path.rfind('/') + 1);
+  const std::string_view name = base_name(path);
   if (name.size() <= kLongestName) {
     if (const Language* whole = row(lower(name))) return whole;
   }

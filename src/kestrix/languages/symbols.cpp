@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "kestrix/syntax/tree_cursor.h"
+#include "kestrix/text/ascii.h"
 
 namespace kestrix::index {
 namespace {
@@ -17,8 +18,6 @@ constexpr std::array<std::pair<std::string_view, SymbolKind>, 5> kDeclarations =
     {"variable", SymbolKind::kVariable},
     {"binding", SymbolKind::kVariable},
 }};
-
-bool is_space(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
 void cut(std::string& text, std::size_t size) {
   if (text.size() <= size) return;
@@ -37,7 +36,7 @@ class OneLine {
   void put(std::string_view piece) {
     if (gap_ && !text_.empty()) close_gap(piece.front());
     gap_ = broken_ = false;
-    for (const char c : piece) text_ += is_space(c) ? ' ' : c;
+    for (const char c : piece) text_ += ascii::is_space(c) ? ' ' : c;
   }
   std::string take() {
     while (!text_.empty() &&
@@ -71,7 +70,7 @@ TSNode first_of(TSNode declaration) {
 }  // namespace
 
 bool is_upper_case(std::string_view name) {
-  const auto lower = [](char c) { return c >= 'a' && c <= 'z'; };
+  constexpr auto lower = ascii::is_lower;
   const auto upper = [](char c) { return c >= 'A' && c <= 'Z'; };
   return std::ranges::any_of(name, upper) && std::ranges::none_of(name, lower);
 }
@@ -84,7 +83,7 @@ std::string head_of(const SourceTree& tree, std::uint32_t start, std::uint32_t e
     if (const std::size_t comment = comment_length(text.substr(at), tree.lexis()); comment > 0) {
       line.space(true);
       at += comment;
-    } else if (is_space(text[at])) {
+    } else if (ascii::is_space(text[at])) {
       line.space(text[at] == '\n');
       ++at;
     } else {

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "kestrix/text/ascii.h"
+#include "kestrix/text/sorting.h"
 #include "kestrix/utils/error.h"
 
 namespace kestrix::index {
@@ -16,10 +18,7 @@ CaptureRole role_of(std::string_view capture) {
   return CaptureRole::kFact;
 }
 
-bool is_word(char c) {
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' ||
-         c == '-' || c == '.' || c == '?' || c == '!';
-}
+bool is_word(char c) { return ascii::is_word(c) || c == '-' || c == '.' || c == '?' || c == '!'; }
 
 }  // namespace
 
@@ -231,8 +230,7 @@ Query::Query(const TSLanguage* language, std::string_view text, std::string_view
     std::vector<TSSymbol> roots;
     collect_roots(patterns_[at].root, roots);
     if (roots.empty()) throw Error(fmt::format("a pattern of {} has no type at its root", name));
-    std::ranges::sort(roots);
-    roots.erase(std::unique(roots.begin(), roots.end()), roots.end());
+    sort_distinct(roots);
     for (const TSSymbol root : roots) by_symbol_[root].push_back(static_cast<std::uint16_t>(at));
   }
 }

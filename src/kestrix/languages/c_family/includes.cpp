@@ -7,15 +7,12 @@
 #include <unordered_map>
 
 #include "kestrix/languages/c_family/resolver.h"
+#include "kestrix/text/ascii.h"
 
 namespace kestrix::index {
 namespace {
 
 constexpr std::string_view kBlanks = " \t";
-
-bool is_word_byte(char c) {
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
-}
 
 std::string_view skip_blanks(std::string_view text) {
   return text.substr(std::min(text.find_first_not_of(kBlanks), text.size()));
@@ -24,7 +21,7 @@ std::string_view skip_blanks(std::string_view text) {
 std::string_view take_word(std::string_view& text) {
   text = skip_blanks(text);
   std::size_t size = 0;
-  while (size < text.size() && is_word_byte(text[size])) ++size;
+  while (size < text.size() && ascii::is_word(text[size])) ++size;
   const std::string_view word = text.substr(0, size);
   text = skip_blanks(text.substr(size));
   return word;

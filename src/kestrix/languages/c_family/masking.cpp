@@ -4,6 +4,7 @@
 #include <array>
 
 #include "kestrix/languages/symbols.h"
+#include "kestrix/text/ascii.h"
 
 namespace kestrix::index {
 namespace {
@@ -16,10 +17,6 @@ constexpr std::array<std::string_view, 7> kDeclarationWords = {
 template <class List>
 bool contains(const List& list, std::string_view word) {
   return std::ranges::find(list, word) != list.end();
-}
-
-bool is_word_byte(char c) {
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
 }
 
 bool is_macro(std::string_view word) { return word.size() > 2 && is_upper_case(word); }
@@ -46,7 +43,7 @@ class Masking {
  private:
   std::string_view word_at(std::size_t at) const {
     std::size_t end = at;
-    while (end < text_.size() && is_word_byte(text_[end])) ++end;
+    while (end < text_.size() && ascii::is_word(text_[end])) ++end;
     return text_.substr(at, end - at);
   }
   std::size_t next_line(std::size_t at) const {

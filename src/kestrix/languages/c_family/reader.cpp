@@ -10,6 +10,7 @@
 #include "kestrix/languages/c_family/includes.h"
 #include "kestrix/languages/c_family/uses.h"
 #include "kestrix/languages/symbols.h"
+#include "kestrix/text/sorting.h"
 
 namespace kestrix::index {
 namespace {
@@ -76,9 +77,7 @@ class Reader {
   FileFacts read() {
     tree_.for_each_match([this](const Match& match) { take(match); });
     facts_.imports = includes_of(tree_);
-    std::ranges::sort(facts_.declares);
-    facts_.declares.erase(std::unique(facts_.declares.begin(), facts_.declares.end()),
-                          facts_.declares.end());
+    sort_distinct(facts_.declares);
     facts_.uses = names_used(tree_.text(), tree_.lexis(), facts_.declares);
     return std::move(facts_);
   }

@@ -5,6 +5,7 @@
 
 #include "kestrix/languages/symbols.h"
 #include "kestrix/syntax/words.h"
+#include "kestrix/text/ascii.h"
 
 namespace kestrix::index {
 namespace {
@@ -95,7 +96,7 @@ constexpr std::array<std::string_view, 85> kKeywords = {"NULL",
                                                         "volatile",
                                                         "while"};
 
-bool is_letter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_'; }
+bool is_letter(char c) { return ascii::is_alpha(c) || c == '_'; }
 
 // The first byte behind `at` that is no blank; NUL at the end.
 char after_blanks(std::string_view text, std::size_t& at) {

@@ -5,6 +5,8 @@
 #include <utility>
 #include <vector>
 
+#include "kestrix/text/ascii.h"
+
 namespace kestrix::index::csharp {
 namespace {
 
@@ -48,8 +50,6 @@ constexpr std::size_t kLongestChar = 12;  // '\U0010FFFF'
 constexpr std::size_t kDeepest = 64;      // conditionals in one another whose branches are dropped
 constexpr std::string_view kBeforeWhole = "\n;{}[](,";  // "\n": nothing at all
 constexpr std::string_view kEndOfWhole = "\n;}],";
-
-bool is_space(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
 class Masking {
  public:
@@ -99,7 +99,7 @@ class Masking {
 
   void take_byte(char c) {
     if (c == '\n') line_starts_ = true;
-    if (is_space(c)) return;
+    if (ascii::is_space(c)) return;
     line_starts_ = false;
     last_ = c;
     if (c == '(' || c == '[' || c == '{') ++depth_;

@@ -7,16 +7,14 @@
 #include "kestrix/languages/csharp/grammar.h"
 #include "kestrix/languages/csharp/resolver.h"
 #include "kestrix/languages/packaged/reading.h"
+#include "kestrix/text/ascii.h"
 
 namespace kestrix::index::csharp {
 namespace {
 
 constexpr std::size_t kMostParts = 10;
 
-bool is_name_byte(char c) {
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' ||
-         static_cast<unsigned char>(c) >= 0x80;
-}
+bool is_name_byte(char c) { return ascii::is_word(c) || static_cast<unsigned char>(c) >= 0x80; }
 
 // The dotted name that the text starts with.
 std::string_view chain_at(std::string_view text) {

@@ -8,8 +8,9 @@
 #include <utility>
 #include <vector>
 
-#include "kestrix/languages/symbols.h"
 #include "kestrix/languages/ecmascript/resolver.h"
+#include "kestrix/languages/symbols.h"
+#include "kestrix/text/sorting.h"
 
 namespace kestrix::index::ecmascript {
 namespace {
@@ -43,9 +44,7 @@ class Reader {
   FileFacts read() {
     tree_.for_each_match([this](const Match& match) { visit(match); });
     for (const auto& [local, exported] : exports_) hand_on(local, exported);
-    std::ranges::sort(facts_.declares);
-    facts_.declares.erase(std::unique(facts_.declares.begin(), facts_.declares.end()),
-                          facts_.declares.end());
+    sort_distinct(facts_.declares);
     return std::move(facts_);
   }
 

@@ -12,9 +12,10 @@ namespace kestrix::index::ecmascript {
 namespace {
 
 constexpr int kDeepestConditions = 8;
-constexpr std::size_t kMostTargets = 32;  // each is tried on every import,
-constexpr std::size_t kMostSources = 16;  // and so are the sources of each
-constexpr std::size_t kLongestTarget = 4096;
+// Each target is tried on every import, under many extensions, and so are its sources.
+constexpr std::size_t kMostTargets = 32;
+constexpr std::size_t kMostTargetBytes = 1024;  // of all of one key
+constexpr std::size_t kMostSources = 12;
 constexpr std::array<std::string_view, 17> kBuilt = {
     "build", "bundle", "cjs",  "compiled", "dist",    "dist-cjs", "dist-esm", "dist-types", "es",
     "esm",   "lib",    "node", "out",      "out-tsc", "types",    "typings",  "umd"};
@@ -57,11 +58,21 @@ std::optional<std::string_view> star_of(std::string_view pattern, std::string_vi
 
 std::string filled(std::string target, std::string_view star) {
   if (target.ends_with('/')) target += '*';
-  for (std::size_t at = target.find('*'); at != std::string::npos && target.size() < kLongestTarget;
+  for (std::size_t at = target.find('*');
+       at != std::string::npos && target.size() < kMostTargetBytes;
        at = target.find('*', at + star.size())) {
     target.replace(at, 1, star);
   }
   return target;
+}
+
+void drop_beyond_limit(std::vector<std::string>& targets) {
+  std::size_t bytes = 0;
+  const auto first = std::ranges::find_if(targets, [&bytes](const std::string& target) {
+    bytes += target.size();
+    return bytes > kMostTargetBytes;
+  });
+  targets.erase(first, targets.end());
 }
 
 bool has_subpaths(const Json& map) {
@@ -89,15 +100,21 @@ TargetMap::TargetMap(const Json& map) {
 }
 
 std::vector<std::string> TargetMap::find(std::string_view key) const {
-  if (const auto exact = exact_.find(std::string(key)); exact != exact_.end()) return exact->second;
+  std::vector<std::string> targets;
+  if (const auto exact = exact_.find(std::string(key)); exact != exact_.end()) {
+    targets = exact->second;
+    drop_beyond_limit(targets);
+    return targets;
+  }
   for (const Pattern& pattern : patterns_) {
     const auto star = star_of(pattern.key, key);
     if (!star) continue;
-    std::vector<std::string> targets = pattern.targets;
+    targets = pattern.targets;
     for (std::string& target : targets) target = filled(std::move(target), *star);
-    return targets;
+    drop_beyond_limit(targets);
+    break;
   }
-  return {};
+  return targets;
 }
 
 std::vector<std::string> sources_of(std::string_view built) {

@@ -13,6 +13,7 @@
 #include "kestrix/languages/go/resolver.h"
 #include "kestrix/languages/symbols.h"
 #include "kestrix/syntax/source_tree.h"
+#include "kestrix/text/sorting.h"
 
 namespace kestrix::index {
 namespace {
@@ -71,9 +72,7 @@ class Reader {
     tree_.for_each_match([this](const Match& match) { take(match); });
     bind_imports();
     for (const TSNode declaration : declarations_) names_.read(declaration);
-    std::ranges::sort(facts_.declares);
-    facts_.declares.erase(std::unique(facts_.declares.begin(), facts_.declares.end()),
-                          facts_.declares.end());
+    sort_distinct(facts_.declares);
     facts_.uses = names_.take(facts_.imports, facts_.declares);
     return std::move(facts_);
   }

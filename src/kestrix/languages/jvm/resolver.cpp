@@ -10,11 +10,12 @@
 #include <unordered_set>
 #include <vector>
 
-#include "kestrix/languages/packaged/reading.h"
 #include "kestrix/languages/dependencies.h"
-#include "kestrix/languages/packaged/packages.h"
-#include "kestrix/text/paths.h"
 #include "kestrix/languages/jvm/source_sets.h"
+#include "kestrix/languages/packaged/packages.h"
+#include "kestrix/languages/packaged/reading.h"
+#include "kestrix/text/paths.h"
+#include "kestrix/text/sorting.h"
 
 namespace kestrix::index {
 namespace {
@@ -134,8 +135,7 @@ class JvmResolver : public Resolver {
     const auto own = platform->second.find(package, name, file);
     if (std::ranges::any_of(own, [&](FileId id) { return is_actual(id, name); })) targets.clear();
     targets.insert(targets.end(), own.begin(), own.end());
-    std::ranges::sort(targets);
-    targets.erase(std::unique(targets.begin(), targets.end()), targets.end());
+    sort_distinct(targets);
     return targets;
   }
 
@@ -161,8 +161,7 @@ class JvmResolver : public Resolver {
       targets.insert(targets.end(), more.begin(), more.end());
       if (type && !targets.empty()) break;
     }
-    std::ranges::sort(targets);
-    targets.erase(std::unique(targets.begin(), targets.end()), targets.end());
+    sort_distinct(targets);
     return targets;
   }
 

@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <iterator>
 
+#include "kestrix/text/ascii.h"
+
 namespace kestrix::index::kotlin {
 namespace {
 
@@ -23,8 +25,7 @@ constexpr Lexis kLexis = {.line_comments = kComments,
                           .char_literals = true};
 
 bool is_name_byte(char c) {
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' ||
-         c == '.' || static_cast<unsigned char>(c) >= 0x80;
+  return ascii::is_word(c) || c == '.' || static_cast<unsigned char>(c) >= 0x80;
 }
 
 class Mask {

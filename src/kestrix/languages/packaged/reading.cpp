@@ -7,6 +7,8 @@
 #include <utility>
 
 #include "kestrix/languages/symbols.h"
+#include "kestrix/text/ascii.h"
+#include "kestrix/text/sorting.h"
 
 namespace kestrix::index::packaged {
 namespace {
@@ -74,7 +76,7 @@ class Chains {
 };
 
 bool is_package_letter(char c) {
-  return (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '_' || c == '.';
+  return ascii::is_lower(c) || ascii::is_digit(c) || c == '_' || c == '.';
 }
 
 // The words of code that seem to start a type's name with its package.
@@ -195,10 +197,6 @@ void add_qualified_names(const SourceTree& tree, std::span<const std::string_vie
   for (auto& [name, fact] : found) facts.imports.push_back(std::move(fact));
 }
 
-void sort_declared(FileFacts& facts) {
-  std::ranges::sort(facts.declares);
-  facts.declares.erase(std::unique(facts.declares.begin(), facts.declares.end()),
-                       facts.declares.end());
-}
+void sort_declared(FileFacts& facts) { sort_distinct(facts.declares); }
 
 }  // namespace kestrix::index::packaged

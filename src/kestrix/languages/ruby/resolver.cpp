@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "kestrix/languages/dependencies.h"
+#include "kestrix/text/ascii.h"
 #include "kestrix/text/paths.h"
 
 namespace kestrix::index {
@@ -18,7 +19,7 @@ namespace {
 constexpr std::array<std::string_view, 3> kLoadFolders = {"lib", "test", "spec"};
 
 bool is_upper(char c) { return c >= 'A' && c <= 'Z'; }
-bool is_lower_or_digit(char c) { return (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9'); }
+bool is_lower_or_digit(char c) { return ascii::is_lower(c) || ascii::is_digit(c); }
 
 // The path that a constant's name makes: "App::HTTPClient" is app/http_client.rb.
 std::string conventional_path(std::string_view name) {

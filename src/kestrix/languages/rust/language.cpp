@@ -18,6 +18,7 @@
 #include "kestrix/languages/rust/use_tree.h"
 #include "kestrix/languages/symbols.h"
 #include "kestrix/syntax/source_tree.h"
+#include "kestrix/text/sorting.h"
 
 namespace kestrix::index {
 namespace {
@@ -67,9 +68,7 @@ class Reader {
   FileFacts read() {
     tree_.for_each_match([this](const Match& match) { take(match); });
     add_paths();
-    std::ranges::sort(facts_.declares);
-    facts_.declares.erase(std::unique(facts_.declares.begin(), facts_.declares.end()),
-                          facts_.declares.end());
+    sort_distinct(facts_.declares);
     return std::move(facts_);
   }
 

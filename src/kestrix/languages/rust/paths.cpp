@@ -4,6 +4,8 @@
 #include <array>
 #include <unordered_map>
 
+#include "kestrix/text/ascii.h"
+
 namespace kestrix::index {
 namespace {
 
@@ -60,7 +62,7 @@ class PathScanner {
 bool may_lead_somewhere(std::string_view path) {
   const std::string_view first = path.substr(0, path.find("::"));
   const char c = first.front();
-  return ((c >= 'a' && c <= 'z') || c == '$') && !std::ranges::binary_search(kNoModules, first);
+  return (ascii::is_lower(c) || c == '$') && !std::ranges::binary_search(kNoModules, first);
 }
 
 }  // namespace

@@ -3,14 +3,15 @@
 #include <algorithm>
 #include <utility>
 
+#include "kestrix/text/ascii.h"
+
 namespace kestrix::index {
 namespace {
 
 constexpr std::size_t kLongestPrefix = 1000;
 
 bool is_word_byte(char c) {
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' ||
-         c == '$' || static_cast<unsigned char>(c) >= 0x80;
+  return ascii::is_word(c) || c == '$' || static_cast<unsigned char>(c) >= 0x80;
 }
 
 class UseTree {
