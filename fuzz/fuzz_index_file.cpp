@@ -114,7 +114,7 @@ class Damage {
 // Facts behind a seal that fits, as no disk but a forger leaves them.
 void decode(std::string_view bytes) {
   Digest digest;
-  const FactsOrigin origin{"path", 7};
+  const FactsOrigin origin{"path", {7}};
   digest.add(origin.path);
   digest.add(origin.content);
   digest.add(bytes);

@@ -25,9 +25,18 @@ void occupy_standard_streams() {
 kestrix::StopFlag stop{false};             // NOLINT: a signal handler reaches nothing else
 volatile std::sig_atomic_t stop_signal{};  // NOLINT: likewise
 
+// What asks nobody for a whole second is ended all the same: the index stands whatever comes.
+constexpr unsigned kGraceSeconds = 1;
+
 void ask_to_stop(int signal) {
   stop_signal = signal;
   stop = true;
+  alarm(kGraceSeconds);
+}
+
+void end_at_once(int /*signal*/) {
+  std::signal(stop_signal, SIG_DFL);
+  std::raise(stop_signal);
 }
 
 // The first signal asks; a second one finds its default action again.
@@ -40,7 +49,9 @@ void handle_signals() {
     sigaction(signal, nullptr, &inherited);
     if (inherited.sa_handler != SIG_IGN) sigaction(signal, &action, nullptr);
   }
+  std::signal(SIGALRM, end_at_once);
   std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);  // a limit on the size of files is an error like any other
 }
 
 // Ends by the signal itself, so that a shell sees what stopped us.

@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -48,6 +49,98 @@ TEST_F(IndexFile, RefusesWhatBelongsToOthers) {
     EXPECT_THROW(refresh(options(place)), Error) << place;
   }
   EXPECT_THROW(open(options("never-made.sqlite")), Error);
+}
+
+TEST_F(IndexFile, FollowsNoLink) {
+  refresh(options("other.sqlite"));
+  std::filesystem::create_symlink(scratch() / "other.sqlite", scratch() / "link.sqlite");
+  std::filesystem::create_symlink(scratch() / "made.sqlite", scratch() / "dangling.sqlite");
+  for (const char* link : {"link.sqlite", "dangling.sqlite"}) {
+    EXPECT_THROW(refresh(options(link)), Error) << link;
+  }
+  EXPECT_FALSE(std::filesystem::exists(scratch() / "made.sqlite"));
+  for (const char* suffix : {"-wal", "-shm", "-journal"}) {
+    scratch().write("target", "kept");
+    scratch().remove(std::string("index.sqlite") + suffix);
+    std::filesystem::create_symlink(scratch() / "target",
+                                    scratch() / (std::string("index.sqlite") + suffix));
+    write("b.py", suffix);
+    EXPECT_EQ(refreshed().index->files().size(), 2U) << suffix;
+    EXPECT_EQ(scratch().read("target"), "kept");
+  }
+}
+
+TEST_F(IndexFile, IsForTheUserAlone) {
+  const auto mode_of = [&](const std::filesystem::path& path) {
+    return static_cast<unsigned>(std::filesystem::status(path).permissions());
+  };
+  const mode_t before = ::umask(0);
+  ::setenv("XDG_CACHE_HOME", (scratch() / "cache").c_str(), 1);
+  IndexOptions by_default = options();
+  by_default.file.reset();
+  const auto file = refresh(by_default).file;
+  EXPECT_EQ(mode_of(file), 0600U);
+  EXPECT_EQ(mode_of(file.parent_path()), 0700U);
+  refresh(options());
+  EXPECT_EQ(mode_of(scratch() / "index.sqlite"), 0600U);
+  ::umask(before);
+  ::chmod((scratch() / "index.sqlite").c_str(), 0666);
+  EXPECT_THROW(refresh(options()), Error) << "anybody may have written it";
+  ::chmod(file.c_str(), 0666);
+  refresh(by_default);
+  EXPECT_EQ(mode_of(file), 0600U) << "made anew";
+  ::unsetenv("XDG_CACHE_HOME");
+}
+
+TEST_F(IndexFile, IsNotTakenFromAnotherUser) {
+  if (::geteuid() != 0) GTEST_SKIP() << "only root can give files away";
+  refresh(options());
+  ASSERT_EQ(::chown((scratch() / "index.sqlite").c_str(), 65534, 65534), 0);
+  EXPECT_THROW(refresh(options()), Error);
+  EXPECT_THROW(open(options()), Error);
+}
+
+// What somebody planted is not run, not believed and not edited: a new file takes its place.
+TEST_F(IndexFile, ReplacesWhatIsNotExactlyItsOwnTables) {
+  const std::string whole = dump(*refreshed().index);
+  const std::string attach =
+      fmt::format("CREATE TABLE \"x\"\"; COMMIT; ATTACH '{}' AS o; CREATE TABLE o.t(a); --\" (a)",
+                  (scratch() / "planted").native());
+  const std::string planted[] = {
+      attach,
+      "CREATE TRIGGER t AFTER INSERT ON setting BEGIN DELETE FROM file; END",
+      "CREATE TRIGGER t AFTER DELETE ON skipped BEGIN DELETE FROM edges; END",
+      "ALTER TABLE file RENAME TO f; CREATE VIEW file AS WITH RECURSIVE r(x) AS (SELECT 1 UNION "
+      "ALL "
+      "SELECT x + 1 FROM r) SELECT x, x, '', 0, 0, 0, 0, 0, x'', 0, x'' FROM r",
+      "CREATE INDEX i ON file (path)",
+      "ALTER TABLE file ADD COLUMN more",
+      "DROP TABLE skipped; CREATE TABLE skipped (reason TEXT PRIMARY KEY, count INTEGER)",
+  };
+  for (const std::string& sql : planted) {
+    SQLite::Database(scratch() / "index.sqlite", SQLite::OPEN_READWRITE).exec(sql);
+    EXPECT_THROW(open(options()), Error) << sql;
+    const auto [index, result] = refreshed();
+    EXPECT_EQ(dump(*index), whole) << sql;
+    EXPECT_NE(result.rebuilt, "") << sql;
+    EXPECT_FALSE(std::filesystem::exists(scratch() / "planted"));
+    EXPECT_EQ(refreshed().result.rebuilt, "") << sql;
+  }
+}
+
+TEST_F(IndexFile, DoesNotWaitForeverForALock) {
+  IndexOptions impatient = options();
+  impatient.lock_timeout = std::chrono::milliseconds(50);
+  const int folder = ::open(scratch().path().c_str(), O_RDONLY | O_DIRECTORY);
+  ASSERT_EQ(::flock(folder, LOCK_EX), 0);
+  EXPECT_THROW(refresh(impatient), Error);
+  const StopFlag stop = true;
+  impatient.lock_timeout = std::chrono::hours(1);
+  impatient.stop = &stop;
+  EXPECT_THROW(refresh(impatient), StopRequest);
+  ::close(folder);
+  impatient.stop = nullptr;
+  EXPECT_EQ(refresh(impatient).added, 1U);
 }
 
 TEST_F(IndexFile, TakesAnEmptyFile) {

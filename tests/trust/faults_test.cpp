@@ -4,7 +4,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
 #include <csignal>
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -39,13 +43,13 @@ struct FullDiskCase {
 
   friend void PrintTo(const FullDiskCase& disk, std::ostream* out) { *out << disk.name; }
 };
-constexpr FullDiskCase kLimit{"Limit", "trap '' XFSZ; ulimit -f 100"};
+constexpr FullDiskCase kLimit{"Limit", "ulimit -f 100"};
 constexpr FullDiskCase kMount{"Mount", R"(unshare -m true 2> no-mounts || exit 77
 unshare -m sh -c '
   mkdir -p full && mount -t tmpfs -o size=160k full full || exit 77
-  cp i.db full/ && ln -s full/i.db link && mv link i.db
+  cp i.db full/ && ln -s ../repo full/repo && cd full
   "$@"; code=$?
-  rm i.db; cp full/i.db* . ; exit $code' sh "$@"; exit $?)"};
+  cd .. ; cp full/i.db* . ; exit $code' sh "$@"; exit $?)"};
 
 class FullDisk : public testing::TestWithParam<FullDiskCase> {};
 
@@ -85,6 +89,81 @@ TEST(Faults, TooLittleMemoryLeavesAnIndexThatAnswers) {
   }
   program.before.clear();
   EXPECT_EQ(program.run(kSymbols).out, answer_of_a_fresh_index(program));
+}
+
+TEST(Faults, TooFewDescriptorsEndTheRunWithALine) {
+  ProgramUnderTest program;
+  write_files(program, 0, 40);
+  const std::string expected = answer_of_a_fresh_index(program);
+  for (int most = 4; most < 16; ++most) {
+    program.before = "ulimit -n " + std::to_string(most);
+    const Ended ended = program.run(kSymbols);
+    if (ended.code == 0)
+      EXPECT_EQ(ended.out, expected) << most;
+    else
+      EXPECT_EQ(std::ranges::count(ended.err, '\n'), 1) << most << ": " << ended.err;
+  }
+  program.before.clear();
+  EXPECT_EQ(program.run(kSymbols).out, expected);
+}
+
+// Every call that a run makes of the system fails once. What has run out ends the run or changes
+// nothing; what may pass is made good by the next run.
+class FailingCalls : public testing::TestWithParam<int> {};
+
+TEST_P(FailingCalls, LeaveNothingWrongBehind) {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+  GTEST_SKIP() << "the sanitizers come before the library that makes calls fail";
+#endif
+  constexpr int kStep = 3;
+  ProgramUnderTest program;
+  const auto& directory = program.directory();
+  directory.write("repo/go.mod", "module a.b/c\n");
+  directory.write("repo/m.go", "package c\nimport \"a.b/c/d\"\nvar _ = d.D{}\n");
+  directory.write("repo/d/d.go", "package d\ntype D struct{}\n");
+  directory.write("repo/package.json", R"({"imports": {"#b": "./lib/b.ts"}})");
+  directory.write("repo/a.ts", "import {B} from '#b';\nnew B();\n");
+  directory.write("repo/lib/b.ts", "export class B {}\n");
+  directory.write("repo/.gitignore", "ignored.py\n");
+  directory.write("repo/ignored.py", "class Ignored: pass\n");
+  program.before = "cd repo && git init -q . && git add -f d && cd .. ; \"$@\"; exit";
+  const std::vector<std::string> edges{"edges", "repo", "--index", "i.db", "--quiet"};
+  const std::string expected = program.run(edges).out;
+  ASSERT_EQ(std::ranges::count(expected, '\n'), 2) << expected;
+  program.before.clear();
+  const bool has_run_out = GetParam() != EIO;
+  for (int call = 1;; call += kStep) {
+    ASSERT_LT(call, 3000);
+    std::filesystem::remove(program.path() / "i.db");
+    program.environment["LD_PRELOAD"] = FAILING_CALLS;
+    program.environment["FAIL_AT"] = std::to_string(call);
+    program.environment["FAIL_ERRNO"] = std::to_string(GetParam());
+    program.environment["FAIL_MARK"] = (program.path() / "mark").native();
+    const Ended ended = program.run(edges);
+    if (!std::filesystem::remove(program.path() / "mark")) break;
+    if (ended.code != 0) {
+      EXPECT_EQ(ended.code, 1) << call;
+      EXPECT_EQ(std::ranges::count(ended.err, '\n'), 1) << call << ": " << ended.err;
+    } else if (has_run_out) {
+      EXPECT_EQ(ended.out, expected) << call;
+    }
+    program.environment.erase("LD_PRELOAD");
+    EXPECT_EQ(program.run(edges).out, expected) << "after call " << call;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Errors, FailingCalls, testing::Values(EMFILE, ENOMEM, EIO));
+
+TEST(Faults, ASignalEndsTheRunWithinASecondAndAHalf) {
+  ProgramUnderTest program;
+  write_files(program, 0, 3000);
+  for (const int moment : {20, 60, 150, 300}) {
+    const auto begin = std::chrono::steady_clock::now();
+    const Ended ended =
+        program.run_and_signal(SIGTERM, kSymbols, std::chrono::milliseconds(moment));
+    EXPECT_TRUE(ended.code == 128 + SIGTERM || ended.code == 0) << ended.code;
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(moment + 1500));
+  }
 }
 
 TEST(Faults, WritersAndReadersAtOnceAgree) {

@@ -6,9 +6,12 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstddef>
 #include <cstring>
 #include <utility>
+
+#include "kestrix/files/shortage.h"
 
 namespace kestrix::index {
 namespace {
@@ -29,21 +32,27 @@ void add_entry(int directory, const char* name, unsigned char type, DirectoryLis
   FileStamp stamp;
   if (type != DT_DIR && type != DT_LNK) {
     struct stat status {};
-    if (::fstatat(directory, name, &status, AT_SYMLINK_NOFOLLOW) != 0) return;  // gone again
-    kind = kind_of_mode(status.st_mode);
-    stamp = stamp_of(status);
+    if (::fstatat(directory, name, &status, AT_SYMLINK_NOFOLLOW) == 0) {
+      kind = kind_of_mode(status.st_mode);
+      stamp = stamp_of(status);
+    } else {
+      if (errno == ENOENT) return;  // gone again
+      check_shortage(listing.path_of(name), errno);
+      kind = EntryKind::kFile;
+    }
   }
   listing.entries.push_back({name, kind, stamp});
 }
 
 // The system call itself: a stream would ask for flags and status of each directory again.
-bool add_entries(int directory, DirectoryListing& listing) {
+bool add_entries(int directory, DirectoryListing& listing, const StopFlag* stop) {
   alignas(dirent64) std::array<char, kBufferBytes> buffer;  // NOLINT(*-member-init): filled below
   for (;;) {
     const ssize_t filled = ::getdents64(directory, buffer.data(), buffer.size());
     if (filled <= 0) return filled == 0;
     for (std::size_t at = 0; at < static_cast<std::size_t>(filled);) {
       const auto* item = reinterpret_cast<const dirent64*>(buffer.data() + at);
+      check_stop(stop);
       add_entry(directory, item->d_name, item->d_type, listing);
       at += item->d_reclen;
     }
@@ -65,10 +74,15 @@ const DirectoryEntry* DirectoryListing::find(std::string_view name) const {
   return found == entries.end() ? nullptr : &*found;
 }
 
-std::optional<DirectoryListing> list_directory(const RootDirectory& root, std::string path) {
+std::optional<DirectoryListing> list_directory(const RootDirectory& root, std::string path,
+                                               const StopFlag* stop) {
   const FileDescriptor directory = root.open(path, O_RDONLY | O_DIRECTORY | O_NONBLOCK);
   DirectoryListing listing{std::move(path), {}};
-  if (!directory || !add_entries(directory.get(), listing)) return std::nullopt;
+  if (!directory) return std::nullopt;
+  if (!add_entries(directory.get(), listing, stop)) {
+    check_shortage(listing.path, errno);
+    return std::nullopt;
+  }
   return listing;
 }
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "kestrix/files/root_directory.h"
+#include "kestrix/utils/stop.h"
 
 namespace kestrix::index {
 
@@ -27,7 +28,10 @@ struct DirectoryListing {
   const DirectoryEntry* find(std::string_view name) const;
 };
 
-/// Lists a directory and takes its files' stamps. None when it cannot be listed; errno says why.
-std::optional<DirectoryListing> list_directory(const RootDirectory& root, std::string path);
+/// Lists a directory and takes its files' stamps; of a file whose stamp cannot be taken it is zero.
+/// None when the directory cannot be listed; errno says why. Throws `Error` where descriptors or
+/// memory run out, and `StopRequest` soon after the flag is set.
+std::optional<DirectoryListing> list_directory(const RootDirectory& root, std::string path,
+                                               const StopFlag* stop = nullptr);
 
 }  // namespace kestrix::index

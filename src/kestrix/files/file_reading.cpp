@@ -26,16 +26,21 @@ FileBytes failed(ReadStatus status) {
   return nothing;
 }
 
+FileBytes unreadable(std::string_view path) {
+  check_shortage(path, errno);
+  return failed(ReadStatus::kUnreadable);
+}
+
 struct ReadPlan {
   std::size_t limit;
   std::size_t head;  // what is read of a file that is larger
   bool stop_at_binary = false;
 };
 
-FileBytes read_descriptor(const FileDescriptor& file, ReadPlan plan) {
+FileBytes read_descriptor(std::string_view path, const FileDescriptor& file, ReadPlan plan) {
   if (!file) return failed(status_of(errno));
   struct stat status {};
-  if (::fstat(file.get(), &status) != 0) return failed(ReadStatus::kUnreadable);
+  if (::fstat(file.get(), &status) != 0) return unreadable(path);
   if (!S_ISREG(status.st_mode)) return failed(ReadStatus::kVanished);
   FileBytes result;
   result.stamp = stamp_of(status);
@@ -47,7 +52,7 @@ FileBytes read_descriptor(const FileDescriptor& file, ReadPlan plan) {
   bool good = read_up_to(file, std::min(all, kBinaryWindow), result.bytes);
   const bool stop = plan.stop_at_binary && is_binary(result.bytes);
   if (good && !stop && result.bytes.size() < all) good = read_up_to(file, all, result.bytes);
-  if (!good) return failed(ReadStatus::kUnreadable);
+  if (!good) return unreadable(path);
   if (result.bytes.size() > limit) result.bytes.resize(limit);
   struct stat after {};
   result.changed = ::fstat(file.get(), &after) != 0 || stamp_of(after) != result.stamp;
@@ -57,18 +62,18 @@ FileBytes read_descriptor(const FileDescriptor& file, ReadPlan plan) {
 }  // namespace
 
 FileBytes read_file(const RootDirectory& root, std::string_view path, std::size_t limit) {
-  return read_descriptor(root.open(path, kReading), {limit, limit});
+  return read_descriptor(path, root.open(path, kReading), {limit, limit});
 }
 
 FileBytes read_source(const RootDirectory& root, std::string_view path, std::size_t head) {
-  return read_descriptor(root.open(path, kReading),
+  return read_descriptor(path, root.open(path, kReading),
                          {kMaxParsedBytes, std::max(head, kBinaryWindow), true});
 }
 
 FileBytes read_users_file(const std::filesystem::path& path, std::size_t limit) {
   const FileDescriptor file(::open(path.c_str(), kReading | O_CLOEXEC));
   if (!file) check_shortage(path.native(), errno);
-  return read_descriptor(file, {limit, limit});
+  return read_descriptor(path.native(), file, {limit, limit});
 }
 
 std::string whole_text(FileBytes content) {

@@ -98,8 +98,11 @@ std::optional<RootDirectory> RootDirectory::find(const std::filesystem::path& pa
 }
 
 FileDescriptor RootDirectory::open(std::string_view relative, int flags) const {
-  FileDescriptor opened = open_in_steps(relative.empty() ? "." : relative, flags);
-  if (!opened) check_shortage(relative, errno);
+  FileDescriptor opened;
+  do {
+    opened = open_in_steps(relative.empty() ? "." : relative, flags);
+  } while (!opened && errno == EINTR);
+  if (!opened) check_shortage((path_ / relative).native(), errno);
   return opened;
 }
 

@@ -6,8 +6,8 @@
 #include <utility>
 
 #include "kestrix/files/file_reading.h"
-#include "kestrix/text/wildmatch.h"
 #include "kestrix/text/ascii.h"
+#include "kestrix/text/wildmatch.h"
 
 namespace kestrix::index {
 namespace {
@@ -168,6 +168,8 @@ class GitConfig::Parser {
 bool GitConfig::read(const fs::path& file) {
   const FileBytes content = confines_.empty() ? read_users_file(file, kMaxConfigBytes)
                                               : read_admitted(file, kMaxConfigBytes);
+  // The repository's settings decide what is ignored: without them there is no saying.
+  if (!confines_.empty() && content.status == ReadStatus::kUnreadable) well_formed_ = false;
   const std::string text = whole_text(content);
   if (!Parser(text, *this, file).parse()) well_formed_ = false;
   return well_formed_;

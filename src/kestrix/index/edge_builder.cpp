@@ -10,9 +10,9 @@
 #include <utility>
 #include <vector>
 
+#include "kestrix/index/workers.h"
 #include "kestrix/languages/language.h"
 #include "kestrix/store/edge_codec.h"
-#include "kestrix/index/workers.h"
 
 namespace kestrix::index {
 namespace {

@@ -82,8 +82,9 @@ void take_content(ScannedFile& file, FileBytes content) {
 }
 
 // What was read of a file is what its row and its facts are made of.
-bool has_same_content(const FileRow* known, const FileBytes& content, std::uint64_t hash) {
-  return known != nullptr && known->hash == hash && !known->traits.has(Trait::kUnreadable) &&
+bool has_same_content(const std::optional<FileRow>& known, const FileBytes& content,
+                      const ContentHash& hash) {
+  return known && known->hash == hash && !known->traits.has(Trait::kUnreadable) &&
          known->traits.has(Trait::kLarge) == content.truncated;
 }
 
@@ -99,16 +100,15 @@ ScannedFile scan_file(const RootDirectory& root, const ScanTask& task) {
     return file;
   }
   file.row.path = task.path;
-  if (task.known != nullptr) file.row.id = task.known->id;
+  if (task.known) file.row.id = task.known->id;
   if (content.status == ReadStatus::kUnreadable) {
     file.row.traits.set(Trait::kUnreadable);
     file.row.stamp.size = -1;
-    if (task.known != nullptr && task.known->traits == file.row.traits)
-      file.outcome = ScanOutcome::kUnchanged;
+    if (task.known && task.known->traits == file.row.traits) file.outcome = ScanOutcome::kUnchanged;
     return file;
   }
   const FileStamp stamp = lasting_stamp(content, before);
-  const std::uint64_t hash = content_hash(content.bytes);
+  const ContentHash hash = content_hash(content.bytes);
   if (has_same_content(task.known, content, hash)) {
     file.outcome = ScanOutcome::kUnchanged;
     file.row = *task.known;

@@ -1,17 +1,18 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
-#include "kestrix/store/store.h"
 #include "kestrix/files/root_directory.h"
+#include "kestrix/store/store.h"
 
 namespace kestrix::index {
 
 /// One file to be looked into.
 struct ScanTask {
   std::string path;
-  const FileRow* known = nullptr;  ///< what the index has of it, if anything; not owned
+  std::optional<FileRow> known;  ///< what the index has of it, if anything
 };
 
 enum class ScanOutcome {

@@ -54,10 +54,11 @@ class RepositoryIndex::Loader {
          {row.id, row.stamp.size, row.stamp.modified_ns, row.stamp.changed_ns}) {
       digest_.add(static_cast<std::uint64_t>(number));
     }
-    for (const std::uint64_t number : {row.stamp.inode, row.hash, std::uint64_t{row.unresolved},
-                                       std::uint64_t{row.traits.bits()}}) {
+    for (const std::uint64_t number :
+         {row.stamp.inode, std::uint64_t{row.unresolved}, std::uint64_t{row.traits.bits()}}) {
       digest_.add(number);
     }
+    digest_.add(row.hash);
   }
 
   void load_skip_counts() {

@@ -2,9 +2,9 @@
 
 #include <utility>
 
+#include "kestrix/files/file_reading.h"
 #include "kestrix/store/corrupt_index.h"
 #include "kestrix/store/facts_codec.h"
-#include "kestrix/files/file_reading.h"
 #include "kestrix/text/decoding.h"
 
 namespace kestrix::index {
@@ -16,8 +16,8 @@ constexpr std::size_t kMaxProjectFileBytes = std::size_t{16} << 20;
 }  // namespace
 
 IndexedFiles::IndexedFiles(std::span<FileRow> rows, Store& store, const RootDirectory& root,
-                           FactsLoading loading)
-    : store_(store), root_(root), loading_(loading) {
+                           FactsLoading loading, const StopFlag* stop)
+    : store_(store), root_(root), loading_(loading), stop_(stop) {
   rows_.reserve(rows.size());
   for (FileRow& row : rows) {
     if (row.traits.is_text())
@@ -32,12 +32,14 @@ IndexedFiles::IndexedFiles(std::span<FileRow> rows, Store& store, const RootDire
 }
 
 std::optional<FileId> IndexedFiles::find(std::string_view path) const {
+  check_stop(stop_);
   const auto found = ids_.find(path);
   if (found == ids_.end()) return std::nullopt;
   return found->second;
 }
 
 const FileFacts& IndexedFiles::facts(FileId id) const {
+  check_stop(stop_);
   Slot& slot = slots_[id];
   std::call_once(slot.decoded, [&] {
     if (!rows_[id]->traits.has(Trait::kParsed)) return;
@@ -49,6 +51,7 @@ const FileFacts& IndexedFiles::facts(FileId id) const {
 std::string IndexedFiles::read(FileId id) const {
   slots_[id].read = true;
   FileBytes content = read_file(root_, rows_[id]->path, kMaxProjectFileBytes);
+  if (content.status == ReadStatus::kUnreadable) has_unread_ = true;
   if (content.status != ReadStatus::kRead || content.truncated) return {};
   return decode_text(std::move(content.bytes));
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <mutex>
@@ -11,9 +12,10 @@
 #include <unordered_set>
 #include <vector>
 
+#include "kestrix/files/root_directory.h"
 #include "kestrix/languages/resolver.h"
 #include "kestrix/store/store.h"
-#include "kestrix/files/root_directory.h"
+#include "kestrix/utils/stop.h"
 
 namespace kestrix::index {
 
@@ -26,11 +28,15 @@ class IndexedFiles : public FileTable {
  public:
   /// Reads the store within the caller's transaction. `rows` ascend by path; they, the store and
   /// the root must outlive the table.
+  /// What resolvers ask throws `StopRequest` once the flag is set.
   IndexedFiles(std::span<FileRow> rows, Store& store, const RootDirectory& root,
-               FactsLoading loading);
+               FactsLoading loading, const StopFlag* stop);
 
   std::size_t size() const override { return rows_.size(); }
-  std::string_view path(FileId id) const override { return rows_[id]->path; }
+  std::string_view path(FileId id) const override {
+    check_stop(stop_);
+    return rows_[id]->path;
+  }
   std::optional<FileId> find(std::string_view path) const override;
   bool has_binary(std::string_view path) const override { return binaries_.contains(path); }
   const FileFacts& facts(FileId id) const override;
@@ -40,6 +46,8 @@ class IndexedFiles : public FileTable {
   FileRow& row(FileId id) const { return *rows_[id]; }
   /// Whether a resolver has read the file's text.
   bool was_read(FileId id) const { return slots_[id].read; }
+  /// Whether a text that a resolver asked for could not be read, for a reason that may pass.
+  bool has_unread() const { return has_unread_; }
 
  private:
   struct Slot {
@@ -55,6 +63,8 @@ class IndexedFiles : public FileTable {
   Store& store_;
   const RootDirectory& root_;
   FactsLoading loading_;
+  const StopFlag* stop_;
+  mutable std::atomic<bool> has_unread_ = false;
   std::vector<FileRow*> rows_;
   std::unordered_map<std::string_view, FileId> ids_;
   std::unordered_set<std::string_view> binaries_;

@@ -24,28 +24,30 @@ Place place_of(const IndexOptions& options, const fs::path& root) {
   return {default_index_path(root), true};
 }
 
-Store open_place(const Place& place) {
-  if (!place.is_default) return Store::open_or_create(place.file);
+Store open_place(const Place& place, const Patience& patience) {
+  if (!place.is_default) return Store::open_or_create(place.file, patience);
   prepare_default_place(place.file);
   // Nothing but indexes belongs there, so what cannot be recognised is a damaged one.
   const PlaceContent content = look_at(place.file);
-  if (content == PlaceContent::kForeignFile || content == PlaceContent::kForeignDatabase) {
+  if (content != PlaceContent::kNothing && content != PlaceContent::kIndex) {
     throw CorruptIndex(fmt::format("{}: the index is damaged", place.file.native()));
   }
-  return Store::open_or_create(place.file);
+  return Store::open_or_create(place.file, patience);
 }
 
 // Runs `operation` on the store; a damaged index is removed, and it runs once more.
 template <class Operation>
-auto with_store(const Place& place, const Operation& operation) {
+auto with_store(const IndexOptions& options, const fs::path& root, const Operation& operation) {
+  const Place place = place_of(options, root);
+  const Patience patience{options.lock_timeout, options.stop};
   const FileIdentity identity = identity_of(place.file);
   try {
-    Store store = open_place(place);
+    Store store = open_place(place, patience);
     return operation(store);
   } catch (const CorruptIndex&) {
-    remove_database(place.file, identity);
+    remove_database(place.file, identity, patience);
   }
-  Store store = open_place(place);
+  Store store = open_place(place, patience);
   return operation(store);
 }
 
@@ -53,20 +55,21 @@ auto with_store(const Place& place, const Operation& operation) {
 
 RefreshResult refresh(const IndexOptions& options) {
   const RootDirectory root(options.root);
-  return with_store(place_of(options, root.path()),
+  return with_store(options, root.path(),
                     [&](Store& store) { return Refresher(options, root, store).refresh(); });
 }
 
 std::unique_ptr<RepositoryIndex> open(const IndexOptions& options) {
   const RootDirectory root(options.root);
-  Store store = Store::open_existing(place_of(options, root.path()).file);
+  Store store = Store::open_existing(place_of(options, root.path()).file,
+                                     {options.lock_timeout, options.stop});
   store.begin_read();
   return open_stored(store);
 }
 
 RefreshedIndex refresh_and_open(const IndexOptions& options) {
   const RootDirectory root(options.root);
-  return with_store(place_of(options, root.path()), [&](Store& store) {
+  return with_store(options, root.path(), [&](Store& store) {
     return Refresher(options, root, store).refresh_and_open();
   });
 }

@@ -6,7 +6,6 @@
 #include <filesystem>
 #include <span>
 #include <system_error>
-#include <unordered_set>
 
 #include "kestrix/index/edge_builder.h"
 #include "kestrix/index/indexed_files.h"
@@ -24,6 +23,8 @@ namespace fs = std::filesystem;
 const std::string kReaderSetting = "reader";
 const std::string kRootSetting = "root";
 const std::string kDigestSetting = "digest";
+// Set where a resolver could not read a text: the next refresh resolves all anew.
+const std::string kUnreadSetting = "unread";
 
 std::unique_ptr<RepositoryIndex> load_checked(Store& store, std::span<const FileRow> rows) {
   auto index = RepositoryIndex::load(store, rows);
@@ -45,26 +46,30 @@ std::vector<std::string> own_files_below(const fs::path& root, const fs::path& i
 }  // namespace
 
 RefreshResult Refresher::refresh() {
-  run(false);
+  run();
   return std::move(result_);
 }
 
 RefreshedIndex Refresher::refresh_and_open() {
-  auto index = run(true);
+  auto index = run();
   return {std::move(index), std::move(result_)};
 }
 
-std::unique_ptr<RepositoryIndex> Refresher::run(bool open) {
+std::unique_ptr<RepositoryIndex> Refresher::run() {
   result_.file = store_.path();
   const auto own_files = own_files_below(root_.path(), store_.path());
   const WalkResult walked = walk(root_, {.excluded = own_files, .stop = options_.stop});
   store_.begin_read();
-  if (is_up_to_date(walked)) return open ? load_checked(store_, rows_) : nullptr;
+  RefreshPlan plan = make_plan(walked);
+  if (plan.is_done() || holds_what_differs(plan)) {
+    result_.unchanged = plan.kept.size() + plan.tasks.size();
+    return std::move(old_);
+  }
   const int seen = store_.data_version();
   store_.end_read();
-  store_.begin_write(options_.lock_timeout, options_.stop);
-  if (store_.data_version() != seen) is_up_to_date(walked);
-  bring_up_to_date(walked);
+  store_.begin_write();
+  if (store_.data_version() != seen) plan = make_plan(walked);
+  carry_out(std::move(plan));
   auto index = RepositoryIndex::load(store_, rows_);
   store_.set_setting(kDigestSetting, index->digest());
   check_stop(options_.stop);
@@ -72,54 +77,69 @@ std::unique_ptr<RepositoryIndex> Refresher::run(bool open) {
   return index;
 }
 
-bool Refresher::is_up_to_date(const WalkResult& walked) {
-  result_.rebuilt = reason_to_rebuild();
-  rows_.clear();
-  if (!result_.rebuilt.empty()) return false;
-  rows_ = store_.files();
-  const RefreshPlan plan = plan_refresh(rows_, walked.files);
-  result_.unchanged = plan.unchanged;
-  if (!plan.gone.empty() || store_.skip_counts() != walked.skipped) return false;
-  return plan.tasks.empty() || (!store_.writable() && holds_contents_of(plan));
+RefreshPlan Refresher::make_plan(const WalkResult& walked) {
+  std::string reason = reason_to_rebuild();
+  const bool has_state = reason.empty();
+  std::vector<FileRow> rows;
+  if (has_state) {
+    // What stays of it must be sound, too: its sum is renewed with the new one.
+    rows = store_.files();
+    old_ = load_checked(store_, rows);
+  }
+  RefreshPlan plan = plan_refresh(std::move(rows), walked.files);
+  plan.rebuilt = std::move(reason);
+  plan.skipped = walked.skipped;
+  if (!has_state) return plan;
+  plan.has_other_skips = store_.skip_counts() != walked.skipped;
+  plan.all_resolve_anew = !store_.setting(kUnreadSetting).empty();
+  return plan;
 }
 
 // A file's look is noted when it is read again. Where that cannot be written, content decides.
-bool Refresher::holds_contents_of(const RefreshPlan& plan) {
-  for (const ScanTask& task : plan.tasks) {
-    check_stop(options_.stop);
-    if (task.known == nullptr || scan_file(root_, task).outcome != ScanOutcome::kUnchanged)
-      return false;
+bool Refresher::holds_what_differs(const RefreshPlan& plan) {
+  if (store_.writable() || !plan.rebuilt.empty() || !plan.gone.empty() || plan.has_other_skips ||
+      plan.all_resolve_anew) {
+    return false;
   }
-  result_.unchanged += plan.tasks.size();
-  return true;
+  return std::ranges::all_of(plan.tasks, [&](const ScanTask& task) {
+    check_stop(options_.stop);
+    return task.known && scan_file(root_, task).outcome == ScanOutcome::kUnchanged;
+  });
 }
 
 std::string Refresher::reason_to_rebuild() {
-  if (!store_.has_current_schema()) return "no index of this version";
+  const Store::Schema schema = store_.schema();
+  // What others may have made is not cleared, let alone believed: a new file takes its place.
+  if (schema == Store::Schema::kOther && store_.writable()) {
+    throw CorruptIndex(fmt::format("{}: not the index's tables", store_.path().native()));
+  }
+  if (schema != Store::Schema::kOurs) return "no index of this version";
   if (store_.setting(kReaderSetting) != sources_digest) return "an index of other readers";
   // Stamps tell a file from what it was, not from its copy elsewhere.
   if (store_.setting(kRootSetting) != root_.path().native()) return "an index of another directory";
   return {};
 }
 
-void Refresher::bring_up_to_date(const WalkResult& walked) {
-  // What stays of the old state must be sound; its sum is renewed with the new one.
-  if (result_.rebuilt.empty())
-    load_checked(store_, rows_);
-  else
-    recreate();
-  skipped_ = walked.skipped;
-  const RefreshPlan plan = plan_refresh(rows_, walked.files);
-  result_.unchanged = plan.unchanged;
-  for (const FileRow* row : plan.gone) remove(*row);
+void Refresher::carry_out(RefreshPlan plan) {
+  old_.reset();
+  if (!plan.rebuilt.empty()) recreate();
+  result_.rebuilt = plan.rebuilt;
+  result_.unchanged = plan.kept.size();
+  skipped_ = plan.skipped;
+  all_resolve_anew_ = plan.all_resolve_anew;
+  rows_ = std::move(plan.kept);
+  for (const FileRow& row : plan.gone) remove(row);
   scan(plan);
-  merge_rows(plan);
+  std::ranges::sort(rows_, {}, &FileRow::path);
   resolve();
   store_.set_skip_counts(skipped_);
 }
 
 void Refresher::recreate() {
-  store_.recreate_tables();
+  if (store_.schema() == Store::Schema::kNone)
+    store_.create_tables();
+  else
+    store_.clear_tables();
   store_.set_setting(kReaderSetting, std::string(sources_digest));
   store_.set_setting(kRootSetting, root_.path().native());
 }
@@ -132,8 +152,6 @@ void Refresher::remove(const FileRow& row) {
 
 void Refresher::scan(const RefreshPlan& plan) {
   using Scanned = std::pair<std::size_t, ScannedFile>;
-  std::int64_t next_id = 1;
-  for (const FileRow& row : rows_) next_id = std::max(next_id, row.id + 1);
   const std::size_t total = plan.tasks.size();
   std::size_t done = 0;
   Workers<Scanned> workers(thread_count(options_.threads), options_.stop);
@@ -142,7 +160,7 @@ void Refresher::scan(const RefreshPlan& plan) {
       [&](Scanned&& scanned) {
         auto& [place, file] = scanned;
         // The place in the plan makes ids independent of which thread was first.
-        if (file.row.id == 0) file.row.id = next_id + static_cast<std::int64_t>(place);
+        if (file.row.id == 0) file.row.id = plan.next_id + static_cast<std::int64_t>(place);
         take(plan.tasks[place], std::move(file));
         if (options_.progress) options_.progress(++done, total);
       });
@@ -152,12 +170,12 @@ void Refresher::take(const ScanTask& task, ScannedFile file) {
   switch (file.outcome) {
     case ScanOutcome::kVanished:
       skipped_.add(skipped::kVanished);
-      if (task.known != nullptr) remove(*task.known);
+      if (task.known) remove(*task.known);
       return;
     case ScanOutcome::kUnchanged:
       ++result_.unchanged;
       store_.put_file(file.row);
-      fresh_.push_back(std::move(file.row));
+      rows_.push_back(std::move(file.row));
       return;
     case ScanOutcome::kRead:
       put(task, std::move(file));
@@ -165,7 +183,7 @@ void Refresher::take(const ScanTask& task, ScannedFile file) {
 }
 
 void Refresher::put(const ScanTask& task, ScannedFile file) {
-  if (task.known == nullptr) {
+  if (!task.known) {
     ++result_.added;
     all_resolve_anew_ = true;
   } else {
@@ -177,7 +195,7 @@ void Refresher::put(const ScanTask& task, ScannedFile file) {
   if (file.row.traits.has(Trait::kParsed)) {
     store_.put_facts(file.row.id, file.facts, file.symbols);
   }
-  fresh_.push_back(std::move(file.row));
+  rows_.push_back(std::move(file.row));
 }
 
 void Refresher::note_change(const FileRow& before, const ScannedFile& after) {
@@ -202,33 +220,27 @@ bool Refresher::leaves_others_alone(const FileRow& before, const ScannedFile& af
                                  decode_facts(after.facts, {after.row.path, after.row.hash}));
 }
 
-void Refresher::merge_rows(const RefreshPlan& plan) {
-  std::unordered_set<std::string_view> replaced;
-  for (const FileRow* row : plan.gone) replaced.insert(row->path);
-  for (const ScanTask& task : plan.tasks) replaced.insert(task.path);
-  std::vector<FileRow> rows = std::move(fresh_);
-  for (FileRow& row : rows_) {
-    if (!replaced.contains(row.path)) rows.push_back(std::move(row));
-  }
-  std::ranges::sort(rows, {}, &FileRow::path);
-  rows_ = std::move(rows);
-}
-
 void Refresher::resolve() {
   const EdgeBuildOptions options{thread_count(options_.threads), options_.stop};
   if (all_resolve_anew_) {
-    const IndexedFiles files(rows_, store_, root_, FactsLoading::kAll);
+    const IndexedFiles files(rows_, store_, root_, FactsLoading::kAll, options_.stop);
     rebuild_edges(store_, files, options);
+    note_unread(files);
   } else if (!resolve_anew_.empty()) {
-    const IndexedFiles files(rows_, store_, root_, FactsLoading::kSingly);
+    const IndexedFiles files(rows_, store_, root_, FactsLoading::kSingly, options_.stop);
     std::vector<FileId> sources;
     for (const std::string& path : resolve_anew_) sources.push_back(files.find(path).value());
     rebuild_edges_of(sources, store_, files, options);
+    note_unread(files);
   }
 }
 
+void Refresher::note_unread(const IndexedFiles& files) {
+  store_.set_setting(kUnreadSetting, files.has_unread() ? "yes" : "");
+}
+
 std::unique_ptr<RepositoryIndex> open_stored(Store& store) {
-  if (!store.has_current_schema() || store.setting(kReaderSetting) != sources_digest) {
+  if (store.schema() != Store::Schema::kOurs || store.setting(kReaderSetting) != sources_digest) {
     throw Error(fmt::format("{}: an index of another version", store.path().native()));
   }
   return load_checked(store, store.files());

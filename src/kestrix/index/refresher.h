@@ -10,6 +10,7 @@
 #include "kestrix/files/root_directory.h"
 #include "kestrix/files/skip_counts.h"
 #include "kestrix/index/file_scan.h"
+#include "kestrix/index/indexed_files.h"
 #include "kestrix/index/indexer.h"
 #include "kestrix/index/refresh_plan.h"
 #include "kestrix/store/store.h"
@@ -29,11 +30,11 @@ class Refresher {
   RefreshedIndex refresh_and_open();
 
  private:
-  std::unique_ptr<RepositoryIndex> run(bool open);
-  bool is_up_to_date(const WalkResult& walked);
-  bool holds_contents_of(const RefreshPlan& plan);
-  void bring_up_to_date(const WalkResult& walked);
+  std::unique_ptr<RepositoryIndex> run();
+  RefreshPlan make_plan(const WalkResult& walked);
   std::string reason_to_rebuild();
+  bool holds_what_differs(const RefreshPlan& plan);
+  void carry_out(RefreshPlan plan);
   void recreate();
   void remove(const FileRow& row);
   void scan(const RefreshPlan& plan);
@@ -42,14 +43,14 @@ class Refresher {
   void note_change(const FileRow& before, const ScannedFile& after);
   bool leaves_others_alone(const FileRow& before, const ScannedFile& after);
   void resolve();
-  void merge_rows(const RefreshPlan& plan);
+  void note_unread(const IndexedFiles& files);
 
   const IndexOptions& options_;
   const RootDirectory& root_;
   Store& store_;
   RefreshResult result_;
-  std::vector<FileRow> rows_;   // as the store has them, ascending by path
-  std::vector<FileRow> fresh_;  // what takes their place
+  std::unique_ptr<RepositoryIndex> old_;  // the state before, until it is left behind
+  std::vector<FileRow> rows_;             // of the new state, so far; in the end ascending by path
   SkipCounts skipped_;
   bool all_resolve_anew_ = false;
   std::vector<std::string> resolve_anew_;

@@ -2,8 +2,10 @@
 
 #include <fmt/format.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdlib>
 #include <string>
 #include <string_view>
@@ -60,17 +62,27 @@ fs::path default_index_path(const fs::path& root) {
                     "another one with --index",
                     folder.native()));
   }
-  return folder /
-         fmt::format("{}-{:016x}.sqlite", readable_name(root), content_hash(root.native()));
+  return folder / fmt::format("{}-{:016x}.sqlite", readable_name(root), quick_hash(root.native()));
 }
 
 void prepare_default_place(const fs::path& index) {
-  std::error_code failure;
-  fs::create_directories(index.parent_path(), failure);
-  if (failure) {
+  const fs::path folder = index.parent_path();
+  const auto fail = [&](const std::string& why) {
     throw Error(fmt::format("{}: {}; choose another place for the index with --index",
-                            index.parent_path().native(), failure.message()));
+                            folder.native(), why));
+  };
+  std::error_code failure;
+  fs::create_directories(folder.parent_path(), failure);
+  if (failure) fail(failure.message());
+  struct stat status {};
+  if (::mkdir(folder.c_str(), S_IRWXU) != 0 && errno != EEXIST) {
+    fail(std::generic_category().message(errno));
   }
+  if (::lstat(folder.c_str(), &status) != 0) fail(std::generic_category().message(errno));
+  const bool is_ours = status.st_uid == ::geteuid() || status.st_uid == 0;
+  if (S_ISDIR(status.st_mode) && !is_ours) fail("a folder of another user");
+  // Where it is a link the user has made it, and sees to the folder that it leads to.
+  if (S_ISDIR(status.st_mode) && status.st_uid == ::geteuid()) ::chmod(folder.c_str(), S_IRWXU);
 }
 
 }  // namespace kestrix::index

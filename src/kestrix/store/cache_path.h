@@ -12,8 +12,8 @@ namespace kestrix::index {
 /// place would lie inside the repository.
 std::filesystem::path default_index_path(const std::filesystem::path& root);
 
-/// Creates the directories above a default index. Throws `Error`, which names the one that cannot
-/// be made.
+/// Creates the directories above a default index; the last is for the user alone. Throws `Error`,
+/// which names the one that cannot be made.
 void prepare_default_place(const std::filesystem::path& index);
 
 }  // namespace kestrix::index

@@ -1,40 +1,18 @@
 #include "kestrix/store/content_hash.h"
 
-#include <bit>
-#include <cstddef>
-#include <cstring>
+#include <blake2.h>
+
+#define XXH_INLINE_ALL
+#include <xxhash.h>
 
 namespace kestrix::index {
-namespace {
 
-constexpr std::uint64_t kFactor = 0xC6A4A7935BD1E995;
-constexpr unsigned kShift = 47;
-constexpr std::size_t kWordBytes = sizeof(std::uint64_t);
-
-// Up to eight bytes as a little-endian number, on every machine.
-std::uint64_t word_of(const char* bytes, std::size_t count) {
-  std::uint64_t word = 0;
-  std::memcpy(&word, bytes, count);
-  return std::endian::native == std::endian::little ? word : __builtin_bswap64(word);
+ContentHash content_hash(std::string_view bytes) {
+  ContentHash hash{};
+  blake2b(hash.data(), bytes.data(), nullptr, hash.size(), bytes.size(), 0);
+  return hash;
 }
 
-std::uint64_t mixed(std::uint64_t word) {
-  word *= kFactor;
-  word ^= word >> kShift;
-  return word * kFactor;
-}
-
-}  // namespace
-
-std::uint64_t content_hash(std::string_view bytes) {
-  std::uint64_t hash = bytes.size() * kFactor;
-  for (; bytes.size() >= kWordBytes; bytes.remove_prefix(kWordBytes)) {
-    hash = (hash ^ mixed(word_of(bytes.data(), kWordBytes))) * kFactor;
-  }
-  if (!bytes.empty()) hash = (hash ^ word_of(bytes.data(), bytes.size())) * kFactor;
-  hash ^= hash >> kShift;
-  hash *= kFactor;
-  return hash ^ (hash >> kShift);
-}
+std::uint64_t quick_hash(std::string_view bytes) { return XXH3_64bits(bytes.data(), bytes.size()); }
 
 }  // namespace kestrix::index

@@ -1,19 +1,29 @@
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 
 namespace kestrix::index {
 
-/// A 64-bit hash (MurmurHash64A) of a file's bytes, the same on every machine. It tells whether a
-/// file that was touched also changed; nothing that must withstand a forger relies on it.
-std::uint64_t content_hash(std::string_view bytes);
+/// What a file's bytes come to: BLAKE2b in 128 bits. Nobody can make up a change that leaves it the
+/// same, so equal hashes mean an unchanged file.
+using ContentHash = std::array<std::uint8_t, 16>;
+
+ContentHash content_hash(std::string_view bytes);
+
+/// A hash that is quick and the same on every machine (XXH3), against damage and not forgers.
+std::uint64_t quick_hash(std::string_view bytes);
 
 /// Sums up a sequence of values in 64 bits, to tell damage from the real thing.
 class Digest {
  public:
   void add(std::uint64_t number) { value_ = (value_ ^ number) * kFactor + (value_ >> kShift); }
-  void add(std::string_view text) { add(content_hash(text)); }
+  void add(std::string_view text) { add(quick_hash(text)); }
+  void add(const ContentHash& hash) {
+    add(std::string_view(reinterpret_cast<const char*>(hash.data()), hash.size()));
+  }
   std::uint64_t value() const { return value_; }
 
  private:

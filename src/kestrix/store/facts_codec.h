@@ -7,13 +7,14 @@
 #include <vector>
 
 #include "kestrix/facts/facts.h"
+#include "kestrix/store/content_hash.h"
 
 namespace kestrix::index {
 
 /// What facts were taken from.
 struct FactsOrigin {
   std::string_view path;
-  std::uint64_t content;  ///< the hash of the file's bytes
+  ContentHash content{};
 };
 
 /// All that resolvers read of a file's facts, as compact bytes. Symbols are left out: they are

@@ -4,8 +4,8 @@
 #include <sqlite3.h>
 
 #include <algorithm>
+#include <array>
 #include <limits>
-#include <thread>
 #include <utility>
 
 #include "kestrix/store/corrupt_index.h"
@@ -17,27 +17,30 @@ namespace {
 
 constexpr int kSchemaVersion = 3;
 constexpr std::int64_t kMaxInteger = std::numeric_limits<std::int64_t>::max();
-constexpr auto kLockPoll = std::chrono::milliseconds(20);
 
-constexpr const char* kTables = R"sql(
-CREATE TABLE setting (name TEXT PRIMARY KEY, value TEXT NOT NULL) WITHOUT ROWID;
-CREATE TABLE skipped (reason TEXT PRIMARY KEY, count INTEGER NOT NULL) WITHOUT ROWID;
-CREATE TABLE file (
-  id INTEGER PRIMARY KEY,
-  path TEXT NOT NULL,
-  language TEXT NOT NULL,
-  traits INTEGER NOT NULL,
-  size INTEGER NOT NULL,
-  modified INTEGER NOT NULL,
-  changed INTEGER NOT NULL,
-  inode INTEGER NOT NULL,
-  hash INTEGER NOT NULL,
-  unresolved INTEGER NOT NULL,
-  data BLOB NOT NULL);
-CREATE TABLE facts (file INTEGER PRIMARY KEY, bytes BLOB NOT NULL);
-CREATE TABLE symbols (file INTEGER PRIMARY KEY, bytes BLOB NOT NULL);
-CREATE TABLE edges (source INTEGER PRIMARY KEY, bytes BLOB NOT NULL);
-)sql";
+struct Table {
+  std::string_view name;
+  const char* sql;  ///< as SQLite keeps it
+};
+
+// By name. What is written here, to the letter, is what a file must hold to be believed.
+constexpr std::array kTables{
+    Table{"edges", "CREATE TABLE edges (source INTEGER PRIMARY KEY, bytes BLOB NOT NULL)"},
+    Table{"facts", "CREATE TABLE facts (file INTEGER PRIMARY KEY, bytes BLOB NOT NULL)"},
+    Table{"file",
+          "CREATE TABLE file (id INTEGER PRIMARY KEY, path TEXT NOT NULL, language TEXT NOT NULL,"
+          " traits INTEGER NOT NULL, size INTEGER NOT NULL, modified INTEGER NOT NULL,"
+          " changed INTEGER NOT NULL, inode INTEGER NOT NULL, hash BLOB NOT NULL,"
+          " unresolved INTEGER NOT NULL, data BLOB NOT NULL)"},
+    Table{"setting",
+          "CREATE TABLE setting (name TEXT PRIMARY KEY, value TEXT NOT NULL) WITHOUT ROWID"},
+    Table{"skipped",
+          "CREATE TABLE skipped (reason TEXT PRIMARY KEY, count INTEGER NOT NULL) WITHOUT ROWID"},
+    Table{"symbols", "CREATE TABLE symbols (file INTEGER PRIMARY KEY, bytes BLOB NOT NULL)"},
+};
+
+// How many steps of SQLite's machine pass between two looks at the flag.
+constexpr int kStepsBetweenLooks = 10'000;
 
 // The rows of one SELECT. It reads columns with SQLite's own functions: an object for each value
 // would double the time that a large table takes.
@@ -64,7 +67,6 @@ class Rows {
   }
 
   std::int64_t integer(int column) { return sqlite3_column_int64(statement_.get(), column); }
-  double real(int column) { return sqlite3_column_double(statement_.get(), column); }
 
   template <class Number>
   Number number(int column, std::int64_t most = std::numeric_limits<Number>::max()) {
@@ -82,6 +84,13 @@ class Rows {
   std::unique_ptr<sqlite3_stmt, Finalize> statement_;
 };
 
+ContentHash content_hash_of(std::string_view bytes) {
+  ContentHash hash{};
+  if (bytes.size() != hash.size()) throw CorruptIndex("a hash of another size");
+  std::ranges::copy(bytes, hash.begin());
+  return hash;
+}
+
 FileRow read_file_row(Rows& rows) {
   FileRow row;
   row.id = rows.integer(0);
@@ -90,7 +99,7 @@ FileRow read_file_row(Rows& rows) {
   row.traits = Traits(rows.number<std::uint32_t>(3));
   row.stamp = {rows.integer(4), rows.integer(5), rows.integer(6),
                static_cast<std::uint64_t>(rows.integer(7))};
-  row.hash = static_cast<std::uint64_t>(rows.integer(8));
+  row.hash = content_hash_of(rows.text(8));
   row.unresolved = rows.number<std::uint32_t>(9);
   row.data = decode_signals(rows.text(10));
   return row;
@@ -98,39 +107,68 @@ FileRow read_file_row(Rows& rows) {
 
 }  // namespace
 
-Store Store::open_or_create(const std::filesystem::path& path) {
+Store Store::open_or_create(const std::filesystem::path& path, const Patience& patience) {
   switch (look_at(path)) {
     case PlaceContent::kForeignDatabase:
       throw foreign_database(path);
     case PlaceContent::kForeignFile:
       throw Error(fmt::format("{}: not an index; it is left as it is", path.native()));
+    case PlaceContent::kUntrusted:
+      throw Error(
+          fmt::format("{}: another user may have written the index; choose another place "
+                      "with --index",
+                      path.native()));
     default:
-      return {path, open_database(path, true)};
+      return {path, open_database(path, true, patience), patience};
   }
 }
 
-Store Store::open_existing(const std::filesystem::path& path) {
+Store Store::open_existing(const std::filesystem::path& path, const Patience& patience) {
   if (look_at(path) != PlaceContent::kIndex) {
     throw Error(fmt::format("{}: there is no index", path.native()));
   }
-  return {path, open_database(path, false)};
+  return {path, open_database(path, false, patience), patience};
 }
 
-Store::Store(std::filesystem::path path, OpenedFile file)
-    : path_(std::move(path)), database_(std::move(file.database)), writable_(file.writable) {}
+Store::Store(std::filesystem::path path, OpenedFile file, const Patience& patience)
+    : path_(std::move(path)),
+      patience_(std::make_unique<Patience>(patience)),
+      database_(std::move(file.database)),
+      writable_(file.writable) {
+  wait_with(*patience_, *database_);
+  sqlite3_progress_handler(
+      database_->getHandle(), kStepsBetweenLooks,
+      [](void* held) { return stop_requested(static_cast<Patience*>(held)->stop) ? 1 : 0; },
+      patience_.get());
+}
 
 template <class Operation>
 auto Store::guarded(Operation operation) {
   try {
     return operation();
   } catch (const SQLite::Exception& failure) {
+    check_stop(patience_->stop);
     raise(path_, failure);
   }
 }
 
-bool Store::has_current_schema() {
-  return guarded(
-      [&] { return database_->execAndGet("PRAGMA user_version").getInt() == kSchemaVersion; });
+Store::Schema Store::schema() {
+  return guarded([&] {
+    Rows rows(*database_,
+              "SELECT type, name, tbl_name, sql FROM sqlite_schema ORDER BY name, type");
+    std::size_t count = 0;
+    for (; rows.next(); ++count) {
+      if (count == kTables.size()) return Schema::kOther;
+      const Table& table = kTables[count];
+      if (rows.text(0) != "table" || rows.text(1) != table.name || rows.text(2) != table.name ||
+          rows.text(3) != table.sql) {
+        return Schema::kOther;
+      }
+    }
+    const auto version = database_->execAndGet("PRAGMA user_version").getInt();
+    if (count == 0) return Schema::kNone;
+    return count == kTables.size() && version == kSchemaVersion ? Schema::kOurs : Schema::kOther;
+  });
 }
 
 void Store::begin_read() { run("BEGIN"); }
@@ -201,44 +239,27 @@ void Store::each_bytes(const char* sql, const TakeBytes& take) {
   });
 }
 
-void Store::begin_write(std::chrono::milliseconds timeout, const StopFlag* stop) {
+void Store::begin_write() {
   if (!writable_) {
     throw Error(
         fmt::format("{}: the index is out of date and cannot be written; choose another "
                     "place with --index",
                     path_.native()));
   }
-  const auto deadline = std::chrono::steady_clock::now() + timeout;
-  sqlite3_busy_timeout(database_->getHandle(), 0);
   run("PRAGMA cache_size = -8192");  // reading goes through each table once, writing to and fro
-  while (!try_begin_write()) {
-    check_stop(stop);
-    if (std::chrono::steady_clock::now() >= deadline) {
-      throw Error(fmt::format("{}: another process is writing the index", path_.native()));
-    }
-    std::this_thread::sleep_for(kLockPoll);
-  }
+  run("BEGIN IMMEDIATE");
 }
 
-bool Store::try_begin_write() {
-  return guarded([&] {
-    const int code = database_->tryExec("BEGIN IMMEDIATE");
-    if (code == SQLITE_BUSY) return false;
-    if (code != SQLITE_OK) throw SQLite::Exception(database_->getHandle(), code);
-    return true;
+void Store::create_tables() {
+  guarded([&] {
+    for (const Table& table : kTables) database_->exec(table.sql);
+    database_->exec(fmt::format("PRAGMA user_version = {}", kSchemaVersion));
   });
 }
 
-void Store::recreate_tables() {
+void Store::clear_tables() {
   guarded([&] {
-    std::vector<std::string> tables;
-    Rows rows(*database_, "SELECT name FROM sqlite_schema WHERE type = 'table'");
-    while (rows.next()) tables.emplace_back(rows.text(0));
-    for (const std::string& table : tables) {
-      database_->exec(fmt::format("DROP TABLE \"{}\"", table));
-    }
-    database_->exec(kTables);
-    database_->exec(fmt::format("PRAGMA user_version = {}", kSchemaVersion));
+    for (const Table& table : kTables) database_->exec(fmt::format("DELETE FROM {}", table.name));
   });
 }
 
@@ -276,7 +297,7 @@ void Store::put_file(const FileRow& row) {
     insert.bind(6, row.stamp.modified_ns);
     insert.bind(7, row.stamp.changed_ns);
     insert.bind(8, static_cast<std::int64_t>(row.stamp.inode));
-    insert.bind(9, static_cast<std::int64_t>(row.hash));
+    insert.bindNoCopy(9, row.hash.data(), static_cast<int>(row.hash.size()));
     insert.bind(10, row.unresolved);
     insert.bindNoCopy(11, data.data(), static_cast<int>(data.size()));
     insert.exec();

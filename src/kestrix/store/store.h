@@ -16,6 +16,7 @@
 #include "kestrix/facts/data_signals.h"
 #include "kestrix/files/root_directory.h"
 #include "kestrix/files/skip_counts.h"
+#include "kestrix/store/content_hash.h"
 #include "kestrix/store/store_file.h"
 #include "kestrix/utils/stop.h"
 
@@ -59,7 +60,7 @@ struct FileRow {
   std::string language;  ///< name of the language that reads it, "" for none
   Traits traits;
   FileStamp stamp;  ///< a size below zero: read it again, whatever it looks like
-  std::uint64_t hash = 0;
+  ContentHash hash{};
   std::uint32_t unresolved = 0;  ///< imports that looked local and led nowhere
   DataSignals data;              ///< what its text defines
 };
@@ -69,23 +70,26 @@ struct FileRow {
 /// Readers see the last complete state while a writer is at work: the file uses a write-ahead log.
 /// One transaction holds all changes of a refresh, so a process that is killed leaves the state
 /// before it. Failures are thrown as `Error`, which names the file; `CorruptIndex` when the file is
-/// this program's and damaged. Not for use by several threads at once.
+/// this program's and damaged. Whatever it does ends soon after the flag of its `Patience` is set.
+/// Not for use by several threads at once.
 class Store {
  public:
   /// Opens the file for a refresh and creates it where there is none. A file that is not this
   /// program's is refused, and never changed.
-  static Store open_or_create(const std::filesystem::path& path);
+  static Store open_or_create(const std::filesystem::path& path, const Patience& patience);
 
   /// Opens an existing file for reading, also where nothing can be written.
-  static Store open_existing(const std::filesystem::path& path);
+  static Store open_existing(const std::filesystem::path& path, const Patience& patience);
 
   const std::filesystem::path& path() const { return path_; }
 
   /// Whether begin_write can succeed here at all.
   bool writable() const { return writable_; }
 
-  /// Whether the tables are those that this version reads and writes.
-  bool has_current_schema();
+  /// What the tables, views, triggers and indexes of the file are. Nothing else may be asked of one
+  /// that is not ours.
+  enum class Schema { kNone, kOurs, kOther };
+  Schema schema();
 
   // Reading. One transaction keeps all reads in one state.
   void begin_read();
@@ -106,9 +110,10 @@ class Store {
   void each_edges(const TakeBytes& take);  ///< by source
 
   // Writing, between begin_write and commit. Destroying the store takes back what is not committed.
-  /// Waits for another writer; throws `Error` when it takes longer than `timeout`.
-  void begin_write(std::chrono::milliseconds timeout, const StopFlag* stop);
-  void recreate_tables();
+  /// Waits for another writer; throws `Error` when it takes too long.
+  void begin_write();
+  void create_tables();  ///< where there are none
+  void clear_tables();   ///< of a schema that is ours
   void set_setting(const std::string& name, const std::string& value);
   void set_skip_counts(const SkipCounts& counts);
   void put_file(const FileRow& row);
@@ -119,11 +124,10 @@ class Store {
   void commit();
 
  private:
-  Store(std::filesystem::path path, OpenedFile file);
+  Store(std::filesystem::path path, OpenedFile file, const Patience& patience);
 
   template <class Operation>
   auto guarded(Operation operation);
-  bool try_begin_write();
   void each_bytes(const char* sql, const TakeBytes& take);
   void put_bytes(const std::string& sql, std::int64_t file, const std::string& bytes);
   void remove(const std::string& sql, std::int64_t file);
@@ -131,6 +135,7 @@ class Store {
   void run(const char* sql);
 
   std::filesystem::path path_;
+  std::unique_ptr<Patience> patience_;  // stays where it is: the database calls back
   std::unique_ptr<SQLite::Database> database_;
   std::unordered_map<std::string, std::unique_ptr<SQLite::Statement>> statements_;
   bool writable_ = true;

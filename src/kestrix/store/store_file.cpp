@@ -5,14 +5,17 @@
 #include <sqlite3.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
+#include <array>
 #include <cerrno>
 #include <string>
 #include <string_view>
 #include <system_error>
+#include <thread>
 
-#include "kestrix/store/corrupt_index.h"
 #include "kestrix/files/root_directory.h"
+#include "kestrix/store/corrupt_index.h"
 
 namespace kestrix::index {
 namespace {
@@ -22,7 +25,8 @@ namespace fs = std::filesystem;
 constexpr std::string_view kMagic("SQLite format 3\0", 16);
 constexpr std::size_t kHeaderBytes = 100;
 constexpr std::size_t kApplicationIdOffset = 68;
-constexpr int kBusyMilliseconds = 5000;
+constexpr auto kPoll = std::chrono::milliseconds(20);
+constexpr std::array<std::string_view, 3> kCompanions{"-wal", "-shm", "-journal"};
 constexpr std::string_view kRemedy = "choose another place with --index";
 
 std::string read_header(const fs::path& path, int fd) {
@@ -69,28 +73,80 @@ std::string frozen_uri(const fs::path& path) {
   return uri + "?immutable=1";
 }
 
+// Nothing that a file could say counts before this.
+void harden(SQLite::Database& database) {
+  sqlite3* handle = database.getHandle();
+  for (const int off : {SQLITE_DBCONFIG_ENABLE_TRIGGER, SQLITE_DBCONFIG_ENABLE_VIEW,
+                        SQLITE_DBCONFIG_TRUSTED_SCHEMA}) {
+    sqlite3_db_config(handle, off, 0, nullptr);
+  }
+  sqlite3_db_config(handle, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
+  sqlite3_limit(handle, SQLITE_LIMIT_ATTACHED, 0);
+}
+
 // Reading needs a place for the log's index beside the file. Without one, and as long as no log
 // holds part of the content, the file can be read as it stands.
 OpenedFile open_frozen(const fs::path& path, const SQLite::Exception& failure) {
   std::error_code missing;
   const auto log_bytes = fs::file_size(companion(path, "-wal"), missing);
   if (!missing && log_bytes > 0) raise(path, failure);
-  return {std::make_unique<SQLite::Database>(frozen_uri(path),
-                                             SQLite::OPEN_READONLY | SQLite::OPEN_URI),
-          false};
+  auto database = std::make_unique<SQLite::Database>(frozen_uri(path),
+                                                     SQLite::OPEN_READONLY | SQLite::OPEN_URI);
+  harden(*database);
+  return {std::move(database), false};
+}
+
+// Calls `done` until it is, or patience ends.
+template <class Done>
+bool wait_until(const Patience& patience, Done done) {
+  const auto deadline = std::chrono::steady_clock::now() + patience.timeout;
+  while (!done()) {
+    check_stop(patience.stop);
+    if (std::chrono::steady_clock::now() >= deadline) return false;
+    std::this_thread::sleep_for(kPoll);
+  }
+  return true;
 }
 
 // Two processes that find no index, or the same damage, take turns.
 class DirectoryLock {
  public:
-  explicit DirectoryLock(const fs::path& directory)
+  DirectoryLock(const fs::path& directory, const Patience& patience)
       : fd_(::open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
-    if (fd_) ::flock(fd_.get(), LOCK_EX);
+    const auto locked = [&] {
+      return ::flock(fd_.get(), LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
+    };
+    if (fd_ && !wait_until(patience, locked)) {
+      throw Error(fmt::format("{}: another process holds its lock", directory.native()));
+    }
   }
 
  private:
   FileDescriptor fd_;
 };
+
+// A link in the place of a companion would keep SQLite from opening the index. Its name is ours.
+void remove_stray_links(const fs::path& path) {
+  for (const std::string_view suffix : kCompanions) {
+    std::error_code ignored;
+    if (fs::is_symlink(companion(path, suffix), ignored))
+      fs::remove(companion(path, suffix), ignored);
+  }
+}
+
+// SQLite would leave the mode to the umask. The companions get the mode of the file.
+void make_file(const fs::path& path) {
+  const FileDescriptor made(
+      ::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, S_IRUSR | S_IWUSR));
+}
+
+// Links on the way to the folder are the user's; one in the place of the file is not followed.
+fs::path without_links_above(const fs::path& path) {
+  std::error_code failure;
+  const fs::path absolute = fs::absolute(path);
+  fs::path folder = fs::canonical(absolute.parent_path(), failure);
+  return failure ? absolute : folder / absolute.filename();
+}
 
 bool is_ours(SQLite::Database& database) {
   return database.execAndGet("PRAGMA application_id").getInt() == kApplicationId;
@@ -102,9 +158,9 @@ bool has_log(SQLite::Database& database) {
 
 // What the library says counts, not the first bytes: where a process was killed while it made them,
 // they are taken back as soon as the file is read.
-void mark_as_index(const fs::path& path, SQLite::Database& database) {
+void mark_as_index(const fs::path& path, SQLite::Database& database, const Patience& patience) {
   if (is_ours(database) && has_log(database)) return;
-  const DirectoryLock lock(fs::absolute(path).parent_path());
+  const DirectoryLock lock(fs::absolute(path).parent_path(), patience);
   if (!is_ours(database)) {
     const bool is_empty = database.execAndGet("PRAGMA page_count").getInt() == 0;
     if (!is_empty) throw foreign_database(path);
@@ -113,12 +169,16 @@ void mark_as_index(const fs::path& path, SQLite::Database& database) {
   database.exec("PRAGMA journal_mode = WAL");
 }
 
-OpenedFile open_for_writing(const fs::path& path, bool create) {
-  const int flags =
-      SQLite::OPEN_READWRITE | SQLite::OPEN_NOMUTEX | (create ? SQLite::OPEN_CREATE : 0);
-  auto database = std::make_unique<SQLite::Database>(path, flags, kBusyMilliseconds);
+OpenedFile open_for_writing(const fs::path& path, bool create, const Patience& patience) {
+  if (create) make_file(path);
+  remove_stray_links(path);
+  auto database = std::make_unique<SQLite::Database>(
+      without_links_above(path),
+      SQLite::OPEN_READWRITE | SQLite::OPEN_NOMUTEX | SQLITE_OPEN_NOFOLLOW);
+  harden(*database);
+  wait_with(patience, *database);
   const bool writable = sqlite3_db_readonly(database->getHandle(), "main") == 0;
-  if (create && writable) mark_as_index(path, *database);
+  if (create && writable) mark_as_index(path, *database, patience);
   // Nothing waits for the disk: what a failing machine leaves behind is checked as it is read, and
   // the worst that can come is a rebuild.
   database->exec("PRAGMA synchronous = OFF; PRAGMA cache_size = -1024");
@@ -126,24 +186,44 @@ OpenedFile open_for_writing(const fs::path& path, bool create) {
   return {std::move(database), writable};
 }
 
-}  // namespace
-
-PlaceContent look_at(const fs::path& path) {
-  const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
-  if (!file && errno == ENOENT) return PlaceContent::kNothing;
-  if (!file)
-    throw Error(fmt::format("{}: {}", path.native(), std::generic_category().message(errno)));
-  struct stat status {};
-  if (::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) {
-    return PlaceContent::kForeignFile;
-  }
-  return content_of(read_header(path, file.get()));
+// Whoever may write to the file decides what it answers. Root may anyway.
+bool is_trusted(const struct stat& status) {
+  const bool others_write = (status.st_mode & (S_IWGRP | S_IWOTH)) != 0;
+  return !others_write && (status.st_uid == ::geteuid() || status.st_uid == 0);
 }
 
-OpenedFile open_database(const fs::path& path, bool create) {
+}  // namespace
+
+void wait_with(const Patience& patience, SQLite::Database& database) {
+  const auto wait = [](void* held, int times) {
+    const auto& how = *static_cast<const Patience*>(held);
+    if (stop_requested(how.stop) || times * kPoll >= how.timeout) return 0;
+    std::this_thread::sleep_for(kPoll);
+    return 1;
+  };
+  sqlite3_busy_handler(database.getHandle(), wait, const_cast<Patience*>(&patience));
+}
+
+PlaceContent look_at(const fs::path& path) {
+  const int flags = O_RDONLY | O_NONBLOCK | O_NOCTTY | O_NOFOLLOW | O_CLOEXEC;
+  const FileDescriptor file(::open(path.c_str(), flags));
+  if (!file && errno == ENOENT) return PlaceContent::kNothing;
+  if (!file && errno == ELOOP) return PlaceContent::kForeignFile;
+  struct stat status {};
+  if (!file || ::fstat(file.get(), &status) != 0) {
+    throw Error(fmt::format("{}: {}", path.native(), std::generic_category().message(errno)));
+  }
+  if (!S_ISREG(status.st_mode)) return PlaceContent::kForeignFile;
+  const PlaceContent content = content_of(read_header(path, file.get()));
+  const bool may_be_ours = content == PlaceContent::kIndex || content == PlaceContent::kNothing;
+  return may_be_ours && !is_trusted(status) ? PlaceContent::kUntrusted : content;
+}
+
+OpenedFile open_database(const fs::path& path, bool create, const Patience& patience) {
   try {
-    return open_for_writing(path, create);
+    return open_for_writing(path, create, patience);
   } catch (const SQLite::Exception& failure) {
+    check_stop(patience.stop);
     const int code = failure.getErrorCode();
     const bool place_is_closed = code == SQLITE_CANTOPEN || code == SQLITE_READONLY;
     std::error_code ignored;
@@ -179,12 +259,12 @@ void raise(const fs::path& path, const SQLite::Exception& failure) {
 
 FileIdentity identity_of(const fs::path& path) {
   struct stat status {};
-  if (::stat(path.c_str(), &status) != 0) return {};
+  if (::lstat(path.c_str(), &status) != 0) return {};
   return {status.st_dev, status.st_ino};
 }
 
-void remove_database(const fs::path& path, const FileIdentity& damaged) {
-  const DirectoryLock lock(fs::absolute(path).parent_path());
+void remove_database(const fs::path& path, const FileIdentity& damaged, const Patience& patience) {
+  const DirectoryLock lock(fs::absolute(path).parent_path(), patience);
   if (identity_of(path) != damaged) return;
   for (const std::string_view suffix : {"-wal", "-shm", "-journal", ""}) {
     std::error_code failure;

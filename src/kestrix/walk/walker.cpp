@@ -63,10 +63,13 @@ class Walk {
 
  private:
   void visit(const std::string& path) {
-    const auto directory = list_directory(root_, path);
+    const auto directory = list_directory(root_, path, options_.stop);
     if (!directory) return refuse(path);
     policy_.enter(*directory);
-    for (const DirectoryEntry& entry : directory->entries) take(*directory, entry);
+    for (const DirectoryEntry& entry : directory->entries) {
+      check_stop(options_.stop);
+      take(*directory, entry);
+    }
   }
 
   void refuse(const std::string& path) {
