@@ -57,8 +57,11 @@ void take_facts(ScannedFile& file, const Language& language, std::string_view te
   const auto facts = parse(language, text);
   row.traits.set(facts ? Trait::kParsed : Trait::kGaveUp);
   if (!facts) return;
-  file.facts = encode_facts(*facts, {row.path, row.hash});
-  file.symbols = encode_symbols(facts->symbols);
+  const FactsOrigin origin{row.path, row.hash};
+  file.facts = {.facts = encode_facts(*facts, origin),
+                .symbols = encode_symbols(facts->symbols),
+                .declarations = encode_declarations(facts->declarations),
+                .mentions = encode_mentions(facts->mentions, origin)};
 }
 
 // All that is taken from a text is taken here, while it is in hand.

@@ -23,9 +23,8 @@ enum class ScanOutcome {
 
 struct ScannedFile {
   ScanOutcome outcome = ScanOutcome::kRead;
-  FileRow row;          ///< with the id of `known`, or none
-  std::string facts;    ///< encoded; for a row that is parsed
-  std::string symbols;  ///< encoded, in source order
+  FileRow row;         ///< with the id of `known`, or none
+  EncodedFacts facts;  ///< of a row that is parsed
 };
 
 /// Reads, classifies and parses one file. May be called from several threads. What is wrong with

@@ -27,6 +27,8 @@ class RepositoryIndex::Loader {
     load_files(rows);
     load_symbols();
     load_edges();
+    load_declarations();
+    load_references();
     load_skip_counts();
     index_.digest_ = digest_.value();
   }
@@ -125,17 +127,59 @@ class RepositoryIndex::Loader {
       const FileId source = id_of(row);
       sum_up(source, bytes);
       for (const StoredEdge& edge : decode_edges(bytes)) {
-        index_.edges_.push_back({source, id_of(edge.target), edge.weight});
+        index_.edges_.push_back({source, id_of(edge.target), edge.weight, edge.evidence});
       }
     });
     const auto ends = [](const IndexedEdge& edge) { return std::pair(edge.source, edge.target); };
     if (!std::ranges::is_sorted(index_.edges_, {}, ends)) {
       std::ranges::sort(index_.edges_, {}, ends);
     }
-    index_.first_edge_.assign(index_.files_.size() + 1, 0);
-    for (const IndexedEdge& edge : index_.edges_) ++index_.first_edge_[edge.source + 1];
-    std::partial_sum(index_.first_edge_.begin(), index_.first_edge_.end(),
-                     index_.first_edge_.begin());
+    index_.first_edge_ = first_places(index_.edges_);
+  }
+
+  // Where the rows of each file begin, and one behind the last.
+  template <class Row>
+  std::vector<std::uint32_t> first_places(const std::vector<Row>& rows) const {
+    std::vector<std::uint32_t> first(index_.files_.size() + 1, 0);
+    for (const Row& row : rows) ++first[row.source + 1];
+    std::partial_sum(first.begin(), first.end(), first.begin());
+    return first;
+  }
+
+  void load_declarations() {
+    index_.declarations_ = std::make_unique<DeclarationTable>(index_.files_.size());
+    store_.each_declarations([&](std::int64_t row, std::string_view bytes) {
+      const FileId file = id_of(row);
+      sum_up(file, bytes);
+      index_.declarations_->add(file, bytes);
+    });
+  }
+
+  void load_references() {
+    store_.each_references([&](std::int64_t row, std::string_view bytes) {
+      const FileId source = id_of(row);
+      sum_up(source, bytes);
+      for (const ReferenceView& to : decode_references(index_.texts_.keep(bytes))) {
+        add_reference(source, to);
+      }
+    });
+    if (!std::ranges::is_sorted(index_.references_, {}, &IndexedReference::source)) {
+      std::ranges::stable_sort(index_.references_, {}, &IndexedReference::source);
+    }
+    index_.first_reference_ = first_places(index_.references_);
+  }
+
+  void add_reference(FileId source, const ReferenceView& to) {
+    const bool outside = to.target == 0;
+    const FileId target = outside ? IndexedReference::kOutside : id_of(to.target);
+    const auto known = [&](FileId file, std::uint32_t place) {
+      return place <= index_.declarations_->of(file).size();
+    };
+    if (!known(source, to.within) || (outside ? to.declaration != 0 : !known(target, to.declaration))) {
+      throw CorruptIndex("a reference to a declaration that is not there");
+    }
+    index_.references_.push_back(
+        {source, to.line, to.count, to.within, target, to.declaration, to.name, to.role});
   }
 
   RepositoryIndex& index_;
@@ -163,6 +207,11 @@ std::optional<FileId> RepositoryIndex::find(std::string_view path) const {
 std::span<const IndexedEdge> RepositoryIndex::edges_from(FileId source) const {
   const auto first = first_edge_[source];
   return std::span(edges_).subspan(first, first_edge_[source + 1] - first);
+}
+
+std::span<const IndexedReference> RepositoryIndex::references_from(FileId source) const {
+  const auto first = first_reference_[source];
+  return std::span(references_).subspan(first, first_reference_[source + 1] - first);
 }
 
 Statistics RepositoryIndex::statistics() const {

@@ -12,8 +12,11 @@
 
 #include "kestrix/facts/data_signals.h"
 #include "kestrix/files/skip_counts.h"
+#include "kestrix/index/declaration_table.h"
 #include "kestrix/index/repository.h"
 #include "kestrix/languages/resolver.h"
+#include "kestrix/store/edge_codec.h"
+#include "kestrix/store/reference_codec.h"
 #include "kestrix/store/text_blocks.h"
 
 namespace kestrix::index {
@@ -42,6 +45,21 @@ struct IndexedEdge {
   FileId source;
   FileId target;
   double weight;
+  EdgeEvidence evidence = EdgeEvidence::kImport;
+};
+
+/// Who names what. A target outside of the repository has no file.
+struct IndexedReference {
+  FileId source = 0;
+  std::uint32_t line = 0;    ///< the first one's
+  std::uint32_t count = 0;
+  std::uint32_t within = 0;  ///< the source's declaration that holds it, from one; 0: none
+  FileId target = kOutside;
+  std::uint32_t declaration = 0;  ///< of the target, from one; 0: the file itself
+  std::string_view name{};  ///< of what lies outside, or of a file's part that it does not declare
+  Role role = Role::kUses;
+
+  static constexpr FileId kOutside = UINT32_MAX;
 };
 
 struct LanguageCounts {
@@ -78,6 +96,13 @@ class RepositoryIndex {
   std::span<const IndexedFile> files() const { return files_; }
   std::span<const IndexedSymbol> symbols() const { return symbols_; }
   std::span<const IndexedEdge> edges() const { return edges_; }  ///< by source, then target
+  /// By source; of one source by target, declaration, name, role and holder. What lies outside of
+  /// the repository comes first.
+  std::span<const IndexedReference> references() const { return references_; }
+  std::span<const IndexedReference> references_from(FileId source) const;
+  /// The declarations of one file, in source order.
+  std::span<const DeclarationView> declarations(FileId file) const { return declarations_->of(file); }
+  const DeclarationTable& declarations() const { return *declarations_; }
   std::optional<FileId> find(std::string_view path) const;
   /// The edges that lead from one file.
   std::span<const IndexedEdge> edges_from(FileId source) const;
@@ -103,6 +128,9 @@ class RepositoryIndex {
   std::vector<IndexedSymbol> symbols_;
   std::vector<IndexedEdge> edges_;
   std::vector<std::uint32_t> first_edge_;  // by file, and one behind the last
+  std::vector<IndexedReference> references_;
+  std::vector<std::uint32_t> first_reference_;
+  std::unique_ptr<DeclarationTable> declarations_;
   std::uint64_t digest_ = 0;
   SkipCounts skipped_;
   std::map<std::string_view, LanguageCounts> languages_;

@@ -48,6 +48,16 @@ const FileFacts& IndexedFiles::facts(FileId id) const {
   return slot.facts;
 }
 
+std::vector<Mention> IndexedFiles::mentions(FileId id) const {
+  if (!rows_[id]->traits.has(Trait::kParsed)) return {};
+  std::string encoded;
+  {
+    const std::lock_guard lock(store_mutex_);
+    encoded = store_.mentions(rows_[id]->id);
+  }
+  return decode_mentions(encoded, {rows_[id]->path, rows_[id]->hash});
+}
+
 std::string IndexedFiles::read(FileId id) const {
   slots_[id].read = true;
   FileBytes content = read_file(root_, rows_[id]->path, kMaxProjectFileBytes);

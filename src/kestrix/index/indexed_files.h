@@ -43,6 +43,9 @@ class IndexedFiles : public FileTable {
   std::string_view language(FileId id) const override { return rows_[id]->language; }
   std::string read(FileId id) const override;
 
+  /// What the file mentions; read from the store at each call.
+  std::vector<Mention> mentions(FileId id) const;
+
   FileRow& row(FileId id) const { return *rows_[id]; }
   /// Whether a resolver has read the file's text.
   bool was_read(FileId id) const { return slots_[id].read; }

@@ -193,7 +193,7 @@ void Refresher::put(const ScanTask& task, ScannedFile file) {
   }
   store_.put_file(file.row);
   if (file.row.traits.has(Trait::kParsed)) {
-    store_.put_facts(file.row.id, file.facts, file.symbols);
+    store_.put_facts(file.row.id, file.facts);
   }
   rows_.push_back(std::move(file.row));
 }
@@ -215,9 +215,14 @@ bool Refresher::leaves_others_alone(const FileRow& before, const ScannedFile& af
   }
   if (!parsed) return true;
   const auto facts = store_.facts(before.id);
+  const FactsOrigin old{before.path, before.hash};
+  const FactsOrigin fresh{after.row.path, after.row.hash};
+  const std::string declarations = store_.declarations(before.id);
   return facts &&
-         look_alike_from_outside(decode_facts(*facts, {before.path, before.hash}),
-                                 decode_facts(after.facts, {after.row.path, after.row.hash}));
+         look_alike_from_outside(decode_facts(*facts, old),
+                                 decode_facts(after.facts.facts, fresh)) &&
+         declare_alike(decode_declarations(declarations),
+                       decode_declarations(after.facts.declarations));
 }
 
 void Refresher::resolve() {

@@ -15,6 +15,8 @@ class Dependencies {
   void add(FileId target, double weight) {
     if (target != source_) resolution_.dependencies.push_back({target, weight});
   }
+  /// A name that stands for something of another file.
+  void bind(const Binding& binding) { resolution_.bindings.push_back(binding); }
   /// An import that looked local and led nowhere.
   void miss() { ++resolution_.unresolved; }
 

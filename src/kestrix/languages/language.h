@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "kestrix/facts/facts.h"
+#include "kestrix/languages/code/rules.h"
 #include "kestrix/languages/conventions.h"
 #include "kestrix/languages/resolver.h"
 #include "kestrix/syntax/lexis.h"
@@ -34,6 +35,8 @@ struct Language {
   std::span<const std::string_view> keywords;
   FileFacts (*read)(const SourceTree& tree);
   ResolverFactory resolver;
+  /// How its declarations and mentions are found; null: it gives none.
+  const CodeRules* code = nullptr;
   /// A copy of the text, of equal length, in which what the grammar cannot read is blank; it is
   /// parsed in the text's stead. None when nothing is in the way; null for a language without need.
   std::optional<std::string> (*mask)(std::string_view text) = nullptr;

@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "kestrix/languages/code/walk.h"
 #include "kestrix/languages/language.h"
 #include "kestrix/syntax/outline.h"
 #include "kestrix/syntax/parsed_text.h"
@@ -19,17 +20,23 @@
 namespace kestrix::index {
 namespace {
 
-const Query& query_of(const Language& language) {
-  static std::mutex mutex;
-  static std::map<const Language*, Query> queries;
-  const std::lock_guard lock(mutex);
-  auto found = queries.find(&language);
-  if (found == queries.end()) {
-    found = queries
-                .try_emplace(&language, language.grammar(), language.query, language.name,
-                             language.captures)
-                .first;
+// What a language's row says, bound to its grammar.
+struct Compiled {
+  explicit Compiled(const Language& language)
+      : query(language.grammar(), language.query, language.name, language.captures) {
+    if (language.code != nullptr) code.emplace(language.grammar(), *language.code, language.name);
   }
+
+  Query query;
+  std::optional<CompiledRules> code;
+};
+
+const Compiled& compiled(const Language& language) {
+  static std::mutex mutex;
+  static std::map<const Language*, Compiled> known;
+  const std::lock_guard lock(mutex);
+  auto found = known.find(&language);
+  if (found == known.end()) found = known.try_emplace(&language, language).first;
   return found->second;
 }
 
@@ -80,7 +87,7 @@ void drop_nameless(FileFacts& facts) {
 std::optional<FileFacts> read_facts(const Language& language, std::string_view text,
                                     const ReadOptions& options) {
   if (text.size() >= UINT32_MAX) return std::nullopt;
-  const Query& query = query_of(language);
+  const auto& [query, code] = compiled(language);
   const auto masked = language.mask == nullptr ? std::nullopt : language.mask(text);
   const ParsedText parsed(language.grammar(), masked ? std::string_view(*masked) : text,
                           options.parse_steps);
@@ -89,9 +96,11 @@ std::optional<FileFacts> read_facts(const Language& language, std::string_view t
   Words words = words_of(language, text);
   Outline outline = outline_of(*root, query, text, words.hits);
   forget_imports(outline, query, *language.lexis, text, words.counts);
-  FileFacts facts = language.read(
-      SourceTree(*root, text, *language.lexis, query, std::move(outline), std::move(words.counts)));
+  const SourceTree source(*root, text, *language.lexis, query, std::move(outline),
+                          std::move(words.counts));
+  FileFacts facts = language.read(source);
   drop_nameless(facts);
+  if (code) read_code(*code, source, facts);
   return facts;
 }
 

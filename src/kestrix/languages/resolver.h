@@ -44,8 +44,20 @@ struct Dependency {
   friend bool operator==(const Dependency&, const Dependency&) = default;
 };
 
+/// What a name of a file stands for, because an import, an include or its package says so. Views
+/// live as long as the resolver and the table.
+struct Binding {
+  std::string_view local;     ///< the name here, "a.b" for a module's; "*": all of the target's
+  FileId target = 0;
+  std::string_view name{};    ///< what the target calls it; "": the file itself, as a module
+  std::string_view exported{};  ///< the name by which this file hands it on, "*" for all; "" for no
+
+  friend bool operator==(const Binding&, const Binding&) = default;
+};
+
 struct Resolution {
   std::vector<Dependency> dependencies;  ///< any order, a target may repeat: weights are summed
+  std::vector<Binding> bindings;         ///< any order; of several for one name the first counts
   std::uint32_t unresolved = 0;          ///< imports that looked local and led nowhere
 };
 

@@ -15,7 +15,7 @@
 namespace kestrix::index {
 namespace {
 
-constexpr int kSchemaVersion = 3;
+constexpr int kSchemaVersion = 4;
 constexpr std::int64_t kMaxInteger = std::numeric_limits<std::int64_t>::max();
 
 struct Table {
@@ -25,6 +25,7 @@ struct Table {
 
 // By name. What is written here, to the letter, is what a file must hold to be believed.
 constexpr std::array kTables{
+    Table{"declarations", "CREATE TABLE declarations (file INTEGER PRIMARY KEY, bytes BLOB NOT NULL)"},
     Table{"edges", "CREATE TABLE edges (source INTEGER PRIMARY KEY, bytes BLOB NOT NULL)"},
     Table{"facts", "CREATE TABLE facts (file INTEGER PRIMARY KEY, bytes BLOB NOT NULL)"},
     Table{"file",
@@ -32,6 +33,8 @@ constexpr std::array kTables{
           " traits INTEGER NOT NULL, size INTEGER NOT NULL, modified INTEGER NOT NULL,"
           " changed INTEGER NOT NULL, inode INTEGER NOT NULL, hash BLOB NOT NULL,"
           " unresolved INTEGER NOT NULL, data BLOB NOT NULL)"},
+    Table{"mentions", "CREATE TABLE mentions (file INTEGER PRIMARY KEY, bytes BLOB NOT NULL)"},
+    Table{"refs", "CREATE TABLE refs (source INTEGER PRIMARY KEY, bytes BLOB NOT NULL)"},
     Table{"setting",
           "CREATE TABLE setting (name TEXT PRIMARY KEY, value TEXT NOT NULL) WITHOUT ROWID"},
     Table{"skipped",
@@ -210,8 +213,20 @@ std::vector<FileRow> Store::files() {
 }
 
 std::optional<std::string> Store::facts(std::int64_t file) {
+  return bytes_of("SELECT bytes FROM facts WHERE file = ?", file);
+}
+
+std::string Store::mentions(std::int64_t file) {
+  return bytes_of("SELECT bytes FROM mentions WHERE file = ?", file).value_or("");
+}
+
+std::string Store::declarations(std::int64_t file) {
+  return bytes_of("SELECT bytes FROM declarations WHERE file = ?", file).value_or("");
+}
+
+std::optional<std::string> Store::bytes_of(const std::string& sql, std::int64_t file) {
   return guarded([&]() -> std::optional<std::string> {
-    auto& query = statement("SELECT bytes FROM facts WHERE file = ?");
+    auto& query = statement(sql);
     query.bind(1, file);
     if (!query.executeStep()) return std::nullopt;
     return query.getColumn(0).getString();
@@ -226,6 +241,14 @@ void Store::each_facts(const TakeBytes& take) { each_bytes("SELECT file, bytes F
 
 void Store::each_symbols(const TakeBytes& take) {
   each_bytes("SELECT file, bytes FROM symbols ORDER BY file", take);
+}
+
+void Store::each_declarations(const TakeBytes& take) {
+  each_bytes("SELECT file, bytes FROM declarations ORDER BY file", take);
+}
+
+void Store::each_references(const TakeBytes& take) {
+  each_bytes("SELECT source, bytes FROM refs ORDER BY source", take);
 }
 
 void Store::each_edges(const TakeBytes& take) {
@@ -307,17 +330,25 @@ void Store::put_file(const FileRow& row) {
 void Store::remove_file(std::int64_t file) {
   remove_facts(file);
   put_edges(file, {});
+  put_references(file, {});
   remove("DELETE FROM file WHERE id = ?", file);
 }
 
-void Store::put_facts(std::int64_t file, const std::string& facts, const std::string& symbols) {
-  put_bytes("INSERT INTO facts VALUES (?, ?)", file, facts);
-  if (!symbols.empty()) put_bytes("INSERT INTO symbols VALUES (?, ?)", file, symbols);
+void Store::put_facts(std::int64_t file, const EncodedFacts& facts) {
+  const auto put = [&](const std::string& sql, const std::string& bytes) {
+    if (!bytes.empty()) put_bytes(sql, file, bytes);
+  };
+  put_bytes("INSERT INTO facts VALUES (?, ?)", file, facts.facts);
+  put("INSERT INTO symbols VALUES (?, ?)", facts.symbols);
+  put("INSERT INTO declarations VALUES (?, ?)", facts.declarations);
+  put("INSERT INTO mentions VALUES (?, ?)", facts.mentions);
 }
 
 void Store::remove_facts(std::int64_t file) {
   remove("DELETE FROM facts WHERE file = ?", file);
   remove("DELETE FROM symbols WHERE file = ?", file);
+  remove("DELETE FROM declarations WHERE file = ?", file);
+  remove("DELETE FROM mentions WHERE file = ?", file);
 }
 
 void Store::put_edges(std::int64_t source, const std::string& edges) {
@@ -325,6 +356,13 @@ void Store::put_edges(std::int64_t source, const std::string& edges) {
     remove("DELETE FROM edges WHERE source = ?", source);
   else
     put_bytes("INSERT OR REPLACE INTO edges VALUES (?, ?)", source, edges);
+}
+
+void Store::put_references(std::int64_t source, const std::string& references) {
+  if (references.empty())
+    remove("DELETE FROM refs WHERE source = ?", source);
+  else
+    put_bytes("INSERT OR REPLACE INTO refs VALUES (?, ?)", source, references);
 }
 
 void Store::put_bytes(const std::string& sql, std::int64_t file, const std::string& bytes) {

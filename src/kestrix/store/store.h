@@ -65,6 +65,14 @@ struct FileRow {
   DataSignals data;              ///< what its text defines
 };
 
+/// What is stored of a parsed file, each part encoded.
+struct EncodedFacts {
+  std::string facts;         ///< what resolvers read of every file
+  std::string symbols;       ///< "" when there are none; so are the next two
+  std::string declarations;
+  std::string mentions;      ///< what is read of a file only when it is resolved
+};
+
 /// The index's SQLite file.
 ///
 /// Readers see the last complete state while a writer is at work: the file uses a write-ahead log.
@@ -99,6 +107,9 @@ class Store {
   std::vector<FileRow> files();  ///< ascending by path
   /// The encoded facts of one file; none when it was not parsed.
   std::optional<std::string> facts(std::int64_t file);
+  /// The encoded mentions or declarations of one file; "" when it has none.
+  std::string mentions(std::int64_t file);
+  std::string declarations(std::int64_t file);
   /// Changes whenever another connection has written.
   int data_version();
 
@@ -107,7 +118,9 @@ class Store {
   using TakeBytes = std::function<void(std::int64_t file, std::string_view bytes)>;
   void each_facts(const TakeBytes& take);
   void each_symbols(const TakeBytes& take);
-  void each_edges(const TakeBytes& take);  ///< by source
+  void each_declarations(const TakeBytes& take);
+  void each_edges(const TakeBytes& take);       ///< by source
+  void each_references(const TakeBytes& take);  ///< by source
 
   // Writing, between begin_write and commit. Destroying the store takes back what is not committed.
   /// Waits for another writer; throws `Error` when it takes too long.
@@ -118,9 +131,10 @@ class Store {
   void set_skip_counts(const SkipCounts& counts);
   void put_file(const FileRow& row);
   void remove_file(std::int64_t file);
-  void put_facts(std::int64_t file, const std::string& facts, const std::string& symbols);
+  void put_facts(std::int64_t file, const EncodedFacts& facts);
   void remove_facts(std::int64_t file);
   void put_edges(std::int64_t source, const std::string& edges);
+  void put_references(std::int64_t source, const std::string& references);
   void commit();
 
  private:
@@ -128,6 +142,7 @@ class Store {
 
   template <class Operation>
   auto guarded(Operation operation);
+  std::optional<std::string> bytes_of(const std::string& sql, std::int64_t file);
   void each_bytes(const char* sql, const TakeBytes& take);
   void put_bytes(const std::string& sql, std::int64_t file, const std::string& bytes);
   void remove(const std::string& sql, std::int64_t file);

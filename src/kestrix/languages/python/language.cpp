@@ -6,6 +6,7 @@
 #include <array>
 #include <string>
 
+#include "kestrix/languages/python/code.h"
 #include "kestrix/languages/python/conventions.h"
 #include "kestrix/languages/python/query.scm.h"
 #include "kestrix/languages/python/resolver.h"
@@ -60,7 +61,10 @@ void add_import(const SourceTree& tree, TSNode statement, FileFacts& facts) {
     if (field != "name") return;
     const auto [name, alias] = bound(tree, child);
     const std::uint32_t uses = tree.uses(alias.empty() ? first_part(name) : alias);
-    facts.imports.push_back({.module = name, .uses = uses, .line = SourceTree::line(statement)});
+    facts.imports.push_back({.module = name,
+                             .uses = uses,
+                             .line = SourceTree::line(statement),
+                             .local = std::string(alias)});
   });
 }
 
@@ -78,7 +82,9 @@ void add_import_from(const SourceTree& tree, TSNode statement, FileFacts& facts)
       read_module(tree, child, import);
     } else if (field == "name") {
       const auto [name, alias] = bound(tree, child);
-      import.names.push_back({.name = name, .uses = tree.uses(alias.empty() ? name : alias)});
+      import.names.push_back({.name = name,
+                              .uses = tree.uses(alias.empty() ? name : alias),
+                              .local = std::string(alias)});
     } else if (type_of(child) == "wildcard_import") {
       import.names.push_back({.name = "*"});
     }
@@ -111,6 +117,7 @@ const Language& python_language() {
                                  .keywords = kKeywords,
                                  .read = read,
                                  .resolver = make_python_resolver,
+                                 .code = &python_code,
                                  .conventions = &python::kConventions};
   return language;
 }

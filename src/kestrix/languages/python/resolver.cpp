@@ -165,6 +165,7 @@ class PythonResolver : public Resolver {
       const auto submodule = name.name == "*" ? std::nullopt : find(join(path, name.name));
       if (submodule) {
         found.add(*submodule, 1.0 + name.uses);
+        found.bind({.local = name.bound(), .target = *submodule, .exported = name.bound()});
         any = true;
       } else {
         weight += name.uses;
@@ -173,8 +174,21 @@ class PythonResolver : public Resolver {
     }
     if (!whole) return any;
     const auto module = find(path);
-    if (module) found.add(*module, weight);
+    if (module) {
+      found.add(*module, weight);
+      bind(import, *module, found);
+    }
     return any || module;
+  }
+
+  // A name of a package that is no module of it is something that its __init__ has.
+  static void bind(const ImportFact& import, FileId module, Dependencies& found) {
+    if (import.names.empty()) {
+      found.bind({.local = import.local.empty() ? import.module : import.local, .target = module});
+    }
+    for (const ImportedName& name : import.names) {
+      found.bind({.local = name.bound(), .target = module, .name = name.name, .exported = name.bound()});
+    }
   }
 
   bool add_local(const std::string& path, const ImportFact& import, Dependencies& found) const {

@@ -1,0 +1,243 @@
+#include "kestrix/index/name_resolver.h"
+
+#include <algorithm>
+#include <deque>
+#include <utility>
+
+namespace kestrix::index {
+namespace {
+
+using Kind = NamedThing::Kind;
+
+// A chain of re-exports or of base classes is followed so far.
+constexpr int kMostHops = 16;
+// Files that wildcards make known to one file, and barrels among them that are asked for a name.
+constexpr std::size_t kMostReachable = 20'000;
+constexpr std::size_t kMostBarrels = 64;
+// A name that more files declare says nothing by itself.
+constexpr std::size_t kMostDeclarers = 64;
+
+std::string_view first_part(std::string_view path) { return path.substr(0, path.find('.')); }
+
+std::string_view behind(std::string_view path, std::size_t length) {
+  return path.size() <= length ? std::string_view() : path.substr(length + 1);
+}
+
+NamedThing thing(DeclarationRef at) { return {Kind::kDeclaration, at, {}}; }
+NamedThing whole(FileId file, std::string_view rest = {}) {
+  return {Kind::kFile, {file, 0}, std::string(rest)};
+}
+
+bool is_wildcard(const Binding& binding) { return binding.local == "*"; }
+
+}  // namespace
+
+NameResolver::NameResolver(const IndexedFiles& files, const Scopes& scopes,
+                           const DeclarationTable& table, FileId file)
+    : files_(files), scopes_(scopes), table_(table), file_(file) {
+  const Language* language = language_named(files.language(file));
+  members_in_scope_ =
+      language != nullptr && language->code != nullptr && language->code->members_in_scope;
+}
+
+NamedThing NameResolver::resolve(std::string_view name, std::uint32_t within) {
+  std::string_view rest = name;
+  if (const Found root = resolve_root(rest, within)) return descend(*root, rest);
+  if (const Found outside = find_outside(name)) return *outside;
+  return {};
+}
+
+// Takes what it has found the meaning of from the front of `rest`.
+NameResolver::Found NameResolver::resolve_root(std::string_view& rest, std::uint32_t within) {
+  const std::string_view root = first_part(rest);
+  Found found = find_around(root, within);
+  if (!found) {
+    if (const Found bound = find_bound(rest)) return bound;
+    found = find_through_wildcards(root);
+  }
+  if (found) rest = behind(rest, root.size());
+  return found;
+}
+
+NameResolver::Found NameResolver::find_around(std::string_view name, std::uint32_t within) {
+  const auto mine = table_.of(file_);
+  for (std::uint32_t holder = within; holder > 0 && holder <= mine.size();
+       holder = mine[holder - 1].container) {
+    const DeclarationRef at{file_, holder - 1};
+    if (!is_type(mine[holder - 1].kind)) continue;
+    if (!members_in_scope_) continue;
+    if (const auto member = find_member(at, name, 0)) return thing(*member);
+  }
+  if (const auto top = table_.find_top(file_, name)) return thing(*top);
+  return std::nullopt;
+}
+
+// The longest bound front of the path counts: "a.b" of "import a.b" before "a".
+NameResolver::Found NameResolver::find_bound(std::string_view& rest) const {
+  const auto& bindings = scopes_.bindings(file_);
+  for (std::string_view front = rest; !front.empty();
+       front = front.substr(0, std::max<std::size_t>(front.rfind('.') + 1, 1) - 1)) {
+    const auto found = std::ranges::lower_bound(bindings, front, {}, &Binding::local);
+    if (found == bindings.end() || found->local != front) continue;
+    rest = behind(rest, front.size());
+    return follow(*found, 0);
+  }
+  return std::nullopt;
+}
+
+// NOLINTBEGIN(misc-no-recursion): each step is a hop, and kMostHops end it
+
+NamedThing NameResolver::follow(const Binding& binding, int hops) const {
+  if (binding.name.empty()) return whole(binding.target);
+  if (const Found found = find_exported(binding.target, binding.name, hops + 1)) return *found;
+  return whole(binding.target, binding.name);
+}
+
+NameResolver::Found NameResolver::find_exported(FileId file, std::string_view name, int hops) const {
+  if (hops > kMostHops) return std::nullopt;
+  if (const auto top = table_.find_top(file, name)) return thing(*top);
+  for (const Binding& binding : scopes_.bindings(file)) {
+    if (binding.exported == name && binding.target != file) return follow(binding, hops);
+  }
+  return find_in_barrels(file, name, hops);
+}
+
+// What "export *" and its like hand on; two different things of one name are none.
+NameResolver::Found NameResolver::find_in_barrels(FileId file, std::string_view name, int hops) const {
+  Found one;
+  std::size_t asked = 0;
+  for (const Binding& binding : scopes_.bindings(file)) {
+    if (!is_wildcard(binding) || binding.exported != "*" || binding.target == file) continue;
+    if (++asked > kMostBarrels) break;
+    // Each level asks fewer hops, so that barrels of barrels stay few.
+    const Found found = find_exported(binding.target, name, hops + 4);
+    if (!found || found->kind != Kind::kDeclaration) continue;
+    if (one && one->at != found->at) return std::nullopt;
+    one = found;
+  }
+  return one;
+}
+
+std::optional<DeclarationRef> NameResolver::find_member(DeclarationRef type, std::string_view name,
+                                                        int hops) const {
+  if (const auto own = table_.find_member(type, name)) return own;
+  if (hops > kMostHops) return std::nullopt;
+  for (const std::string_view base : table_[type].bases()) {
+    const auto parent = base_of(type, base, hops);
+    if (!parent || *parent == type) continue;
+    // Diamonds would double the work at each level.
+    if (const auto member = find_member(*parent, name, hops + 3)) return member;
+  }
+  return std::nullopt;
+}
+
+std::optional<DeclarationRef> NameResolver::base_of(DeclarationRef type, std::string_view base,
+                                                    int) const {
+  std::string_view rest = base;
+  NamedThing found;
+  if (const auto top = table_.find_top(type.file, first_part(base))) {
+    found = descend(thing(*top), behind(base, first_part(base).size()));
+  } else {
+    const NameResolver there(files_, scopes_, table_, type.file);
+    const Found bound = there.find_bound(rest);
+    if (!bound) return std::nullopt;
+    found = descend(*bound, rest);
+  }
+  if (found.kind != Kind::kDeclaration || !found.rest.empty()) return std::nullopt;
+  return found.at;
+}
+
+NamedThing NameResolver::descend(NamedThing from, std::string_view rest) const {
+  while (!rest.empty()) {
+    const std::string_view part = first_part(rest);
+    if (from.kind == Kind::kFile) {
+      if (!from.rest.empty()) break;
+      const Found found = find_exported(from.at.file, part, 0);
+      if (!found) break;
+      from = *found;
+    } else {
+      const bool holds = is_type(table_[from.at].kind) ||
+                         table_[from.at].kind == DeclarationKind::kModule;
+      const auto member = holds ? find_member(from.at, part, 0) : std::nullopt;
+      if (!member) break;
+      from.at = *member;
+    }
+    rest = behind(rest, part.size());
+  }
+  if (!rest.empty()) {
+    if (!from.rest.empty()) from.rest += '.';
+    from.rest += rest;
+  }
+  return from;
+}
+
+// NOLINTEND(misc-no-recursion)
+
+void NameResolver::close_over_wildcards() {
+  closed_ = true;
+  std::unordered_set<FileId> seen{file_};
+  std::deque<FileId> open{file_};
+  while (!open.empty() && seen.size() < kMostReachable) {
+    const FileId at = open.front();
+    open.pop_front();
+    for (const Binding& binding : scopes_.bindings(at)) {
+      const bool known = at == file_ || binding.exported == "*";
+      if (is_wildcard(binding) && known && seen.insert(binding.target).second) {
+        open.push_back(binding.target);
+      }
+    }
+  }
+  seen.erase(file_);
+  reachable_.assign(seen.begin(), seen.end());
+  std::ranges::sort(reachable_);
+  for (const FileId file : reachable_) {
+    const auto hands_on = [](const Binding& binding) {
+      return !is_wildcard(binding) && !binding.exported.empty();
+    };
+    if (barrels_.size() < kMostBarrels && std::ranges::any_of(scopes_.bindings(file), hands_on)) {
+      barrels_.push_back(file);
+    }
+  }
+}
+
+NameResolver::Found NameResolver::find_through_wildcards(std::string_view name) {
+  if (!closed_) close_over_wildcards();
+  if (reachable_.empty()) return std::nullopt;
+  Found one;
+  for (const DeclarationRef at : table_.find_all(name, kMostDeclarers)) {
+    if (!std::ranges::binary_search(reachable_, at.file)) continue;
+    if (one) return std::nullopt;
+    one = thing(at);
+  }
+  if (one) return one;
+  for (const FileId barrel : barrels_) {
+    const Found found = find_exported(barrel, name, 1);
+    if (!found || found->kind != Kind::kDeclaration) continue;
+    if (one && one->at != found->at) return std::nullopt;
+    one = found;
+  }
+  return one;
+}
+
+// A name that an import of this file brings in from outside, in full; else nothing.
+NameResolver::Found NameResolver::find_outside(std::string_view name) const {
+  const std::string_view root = first_part(name);
+  const std::string_view rest = name.substr(root.size());
+  for (const ImportFact& import : files_.facts(file_).imports) {
+    for (const ImportedName& named : import.names) {
+      if (named.bound() != root) continue;
+      std::string full = import.module;
+      if (named.name != "*" && named.name != "default") full.append(".").append(named.name);
+      return NamedThing{Kind::kOutside, {}, full.append(rest)};
+    }
+    if (import.local == root && !root.empty()) {
+      return NamedThing{Kind::kOutside, {}, std::string(import.module).append(rest)};
+    }
+    if (import.names.empty() && import.local.empty() && first_part(import.module) == root) {
+      return NamedThing{Kind::kOutside, {}, std::string(name)};
+    }
+  }
+  return std::nullopt;
+}
+
+}  // namespace kestrix::index

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_set>
+#include <vector>
+
+#include "kestrix/index/declaration_table.h"
+#include "kestrix/index/indexed_files.h"
+#include "kestrix/index/scopes.h"
+
+namespace kestrix::index {
+
+/// What a name stands for.
+struct NamedThing {
+  enum class Kind : std::uint8_t {
+    kNothing,      ///< nothing for certain
+    kDeclaration,  ///< `at`
+    kFile,         ///< the file `at.file`, or something in it that `rest` names
+    kOutside,      ///< not of the repository; `rest` is its full name
+  };
+
+  Kind kind = Kind::kNothing;
+  DeclarationRef at{};
+  std::string rest{};  ///< of a declaration: the parts of the name that led no further
+};
+
+/// Finds what the names of one file stand for: through the import that brought a name in, through
+/// re-exports to the file that declares it, through the package's own scope, and for members
+/// through inheritance. What several files declare, and no import decides, stands for nothing.
+///
+/// For one file, on one thread; what it is made of is shared.
+class NameResolver {
+ public:
+  NameResolver(const IndexedFiles& files, const Scopes& scopes, const DeclarationTable& table,
+               FileId file);
+
+  /// What `name` ("a.b.C") stands for where the declaration `within` (from one, 0: none) holds it.
+  NamedThing resolve(std::string_view name, std::uint32_t within);
+
+ private:
+  using Found = std::optional<NamedThing>;
+
+  Found resolve_root(std::string_view& rest, std::uint32_t within);
+  Found find_around(std::string_view name, std::uint32_t within);
+  Found find_bound(std::string_view& rest) const;
+  Found find_through_wildcards(std::string_view name);
+  Found find_outside(std::string_view name) const;
+  NamedThing descend(NamedThing from, std::string_view rest) const;
+  Found find_exported(FileId file, std::string_view name, int hops) const;
+  Found find_in_barrels(FileId file, std::string_view name, int hops) const;
+  NamedThing follow(const Binding& binding, int hops) const;
+  std::optional<DeclarationRef> find_member(DeclarationRef type, std::string_view name, int hops) const;
+  std::optional<DeclarationRef> base_of(DeclarationRef type, std::string_view base, int hops) const;
+  void close_over_wildcards();
+
+  const IndexedFiles& files_;
+  const Scopes& scopes_;
+  const DeclarationTable& table_;
+  FileId file_;
+  bool members_in_scope_ = false;
+  bool closed_ = false;
+  std::vector<FileId> reachable_;  // by wildcards, ascending
+  std::vector<FileId> barrels_;    // of those the ones that hand names on
+};
+
+}  // namespace kestrix::index

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <vector>
+
+#include "kestrix/index/declaration_table.h"
+#include "kestrix/index/indexed_files.h"
+#include "kestrix/index/scopes.h"
+#include "kestrix/index/string_resolver.h"
+#include "kestrix/store/reference_codec.h"
+
+namespace kestrix::index {
+
+/// Makes references of the mentions of files. Safe to use from several threads.
+class ReferenceBuilder {
+ public:
+  ReferenceBuilder(const IndexedFiles& files, const Scopes& scopes, const DeclarationTable& table)
+      : files_(files), scopes_(scopes), table_(table), strings_(files, table) {}
+
+  struct Use {
+    FileId target;
+    std::uint32_t count;
+    bool string;  ///< only strings name it
+  };
+  struct Built {
+    std::vector<StoredReference> references;
+    std::vector<Use> uses;  ///< of other files, in no order
+  };
+
+  Built build(FileId file) const;
+
+ private:
+  const IndexedFiles& files_;
+  const Scopes& scopes_;
+  const DeclarationTable& table_;
+  StringResolver strings_;
+};
+
+}  // namespace kestrix::index

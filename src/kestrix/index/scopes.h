@@ -1,0 +1,43 @@
+#pragma once
+
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string_view>
+#include <vector>
+
+#include "kestrix/index/indexed_files.h"
+#include "kestrix/languages/language.h"
+
+namespace kestrix::index {
+
+/// What the imports of each file lead to, resolved when one first asks. Safe to use from several
+/// threads; references that it hands out live as long as it does.
+class Scopes {
+ public:
+  explicit Scopes(const IndexedFiles& files);
+
+  /// Whether a resolver reads the file's language.
+  bool covers(FileId file) const;
+  const Resolution& of(FileId file) const;
+  /// The bindings of a file by their local names; of several for one name the first one counts.
+  const std::vector<Binding>& bindings(FileId file) const;
+
+ private:
+  struct Slot {
+    std::once_flag once;
+    Resolution resolution;
+  };
+  struct LazyResolver {
+    std::once_flag once;
+    std::unique_ptr<Resolver> resolver;
+  };
+
+  const Resolver& resolver_of(FileId file) const;
+
+  const IndexedFiles& files_;
+  std::unique_ptr<Slot[]> slots_;
+  mutable std::map<ResolverFactory, LazyResolver> resolvers_;
+};
+
+}  // namespace kestrix::index

@@ -1,0 +1,126 @@
+#include "kestrix/index/string_resolver.h"
+
+#include <algorithm>
+
+#include "kestrix/text/paths.h"
+#include "kestrix/text/seeded_hash.h"
+
+namespace kestrix::index {
+namespace {
+
+constexpr FileId kSeveral = UINT32_MAX;
+constexpr std::size_t kShortestTypeName = 6;
+
+std::string_view without_extension(std::string_view path) {
+  const std::size_t dot = path.rfind('.');
+  const std::size_t name = path.rfind('/') + 1;  // 0 without a folder
+  return dot == std::string_view::npos || dot <= name ? path : path.substr(0, dot);
+}
+
+void add_ends(std::string_view path, FileId file, std::unordered_map<std::uint64_t, FileId>& ends) {
+  for (;;) {
+    const auto [entry, fresh] = ends.try_emplace(seeded_hash(path), file);
+    if (!fresh && entry->second != file) entry->second = kSeveral;
+    const std::size_t slash = path.find('/');
+    if (slash == std::string_view::npos) return;
+    path.remove_prefix(slash + 1);
+  }
+}
+
+bool is_camel_case(std::string_view name) {
+  const auto is_upper = [](char c) { return c >= 'A' && c <= 'Z'; };
+  const auto is_lower = [](char c) { return c >= 'a' && c <= 'z'; };
+  return std::ranges::count_if(name, is_upper) >= 2 && std::ranges::any_of(name, is_lower) &&
+         is_upper(name.front());
+}
+
+}  // namespace
+
+StringResolver::StringResolver(const IndexedFiles& files, const DeclarationTable& table)
+    : files_(files), table_(table) {
+  for (FileId file = 0; file < files.size(); ++file) {
+    add_ends(files.path(file), file, ends_);
+    add_ends(without_extension(files.path(file)), file, stems_);
+  }
+}
+
+std::optional<NamedThing> StringResolver::resolve(std::string_view content,
+                                                  std::string_view folder) const {
+  if (const auto file = find_path(content, folder)) {
+    return NamedThing{NamedThing::Kind::kFile, {*file, 0}, {}};
+  }
+  if (content.find('#') != std::string_view::npos) return find_action(content);
+  if (content.find_first_of(".:\\") != std::string_view::npos) return find_dotted(content);
+  return find_type(content);
+}
+
+std::optional<FileId> StringResolver::find_end(std::string_view end, bool stem) const {
+  const auto& table = stem ? stems_ : ends_;
+  const auto found = table.find(seeded_hash(end));
+  if (found == table.end() || found->second == kSeveral) return std::nullopt;
+  const std::string_view path = files_.path(found->second);
+  const std::string_view whole = stem ? without_extension(path) : path;
+  if (!whole.ends_with(end)) return std::nullopt;  // another text of that hash
+  return found->second;
+}
+
+std::optional<FileId> StringResolver::find_path(std::string_view content,
+                                                std::string_view folder) const {
+  const bool has_folder = content.find('/') != std::string_view::npos;
+  if (const auto near = join_normal(folder, content); near && has_folder) {
+    if (const auto file = files_.find(*near)) return file;
+  }
+  while (content.starts_with("./") || content.starts_with('/')) {
+    content.remove_prefix(content.find('/') + 1);
+  }
+  const std::size_t dot = content.rfind('.');
+  const bool has_extension = dot != std::string_view::npos && dot > 0 && content.size() - dot <= 12;
+  if (content.empty() || (!has_folder && !has_extension)) return std::nullopt;
+  if (const auto file = files_.find(content)) return file;
+  if (!has_extension) return has_folder ? find_end(content, true) : std::nullopt;
+  return find_end(content, false);
+}
+
+std::optional<NamedThing> StringResolver::find_dotted(std::string_view content) const {
+  std::string path(content);
+  std::size_t parts = 1;
+  for (char& c : path) {
+    if (c != '.' && c != ':' && c != '\\') continue;
+    c = '/';
+    ++parts;
+  }
+  if (path.find("//") != std::string::npos || path.front() == '/' || path.back() == '/') {
+    return std::nullopt;
+  }
+  const bool attribute = content.find(':') != std::string_view::npos;
+  for (std::string_view front = path; parts >= (attribute ? 1U : 2U);
+       front = folder_of(front), --parts) {
+    auto file = find_end(front, true);
+    if (!file) file = find_end(std::string(front) + "/__init__", true);
+    if (!file) continue;
+    const std::string_view rest = std::string_view(path).substr(std::min(path.size(), front.size() + 1));
+    if (rest.empty()) return NamedThing{NamedThing::Kind::kFile, {*file, 0}, {}};
+    const auto top = table_.find_top(*file, rest.substr(0, rest.find('/')));
+    if (!top) return std::nullopt;
+    return NamedThing{NamedThing::Kind::kDeclaration, *top, {}};
+  }
+  return std::nullopt;
+}
+
+// Routes of several web frameworks name a controller and its method.
+std::optional<NamedThing> StringResolver::find_action(std::string_view content) const {
+  const std::size_t mark = content.find('#');
+  if (mark == 0 || content.find('#', mark + 1) != std::string_view::npos) return std::nullopt;
+  const auto file = find_end(std::string(content.substr(0, mark)) + "_controller", true);
+  if (!file) return std::nullopt;
+  return NamedThing{NamedThing::Kind::kFile, {*file, 0}, std::string(content.substr(mark + 1))};
+}
+
+std::optional<NamedThing> StringResolver::find_type(std::string_view content) const {
+  if (content.size() < kShortestTypeName || !is_camel_case(content)) return std::nullopt;
+  const auto all = table_.find_all(content, 1);
+  if (all.size() != 1 || !is_type(table_[all.front()].kind)) return std::nullopt;
+  return NamedThing{NamedThing::Kind::kDeclaration, all.front(), {}};
+}
+
+}  // namespace kestrix::index

@@ -1,0 +1,68 @@
+#include "kestrix/languages/code/names.h"
+
+#include <algorithm>
+
+#include "kestrix/text/ascii.h"
+
+namespace kestrix::index {
+namespace {
+
+bool is_letter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
+bool is_digit(char c) { return c >= '0' && c <= '9'; }
+bool is_name(char c) {
+  return is_letter(c) || is_digit(c) || c == '_' || c == '$' || static_cast<unsigned char>(c) >= 0x80;
+}
+bool is_joint(char c) { return std::string_view(".:\\?!->").find(c) != std::string_view::npos; }
+bool is_blank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+
+constexpr std::string_view kInStrings = "_./:#\\@*-$";
+
+}  // namespace
+
+std::optional<std::string> name_path(std::string_view text) {
+  if (text.empty() || text.size() > kLongestMention) return std::nullopt;
+  std::string path;
+  bool gap = false;
+  for (const char c : text) {
+    if (is_name(c)) {
+      if (gap && !path.empty()) path += '.';
+      gap = false;
+      path += c;
+    } else if (is_joint(c)) {
+      gap = true;
+    } else if (!is_blank(c)) {
+      return std::nullopt;
+    }
+  }
+  if (path.empty() || is_digit(path.front())) return std::nullopt;
+  return path;
+}
+
+std::string_view literal_content(std::string_view literal) {
+  const std::size_t open = literal.find_first_of("\"'`");
+  if (open == std::string_view::npos) {
+    return literal.starts_with(':') ? literal.substr(1) : std::string_view();
+  }
+  const char quote = literal[open];
+  std::size_t marks = 1;
+  if (literal.substr(open).starts_with(std::string(3, quote)) && literal.size() >= open + 6) marks = 3;
+  const std::size_t close = literal.rfind(quote);
+  if (close < open + 2 * marks - 1) return {};
+  return literal.substr(open + marks, close + 1 - marks - (open + marks));
+}
+
+bool may_name_something(std::string_view content) {
+  if (content.size() < 3 || content.size() > kLongestMention) return false;
+  bool joint = false;
+  bool upper = false;
+  bool letter = false;
+  for (const char c : content) {
+    letter |= is_letter(c);
+    upper |= c >= 'A' && c <= 'Z';
+    joint |= kInStrings.find(c) != std::string_view::npos;
+    if (!is_letter(c) && !is_digit(c) && kInStrings.find(c) == std::string_view::npos) return false;
+  }
+  return letter && (joint || upper);
+}
+
+}  // namespace kestrix::index

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace kestrix::index {
+
+/// The longest name, path or string that is kept as a mention.
+inline constexpr std::size_t kLongestMention = 200;
+
+/// A path of names ("a.b::C", "a->b", "A\B") with "." between its parts; none when the text is
+/// anything else than names and what joins them. Generic arguments end it.
+std::optional<std::string> name_path(std::string_view text);
+
+/// What a string literal says: without its prefix and quotes. Empty when it is not closed.
+std::string_view literal_content(std::string_view literal);
+
+/// Whether a whole string may name something: a path, a dotted or qualified name, a type, a key of
+/// several words. Prose, single lower-case words and what holds white space may not.
+bool may_name_something(std::string_view content);
+
+}  // namespace kestrix::index

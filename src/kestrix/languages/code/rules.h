@@ -1,0 +1,99 @@
+#pragma once
+
+#include <tree_sitter/api.h>
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string_view>
+#include <vector>
+
+#include "kestrix/facts/declaration.h"
+#include "kestrix/facts/reference_role.h"
+#include "kestrix/syntax/source_tree.h"
+
+namespace kestrix::index {
+
+/// What the walk over a file does at a node.
+enum class Act : std::uint8_t {
+  kPass,           ///< sets the role, if the rule has one, and walks on
+  kSkip,           ///< nothing below counts: import statements, the member part of a path
+  kName,           ///< one name, mentioned in the role in force
+  kPath,           ///< names joined ("a.b.C"): one mention if it is nothing else, else walked into
+  kBind,           ///< a name that is local to the function from here on
+  kString,         ///< a string literal
+  kScalar,         ///< another literal
+  kTable,          ///< a literal list, map or array; its elements are listed
+  kEntry,          ///< a pair or tuple of a table: as transparent as the table itself
+  kCall,           ///< a call: the callee in field `name`, arguments in field `value`
+  kConstruct,      ///< the like of "new": the type in field `name`, arguments in field `value`
+  kSubscript,      ///< "base[key]": as a call, but nothing is called
+  kFunctionValue,  ///< a lambda: what holds it is a function
+  kTypeArguments,  ///< arguments of a type where one stands, else of a value
+  kDeclare,        ///< declares `kind` under the name in field `name`, with the value in `value`
+};
+
+/// What the walk does at nodes of a type; of several rules that fit a node the first one counts.
+struct CodeRule {
+  std::string_view node{};    ///< the type as the grammar names it; "" for any
+  std::string_view parent{};  ///< only directly in a node of that type
+  std::string_view field{};   ///< only in that field
+  Act act = Act::kPass;
+  std::optional<Role> role{};  ///< for the names below, until another rule says otherwise
+  DeclarationKind kind = DeclarationKind::kClass;  ///< of kDeclare
+  std::string_view name = "name";
+  std::string_view value = "value";
+  bool ahead = false;  ///< stands before the declaration that it belongs to: decorators, attributes
+};
+
+/// A call that says more than that it calls.
+struct CallRule {
+  std::string_view callee;  ///< "isinstance", "os.getenv": all of the path, or its end after a "."
+  Role role;                ///< of its arguments; kReads: its first string is the key
+};
+
+/// How the declarations and mentions of a language are found in its trees: data, and the few
+/// questions that need code.
+struct CodeRules {
+  std::span<const CodeRule> rules;
+  std::span<const CallRule> calls{};
+  std::span<const std::string_view> self{};  ///< "self", "this": their members are no names
+  /// Bases through which the environment is read by subscript or member: "process.env", "ENV".
+  std::span<const std::string_view> environments{};
+  /// Whether the members of the type around a place are known there by their names alone.
+  bool members_in_scope = false;
+  /// Whether other files can reach a declaration; null: all of them.
+  bool (*exported)(const SourceTree& tree, TSNode declaration, const Declaration& as) = nullptr;
+  /// Whether a type or method says that it is abstract; null: methods without a "body".
+  bool (*is_abstract)(const SourceTree& tree, TSNode declaration, const Declaration& as) = nullptr;
+  /// Last look at a declaration before it is taken, to correct its kind or name; false drops it.
+  bool (*refine)(const SourceTree& tree, TSNode declaration, Declaration& as) = nullptr;
+};
+
+/// The rules of one language, bound to its grammar. Immutable, shared by all threads.
+class CompiledRules {
+ public:
+  struct Rule {
+    TSSymbol parent = 0;    ///< 0: any
+    TSFieldId field = 0;    ///< 0: any
+    TSFieldId name = 0;     ///< 0: none such in the grammar
+    TSFieldId value = 0;
+    const CodeRule* rule = nullptr;
+  };
+
+  /// Throws Error that names `language` and the rule when the grammar has no such node or field.
+  CompiledRules(const TSLanguage* grammar, const CodeRules& rules, std::string_view language);
+
+  /// The rule for a node of type `node` in field `field` of a node of type `parent`; null for none.
+  const Rule* find(TSSymbol node, TSSymbol parent, TSFieldId field) const;
+  const CodeRules& source() const { return *source_; }
+  TSFieldId body() const { return body_; }
+
+ private:
+  const CodeRules* source_;
+  TSFieldId body_ = 0;
+  std::vector<std::vector<Rule>> by_node_;
+  std::vector<std::vector<Rule>> by_parent_;  // rules for any node
+};
+
+}  // namespace kestrix::index

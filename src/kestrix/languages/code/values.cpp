@@ -1,0 +1,95 @@
+#include "kestrix/languages/code/values.h"
+
+#include <algorithm>
+#include <array>
+
+#include "kestrix/syntax/tree_cursor.h"
+
+namespace kestrix::index {
+namespace {
+
+// Of a table so many elements are looked at to tell what it holds.
+constexpr std::uint32_t kShownElements = 8;
+
+Act act_of(const CompiledRules& rules, TSNode node, TSSymbol parent) {
+  const auto* rule = rules.find(ts_node_symbol(node), parent, 0);
+  return rule == nullptr ? Act::kPass : rule->rule->act;
+}
+
+ValueShape shape_of(Act act) {
+  switch (act) {
+    case Act::kString:
+    case Act::kScalar:
+      return ValueShape::kStrings;
+    case Act::kName:
+    case Act::kPath:
+      return ValueShape::kNames;
+    case Act::kTable:
+    case Act::kCall:
+    case Act::kConstruct:
+      return ValueShape::kRecords;
+    default:
+      return ValueShape::kUnknown;
+  }
+}
+
+// Of "key: value" what stands last counts; deeper than three such layers no table goes.
+ValueShape shape_of_element(const CompiledRules& rules, TSNode element, TSSymbol parent) {
+  for (int depth = 0; depth < 3; ++depth) {
+    const Act act = act_of(rules, element, parent);
+    if (act != Act::kEntry && act != Act::kPass) return shape_of(act);
+    const std::uint32_t count = ts_node_named_child_count(element);
+    if (count == 0) return ValueShape::kUnknown;
+    parent = ts_node_symbol(element);
+    element = ts_node_named_child(element, count - 1);
+  }
+  return ValueShape::kUnknown;
+}
+
+void take_table(const CompiledRules& rules, TSNode table, Declaration& as) {
+  std::array<std::uint32_t, 7> seen{};
+  std::uint32_t looked = 0;
+  TreeCursor cursor(table);
+  for (bool more = cursor.to_first_child(); more; more = cursor.to_next_sibling()) {
+    if (!ts_node_is_named(cursor.node()) || ts_node_is_extra(cursor.node())) continue;
+    ++as.size;
+    if (looked++ < kShownElements) {
+      ++seen[static_cast<std::size_t>(
+          shape_of_element(rules, cursor.node(), ts_node_symbol(table)))];
+    }
+  }
+  const auto most = std::ranges::max_element(seen.begin() + 1, seen.end());
+  as.shape = as.size == 0 ? ValueShape::kEmpty
+             : *most == 0 ? ValueShape::kUnknown
+                          : static_cast<ValueShape>(most - seen.begin());
+}
+
+}  // namespace
+
+void take_value(const CompiledRules& rules, TSNode value, TSSymbol parent, Declaration& as) {
+  // Wrappers ("x as const", "&[…]", "(…)") are passed over.
+  for (int depth = 0; depth < 4; ++depth) {
+    switch (act_of(rules, value, parent)) {
+      case Act::kTable:
+        return take_table(rules, value, as);
+      case Act::kCall:
+      case Act::kConstruct:
+        as.shape = ValueShape::kInstance;
+        return;
+      case Act::kString:
+      case Act::kScalar:
+        as.shape = ValueShape::kScalar;
+        return;
+      case Act::kFunctionValue:
+        as.kind = DeclarationKind::kFunction;
+        return;
+      default:
+        break;
+    }
+    if (ts_node_named_child_count(value) == 0) return;
+    parent = ts_node_symbol(value);
+    value = ts_node_named_child(value, 0);
+  }
+}
+
+}  // namespace kestrix::index

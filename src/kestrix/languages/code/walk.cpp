@@ -1,0 +1,387 @@
+#include "kestrix/languages/code/walk.h"
+
+#include <algorithm>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "kestrix/languages/code/mentions.h"
+#include "kestrix/languages/code/names.h"
+#include "kestrix/languages/code/values.h"
+#include "kestrix/languages/symbols.h"
+#include "kestrix/syntax/tree_cursor.h"
+#include "kestrix/text/seeded_hash.h"
+
+namespace kestrix::index {
+namespace {
+
+using Rule = CompiledRules::Rule;
+
+constexpr std::size_t kMostBases = 64;  // of one type
+
+bool is_callable(DeclarationKind kind) {
+  return kind == DeclarationKind::kFunction || kind == DeclarationKind::kMethod;
+}
+
+bool is_value(DeclarationKind kind) {
+  return kind == DeclarationKind::kConstant || kind == DeclarationKind::kVariable;
+}
+
+bool is_of(Role role, std::initializer_list<Role> roles) {
+  return std::ranges::find(roles, role) != roles.end();
+}
+
+// Behind anything that the rules do not know, a name is no longer what is listed or called.
+Role beyond(Role role) {
+  return is_of(role, {Role::kLists, Role::kCalls, Role::kConstructs}) ? Role::kUses : role;
+}
+
+// "raise Name(…)" throws what it makes, "@name(…)" annotates with what it calls.
+Role called(Role around, Role role) {
+  return is_of(around, {Role::kThrows, Role::kAnnotates, Role::kExtends}) ? around : role;
+}
+
+// What holds for the children of a node.
+struct Frame {
+  TSSymbol symbol = 0;
+  Act act = Act::kPass;
+  Role role = Role::kUses;
+  std::uint32_t holder = 0;     // the declaration that they stand in, from one
+  const void* name = nullptr;   // the child that is a declared name
+  TSFieldId callee = 0;         // of calls: the fields of the callee and of the arguments
+  TSFieldId arguments = 0;
+  Role callee_role = Role::kCalls;
+  Role argument_role = Role::kLists;
+  bool scope = false;           // names bound in it are its own
+  bool ahead = false;           // annotations belong to the declaration that follows
+};
+
+// Names that functions bind, by how many of the functions around the place do.
+class LocalNames {
+ public:
+  void enter() { bound_.emplace_back(); }
+  void leave() {
+    for (const std::string_view name : bound_.back()) {
+      if (const auto found = counts_.find(name); --found->second == 0) counts_.erase(found);
+    }
+    bound_.pop_back();
+  }
+  bool in_function() const { return !bound_.empty(); }
+  void bind(std::string_view name) {
+    if (bound_.empty() || name.empty()) return;
+    bound_.back().push_back(name);
+    ++counts_[name];
+  }
+  bool contains(std::string_view name) const { return !counts_.empty() && counts_.contains(name); }
+
+ private:
+  std::vector<std::vector<std::string_view>> bound_;
+  std::unordered_map<std::string_view, std::uint32_t, SeededHash> counts_;
+};
+
+class CodeWalk {
+ public:
+  CodeWalk(const CompiledRules& rules, const SourceTree& tree, FileFacts& facts)
+      : rules_(rules), source_(rules.source()), tree_(tree), facts_(facts) {}
+
+  void run() {
+    TreeCursor cursor(tree_.root());
+    frames_.push_back({.symbol = ts_node_symbol(tree_.root())});
+    if (!cursor.to_first_child()) return;
+    for (;;) {
+      if (enter(cursor.node(), cursor.field_id())) {
+        cursor.to_first_child();
+        continue;
+      }
+      while (!cursor.to_next_sibling()) {
+        if (frames_.size() == 1) return finish();
+        cursor.to_parent();
+        leave();
+      }
+    }
+  }
+
+ private:
+  void finish() {
+    annotate(0);
+    facts_.mentions = mentions_.take();
+    for (const Mention& mention : facts_.mentions) {
+      if (mention.role > Role::kImplements || mention.within == 0) continue;
+      auto& bases = facts_.declarations[mention.within - 1].bases;
+      if (bases.size() < kMostBases) bases.push_back(mention.name);
+    }
+    facts_.dropped += mentions_.dropped();
+  }
+
+  // Whether the node's children are to be walked over; their frame is pushed then.
+  bool enter(TSNode node, TSFieldId field) {
+    if (!ts_node_is_named(node) && ts_node_child_count(node) == 0) return false;
+    const Rule* rule = rules_.find(ts_node_symbol(node), frames_.back().symbol, field);
+    Frame frame = below(frames_.back(), node, field);
+    if (node.id == frames_.back().name && (rule == nullptr || rule->rule->act != Act::kDeclare)) {
+      return false;
+    }
+    if (rule == nullptr) {
+      frame.role = beyond(frame.role);
+      return push(frame, node);
+    }
+    if (rule->rule->role) frame.role = *rule->rule->role;
+    frame.act = rule->rule->act;
+    frame.ahead |= rule->rule->ahead;
+    return visit(*rule, node, frame);
+  }
+
+  static Frame below(const Frame& up, TSNode node, TSFieldId field) {
+    Frame frame{.symbol = ts_node_symbol(node), .role = up.role, .holder = up.holder, .ahead = up.ahead};
+    if (up.callee != 0 && field == up.callee) {
+      frame.role = called(up.role, up.callee_role);
+    } else if (up.arguments != 0 && field == up.arguments) {
+      frame.role = up.argument_role;
+    } else if (up.callee != 0) {
+      frame.role = Role::kUses;
+    }
+    return frame;
+  }
+
+  bool push(const Frame& frame, TSNode node) {
+    if (ts_node_child_count(node) == 0) return false;
+    if (frame.scope) locals_.enter();
+    frames_.push_back(frame);
+    return true;
+  }
+
+  void leave() {
+    const Frame& frame = frames_.back();
+    if (frame.scope) locals_.leave();
+    frames_.pop_back();
+  }
+
+  bool visit(const Rule& rule, TSNode node, Frame& frame) {
+    switch (rule.rule->act) {
+      case Act::kSkip:
+      case Act::kScalar:
+        return false;
+      case Act::kName:
+        mention(node, tree_.text(node), frame);
+        return false;
+      case Act::kPath:
+        return visit_path(node, frame);
+      case Act::kBind:
+        locals_.bind(tree_.text(node));
+        return false;
+      case Act::kString:
+        add_string(node, frame);
+        frame.role = Role::kUses;
+        return push(frame, node);
+      case Act::kTable:
+      case Act::kEntry:
+        if (!is_of(frame.role, {Role::kCatches, Role::kType, Role::kExtends})) frame.role = Role::kLists;
+        return push(frame, node);
+      case Act::kCall:
+      case Act::kConstruct:
+      case Act::kSubscript:
+        return visit_call(rule, node, frame);
+      case Act::kFunctionValue:
+        frame.scope = true;
+        frame.role = Role::kUses;
+        return push(frame, node);
+      case Act::kTypeArguments:
+        frame.role = is_of(frame.role, {Role::kExtends, Role::kImplements, Role::kType,
+                                        Role::kConstructs, Role::kCalls})
+                         ? Role::kType
+                         : Role::kUses;
+        return push(frame, node);
+      case Act::kDeclare:
+        return declare(rule, node, frame);
+      case Act::kPass:
+        break;
+    }
+    return push(frame, node);
+  }
+
+  bool visit_path(TSNode node, Frame& frame) {
+    const std::string_view text = tree_.text(node);
+    for (const std::string_view base : source_.environments) {
+      if (text.size() <= base.size() + 1 || !text.starts_with(base) || text[base.size()] != '.') continue;
+      const std::string_view key = text.substr(base.size() + 1);
+      if (const auto path = name_path(key)) add(*path, Role::kReads, frame, SourceTree::line(node));
+      return false;
+    }
+    if (mention(node, text, frame)) return false;
+    frame.role = beyond(frame.role);
+    return push(frame, node);
+  }
+
+  bool visit_call(const Rule& rule, TSNode node, Frame& frame) {
+    frame.callee = rule.name;
+    frame.arguments = rule.value;
+    if (rule.rule->act == Act::kConstruct) frame.callee_role = Role::kConstructs;
+    if (rule.rule->act == Act::kSubscript) {
+      frame.callee_role = Role::kUses;
+      frame.argument_role = Role::kUses;
+    }
+    const TSNode callee = ts_node_child_by_field_id(node, rule.name);
+    if (ts_node_is_null(callee)) return push(frame, node);
+    const auto path = name_path(tree_.text(callee));
+    if (!path) return push(frame, node);
+    const std::optional<Role> role =
+        rule.rule->act == Act::kSubscript ? read_of(*path) : role_of_arguments(*path);
+    if (role == Role::kReads) {
+      add_key(node, rule.value, frame);
+    } else if (role) {
+      frame.argument_role = *role;
+    }
+    return push(frame, node);
+  }
+
+  std::optional<Role> read_of(std::string_view path) const {
+    const bool known = std::ranges::find(source_.environments, path) != source_.environments.end();
+    return known ? std::optional(Role::kReads) : std::nullopt;
+  }
+
+  std::optional<Role> role_of_arguments(std::string_view path) const {
+    for (const CallRule& call : source_.calls) {
+      if (!path.ends_with(call.callee)) continue;
+      const std::size_t before = path.size() - call.callee.size();
+      if (before == 0 || path[before - 1] == '.') return call.role;
+    }
+    return std::nullopt;
+  }
+
+  // The first argument, if it is a string, is what is read.
+  void add_key(TSNode call, TSFieldId arguments, const Frame& frame) {
+    TSNode node = ts_node_child_by_field_id(call, arguments);
+    TSSymbol parent = ts_node_symbol(call);
+    for (int depth = 0; depth < 3 && !ts_node_is_null(node); ++depth) {
+      const Rule* rule = rules_.find(ts_node_symbol(node), parent, depth == 0 ? arguments : TSFieldId{0});
+      if (rule != nullptr && rule->rule->act == Act::kString) {
+        const std::string_view key = literal_content(tree_.text(node));
+        if (!key.empty() && key.size() <= kLongestMention && name_path(key)) {
+          add(key, Role::kReads, frame, SourceTree::line(node));
+        }
+        return;
+      }
+      parent = ts_node_symbol(node);
+      node = ts_node_named_child(node, 0);
+    }
+  }
+
+  void add_string(TSNode node, const Frame& frame) {
+    const std::string_view content = literal_content(tree_.text(node));
+    if (frame.role == Role::kType) {
+      if (const auto path = name_path(content)) add(*path, Role::kType, frame, SourceTree::line(node));
+    } else if (may_name_something(content)) {
+      add(content, Role::kString, frame, SourceTree::line(node));
+    }
+  }
+
+  // Whether the text is a name or path of names; it is taken as a mention unless it is local.
+  bool mention(TSNode node, std::string_view text, const Frame& frame) {
+    const auto path = name_path(text);
+    if (!path) return false;
+    const std::string_view root = std::string_view(*path).substr(0, path->find('.'));
+    if (std::ranges::find(source_.self, root) != source_.self.end()) return true;
+    if (locals_.contains(root)) return true;
+    add(*path, frame.role, frame, SourceTree::line(node));
+    return true;
+  }
+
+  void add(std::string_view name, Role role, const Frame& frame, std::uint32_t line) {
+    if (frame.ahead && role == Role::kAnnotates) {
+      annotations_.emplace_back(std::string(name), line);
+    } else {
+      mentions_.add(name, role, frame.holder, line);
+    }
+  }
+
+  void annotate(std::uint32_t declared) {
+    for (const auto& [name, line] : annotations_) mentions_.add(name, Role::kAnnotates, declared, line);
+    annotations_.clear();
+  }
+
+  bool declare(const Rule& rule, TSNode node, Frame& frame) {
+    const TSNode name = ts_node_child_by_field_id(node, rule.name);
+    frame.role = Role::kUses;
+    if (ts_node_is_null(name)) return push(frame, node);
+    const auto path = name_path(tree_.text(name));
+    if (!path) return push(frame, node);
+    frame.name = name.id;
+    Declaration as{.kind = rule.rule->kind,
+                   .name = *path,
+                   .line = SourceTree::line(name),
+                   .last_line = ts_node_end_point(node).row + 1,
+                   .container = frame.holder};
+    const bool local = frame.holder > 0 && is_callable(facts_.declarations[frame.holder - 1].kind);
+    if ((local || locals_.in_function()) && is_value(as.kind)) {
+      locals_.bind(tree_.text(name));
+      return push(frame, node);
+    }
+    if (!classify(rule, node, as)) return push(frame, node);
+    if (local) locals_.bind(tree_.text(name));
+    as.exported = !local && as.exported;
+    if (facts_.declarations.size() >= kMostDeclarations) {
+      ++facts_.dropped;
+      return push(frame, node);
+    }
+    take(std::move(as), frame);
+    return push(frame, node);
+  }
+
+  bool classify(const Rule& rule, TSNode node, Declaration& as) const {
+    const bool member = as.container > 0 && is_type(facts_.declarations[as.container - 1].kind);
+    if (is_value(as.kind)) {
+      if (as.kind == DeclarationKind::kVariable) {
+        if (is_upper_case(as.name)) {
+          as.kind = DeclarationKind::kConstant;
+        } else if (member) {
+          as.kind = DeclarationKind::kField;
+        }
+      }
+      const TSNode value = ts_node_child_by_field_id(node, rule.value);
+      if (!ts_node_is_null(value)) take_value(rules_, value, ts_node_symbol(node), as);
+    }
+    if (as.kind == DeclarationKind::kFunction && member) as.kind = DeclarationKind::kMethod;
+    if (source_.refine != nullptr && !source_.refine(tree_, node, as)) return false;
+    as.is_abstract = source_.is_abstract != nullptr ? source_.is_abstract(tree_, node, as)
+                                                    : lacks_body(node, as);
+    if (source_.exported != nullptr) as.exported = source_.exported(tree_, node, as);
+    return true;
+  }
+
+  bool lacks_body(TSNode node, const Declaration& as) const {
+    return as.kind == DeclarationKind::kMethod && rules_.body() != 0 &&
+           ts_node_is_null(ts_node_child_by_field_id(node, rules_.body()));
+  }
+
+  void take(Declaration as, Frame& frame) {
+    if (as.container > 0) {
+      Declaration& holder = facts_.declarations[as.container - 1];
+      if (as.kind == DeclarationKind::kField) ++holder.fields;
+      if (as.kind == DeclarationKind::kMethod) ++holder.methods;
+      if (as.kind == DeclarationKind::kMethod && as.is_abstract) ++holder.abstract_methods;
+    }
+    frame.scope = is_callable(as.kind);
+    facts_.declarations.push_back(std::move(as));
+    frame.holder = static_cast<std::uint32_t>(facts_.declarations.size());
+    annotate(frame.holder);
+  }
+
+  const CompiledRules& rules_;
+  const CodeRules& source_;
+  const SourceTree& tree_;
+  FileFacts& facts_;
+  std::vector<Frame> frames_;
+  LocalNames locals_;
+  Mentions mentions_{kMostMentions};
+  std::vector<std::pair<std::string, std::uint32_t>> annotations_;
+};
+
+}  // namespace
+
+void read_code(const CompiledRules& rules, const SourceTree& tree, FileFacts& facts) {
+  CodeWalk(rules, tree, facts).run();
+}
+
+}  // namespace kestrix::index

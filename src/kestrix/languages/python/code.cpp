@@ -1,0 +1,123 @@
+#include "kestrix/languages/python/code.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+namespace kestrix::index {
+namespace {
+
+constexpr std::array kRules = {
+    CodeRule{.node = "import_statement", .act = Act::kSkip},
+    CodeRule{.node = "import_from_statement", .act = Act::kSkip},
+    CodeRule{.node = "future_import_statement", .act = Act::kSkip},
+    CodeRule{.node = "comment", .act = Act::kSkip},
+
+    CodeRule{.node = "class_definition", .act = Act::kDeclare, .kind = DeclarationKind::kClass},
+    CodeRule{.node = "function_definition", .act = Act::kDeclare, .kind = DeclarationKind::kFunction},
+    CodeRule{.node = "assignment",
+             .act = Act::kDeclare,
+             .kind = DeclarationKind::kVariable,
+             .name = "left",
+             .value = "right"},
+    CodeRule{.node = "type_alias_statement", .act = Act::kPass, .role = Role::kType},
+    CodeRule{.node = "argument_list",
+             .parent = "class_definition",
+             .act = Act::kPass,
+             .role = Role::kExtends},
+    CodeRule{.node = "decorator", .act = Act::kPass, .role = Role::kAnnotates, .ahead = true},
+    CodeRule{.node = "lambda", .act = Act::kFunctionValue},
+
+    // Names that belong to a function.
+    CodeRule{.node = "identifier", .parent = "parameters", .act = Act::kBind},
+    CodeRule{.node = "identifier", .parent = "lambda_parameters", .act = Act::kBind},
+    CodeRule{.node = "identifier", .parent = "typed_parameter", .act = Act::kBind},
+    CodeRule{.node = "identifier", .parent = "default_parameter", .field = "name", .act = Act::kBind},
+    CodeRule{
+        .node = "identifier", .parent = "typed_default_parameter", .field = "name", .act = Act::kBind},
+    CodeRule{.node = "identifier", .parent = "list_splat_pattern", .act = Act::kBind},
+    CodeRule{.node = "identifier", .parent = "dictionary_splat_pattern", .act = Act::kBind},
+    CodeRule{.node = "identifier", .parent = "pattern_list", .act = Act::kBind},
+    CodeRule{.node = "identifier", .parent = "tuple_pattern", .act = Act::kBind},
+    CodeRule{.node = "identifier", .parent = "for_statement", .field = "left", .act = Act::kBind},
+    CodeRule{.node = "identifier", .parent = "for_in_clause", .field = "left", .act = Act::kBind},
+    CodeRule{.node = "identifier", .parent = "as_pattern_target", .act = Act::kBind},
+    CodeRule{.node = "identifier", .parent = "named_expression", .field = "name", .act = Act::kBind},
+
+    CodeRule{.node = "raise_statement", .act = Act::kPass, .role = Role::kThrows},
+    CodeRule{.node = "block", .parent = "except_clause", .act = Act::kPass, .role = Role::kUses},
+    CodeRule{.node = "except_clause", .act = Act::kPass, .role = Role::kCatches},
+    CodeRule{.node = "as_pattern", .act = Act::kPass},
+    CodeRule{.node = "case_pattern", .act = Act::kPass, .role = Role::kLists},
+    CodeRule{.node = "type", .act = Act::kPass, .role = Role::kType},
+
+    CodeRule{.node = "call", .act = Act::kCall, .name = "function", .value = "arguments"},
+    CodeRule{.node = "subscript", .field = "", .act = Act::kSubscript, .name = "value", .value = "subscript"},
+    CodeRule{.node = "keyword_argument", .act = Act::kEntry},
+    CodeRule{.node = "identifier", .parent = "keyword_argument", .field = "name", .act = Act::kSkip},
+    CodeRule{.node = "argument_list", .act = Act::kPass},
+    CodeRule{.node = "list", .act = Act::kTable},
+    CodeRule{.node = "tuple", .act = Act::kTable},
+    CodeRule{.node = "set", .act = Act::kTable},
+    CodeRule{.node = "dictionary", .act = Act::kTable},
+    CodeRule{.node = "pair", .act = Act::kEntry},
+    CodeRule{.node = "list_splat", .act = Act::kEntry},
+
+    CodeRule{.node = "string", .act = Act::kString},
+    CodeRule{.node = "concatenated_string", .act = Act::kPass, .role = Role::kUses},
+    CodeRule{.node = "integer", .act = Act::kScalar},
+    CodeRule{.node = "float", .act = Act::kScalar},
+    CodeRule{.node = "true", .act = Act::kScalar},
+    CodeRule{.node = "false", .act = Act::kScalar},
+    CodeRule{.node = "none", .act = Act::kScalar},
+
+    CodeRule{.node = "identifier", .parent = "attribute", .field = "attribute", .act = Act::kSkip},
+    CodeRule{.node = "attribute", .act = Act::kPath},
+    CodeRule{.node = "identifier", .act = Act::kName},
+};
+
+constexpr std::array kCalls = {
+    CallRule{"isinstance", Role::kCatches},      CallRule{"issubclass", Role::kCatches},
+    CallRule{"suppress", Role::kCatches},        CallRule{"errorhandler", Role::kCatches},
+    CallRule{"register_error_handler", Role::kCatches},
+    CallRule{"exception_handler", Role::kCatches}, CallRule{"add_exception_handler", Role::kCatches},
+    CallRule{"os.getenv", Role::kReads},         CallRule{"os.environ.get", Role::kReads},
+    CallRule{"environ.get", Role::kReads},       CallRule{"os.environ.setdefault", Role::kReads},
+    CallRule{"environ.setdefault", Role::kReads}, CallRule{"getenv", Role::kReads},
+    CallRule{"config.from_envvar", Role::kReads},
+};
+
+constexpr std::array<std::string_view, 4> kSelf = {"self", "cls", "super", "_"};
+constexpr std::array<std::string_view, 2> kEnvironments = {"os.environ", "environ"};
+
+// A method is abstract if it says so, or does nothing but raise that it is not implemented.
+bool is_abstract(const SourceTree& tree, TSNode node, const Declaration& as) {
+  if (as.kind != DeclarationKind::kMethod) return false;
+  const TSNode decorated = ts_node_parent(node);
+  if (!ts_node_is_null(decorated) && type_of(decorated) == "decorated_definition") {
+    const auto head = tree.text(ts_node_start_byte(decorated), ts_node_start_byte(node));
+    if (head.find("abstractmethod") != std::string_view::npos) return true;
+  }
+  const auto body = field_of(node, "body");
+  if (!body || ts_node_end_byte(*body) - ts_node_start_byte(*body) > 2000) return false;
+  const std::uint32_t count = ts_node_named_child_count(*body);
+  if (count == 0) return false;
+  const TSNode last = ts_node_named_child(*body, count - 1);
+  return type_of(last) == "raise_statement" && count <= 2 &&
+         tree.text(last).find("NotImplementedError") != std::string_view::npos;
+}
+
+bool exported(const SourceTree&, TSNode, const Declaration& as) {
+  return !as.name.starts_with('_') || as.name.starts_with("__");
+}
+
+}  // namespace
+
+constinit const CodeRules python_code = {.rules = kRules,
+                                         .calls = kCalls,
+                                         .self = kSelf,
+                                         .environments = kEnvironments,
+                                         .exported = exported,
+                                         .is_abstract = is_abstract};
+
+}  // namespace kestrix::index
