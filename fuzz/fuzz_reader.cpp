@@ -32,7 +32,17 @@ void read(const Language& language, std::string_view text) {
   }
   require(std::ranges::is_sorted(facts->declares), "declared names ascend");
   require(std::ranges::is_sorted(facts->uses, {}, &NameUse::name), "used names ascend");
-  const FileFacts stored = decode_facts(encode_facts(*facts, {"path", 7}), {"path", 7});
+  for (const Declaration& as : facts->declarations) {
+    require(is_line(as.line), "a declaration stands on a line of the text");
+  }
+  const FactsOrigin origin{"path", 7};
+  FileFacts stored = decode_facts(encode_facts(*facts, origin), origin);
+  stored.mentions = decode_mentions(encode_mentions(facts->mentions, origin), origin);
+  require(decode_declarations(encode_declarations(facts->declarations)).size() ==
+              facts->declarations.size(),
+          "declarations come back as they were stored");
+  stored.declarations = facts->declarations;
+  stored.dropped = facts->dropped;
   facts->symbols.clear();
   require(stored == *facts, "facts come back as they were stored");
 }

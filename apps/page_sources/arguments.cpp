@@ -1,5 +1,6 @@
 #include "apps/page_sources/arguments.h"
 
+
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
@@ -11,6 +12,7 @@
 
 #include "apps/page_sources/escape.h"
 #include "apps/page_sources/version.h"
+#include "kestrix/facts/reference_role.h"
 #include "kestrix/host/path_glob.h"
 
 namespace kestrix::program {
@@ -42,6 +44,19 @@ Examples:
   page-sources pages ~/src/app --page errors --page flows
   page-sources pages --entry-points 'app/jobs/*.py' --entry-points app/routes
   page-sources pages --format json | jq -r '.pages.examples.files[]')~";
+
+constexpr const char* kReferencesNotes =
+    R"~(Columns: source, line, role, target path, target name, count; one row for each file, role and
+target, with the line of the first mention. The target is the file that declares the name, after
+all re-exports; what lies outside of the repository has no path.
+
+TARGET is a path, or a name: that of a declaration ("Base", "Base.method") or of what lies outside.
+Both may hold * and ?.
+
+Examples:
+  page-sources references --to Base --role extends     the direct subtypes of Base
+  page-sources references --from app.py                all that app.py names
+  page-sources references --role reads                 which settings are read where)~";
 
 constexpr const char* kEdgesNotes = R"~(A weight is 1 for the import plus the uses of what it names.
 
@@ -150,6 +165,7 @@ class Parser {
     app_.get_formatter()->column_width(34);
     add_pages();
     add_edges();
+    add_references();
     add_symbols();
     add_topic();
     add_index();
@@ -206,6 +222,24 @@ class Parser {
     app.footer(kEdgesNotes);
   }
 
+  void add_references() {
+    auto& app = *app_.add_subcommand("references", "Print who names what, and in which role");
+    add_common(app, references_.common);
+    const auto many = [&](const char* option, Names& into, const char* help) {
+      return app.add_option(option, into, help)->type_name("TARGET")->allow_extra_args(false);
+    };
+    many("--to", references_.to, "Only references to this path or name; may be repeated");
+    many("--from", references_.from, "Only references in files of this path; may be repeated");
+    const Names roles(index::kRoleNames.begin(), index::kRoleNames.end());
+    many("--role", references_.roles, "Only this role; may be repeated")
+        ->type_name("ROLE")
+        ->check(CLI::IsMember(roles));
+    app.add_flag("--self", references_.self,
+                 "Also references within one file; else of these only bases");
+    add_format(app, references_.format, {"tsv", "json"});
+    app.footer(kReferencesNotes);
+  }
+
   void add_symbols() {
     auto& app = *app_.add_subcommand("symbols", "Print the symbols that the index holds");
     add_common(app, symbols_.common);
@@ -243,10 +277,11 @@ class Parser {
   Command parsed() {
     const auto chosen = app_.get_subcommands();
     if (chosen.empty()) {
-      return WrongUsage{"a subcommand is required: pages, edges, symbols, topic or index"};
+      return WrongUsage{"a subcommand is required: pages, edges, references, symbols, topic or index"};
     }
     const std::string name = chosen.front()->get_name();
     if (name == "edges") return edges_;
+    if (name == "references") return references_;
     if (name == "symbols") return symbols_;
     if (name == "topic") return topic_;
     if (name == "index") return index_;
@@ -263,6 +298,7 @@ class Parser {
   Names page_names_;
   PagesCommand pages_;
   EdgesCommand edges_;
+  ReferencesCommand references_;
   SymbolsCommand symbols_;
   TopicCommand topic_;
   IndexCommand index_;

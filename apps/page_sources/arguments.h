@@ -55,6 +55,15 @@ struct EdgesCommand {
   Format format = Format::kTsv;
 };
 
+struct ReferencesCommand {
+  CommonOptions common;
+  std::vector<std::string> to;           ///< paths or names of what is named; empty: anything
+  std::vector<std::string> from;         ///< paths of the files that name it; empty: any
+  std::vector<std::string> roles;        ///< empty: every role
+  bool self = false;                     ///< also those within one file
+  Format format = Format::kTsv;
+};
+
 struct SymbolsCommand {
   CommonOptions common;
   std::optional<SymbolKind> kind;  ///< none: every kind
@@ -81,7 +90,7 @@ struct WrongUsage {
   std::string message;
 };
 
-using Command = std::variant<PagesCommand, EdgesCommand, SymbolsCommand, TopicCommand, IndexCommand,
+using Command = std::variant<PagesCommand, EdgesCommand, ReferencesCommand, SymbolsCommand, TopicCommand, IndexCommand,
                              Information, WrongUsage>;
 
 /// Reads the arguments of one run (without the program's name). Looks at nothing but them.

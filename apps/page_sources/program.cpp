@@ -15,6 +15,7 @@
 #include "apps/page_sources/arguments.h"
 #include "apps/page_sources/escape.h"
 #include "apps/page_sources/output.h"
+#include "apps/page_sources/references.h"
 #include "kestrix/host/native_logger.h"
 #include "kestrix/host/wiki_generator.h"
 #include "kestrix/index/indexer.h"
@@ -57,6 +58,14 @@ class Commands {
       default:
         return edges_as_tsv(edges);
     }
+  }
+
+  std::string operator()(const ReferencesCommand& command) const {
+    const Opened opened = open(command.common);
+    const auto found = find_references(
+        *opened.index, {command.to, command.from, command.roles, command.self});
+    return command.format == Format::kJson ? references_as_json(opened.name(), found)
+                                           : references_as_tsv(found);
   }
 
   std::string operator()(const SymbolsCommand& command) const {

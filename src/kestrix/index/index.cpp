@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <iterator>
 #include <numeric>
+#include <tuple>
 #include <utility>
 
 #include "kestrix/index/name_pattern.h"
@@ -17,6 +18,11 @@
 #include "kestrix/store/store.h"
 
 namespace kestrix::index {
+namespace {
+
+constexpr std::size_t kLongestQualifiedName = 400;
+
+}  // namespace
 
 // Fills an index from a store, table by table.
 class RepositoryIndex::Loader {
@@ -167,6 +173,18 @@ class RepositoryIndex::Loader {
       std::ranges::stable_sort(index_.references_, {}, &IndexedReference::source);
     }
     index_.first_reference_ = first_places(index_.references_);
+    for (FileId file = 0; file < index_.files_.size(); ++file) order_references(file);
+  }
+
+  // Rows are stored in the order of the store's ids, which tells nothing.
+  void order_references(FileId file) {
+    const auto first = index_.first_reference_[file];
+    const auto mine = std::span(index_.references_)
+                          .subspan(first, index_.first_reference_[file + 1] - first);
+    const auto place = [](const IndexedReference& to) {
+      return std::tuple(to.target + 1, to.declaration, to.name, to.role, to.within);
+    };
+    if (!std::ranges::is_sorted(mine, {}, place)) std::ranges::sort(mine, {}, place);
   }
 
   void add_reference(FileId source, const ReferenceView& to) {
@@ -212,6 +230,22 @@ std::span<const IndexedEdge> RepositoryIndex::edges_from(FileId source) const {
 std::span<const IndexedReference> RepositoryIndex::references_from(FileId source) const {
   const auto first = first_reference_[source];
   return std::span(references_).subspan(first, first_reference_[source + 1] - first);
+}
+
+std::string RepositoryIndex::name_of(const IndexedReference& reference) const {
+  if (reference.declaration == 0) return std::string(reference.name);
+  return name_of(DeclarationRef{reference.target, reference.declaration - 1});
+}
+
+std::string RepositoryIndex::name_of(DeclarationRef declaration) const {
+  const auto rows = declarations_->of(declaration.file);
+  std::string name(rows[declaration.place].name);
+  for (std::uint32_t holder = rows[declaration.place].container; holder > 0;
+       holder = rows[holder - 1].container) {
+    name.insert(0, ".").insert(0, rows[holder - 1].name);
+    if (name.size() > kLongestQualifiedName) break;
+  }
+  return name;
 }
 
 Statistics RepositoryIndex::statistics() const {

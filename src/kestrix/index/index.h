@@ -100,6 +100,10 @@ class RepositoryIndex {
   /// the repository comes first.
   std::span<const IndexedReference> references() const { return references_; }
   std::span<const IndexedReference> references_from(FileId source) const;
+  /// What the reference names, with what it stands in: "Type.member"; "" for a whole file.
+  std::string name_of(const IndexedReference& reference) const;
+  /// The same of a declaration.
+  std::string name_of(DeclarationRef declaration) const;
   /// The declarations of one file, in source order.
   std::span<const DeclarationView> declarations(FileId file) const { return declarations_->of(file); }
   const DeclarationTable& declarations() const { return *declarations_; }

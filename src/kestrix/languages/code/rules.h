@@ -62,6 +62,8 @@ struct CodeRules {
   std::span<const std::string_view> environments{};
   /// Whether the members of the type around a place are known there by their names alone.
   bool members_in_scope = false;
+  /// Whether a declaration may be written with what it belongs to ("Type::member").
+  bool qualified_names = false;
   /// Whether other files can reach a declaration; null: all of them.
   bool (*exported)(const SourceTree& tree, TSNode declaration, const Declaration& as) = nullptr;
   /// Whether a type or method says that it is abstract; null: methods without a "body".

@@ -204,6 +204,7 @@ class CodeWalk {
   bool visit_path(TSNode node, Frame& frame) {
     const std::string_view text = tree_.text(node);
     for (const std::string_view base : source_.environments) {
+      if (frame.role == Role::kCalls) break;
       if (text.size() <= base.size() + 1 || !text.starts_with(base) || text[base.size()] != '.') continue;
       const std::string_view key = text.substr(base.size() + 1);
       if (const auto path = name_path(key)) add(*path, Role::kReads, frame, SourceTree::line(node));
@@ -306,7 +307,11 @@ class CodeWalk {
     frame.role = Role::kUses;
     if (ts_node_is_null(name)) return push(frame, node);
     const auto path = name_path(tree_.text(name));
-    if (!path) return push(frame, node);
+    if (!path || (path->find('.') != std::string::npos && !source_.qualified_names)) {
+      // "registry[key] = Name" puts it into a table.
+      if (!path && is_value(rule.rule->kind)) frame.arguments = rule.value;
+      return push(frame, node);
+    }
     frame.name = name.id;
     Declaration as{.kind = rule.rule->kind,
                    .name = *path,

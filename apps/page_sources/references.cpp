@@ -1,0 +1,118 @@
+#include "apps/page_sources/references.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <iterator>
+#include <tuple>
+
+#include "apps/page_sources/escape.h"
+#include "apps/page_sources/json_writer.h"
+#include "apps/page_sources/output.h"
+#include "kestrix/text/wildmatch.h"
+
+namespace kestrix::program {
+namespace {
+
+using index::IndexedReference;
+
+class Globs {
+ public:
+  explicit Globs(std::span<const std::string> patterns) {
+    for (const std::string& pattern : patterns) globs_.emplace_back(pattern);
+  }
+
+  bool empty() const { return globs_.empty(); }
+  bool match(std::string_view text) const {
+    return std::ranges::any_of(globs_, [text](const auto& glob) { return glob.matches(text); });
+  }
+
+ private:
+  std::vector<index::Wildmatch> globs_;
+};
+
+bool is_shown(const IndexedReference& reference, bool self) {
+  return self || reference.source != reference.target ||
+         reference.role == index::Role::kExtends || reference.role == index::Role::kImplements;
+}
+
+auto key(const FoundReference& row) {
+  return std::tie(row.source, row.role, row.target, row.name);
+}
+
+void join(std::vector<FoundReference>& rows) {
+  std::ranges::sort(rows, {}, [](const auto& row) { return std::tuple_cat(key(row), std::tie(row.line)); });
+  std::size_t kept = 0;
+  for (std::size_t at = 0; at < rows.size(); ++at) {
+    if (kept > 0 && key(rows[kept - 1]) == key(rows[at])) {
+      rows[kept - 1].count += rows[at].count;
+    } else {
+      if (kept != at) rows[kept] = std::move(rows[at]);
+      ++kept;
+    }
+  }
+  rows.resize(kept);
+  std::ranges::sort(rows);
+}
+
+std::string as_json(const FoundReference& row) {
+  return fmt::format(
+      R"({{"source": {}, "line": {}, "role": "{}", "target": {}, "name": {}, "count": {}}})",
+      json_string(row.source), row.line, to_string(row.role),
+      row.target.empty() ? "null" : json_string(row.target), json_string(row.name), row.count);
+}
+
+}  // namespace
+
+std::vector<FoundReference> find_references(const index::RepositoryIndex& index,
+                                            const ReferenceQuery& query) {
+  const Globs to(query.to);
+  const Globs from(query.from);
+  std::vector<FoundReference> rows;
+  for (const IndexedReference& reference : index.references()) {
+    const std::string_view role = to_string(reference.role);
+    if (!query.roles.empty() && std::ranges::find(query.roles, role) == query.roles.end()) continue;
+    if (!is_shown(reference, query.self)) continue;
+    const std::string_view source = index.files()[reference.source].path;
+    if (!from.empty() && !from.match(source)) continue;
+    const bool outside = reference.target == IndexedReference::kOutside;
+    FoundReference row{.source = source,
+                       .line = reference.line,
+                       .role = reference.role,
+                       .target = outside ? std::string_view() : index.files()[reference.target].path,
+                       .name = index.name_of(reference),
+                       .count = reference.count};
+    if (!to.empty() && !to.match(row.target) && !to.match(row.name)) continue;
+    rows.push_back(std::move(row));
+  }
+  join(rows);
+  return rows;
+}
+
+std::string references_as_tsv(std::span<const FoundReference> references) {
+  std::string out;
+  for (const FoundReference& row : references) {
+    fmt::format_to(std::back_inserter(out), "{}\t{}\t{}\t{}\t{}\t{}\n", c_quoted(row.source),
+                   row.line, to_string(row.role), c_quoted(row.target), c_quoted(row.name),
+                   row.count);
+  }
+  return out;
+}
+
+std::string references_as_json(std::string_view repository,
+                               std::span<const FoundReference> references) {
+  JsonWriter json;
+  json.begin_object();
+  json.key("schema");
+  json.raw(std::to_string(kJsonSchema));
+  json.key("repository");
+  json.string(repository);
+  json.key("references");
+  json.begin_array();
+  for (const FoundReference& row : references) json.raw(as_json(row));
+  json.end_array();
+  json.end_object();
+  return std::move(json).take();
+}
+
+}  // namespace kestrix::program

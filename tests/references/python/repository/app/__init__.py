@@ -1,0 +1,2 @@
+from .errors import AppError as AppError, NotFound
+from .registry import *
