@@ -1,6 +1,5 @@
 #include "apps/page_sources/arguments.h"
 
-
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
@@ -277,7 +276,8 @@ class Parser {
   Command parsed() {
     const auto chosen = app_.get_subcommands();
     if (chosen.empty()) {
-      return WrongUsage{"a subcommand is required: pages, edges, references, symbols, topic or index"};
+      return WrongUsage{
+          "a subcommand is required: pages, edges, references, symbols, topic or index"};
     }
     const std::string name = chosen.front()->get_name();
     if (name == "edges") return edges_;

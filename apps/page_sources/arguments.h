@@ -57,10 +57,10 @@ struct EdgesCommand {
 
 struct ReferencesCommand {
   CommonOptions common;
-  std::vector<std::string> to;           ///< paths or names of what is named; empty: anything
-  std::vector<std::string> from;         ///< paths of the files that name it; empty: any
-  std::vector<std::string> roles;        ///< empty: every role
-  bool self = false;                     ///< also those within one file
+  std::vector<std::string> to;     ///< paths or names of what is named; empty: anything
+  std::vector<std::string> from;   ///< paths of the files that name it; empty: any
+  std::vector<std::string> roles;  ///< empty: every role
+  bool self = false;               ///< also those within one file
   Format format = Format::kTsv;
 };
 
@@ -90,8 +90,8 @@ struct WrongUsage {
   std::string message;
 };
 
-using Command = std::variant<PagesCommand, EdgesCommand, ReferencesCommand, SymbolsCommand, TopicCommand, IndexCommand,
-                             Information, WrongUsage>;
+using Command = std::variant<PagesCommand, EdgesCommand, ReferencesCommand, SymbolsCommand,
+                             TopicCommand, IndexCommand, Information, WrongUsage>;
 
 /// Reads the arguments of one run (without the program's name). Looks at nothing but them.
 Command parse(std::span<const std::string> arguments);

@@ -62,8 +62,8 @@ class Commands {
 
   std::string operator()(const ReferencesCommand& command) const {
     const Opened opened = open(command.common);
-    const auto found = find_references(
-        *opened.index, {command.to, command.from, command.roles, command.self});
+    const auto found =
+        find_references(*opened.index, {command.to, command.from, command.roles, command.self});
     return command.format == Format::kJson ? references_as_json(opened.name(), found)
                                            : references_as_tsv(found);
   }

@@ -32,16 +32,15 @@ class Globs {
 };
 
 bool is_shown(const IndexedReference& reference, bool self) {
-  return self || reference.source != reference.target ||
-         reference.role == index::Role::kExtends || reference.role == index::Role::kImplements;
+  return self || reference.source != reference.target || reference.role == index::Role::kExtends ||
+         reference.role == index::Role::kImplements;
 }
 
-auto key(const FoundReference& row) {
-  return std::tie(row.source, row.role, row.target, row.name);
-}
+auto key(const FoundReference& row) { return std::tie(row.source, row.role, row.target, row.name); }
 
 void join(std::vector<FoundReference>& rows) {
-  std::ranges::sort(rows, {}, [](const auto& row) { return std::tuple_cat(key(row), std::tie(row.line)); });
+  std::ranges::sort(rows, {},
+                    [](const auto& row) { return std::tuple_cat(key(row), std::tie(row.line)); });
   std::size_t kept = 0;
   for (std::size_t at = 0; at < rows.size(); ++at) {
     if (kept > 0 && key(rows[kept - 1]) == key(rows[at])) {
@@ -76,12 +75,13 @@ std::vector<FoundReference> find_references(const index::RepositoryIndex& index,
     const std::string_view source = index.files()[reference.source].path;
     if (!from.empty() && !from.match(source)) continue;
     const bool outside = reference.target == IndexedReference::kOutside;
-    FoundReference row{.source = source,
-                       .line = reference.line,
-                       .role = reference.role,
-                       .target = outside ? std::string_view() : index.files()[reference.target].path,
-                       .name = index.name_of(reference),
-                       .count = reference.count};
+    FoundReference row{
+        .source = source,
+        .line = reference.line,
+        .role = reference.role,
+        .target = outside ? std::string_view() : index.files()[reference.target].path,
+        .name = index.name_of(reference),
+        .count = reference.count};
     if (!to.empty() && !to.match(row.target) && !to.match(row.name)) continue;
     rows.push_back(std::move(row));
   }

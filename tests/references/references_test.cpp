@@ -1,3 +1,5 @@
+#include "apps/page_sources/references.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -8,7 +10,6 @@
 #include <string>
 #include <vector>
 
-#include "apps/page_sources/references.h"
 #include "kestrix/index/indexer.h"
 #include "tests/index/scratch.h"
 
@@ -35,19 +36,20 @@ std::string content(const fs::path& path) {
 class References : public testing::TestWithParam<std::string> {};
 
 TEST_P(References, AreThoseThatTheSourcesShow) {
-  const index::ScratchFolder scratch;
+  const index::Scratch scratch;
   const fs::path folder = fs::path(KESTRIX_REFERENCES) / GetParam();
   fs::copy(folder / "repository", scratch.path() / "repository", fs::copy_options::recursive);
   index::IndexOptions options;
   options.root = scratch.path() / "repository";
   options.file = scratch.path() / "index";
   const auto opened = index::refresh_and_open(options);
-  const auto found = find_references(*opened.index, {.self = true});
+  const auto found =
+      find_references(*opened.index, {.to = {}, .from = {}, .roles = {}, .self = true});
   EXPECT_EQ(references_as_tsv(found), content(folder / "expected.tsv"));
 }
 
 INSTANTIATE_TEST_SUITE_P(Languages, References, testing::ValuesIn(languages()),
-                         [](const auto& info) { return info.param; });
+                         [](const auto& language) { return language.param; });
 
 }  // namespace
 }  // namespace kestrix::program

@@ -17,20 +17,20 @@ enum class DeclarationKind : std::uint8_t {
   kProtocol,
   kRecord,
   kObject,
-  kAlias,     ///< a name for another type
+  kAlias,  ///< a name for another type
   kFunction,
   kMethod,
   kConstant,
   kVariable,
-  kField,     ///< what each value of a type holds
-  kMember,    ///< one name of an enumeration
-  kModule,    ///< a namespace inside a file
+  kField,   ///< what each value of a type holds
+  kMember,  ///< one name of an enumeration
+  kModule,  ///< a namespace inside a file
   kMacro,
 };
 
 inline constexpr std::array<std::string_view, 17> kDeclarationKindNames = {
-    "class", "struct",   "enum",   "interface", "trait",    "protocol", "record", "object", "alias",
-    "function", "method", "constant", "variable", "field", "member", "module", "macro"};
+    "class",    "struct", "enum",     "interface", "trait", "protocol", "record", "object", "alias",
+    "function", "method", "constant", "variable",  "field", "member",   "module", "macro"};
 
 constexpr std::string_view to_string(DeclarationKind kind) {
   return kDeclarationKindNames[static_cast<std::size_t>(kind)];
@@ -41,12 +41,12 @@ constexpr bool is_type(DeclarationKind kind) { return kind <= DeclarationKind::k
 /// What a constant or variable holds, as far as its initial value shows it.
 enum class ValueShape : std::uint8_t {
   kUnknown,
-  kScalar,   ///< a number, text, flag
-  kStrings,  ///< a literal table whose elements are texts or numbers
-  kNames,    ///< a literal table that names declarations
-  kRecords,  ///< a literal table of tables, or of values that are made alike
-  kInstance, ///< what a call made
-  kEmpty,    ///< an empty table, to be filled elsewhere
+  kScalar,    ///< a number, text, flag
+  kStrings,   ///< a literal table whose elements are texts or numbers
+  kNames,     ///< a literal table that names declarations
+  kRecords,   ///< a literal table of tables, or of values that are made alike
+  kInstance,  ///< what a call made
+  kEmpty,     ///< an empty table, to be filled elsewhere
 };
 
 /// Something that a file declares. A fact of that file alone.

@@ -80,8 +80,8 @@ struct FileFacts {
   std::vector<NameUse> uses;  ///< only for languages whose packages need no import: type-like
                               ///< names that are used and not declared here; ascending
   std::vector<Declaration> declarations{};  ///< in source order; a container before its members
-  std::vector<Mention> mentions{};  ///< by name, role, holder; each combination once
-  std::uint32_t dropped = 0;        ///< declarations and mentions beyond the limits
+  std::vector<Mention> mentions{};          ///< by name, role, holder; each combination once
+  std::uint32_t dropped = 0;                ///< declarations and mentions beyond the limits
 
   friend bool operator==(const FileFacts&, const FileFacts&) = default;
 };

@@ -9,7 +9,8 @@ namespace kestrix::index {
 
 void DeclarationTable::add(FileId file, std::string_view encoded) {
   const auto decoded = decode_declarations(texts_.keep(encoded));
-  ranges_[file] = {static_cast<std::uint32_t>(rows_.size()), static_cast<std::uint32_t>(decoded.size())};
+  ranges_[file] = {static_cast<std::uint32_t>(rows_.size()),
+                   static_cast<std::uint32_t>(decoded.size())};
   rows_.insert(rows_.end(), decoded.begin(), decoded.end());
 }
 
@@ -32,7 +33,8 @@ void DeclarationTable::order_by_file() const {
   for (FileId file = 0; file < ranges_.size(); ++file) {
     const auto rows = of(file);
     const auto mine = std::span(by_file_).subspan(ranges_[file].first, ranges_[file].count);
-    for (std::uint32_t place = 0; place < rows.size(); ++place) mine[place] = {holder_of(rows, place), place};
+    for (std::uint32_t place = 0; place < rows.size(); ++place)
+      mine[place] = {holder_of(rows, place), place};
     std::ranges::sort(mine, {}, [&](const Named& named) {
       const DeclarationView& row = rows[named.place];
       return std::tuple(named.holder, row.name, !is_type(row.kind), named.place);
@@ -44,8 +46,11 @@ std::optional<DeclarationRef> DeclarationTable::find(FileId file, std::uint32_t 
                                                      std::string_view name) const {
   std::call_once(by_file_once_, [this] { order_by_file(); });
   const auto rows = of(file);
-  const auto mine = std::span(std::as_const(by_file_)).subspan(ranges_[file].first, ranges_[file].count);
-  const auto key = [&](const Named& named) { return std::pair(named.holder, rows[named.place].name); };
+  const auto mine =
+      std::span(std::as_const(by_file_)).subspan(ranges_[file].first, ranges_[file].count);
+  const auto key = [&](const Named& named) {
+    return std::pair(named.holder, rows[named.place].name);
+  };
   const auto found = std::ranges::lower_bound(mine, std::pair(holder, name), {}, key);
   if (found == mine.end() || key(*found) != std::pair(holder, name)) return std::nullopt;
   return DeclarationRef{file, found->place};
@@ -71,7 +76,8 @@ void DeclarationTable::order_by_name() const {
   std::ranges::sort(by_name_);
 }
 
-std::vector<DeclarationRef> DeclarationTable::find_all(std::string_view name, std::size_t most) const {
+std::vector<DeclarationRef> DeclarationTable::find_all(std::string_view name,
+                                                       std::size_t most) const {
   std::call_once(by_name_once_, [this] { order_by_name(); });
   const std::uint64_t hash = seeded_hash(name);
   const auto [first, last] =

@@ -55,7 +55,8 @@ class DeclarationTable {
   };
 
   std::uint32_t holder_of(std::span<const DeclarationView> rows, std::uint32_t place) const;
-  std::optional<DeclarationRef> find(FileId file, std::uint32_t holder, std::string_view name) const;
+  std::optional<DeclarationRef> find(FileId file, std::uint32_t holder,
+                                     std::string_view name) const;
   void order_by_file() const;
   void order_by_name() const;
 

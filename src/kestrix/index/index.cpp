@@ -179,8 +179,8 @@ class RepositoryIndex::Loader {
   // Rows are stored in the order of the store's ids, which tells nothing.
   void order_references(FileId file) {
     const auto first = index_.first_reference_[file];
-    const auto mine = std::span(index_.references_)
-                          .subspan(first, index_.first_reference_[file + 1] - first);
+    const auto mine =
+        std::span(index_.references_).subspan(first, index_.first_reference_[file + 1] - first);
     const auto place = [](const IndexedReference& to) {
       return std::tuple(to.target + 1, to.declaration, to.name, to.role, to.within);
     };
@@ -193,7 +193,8 @@ class RepositoryIndex::Loader {
     const auto known = [&](FileId file, std::uint32_t place) {
       return place <= index_.declarations_->of(file).size();
     };
-    if (!known(source, to.within) || (outside ? to.declaration != 0 : !known(target, to.declaration))) {
+    if (!known(source, to.within) ||
+        (outside ? to.declaration != 0 : !known(target, to.declaration))) {
       throw CorruptIndex("a reference to a declaration that is not there");
     }
     index_.references_.push_back(

@@ -51,7 +51,7 @@ struct IndexedEdge {
 /// Who names what. A target outside of the repository has no file.
 struct IndexedReference {
   FileId source = 0;
-  std::uint32_t line = 0;    ///< the first one's
+  std::uint32_t line = 0;  ///< the first one's
   std::uint32_t count = 0;
   std::uint32_t within = 0;  ///< the source's declaration that holds it, from one; 0: none
   FileId target = kOutside;
@@ -105,7 +105,9 @@ class RepositoryIndex {
   /// The same of a declaration.
   std::string name_of(DeclarationRef declaration) const;
   /// The declarations of one file, in source order.
-  std::span<const DeclarationView> declarations(FileId file) const { return declarations_->of(file); }
+  std::span<const DeclarationView> declarations(FileId file) const {
+    return declarations_->of(file);
+  }
   const DeclarationTable& declarations() const { return *declarations_; }
   std::optional<FileId> find(std::string_view path) const;
   /// The edges that lead from one file.

@@ -93,7 +93,8 @@ NamedThing NameResolver::follow(const Binding& binding, int hops) const {
   return whole(binding.target, binding.name);
 }
 
-NameResolver::Found NameResolver::find_exported(FileId file, std::string_view name, int hops) const {
+NameResolver::Found NameResolver::find_exported(FileId file, std::string_view name,
+                                                int hops) const {
   if (hops > kMostHops) return std::nullopt;
   if (const auto top = table_.find_top(file, name)) return thing(*top);
   for (const Binding& binding : scopes_.bindings(file)) {
@@ -103,7 +104,8 @@ NameResolver::Found NameResolver::find_exported(FileId file, std::string_view na
 }
 
 // What "export *" and its like hand on; two different things of one name are none.
-NameResolver::Found NameResolver::find_in_barrels(FileId file, std::string_view name, int hops) const {
+NameResolver::Found NameResolver::find_in_barrels(FileId file, std::string_view name,
+                                                  int hops) const {
   Found one;
   std::size_t asked = 0;
   for (const Binding& binding : scopes_.bindings(file)) {
@@ -156,8 +158,8 @@ NamedThing NameResolver::descend(NamedThing from, std::string_view rest) const {
       if (!found) break;
       from = *found;
     } else {
-      const bool holds = is_type(table_[from.at].kind) ||
-                         table_[from.at].kind == DeclarationKind::kModule;
+      const bool holds =
+          is_type(table_[from.at].kind) || table_[from.at].kind == DeclarationKind::kModule;
       const auto member = holds ? find_member(from.at, part, 0) : std::nullopt;
       if (!member) break;
       from.at = *member;

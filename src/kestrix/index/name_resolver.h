@@ -51,7 +51,8 @@ class NameResolver {
   Found find_exported(FileId file, std::string_view name, int hops) const;
   Found find_in_barrels(FileId file, std::string_view name, int hops) const;
   NamedThing follow(const Binding& binding, int hops) const;
-  std::optional<DeclarationRef> find_member(DeclarationRef type, std::string_view name, int hops) const;
+  std::optional<DeclarationRef> find_member(DeclarationRef type, std::string_view name,
+                                            int hops) const;
   std::optional<DeclarationRef> base_of(DeclarationRef type, std::string_view base, int hops) const;
   void close_over_wildcards();
 

@@ -98,7 +98,8 @@ std::optional<NamedThing> StringResolver::find_dotted(std::string_view content) 
     auto file = find_end(front, true);
     if (!file) file = find_end(std::string(front) + "/__init__", true);
     if (!file) continue;
-    const std::string_view rest = std::string_view(path).substr(std::min(path.size(), front.size() + 1));
+    const std::string_view rest =
+        std::string_view(path).substr(std::min(path.size(), front.size() + 1));
     if (rest.empty()) return NamedThing{NamedThing::Kind::kFile, {*file, 0}, {}};
     const auto top = table_.find_top(*file, rest.substr(0, rest.find('/')));
     if (!top) return std::nullopt;

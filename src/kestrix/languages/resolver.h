@@ -47,9 +47,9 @@ struct Dependency {
 /// What a name of a file stands for, because an import, an include or its package says so. Views
 /// live as long as the resolver and the table.
 struct Binding {
-  std::string_view local;     ///< the name here, "a.b" for a module's; "*": all of the target's
+  std::string_view local;  ///< the name here, "a.b" for a module's; "*": all of the target's
   FileId target = 0;
-  std::string_view name{};    ///< what the target calls it; "": the file itself, as a module
+  std::string_view name{};      ///< what the target calls it; "": the file itself, as a module
   std::string_view exported{};  ///< the name by which this file hands it on, "*" for all; "" for no
 
   friend bool operator==(const Binding&, const Binding&) = default;

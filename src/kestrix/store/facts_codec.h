@@ -21,8 +21,8 @@ struct FactsOrigin {
 /// are left out: they are stored by themselves.
 std::string encode_facts(const FileFacts& facts, const FactsOrigin& origin);
 
-/// The inverse; what is left out is empty. Throws `CorruptIndex` when `bytes` are no encoded facts, or
-/// those of another file or of another state of it.
+/// The inverse; what is left out is empty. Throws `CorruptIndex` when `bytes` are no encoded facts,
+/// or those of another file or of another state of it.
 FileFacts decode_facts(std::string_view bytes, const FactsOrigin& origin);
 
 /// A symbol in its encoded form.

@@ -38,7 +38,8 @@ std::string encode_references(std::vector<StoredReference> references) {
   Encoder to;
   for (std::size_t at = 0; at < references.size();) {
     std::size_t end = at;
-    while (end < references.size() && target_of(references[end]) == target_of(references[at])) ++end;
+    while (end < references.size() && target_of(references[end]) == target_of(references[at]))
+      ++end;
     const StoredReference& target = references[at];
     to.number(static_cast<std::uint64_t>(target.target));
     to.number(target.declaration);

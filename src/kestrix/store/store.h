@@ -67,10 +67,10 @@ struct FileRow {
 
 /// What is stored of a parsed file, each part encoded.
 struct EncodedFacts {
-  std::string facts;         ///< what resolvers read of every file
-  std::string symbols;       ///< "" when there are none; so are the next two
+  std::string facts;    ///< what resolvers read of every file
+  std::string symbols;  ///< "" when there are none; so are the next two
   std::string declarations;
-  std::string mentions;      ///< what is read of a file only when it is resolved
+  std::string mentions;  ///< what is read of a file only when it is resolved
 };
 
 /// The index's SQLite file.

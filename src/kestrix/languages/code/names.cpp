@@ -10,7 +10,8 @@ namespace {
 bool is_letter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
 bool is_digit(char c) { return c >= '0' && c <= '9'; }
 bool is_name(char c) {
-  return is_letter(c) || is_digit(c) || c == '_' || c == '$' || static_cast<unsigned char>(c) >= 0x80;
+  return is_letter(c) || is_digit(c) || c == '_' || c == '$' ||
+         static_cast<unsigned char>(c) >= 0x80;
 }
 bool is_joint(char c) { return std::string_view(".:\\?!->").find(c) != std::string_view::npos; }
 bool is_blank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
@@ -45,7 +46,8 @@ std::string_view literal_content(std::string_view literal) {
   }
   const char quote = literal[open];
   std::size_t marks = 1;
-  if (literal.substr(open).starts_with(std::string(3, quote)) && literal.size() >= open + 6) marks = 3;
+  if (literal.substr(open).starts_with(std::string(3, quote)) && literal.size() >= open + 6)
+    marks = 3;
   const std::size_t close = literal.rfind(quote);
   if (close < open + 2 * marks - 1) return {};
   return literal.substr(open + marks, close + 1 - marks - (open + marks));

@@ -76,9 +76,9 @@ struct CodeRules {
 class CompiledRules {
  public:
   struct Rule {
-    TSSymbol parent = 0;    ///< 0: any
-    TSFieldId field = 0;    ///< 0: any
-    TSFieldId name = 0;     ///< 0: none such in the grammar
+    TSSymbol parent = 0;  ///< 0: any
+    TSFieldId field = 0;  ///< 0: any
+    TSFieldId name = 0;   ///< 0: none such in the grammar
     TSFieldId value = 0;
     const CodeRule* rule = nullptr;
   };

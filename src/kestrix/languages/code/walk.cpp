@@ -48,14 +48,14 @@ struct Frame {
   TSSymbol symbol = 0;
   Act act = Act::kPass;
   Role role = Role::kUses;
-  std::uint32_t holder = 0;     // the declaration that they stand in, from one
-  const void* name = nullptr;   // the child that is a declared name
-  TSFieldId callee = 0;         // of calls: the fields of the callee and of the arguments
+  std::uint32_t holder = 0;    // the declaration that they stand in, from one
+  const void* name = nullptr;  // the child that is a declared name
+  TSFieldId callee = 0;        // of calls: the fields of the callee and of the arguments
   TSFieldId arguments = 0;
   Role callee_role = Role::kCalls;
   Role argument_role = Role::kLists;
-  bool scope = false;           // names bound in it are its own
-  bool ahead = false;           // annotations belong to the declaration that follows
+  bool scope = false;  // names bound in it are its own
+  bool ahead = false;  // annotations belong to the declaration that follows
 };
 
 // Names that functions bind, by how many of the functions around the place do.
@@ -134,7 +134,8 @@ class CodeWalk {
   }
 
   static Frame below(const Frame& up, TSNode node, TSFieldId field) {
-    Frame frame{.symbol = ts_node_symbol(node), .role = up.role, .holder = up.holder, .ahead = up.ahead};
+    Frame frame{
+        .symbol = ts_node_symbol(node), .role = up.role, .holder = up.holder, .ahead = up.ahead};
     if (up.callee != 0 && field == up.callee) {
       frame.role = called(up.role, up.callee_role);
     } else if (up.arguments != 0 && field == up.arguments) {
@@ -177,7 +178,8 @@ class CodeWalk {
         return push(frame, node);
       case Act::kTable:
       case Act::kEntry:
-        if (!is_of(frame.role, {Role::kCatches, Role::kType, Role::kExtends})) frame.role = Role::kLists;
+        if (!is_of(frame.role, {Role::kCatches, Role::kType, Role::kExtends}))
+          frame.role = Role::kLists;
         return push(frame, node);
       case Act::kCall:
       case Act::kConstruct:
@@ -205,7 +207,8 @@ class CodeWalk {
     const std::string_view text = tree_.text(node);
     for (const std::string_view base : source_.environments) {
       if (frame.role == Role::kCalls) break;
-      if (text.size() <= base.size() + 1 || !text.starts_with(base) || text[base.size()] != '.') continue;
+      if (text.size() <= base.size() + 1 || !text.starts_with(base) || text[base.size()] != '.')
+        continue;
       const std::string_view key = text.substr(base.size() + 1);
       if (const auto path = name_path(key)) add(*path, Role::kReads, frame, SourceTree::line(node));
       return false;
@@ -256,7 +259,8 @@ class CodeWalk {
     TSNode node = ts_node_child_by_field_id(call, arguments);
     TSSymbol parent = ts_node_symbol(call);
     for (int depth = 0; depth < 3 && !ts_node_is_null(node); ++depth) {
-      const Rule* rule = rules_.find(ts_node_symbol(node), parent, depth == 0 ? arguments : TSFieldId{0});
+      const Rule* rule =
+          rules_.find(ts_node_symbol(node), parent, depth == 0 ? arguments : TSFieldId{0});
       if (rule != nullptr && rule->rule->act == Act::kString) {
         const std::string_view key = literal_content(tree_.text(node));
         if (!key.empty() && key.size() <= kLongestMention && name_path(key)) {
@@ -272,7 +276,8 @@ class CodeWalk {
   void add_string(TSNode node, const Frame& frame) {
     const std::string_view content = literal_content(tree_.text(node));
     if (frame.role == Role::kType) {
-      if (const auto path = name_path(content)) add(*path, Role::kType, frame, SourceTree::line(node));
+      if (const auto path = name_path(content))
+        add(*path, Role::kType, frame, SourceTree::line(node));
     } else if (may_name_something(content)) {
       add(content, Role::kString, frame, SourceTree::line(node));
     }
@@ -298,7 +303,8 @@ class CodeWalk {
   }
 
   void annotate(std::uint32_t declared) {
-    for (const auto& [name, line] : annotations_) mentions_.add(name, Role::kAnnotates, declared, line);
+    for (const auto& [name, line] : annotations_)
+      mentions_.add(name, Role::kAnnotates, declared, line);
     annotations_.clear();
   }
 

@@ -14,7 +14,8 @@ constexpr std::array kRules = {
     CodeRule{.node = "comment", .act = Act::kSkip},
 
     CodeRule{.node = "class_definition", .act = Act::kDeclare, .kind = DeclarationKind::kClass},
-    CodeRule{.node = "function_definition", .act = Act::kDeclare, .kind = DeclarationKind::kFunction},
+    CodeRule{
+        .node = "function_definition", .act = Act::kDeclare, .kind = DeclarationKind::kFunction},
     CodeRule{.node = "assignment",
              .act = Act::kDeclare,
              .kind = DeclarationKind::kVariable,
@@ -32,9 +33,12 @@ constexpr std::array kRules = {
     CodeRule{.node = "identifier", .parent = "parameters", .act = Act::kBind},
     CodeRule{.node = "identifier", .parent = "lambda_parameters", .act = Act::kBind},
     CodeRule{.node = "identifier", .parent = "typed_parameter", .act = Act::kBind},
-    CodeRule{.node = "identifier", .parent = "default_parameter", .field = "name", .act = Act::kBind},
     CodeRule{
-        .node = "identifier", .parent = "typed_default_parameter", .field = "name", .act = Act::kBind},
+        .node = "identifier", .parent = "default_parameter", .field = "name", .act = Act::kBind},
+    CodeRule{.node = "identifier",
+             .parent = "typed_default_parameter",
+             .field = "name",
+             .act = Act::kBind},
     CodeRule{.node = "identifier", .parent = "list_splat_pattern", .act = Act::kBind},
     CodeRule{.node = "identifier", .parent = "dictionary_splat_pattern", .act = Act::kBind},
     CodeRule{.node = "identifier", .parent = "pattern_list", .act = Act::kBind},
@@ -42,7 +46,8 @@ constexpr std::array kRules = {
     CodeRule{.node = "identifier", .parent = "for_statement", .field = "left", .act = Act::kBind},
     CodeRule{.node = "identifier", .parent = "for_in_clause", .field = "left", .act = Act::kBind},
     CodeRule{.node = "identifier", .parent = "as_pattern_target", .act = Act::kBind},
-    CodeRule{.node = "identifier", .parent = "named_expression", .field = "name", .act = Act::kBind},
+    CodeRule{
+        .node = "identifier", .parent = "named_expression", .field = "name", .act = Act::kBind},
 
     CodeRule{.node = "raise_statement", .act = Act::kPass, .role = Role::kThrows},
     CodeRule{.node = "block", .parent = "except_clause", .act = Act::kPass, .role = Role::kUses},
@@ -52,9 +57,14 @@ constexpr std::array kRules = {
     CodeRule{.node = "type", .act = Act::kPass, .role = Role::kType},
 
     CodeRule{.node = "call", .act = Act::kCall, .name = "function", .value = "arguments"},
-    CodeRule{.node = "subscript", .field = "", .act = Act::kSubscript, .name = "value", .value = "subscript"},
+    CodeRule{.node = "subscript",
+             .field = "",
+             .act = Act::kSubscript,
+             .name = "value",
+             .value = "subscript"},
     CodeRule{.node = "keyword_argument", .act = Act::kEntry},
-    CodeRule{.node = "identifier", .parent = "keyword_argument", .field = "name", .act = Act::kSkip},
+    CodeRule{
+        .node = "identifier", .parent = "keyword_argument", .field = "name", .act = Act::kSkip},
     CodeRule{.node = "argument_list", .act = Act::kPass},
     CodeRule{.node = "list", .act = Act::kTable},
     CodeRule{.node = "tuple", .act = Act::kTable},
@@ -77,13 +87,19 @@ constexpr std::array kRules = {
 };
 
 constexpr std::array kCalls = {
-    CallRule{"isinstance", Role::kCatches},      CallRule{"issubclass", Role::kCatches},
-    CallRule{"suppress", Role::kCatches},        CallRule{"errorhandler", Role::kCatches},
+    CallRule{"isinstance", Role::kCatches},
+    CallRule{"issubclass", Role::kCatches},
+    CallRule{"suppress", Role::kCatches},
+    CallRule{"errorhandler", Role::kCatches},
     CallRule{"register_error_handler", Role::kCatches},
-    CallRule{"exception_handler", Role::kCatches}, CallRule{"add_exception_handler", Role::kCatches},
-    CallRule{"os.getenv", Role::kReads},         CallRule{"os.environ.get", Role::kReads},
-    CallRule{"environ.get", Role::kReads},       CallRule{"os.environ.setdefault", Role::kReads},
-    CallRule{"environ.setdefault", Role::kReads}, CallRule{"getenv", Role::kReads},
+    CallRule{"exception_handler", Role::kCatches},
+    CallRule{"add_exception_handler", Role::kCatches},
+    CallRule{"os.getenv", Role::kReads},
+    CallRule{"os.environ.get", Role::kReads},
+    CallRule{"environ.get", Role::kReads},
+    CallRule{"os.environ.setdefault", Role::kReads},
+    CallRule{"environ.setdefault", Role::kReads},
+    CallRule{"getenv", Role::kReads},
     CallRule{"config.from_envvar", Role::kReads},
 };
 

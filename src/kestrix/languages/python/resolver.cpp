@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "kestrix/languages/dependencies.h"
-#include "kestrix/text/paths.h"
 #include "kestrix/languages/python/names.h"
+#include "kestrix/text/paths.h"
 
 namespace kestrix::index {
 namespace {
@@ -187,7 +187,8 @@ class PythonResolver : public Resolver {
       found.bind({.local = import.local.empty() ? import.module : import.local, .target = module});
     }
     for (const ImportedName& name : import.names) {
-      found.bind({.local = name.bound(), .target = module, .name = name.name, .exported = name.bound()});
+      found.bind(
+          {.local = name.bound(), .target = module, .name = name.name, .exported = name.bound()});
     }
   }
 
