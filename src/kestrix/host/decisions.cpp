@@ -9,34 +9,36 @@
 namespace kestrix {
 namespace {
 
-std::vector<std::string> all_design_documents(const WikiGenerator& generator) {
+// All that the rule would take, the current ones first, as the detector orders them.
+std::vector<Pick> all_design_documents(const WikiGenerator& generator) {
   std::vector<std::string> documents;
   for (const DocumentRecord& record : generator._indexed_documents()) {
     documents.push_back(_norm(required_path(record)));
   }
-  const auto count = static_cast<std::ptrdiff_t>(documents.size());
-  return current_first(rank_design_documents(documents), count);
+  auto picks = rank_design_documents(documents, &generator.document_evidence());
+  std::ranges::stable_partition(picks,
+                                [](const Pick& pick) { return !is_archived_path(pick.path); });
+  return picks;
 }
 
-Reason rank_of(std::size_t rank, std::size_t total, std::string_view path) {
-  const bool archived = is_archived_path(path);
-  return {archived ? "archived_document" : "design_document",
-          fmt::format("{} of {}, the newest first{}", rank + 1,
-                      counted(total, "design document", "design documents"),
-                      archived ? "; archived" : ""),
-          0,
-          {}};
+Reason archived() { return {"archived_document", "archived", 0, {}}; }
+
+std::vector<Reason> reasons_of(Pick pick) {
+  if (is_archived_path(pick.path)) pick.reasons.push_back(archived());
+  return std::move(pick.reasons);
 }
 
 }  // namespace
 
 PageAnswer decisions_answer(const WikiGenerator& generator) {
-  const auto all = all_design_documents(generator);
+  auto all = all_design_documents(generator);
   PageAnswer answer;
   answer.total = all.size();
   for (std::string& path : generator._decision_files()) {
-    const Reason rank = rank_of(answer.files.size(), all.size(), path);
-    answer.files.push_back({std::move(path), {rank}});
+    const auto found = std::ranges::find(all, path, &Pick::path);
+    std::vector<Reason> reasons;
+    if (found != all.end()) reasons = reasons_of(*found);
+    answer.files.push_back({std::move(path), std::move(reasons)});
   }
   finish(answer, "no decision records, no design documents");
   return answer;
@@ -44,12 +46,14 @@ PageAnswer decisions_answer(const WikiGenerator& generator) {
 
 std::string decisions_why_not(const WikiGenerator& generator, std::string_view path) {
   const auto all = all_design_documents(generator);
-  const auto found = std::ranges::find(all, path);
+  const auto found = std::ranges::find(all, path, &Pick::path);
   if (found == all.end()) {
-    return "neither in a folder of design documents, nor called like one, nor one of a numbered "
-           "series";
+    return "neither an entry of a series, nor in a folder of design documents, nor called like "
+           "one, nor prose that names the code";
   }
-  return rank_of(static_cast<std::size_t>(found - all.begin()), all.size(), path).text;
+  return fmt::format("{} of {}: {}", found - all.begin() + 1,
+                     counted(all.size(), "design document", "design documents"),
+                     found->reasons.front().text);
 }
 
 }  // namespace kestrix

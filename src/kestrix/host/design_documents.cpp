@@ -1,266 +1,335 @@
 #include "kestrix/host/design_documents.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
-#include <array>
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <optional>
-#include <span>
 #include <string_view>
 #include <tuple>
 #include <unordered_map>
+#include <utility>
 
 #include "kestrix/files/classification.h"
+#include "kestrix/host/design_names.h"
+#include "kestrix/host/index_evidence.h"
 #include "kestrix/roles/path_roles.h"
 #include "kestrix/text/ascii.h"
-#include "kestrix/workers/wiki_split.h"
+#include "kestrix/text/paths.h"
 
 namespace kestrix {
 namespace {
 
-constexpr auto kEntryFolders = std::to_array<std::string_view>({"adr",
-                                                                "adrs",
-                                                                "decisions",
-                                                                "decision-records",
-                                                                "decision_records",
-                                                                "decision-log",
-                                                                "rfc",
-                                                                "rfcs",
-                                                                "rfd",
-                                                                "rfds",
-                                                                "proposal",
-                                                                "proposals",
-                                                                "design-proposals",
-                                                                "enhancements",
-                                                                "keps",
-                                                                "peps",
-                                                                "sep",
-                                                                "seps",
-                                                                "neps",
-                                                                "sleps",
-                                                                "jeps",
-                                                                "eips"});
-constexpr auto kOverviewFolders = std::to_array<std::string_view>(
-    {"design", "designs", "design-docs", "design_docs", "designdocs", "architecture"});
-constexpr auto kDocumentNames =
-    std::to_array<std::string_view>({"design", "architecture", "decisions"});
-constexpr auto kIndexNames = std::to_array<std::string_view>(
-    {"readme", "index", "_index", "summary", "toc", "contents", "changelog", "contributing",
-     "license", "copying", "code_of_conduct", "security", "glossary"});
-constexpr auto kEntryWords = std::to_array<std::string_view>(
-    {"adr", "madr", "rfc",      "rfd",      "kep",    "pep",         "sep",
-     "nep", "slep", "mep",      "cep",      "dep",    "jep",         "tep",
-     "eip", "ep",   "proposal", "decision", "design", "enhancement", "dr"});
-constexpr auto kRecordWords = std::to_array<std::string_view>({"adr", "madr"});
-constexpr auto kTemplateWords = std::to_array<std::string_view>({"template", "templates"});
-
-constexpr std::size_t kPaddedDigits = 4;
 constexpr std::size_t kSeriesLength = 3;
 
-using Names = std::span<const std::string_view>;
+// The bounds of a text that tells why and how, and neither instructs nor lists.
+constexpr std::uint32_t kFewestWords = 150;
+constexpr std::uint32_t kWordsOfAnEssay = 300;  // of one that nothing but its place speaks for
+constexpr std::uint32_t kProseOfCode = 4;       // lines for one of code
+constexpr std::uint32_t kMostCommands = 2;
+constexpr std::uint32_t kMostAddressed = 12;  // words in a thousand
+constexpr std::uint32_t kMostSteps = 2;
+constexpr std::uint32_t kAddressesAllowed = 8;
+constexpr std::uint32_t kWordsOfAnAddress = 80;
+constexpr std::size_t kFewestHeadings = 2;
+constexpr std::size_t kFewestNames = 4;
+constexpr std::size_t kNamesOfARootPage = 8;
+constexpr std::uint32_t kStub = 25;
 
-bool is_among(Names names, std::string_view text) {
-  return std::ranges::any_of(names, [text](auto name) { return ascii::equals(text, name); });
-}
+enum class Rank { kEntry, kEntryFolder, kOwnName, kOverviewFolder, kEvidence };
 
-std::string_view directory_of(std::string_view path) {
-  const auto slash = path.rfind('/');
-  return path.substr(0, slash == std::string_view::npos ? 0 : slash);
-}
+struct DesignDocument {
+  Rank rank;
+  std::uint64_t number;  ///< an entry's; names of code by which evidence counts; else 0
+  std::string_view path;
+  std::string sign;  ///< what decided, for a reader
 
-std::string_view piece_of(std::string_view path) { return path.substr(path.rfind('/') + 1); }
-
-bool has_piece(std::string_view directory, Names names) {
-  while (!directory.empty()) {
-    const auto slash = std::min(directory.find('/'), directory.size());
-    if (is_among(names, directory.substr(0, slash))) return true;
-    directory.remove_prefix(std::min(slash + 1, directory.size()));
+  auto key() const { return std::tuple(rank, ~number, path); }
+  friend bool operator==(const DesignDocument& a, const DesignDocument& b) {
+    return a.path == b.path;
   }
-  return false;
-}
-
-/// The number or date at the front of an entry's name.
-struct EntryName {
-  std::string_view word;    ///< "adr" in "adr-007-queues"
-  std::string_view digits;  ///< "007", or the whole of "2024-01-31"
-  std::string_view title;   ///< "queues"
-  std::uint64_t number = 0;
-  bool dated = false;
-
-  bool padded() const { return digits.size() == kPaddedDigits && digits.front() == '0'; }
-  bool long_number() const { return dated || digits.size() >= 3; }
 };
 
-std::uint64_t value_of(std::string_view digits) {
-  std::uint64_t value = 0;
-  for (const char c : digits.substr(0, 18)) value = value * 10 + static_cast<unsigned>(c - '0');
-  return value;
+// As `stem` gives it, but a view.
+std::string_view name_without_ending(std::string_view path) {
+  const auto name = index::base_name(path);
+  const auto dot = name.rfind('.');
+  return dot == name.npos || dot == 0 || dot + 1 == name.size() ? name : name.substr(0, dot);
 }
 
-std::size_t run_of_digits(std::string_view text) {
-  return static_cast<std::size_t>(std::ranges::find_if_not(text, ascii::is_digit) - text.begin());
+// An entry may be a numbered folder whose index page is the text.
+std::string_view naming_piece(std::string_view path) {
+  const auto own = name_without_ending(path);
+  const auto folder = index::base_name(index::folder_of(path));
+  return is_standing_page(own) && entry_name(folder) ? folder : own;
 }
 
-bool is_date(std::uint64_t number) {
-  const auto year = number / 10000;
-  const auto month = number / 100 % 100;
-  const auto day = number % 100;
-  return year >= 1970 && year < 2200 && month >= 1 && month <= 12 && day >= 1 && day <= 31;
-}
+/// What the entries of one folder have in common.
+struct Series {
+  std::size_t padded = 0;    ///< numbers like "0007"
+  std::size_t numbered = 0;  ///< of any form
+  bool one_skeleton = false;
+};
 
-bool is_separator(char c) { return c == '-' || c == '_' || c == '.' || c == ' '; }
-
-// "2024-01-31": the length of such a date at the front, 0 when there is none.
-std::size_t dashed_date(std::string_view text) {
-  constexpr std::size_t length = 10;
-  if (text.size() < length || !is_separator(text[4]) || text[7] != text[4]) return 0;
-  const bool numeric = run_of_digits(text) == 4 && run_of_digits(text.substr(5)) == 2 &&
-                       run_of_digits(text.substr(8)) == 2;
-  const auto number = numeric ? value_of(text.substr(0, 4)) * 10000 +
-                                    value_of(text.substr(5, 2)) * 100 + value_of(text.substr(8, 2))
-                              : 0;
-  return is_date(number) ? length : 0;
-}
-
-std::string_view without_separators(std::string_view text) {
-  while (!text.empty() && is_separator(text.front())) text.remove_prefix(1);
-  return text;
-}
-
-std::optional<EntryName> numbered(std::string_view text, std::string_view word) {
-  EntryName entry{word, {}, {}};
-  if (const auto length = dashed_date(text); length > 0) {
-    entry.digits = text.substr(0, length);
-    entry.number = value_of(text.substr(0, 4)) * 10000 + value_of(text.substr(5, 2)) * 100 +
-                   value_of(text.substr(8, 2));
-    entry.dated = true;
-  } else {
-    entry.digits = text.substr(0, run_of_digits(text));
-    entry.number = value_of(entry.digits);
-    entry.dated = entry.digits.size() == 8 && is_date(entry.number);
+class AllSeries {
+ public:
+  AllSeries(const std::vector<std::string>& documents, const DocumentEvidence* evidence) {
+    for (const auto& path : documents) {
+      const auto entry = entry_name(index::base_name(path));
+      if (!entry) continue;
+      Series& series = series_[index::folder_of(path)];
+      ++series.numbered;
+      if (entry->padded()) ++series.padded;
+      const auto* view = evidence == nullptr ? nullptr : evidence->of(path);
+      if (view != nullptr) count_headings(index::folder_of(path), view->facts.headings);
+    }
+    for (auto& [folder, series] : series_) series.one_skeleton = has_skeleton(folder, series);
   }
-  const auto rest = text.substr(entry.digits.size());
-  if (entry.digits.empty() || (!rest.empty() && !is_separator(rest.front()))) return std::nullopt;
-  entry.title = without_separators(rest);
-  return entry;
-}
 
-std::optional<EntryName> entry_name(std::string_view name) {
-  const auto letters =
-      static_cast<std::size_t>(std::ranges::find_if_not(name, ascii::is_alpha) - name.begin());
-  const auto word = name.substr(0, letters);
-  if (!word.empty() && !is_among(kEntryWords, word)) return std::nullopt;
-  return numbered(word.empty() ? name : without_separators(name.substr(letters)), word);
-}
+  Series of(std::string_view folder) const {
+    const auto found = series_.find(folder);
+    return found == series_.end() ? Series{} : found->second;
+  }
 
-std::string_view last_word(std::string_view text) {
-  const auto separator = text.find_last_of("-_. ");
-  return separator == std::string_view::npos ? text : text.substr(separator + 1);
-}
+ private:
+  using Counts = std::map<std::uint32_t, std::size_t>;
 
-std::string_view first_word(std::string_view text) {
-  return text.substr(0, text.find_first_of("-_. "));
-}
+  void count_headings(std::string_view folder, std::vector<std::uint32_t> headings) {
+    std::ranges::sort(headings);
+    headings.erase(std::unique(headings.begin(), headings.end()), headings.end());
+    for (const auto heading : headings) ++headings_[folder][heading];
+  }
 
-// "template", "adr-template", "0000-kep-template", "YYYYMMDD-template"; "0012-template-engine" is
-// an entry about templates.
-bool is_template(std::string_view name, const std::optional<EntryName>& entry) {
-  if (entry && entry->number > 0) return is_among(kTemplateWords, entry->title);
-  const auto title = entry ? entry->title : name;
-  return is_among(kTemplateWords, last_word(title)) || is_among(kTemplateWords, first_word(title));
-}
+  // Siblings that are written after one form share most of its headings.
+  bool has_skeleton(std::string_view folder, const Series& series) const {
+    const auto found = headings_.find(folder);
+    if (found == headings_.end() || series.numbered < kSeriesLength) return false;
+    const auto shared = std::ranges::count_if(found->second, [&](const auto& heading) {
+      return heading.second * 3 >= series.numbered * 2;
+    });
+    return shared >= 2 && !any_folder(folder, reports_news);
+  }
+
+  std::unordered_map<std::string_view, Series> series_;
+  std::unordered_map<std::string_view, Counts> headings_;
+};
 
 // Copies of internet standards carry their number as their whole name.
 bool is_copied_standard(const EntryName& entry, std::string_view path) {
   return ascii::equals(entry.word, "rfc") && entry.title.empty() && ascii::ends_with(path, ".txt");
 }
 
-enum class Rank { kEntry, kEntryFolder, kOwnName, kOverviewFolder };
+// "5.0-upgrade", "2.1-release-notes": notes of a version, alike as they may be.
+bool is_version(const EntryName& entry) {
+  return !entry.title.empty() &&
+         (ascii::is_digit(entry.title.front()) || is_common_page(entry.title));
+}
 
-struct DesignDocument {
-  Rank rank;
-  std::uint64_t number;  ///< 0 where only the path orders
-  std::string_view path;
+bool is_entry(const EntryName& entry, std::string_view folder, const Series& series) {
+  if (any_folder(folder, holds_entries) || is_record_word(entry.word)) return true;
+  if (series.one_skeleton && !is_version(entry)) return true;
+  if (any_folder(folder, holds_overviews)) return entry.long_number() || !entry.word.empty();
+  return series.padded >= kSeriesLength && entry.of_padded_length();
+}
 
-  auto key() const { return std::tuple(rank, ~number, path); }
-  friend bool operator==(const DesignDocument&, const DesignDocument&) = default;
-};
+bool is_mostly_code(const index::DocumentFacts& facts) {
+  return facts.code_lines * 3 > facts.lines * 2 || facts.words < kStub;
+}
 
-/// How many padded numbers ("0007-…") each folder holds.
-using SeriesLengths = std::unordered_map<std::string_view, std::size_t>;
+bool links_few_sites(const index::DocumentFacts& facts) {
+  return facts.outward_links <= std::max(kAddressesAllowed, facts.words / kWordsOfAnAddress);
+}
 
-SeriesLengths series_lengths(const std::vector<std::string>& documents) {
-  SeriesLengths lengths;
-  for (const auto& path : documents) {
-    const auto entry = entry_name(piece_of(path));
-    if (entry && entry->padded()) ++lengths[directory_of(path)];
+// Prose about the product: few blocks of code, nothing to type, nobody to instruct, no list of
+// links, no steps.
+bool is_explanation(const index::DocumentFacts& facts) {
+  return facts.words >= kFewestWords && facts.code_lines * kProseOfCode <= facts.lines &&
+         facts.commands <= kMostCommands && facts.numbered_headings <= kMostSteps &&
+         std::uint64_t{facts.addressed} * 1000 <= std::uint64_t{kMostAddressed} * facts.words &&
+         links_few_sites(facts);
+}
+
+bool is_at_top(std::string_view path) { return path.find('/') == path.npos; }
+
+// The root page, or the index of what is written for developers.
+bool is_where_developers_look(std::string_view page) {
+  if (is_at_top(page)) return ascii::equals(name_without_ending(page), "readme");
+  return is_index_page(name_without_ending(page)) &&
+         any_folder(index::folder_of(page), serves_developers);
+}
+
+std::string listed(std::initializer_list<std::string> parts) {
+  std::string text;
+  for (const auto& part : parts) {
+    if (part.empty()) continue;
+    text += (text.empty() ? "" : ", ") + part;
   }
-  return lengths;
+  return text;
 }
 
-/// What the folders above a document say.
-struct Place {
-  bool entries;    ///< below a folder that is named for entries
-  bool overviews;  ///< below a folder that is named for designs
-  bool series;     ///< in a folder that holds a series of padded numbers
+std::string counted_or_none(std::size_t count, std::string_view one, std::string_view many) {
+  return count == 0 ? std::string() : counted(count, one, many);
+}
+
+std::string names_of(const DocumentView& view) {
+  const auto names = listed({counted_or_none(view.sources.size(), "source file", "source files"),
+                             counted_or_none(view.folders.size(), "folder", "folders"),
+                             counted_or_none(view.types.size(), "type", "types")});
+  return names.empty() ? names : "names " + names;
+}
+
+std::string pointers_to(const DocumentView& view) {
+  const auto look = std::ranges::find_if(view.linked_from, is_where_developers_look);
+  const auto from = look != view.linked_from.end() ? fmt::format("linked from {}", *look)
+                    : view.linked_from.empty()     ? std::string()
+                                               : fmt::format("linked from {}", view.linked_from[0]);
+  return listed(
+      {from, view.named_in.empty()
+                 ? std::string()
+                 : "named in " + counted(view.named_in.size(), "source file", "source files")});
+}
+
+class Judge {
+ public:
+  Judge(const std::vector<std::string>& documents, const DocumentEvidence* evidence)
+      : series_(documents, evidence), evidence_(evidence) {}
+
+  std::optional<DesignDocument> judge(std::string_view path) const {
+    if (path.empty() || is_foreign(path)) return std::nullopt;
+    const auto* view = view_of(path);
+    if (!is_known_document(path, view) || is_copy(path)) return std::nullopt;
+    auto found = by_name(path, view);
+    return found || view == nullptr ? found : by_evidence(path, *view);
+  }
+
+  Pick pick(const DesignDocument& document) const {
+    const auto* view = view_of(document.path);
+    const bool entry = document.rank == Rank::kEntry || document.rank == Rank::kEntryFolder;
+    Reason reason{entry ? "decision_record" : "design_document", document.sign, 0, {}};
+    if (view != nullptr) {
+      reason.text = listed({document.sign, names_of(*view), pointers_to(*view)});
+      reason.count = view->names();
+      reason.at = places_of(*view);
+    }
+    return {std::string(document.path), {std::move(reason)}};
+  }
+
+ private:
+  const DocumentView* view_of(std::string_view path) const {
+    return evidence_ == nullptr ? nullptr : evidence_->of(path);
+  }
+
+  static bool is_known_document(std::string_view path, const DocumentView* view) {
+    return view != nullptr || index::is_document_path(path);
+  }
+
+  bool is_copy(std::string_view path) const {
+    return evidence_ != nullptr && evidence_->is_copy(path);
+  }
+
+  // What tests and dependencies bring along, and what entries are begun from.
+  static bool is_foreign(std::string_view path) {
+    const Roles roles = path_roles(path);
+    return roles.has(Role::kTest) || roles.has(Role::kTestData) || roles.has(Role::kVendored) ||
+           any_folder(index::folder_of(path), holds_templates);
+  }
+
+  std::optional<DesignDocument> by_name(std::string_view path, const DocumentView* view) const {
+    const auto folder = index::folder_of(path);
+    const auto name = naming_piece(path);
+    const auto entry = entry_name(name);
+    if (is_template(name, entry) || is_standing_page(name)) return std::nullopt;
+    if (entry && is_copied_standard(*entry, path)) return std::nullopt;
+    if (entry && is_entry(*entry, folder, series_.of(folder))) return entry_of(path, *entry);
+    if (view != nullptr && is_mostly_code(view->facts)) return std::nullopt;
+    if (any_folder(folder, holds_entries)) {
+      return DesignDocument{Rank::kEntryFolder, 0, path, "in a folder of decision records"};
+    }
+    if (is_design_name(name)) return DesignDocument{Rank::kOwnName, 0, path, "named as a design"};
+    if (any_folder(folder, holds_overviews)) {
+      return DesignDocument{Rank::kOverviewFolder, 0, path, "in a folder of designs"};
+    }
+    return std::nullopt;
+  }
+
+  DesignDocument entry_of(std::string_view path, const EntryName& entry) const {
+    const auto numbered = series_.of(index::folder_of(path)).numbered;
+    auto sign = numbered > 1
+                    ? fmt::format("{}, one of {}", entry.digits, counted(numbered, "entry", "entries"))
+                    : fmt::format("entry {}", entry.digits);
+    return {Rank::kEntry, entry.number, path, std::move(sign)};
+  }
+
+  static std::optional<DesignDocument> by_evidence(std::string_view path,
+                                                   const DocumentView& view) {
+    const auto name = name_without_ending(path);
+    const bool root_page = is_at_top(path) && ascii::equals(name, "readme");
+    if (root_page && view.sources.size() >= kNamesOfARootPage && links_few_sites(view.facts)) {
+      return DesignDocument{Rank::kEvidence, view.names(), path,
+                            "the root page describes the code"};
+    }
+    if (is_common_page(name) || is_aside(path) || !is_explanation(view.facts)) return std::nullopt;
+    const auto found = [&](std::string_view sign) {
+      return DesignDocument{Rank::kEvidence, view.names(), path, std::string(sign)};
+    };
+    if (is_at_top(path) && view.facts.code_lines == 0 && view.facts.words >= kWordsOfAnEssay) {
+      return found("an essay at the top of the repository");
+    }
+    if (view.facts.headings.size() < kFewestHeadings) return std::nullopt;
+    if (view.names() >= kFewestNames || is_vouched_for(path, view)) {
+      return found("prose about the code");
+    }
+    if (has_design_word(name)) return found("named as a design");
+    const bool pointed_to = std::ranges::any_of(view.linked_from, is_where_developers_look) &&
+                            view.facts.words >= kWordsOfAnEssay &&
+                            view.facts.addressed * 200 <= view.facts.words;
+    return pointed_to ? std::optional(found("prose that developers are pointed to")) : std::nullopt;
+  }
+
+  // A single comment may as well point to the manual.
+  static bool is_vouched_for(std::string_view path, const DocumentView& view) {
+    if (view.named_in.empty()) return false;
+    return view.named_in.size() > 1 || view.names() > 1 ||
+           any_folder(index::folder_of(path), serves_developers);
+  }
+
+  static bool is_aside(std::string_view path) {
+    const Roles roles = path_roles(path);
+    return roles.has(Role::kTool) || roles.has(Role::kSample) || roles.has(Role::kGenerated) ||
+           roles.has(Role::kArchived) || any_folder(index::folder_of(path), reports_news);
+  }
+
+  static std::vector<Place> places_of(const DocumentView& view) {
+    std::vector<Place> places;
+    for (const auto* list : {&view.linked_from, &view.named_in}) {
+      for (const auto path : *list) {
+        if (places.size() < kMostPlaces) places.push_back({std::string(path), 0, {}});
+      }
+    }
+    return places;
+  }
+
+  AllSeries series_;
+  const DocumentEvidence* evidence_;
 };
-
-Place place_of(std::string_view directory, const SeriesLengths& lengths) {
-  const auto found = lengths.find(directory);
-  return {has_piece(directory, kEntryFolders), has_piece(directory, kOverviewFolders),
-          found != lengths.end() && found->second >= kSeriesLength};
-}
-
-bool is_entry(const EntryName& entry, const Place& place) {
-  if (place.entries || is_among(kRecordWords, entry.word)) return true;
-  if (place.overviews) return entry.long_number() || !entry.word.empty();
-  return place.series && entry.digits.size() == kPaddedDigits;
-}
-
-// An entry may be a numbered folder whose index page is the text.
-std::string_view naming_piece(std::string_view path, std::string_view own_stem) {
-  const auto directory = directory_of(path);
-  const bool in_folder = is_among(kIndexNames, own_stem) && entry_name(piece_of(directory));
-  return in_folder ? piece_of(directory) : own_stem;
-}
-
-// What tests and dependencies bring along, and what entries are begun from.
-bool is_foreign(std::string_view path) {
-  const Roles roles = path_roles(path);
-  return roles.has(Role::kTest) || roles.has(Role::kTestData) || roles.has(Role::kVendored) ||
-         has_piece(directory_of(path), kTemplateWords);
-}
-
-std::optional<DesignDocument> judge(std::string_view path, const SeriesLengths& lengths) {
-  const auto directory = directory_of(path);
-  if (!index::is_document_path(path) || is_foreign(path)) return std::nullopt;
-  const auto place = place_of(directory, lengths);
-  const auto own_stem = stem(path);
-  const auto name = naming_piece(path, own_stem);
-  const auto entry = entry_name(name);
-  if (is_template(name, entry) || is_among(kIndexNames, name)) return std::nullopt;
-  if (entry && is_copied_standard(*entry, path)) return std::nullopt;
-  if (entry && is_entry(*entry, place)) return DesignDocument{Rank::kEntry, entry->number, path};
-  if (place.entries) return DesignDocument{Rank::kEntryFolder, 0, path};
-  if (is_among(kDocumentNames, name)) return DesignDocument{Rank::kOwnName, 0, path};
-  if (place.overviews) return DesignDocument{Rank::kOverviewFolder, 0, path};
-  return std::nullopt;
-}
 
 }  // namespace
 
-std::vector<std::string> rank_design_documents(const std::vector<std::string>& documents) {
-  const auto lengths = series_lengths(documents);
+std::vector<Pick> rank_design_documents(const std::vector<std::string>& documents,
+                                        const DocumentEvidence* evidence) {
+  const Judge judge(documents, evidence);
   std::vector<DesignDocument> found;
   for (const auto& path : documents) {
-    if (const auto document = judge(path, lengths)) found.push_back(*document);
+    if (auto document = judge.judge(path)) found.push_back(std::move(*document));
   }
   std::ranges::sort(found, {}, &DesignDocument::key);
   found.erase(std::unique(found.begin(), found.end()), found.end());
-  std::vector<std::string> paths;
-  paths.reserve(found.size());
-  for (const auto& document : found) paths.emplace_back(document.path);
-  return paths;
+  std::vector<Pick> picks;
+  picks.reserve(found.size());
+  for (const auto& document : found) picks.push_back(judge.pick(document));
+  return picks;
 }
 
 }  // namespace kestrix

@@ -36,4 +36,15 @@ std::vector<DocumentRecord> WikiGenerator::_indexed_documents() const {
   return records;
 }
 
+std::vector<std::string> WikiGenerator::_decision_files() const {
+  const DocumentEvidenceScope scope(document_evidence());
+  return PageSourcesMixin::_decision_files();
+}
+
+const DocumentEvidence& WikiGenerator::document_evidence() const {
+  std::call_once(documents_gathered_,
+                 [this] { documents_ = std::make_unique<const DocumentEvidence>(index_); });
+  return *documents_;
+}
+
 }  // namespace kestrix

@@ -1,10 +1,13 @@
 #pragma once
 
 #include <filesystem>
+#include <memory>
+#include <mutex>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "kestrix/host/document_evidence.h"
 #include "kestrix/host/repository_handle.h"
 #include "kestrix/host/repository_root.h"
 #include "kestrix/index/index.h"
@@ -32,11 +35,17 @@ class WikiGenerator : public PageSourcesMixin {
   std::vector<SourceFileRecord> _source_files() const override;
   std::vector<std::string> _planner_paths() const override { return planner_paths_; }
   std::vector<DocumentRecord> _indexed_documents() const override;
+  /// With what the index knows of the documents in force.
+  std::vector<std::string> _decision_files() const override;
+  /// What the index knows of the documents; gathered when it is first asked for.
+  const DocumentEvidence& document_evidence() const;
 
  private:
   const index::RepositoryIndex& index_;
   RepositoryHandle handle_;
   RepositoryRoot root_;
+  mutable std::once_flag documents_gathered_;
+  mutable std::unique_ptr<const DocumentEvidence> documents_;
   std::vector<std::string> planner_paths_;  // ascending; asked for by nearly every detector
 };
 

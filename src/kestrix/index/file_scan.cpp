@@ -6,15 +6,19 @@
 #include <optional>
 #include <utility>
 
+#include "kestrix/documents/document_reader.h"
 #include "kestrix/files/classification.h"
 #include "kestrix/files/file_reading.h"
 #include "kestrix/index/data_definitions.h"
+#include "kestrix/index/note_taking.h"
 #include "kestrix/languages/data_languages.h"
 #include "kestrix/languages/language.h"
 #include "kestrix/languages/reading.h"
 #include "kestrix/roles/generated.h"
 #include "kestrix/store/content_hash.h"
 #include "kestrix/store/facts_codec.h"
+#include "kestrix/store/notes_codec.h"
+#include "kestrix/text/ascii.h"
 #include "kestrix/text/decoding.h"
 
 namespace kestrix::index {
@@ -52,6 +56,14 @@ std::optional<FileFacts> parse(const Language& language, std::string_view text) 
   return read_facts(language, text);
 }
 
+// MANIFESTO, HACKING, but also BUILD: whether it is prose only the text tells.
+bool is_capital_name(std::string_view path) {
+  const auto name = path.substr(path.rfind('/') + 1);
+  return name.size() > 3 && std::ranges::all_of(name, [](char c) {
+           return ascii::is_upper(c) || c == '_' || c == '-';
+         });
+}
+
 void take_facts(ScannedFile& file, const Language& language, std::string_view text) {
   FileRow& row = file.row;
   const auto facts = parse(language, text);
@@ -71,6 +83,11 @@ void take_text(ScannedFile& file, const Language* language, std::string_view tex
   if (row.traits.has(Trait::kLarge)) return;
   row.traits.set(Trait::kGenerated, is_generated(row.path, text));
   row.traits.set(Trait::kMinified, is_minified(row.path, text));
+  if (language == nullptr && is_capital_name(row.path) && is_prose(text)) {
+    row.traits.set(Trait::kDocument);
+  }
+  const bool is_document = row.traits.has(Trait::kDocument);
+  file.notes = encode_notes(take_notes(row.path, text, is_document));
   if (language != nullptr && !row.traits.has(Trait::kMinified)) take_facts(file, *language, text);
 }
 

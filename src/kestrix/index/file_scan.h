@@ -25,6 +25,7 @@ struct ScannedFile {
   ScanOutcome outcome = ScanOutcome::kRead;
   FileRow row;         ///< with the id of `known`, or none
   EncodedFacts facts;  ///< of a row that is parsed
+  std::string notes;   ///< encoded; "" for none
 };
 
 /// Reads, classifies and parses one file. May be called from several threads. What is wrong with

@@ -14,6 +14,7 @@
 #include "kestrix/store/corrupt_index.h"
 #include "kestrix/store/edge_codec.h"
 #include "kestrix/store/facts_codec.h"
+#include "kestrix/store/notes_codec.h"
 #include "kestrix/store/signals_codec.h"
 #include "kestrix/store/store.h"
 
@@ -35,6 +36,7 @@ class RepositoryIndex::Loader {
     load_edges();
     load_declarations();
     load_references();
+    load_notes();
     load_skip_counts();
     index_.digest_ = digest_.value();
   }
@@ -121,6 +123,16 @@ class RepositoryIndex::Loader {
     if (!std::ranges::is_sorted(index_.symbols_, {}, &IndexedSymbol::file)) {
       std::ranges::stable_sort(index_.symbols_, {}, &IndexedSymbol::file);
     }
+  }
+
+  void load_notes() {
+    store_.each_notes([&](std::int64_t row, std::string_view bytes) {
+      const auto found = ids_.find(row);
+      if (found == ids_.end()) throw CorruptIndex("notes of a file that the index has not");
+      sum_up(found->second, bytes);
+      index_.notes_.emplace_back(found->second, index_.texts_.keep(bytes));
+    });
+    std::ranges::sort(index_.notes_);
   }
 
   void sum_up(FileId file, std::string_view bytes) {
@@ -247,6 +259,12 @@ std::string RepositoryIndex::name_of(DeclarationRef declaration) const {
     if (name.size() > kLongestQualifiedName) break;
   }
   return name;
+}
+
+FileNotes RepositoryIndex::notes(FileId file) const {
+  const auto found = std::ranges::lower_bound(notes_, file, {}, &EncodedNotes::first);
+  if (found == notes_.end() || found->first != file) return {};
+  return decode_notes(found->second);
 }
 
 Statistics RepositoryIndex::statistics() const {

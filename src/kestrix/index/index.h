@@ -8,9 +8,11 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "kestrix/facts/data_signals.h"
+#include "kestrix/facts/file_notes.h"
 #include "kestrix/files/skip_counts.h"
 #include "kestrix/index/declaration_table.h"
 #include "kestrix/index/repository.h"
@@ -112,6 +114,13 @@ class RepositoryIndex {
   std::optional<FileId> find(std::string_view path) const;
   /// The edges that lead from one file.
   std::span<const IndexedEdge> edges_from(FileId source) const;
+  /// What was noted of a file, decoded at each call; empty for most files.
+  FileNotes notes(FileId file) const;
+  /// Calls `visit(FileId)` for each file of which something was noted, ascending.
+  template <class Visit>
+  void for_each_noted(Visit visit) const {
+    for (const auto& [file, bytes] : notes_) visit(file);
+  }
   Statistics statistics() const;
 
   // As `Repository` has them.
@@ -132,6 +141,8 @@ class RepositoryIndex {
   TextBlocks texts_;  // what the views point into
   std::vector<IndexedFile> files_;
   std::vector<IndexedSymbol> symbols_;
+  using EncodedNotes = std::pair<FileId, std::string_view>;
+  std::vector<EncodedNotes> notes_;  // by file
   std::vector<IndexedEdge> edges_;
   std::vector<std::uint32_t> first_edge_;  // by file, and one behind the last
   std::vector<IndexedReference> references_;

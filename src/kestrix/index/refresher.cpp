@@ -192,6 +192,7 @@ void Refresher::put(const ScanTask& task, ScannedFile file) {
     store_.remove_facts(task.known->id);
   }
   store_.put_file(file.row);
+  store_.put_notes(file.row.id, file.notes);
   if (file.row.traits.has(Trait::kParsed)) {
     store_.put_facts(file.row.id, file.facts);
   }

@@ -15,7 +15,7 @@
 namespace kestrix::index {
 namespace {
 
-constexpr int kSchemaVersion = 4;
+constexpr int kSchemaVersion = 5;
 constexpr std::int64_t kMaxInteger = std::numeric_limits<std::int64_t>::max();
 
 struct Table {
@@ -34,6 +34,7 @@ constexpr std::array kTables{
           " changed INTEGER NOT NULL, inode INTEGER NOT NULL, hash BLOB NOT NULL,"
           " unresolved INTEGER NOT NULL, data BLOB NOT NULL)"},
     Table{"mentions", "CREATE TABLE mentions (file INTEGER PRIMARY KEY, bytes BLOB NOT NULL)"},
+    Table{"notes", "CREATE TABLE notes (file INTEGER PRIMARY KEY, bytes BLOB NOT NULL)"},
     Table{"refs", "CREATE TABLE refs (source INTEGER PRIMARY KEY, bytes BLOB NOT NULL)"},
     Table{"setting",
           "CREATE TABLE setting (name TEXT PRIMARY KEY, value TEXT NOT NULL) WITHOUT ROWID"},
@@ -251,6 +252,10 @@ void Store::each_references(const TakeBytes& take) {
   each_bytes("SELECT source, bytes FROM refs ORDER BY source", take);
 }
 
+void Store::each_notes(const TakeBytes& take) {
+  each_bytes("SELECT file, bytes FROM notes ORDER BY file", take);
+}
+
 void Store::each_edges(const TakeBytes& take) {
   each_bytes("SELECT source, bytes FROM edges ORDER BY source", take);
 }
@@ -329,6 +334,7 @@ void Store::put_file(const FileRow& row) {
 
 void Store::remove_file(std::int64_t file) {
   remove_facts(file);
+  put_notes(file, {});
   put_edges(file, {});
   put_references(file, {});
   remove("DELETE FROM file WHERE id = ?", file);
@@ -349,6 +355,13 @@ void Store::remove_facts(std::int64_t file) {
   remove("DELETE FROM symbols WHERE file = ?", file);
   remove("DELETE FROM declarations WHERE file = ?", file);
   remove("DELETE FROM mentions WHERE file = ?", file);
+}
+
+void Store::put_notes(std::int64_t file, const std::string& notes) {
+  if (notes.empty())
+    remove("DELETE FROM notes WHERE file = ?", file);
+  else
+    put_bytes("INSERT OR REPLACE INTO notes VALUES (?, ?)", file, notes);
 }
 
 void Store::put_edges(std::int64_t source, const std::string& edges) {

@@ -119,6 +119,7 @@ class Store {
   void each_facts(const TakeBytes& take);
   void each_symbols(const TakeBytes& take);
   void each_declarations(const TakeBytes& take);
+  void each_notes(const TakeBytes& take);
   void each_edges(const TakeBytes& take);       ///< by source
   void each_references(const TakeBytes& take);  ///< by source
 
@@ -133,6 +134,7 @@ class Store {
   void remove_file(std::int64_t file);
   void put_facts(std::int64_t file, const EncodedFacts& facts);
   void remove_facts(std::int64_t file);
+  void put_notes(std::int64_t file, const std::string& notes);  ///< "" for none
   void put_edges(std::int64_t source, const std::string& edges);
   void put_references(std::int64_t source, const std::string& references);
   void commit();

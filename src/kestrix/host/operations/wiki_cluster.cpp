@@ -78,9 +78,12 @@ std::vector<std::string> data_model_files(const PathTexts& texts) {
 
 std::vector<std::string> decision_docs(const std::vector<std::string>& documents,
                                        std::size_t max_files) {
-  auto ranked = rank_design_documents(documents);
+  auto ranked = rank_design_documents(documents, DocumentEvidenceScope::current());
   if (ranked.size() > max_files) ranked.resize(max_files);
-  return ranked;
+  std::vector<std::string> paths;
+  paths.reserve(ranked.size());
+  for (auto& pick : ranked) paths.push_back(std::move(pick.path));
+  return paths;
 }
 
 std::vector<std::string> extension_files(const PathCounts& contracts, const PathCounts& registries,

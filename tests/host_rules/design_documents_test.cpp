@@ -1,0 +1,155 @@
+#include "kestrix/host/design_documents.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <thread>
+
+#include "kestrix/host/wiki_generator.h"
+#include "tests/index/index_fixture.h"
+
+namespace kestrix {
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+// Prose of some length with two headings; `more` is woven in.
+std::string essay(std::string_view more, int paragraphs = 12) {
+  std::string text = "# Why it is so\n\n";
+  for (int i = 0; i < paragraphs; ++i) {
+    text +=
+        "The queue holds what was asked for until a worker has time to look at it again.\n"
+        "Nothing is lost when a worker ends early, for the entry stays where it was.\n\n";
+  }
+  return text + "## What follows\n\n" + std::string(more) + "\n";
+}
+
+class DesignDocuments : public testing::Test {
+ protected:
+  void SetUp() override {
+    for (const auto* name : {"order", "cart", "till", "shop"}) {
+      repository_.write(fmt::format("src/{}.py", name),
+                        fmt::format("class Big{}Book: pass\n", name));
+    }
+  }
+
+  void write(std::string_view path, std::string_view text) const { repository_.write(path, text); }
+
+  std::vector<Pick> picks() const {
+    const auto opened = repository_.refreshed();
+    const DocumentEvidence evidence(*opened.index);
+    std::vector<std::string> documents;
+    for (const auto& file : opened.index->files()) {
+      if (file.document) documents.emplace_back(file.path);
+    }
+    return rank_design_documents(documents, &evidence);
+  }
+
+  std::vector<std::string> paths() const {
+    std::vector<std::string> list;
+    for (auto& pick : picks()) list.push_back(pick.path);
+    return list;
+  }
+
+ private:
+  index::IndexFixture repository_;
+};
+
+const std::string kNamesCode = "src/order.py, src/cart.py, `till.py` and BigshopBook.";
+
+TEST_F(DesignDocuments, TakesProseThatNamesTheCode) {
+  write("docs/queue.md", essay(kNamesCode));
+  write("docs/manual.md", essay("Nothing of the code."));
+  const auto found = picks();
+  ASSERT_EQ(found.size(), 1U);
+  EXPECT_EQ(found[0].path, "docs/queue.md");
+  EXPECT_EQ(found[0].reasons[0].kind, "design_document");
+  EXPECT_EQ(found[0].reasons[0].text, "prose about the code, names 3 source files, 1 type");
+  EXPECT_EQ(found[0].reasons[0].count, 4U);
+}
+
+TEST_F(DesignDocuments, LeavesOutWhatInstructsOrReports) {
+  const std::string base = essay(kNamesCode);
+  write("docs/howto.md", base + "## 1. A\n## 2. B\n## 3. C\n");
+  write("docs/start.md", base + "```\nmake\nmake test\nnpm i\n```\n");
+  write(
+      "docs/code.md", base + "```\n" + std::string(200, '\n') + [] {
+        std::string code;
+        for (int i = 0; i < 60; ++i) code += "x = 1\n";
+        return code;
+      }() + "```\n");
+  std::string you = base;
+  for (int i = 0; i < 20; ++i) you += "You do your part. ";
+  write("docs/guide.md", you);
+  std::string links = base;
+  for (int i = 0; i < 40; ++i) links += "https://a.example ";
+  write("docs/links.md", links);
+  write("CONTRIBUTING.md", base);
+  write("docs/v2-upgrade.md", base);
+  write("docs/releases/v2.md", base);
+  write(".github/notes.md", base);
+  write("tests/notes.md", base);
+  write("vendor/lib/notes.md", base);
+  write("README.md", base);
+  EXPECT_THAT(paths(), IsEmpty());
+}
+
+TEST_F(DesignDocuments, TakesWhatTheRootPageOrTheCodePointsTo) {
+  write("docs/life.md", essay("", 16));
+  write("docs/other.md", essay("Another.", 16));
+  write("docs/dev/busy.md", essay("Busy."));
+  write("src/queue.py", "# see docs/dev/busy.md\n");
+  write("README.md", "[life](docs/life.md)\n");
+  const auto found = picks();
+  EXPECT_THAT(paths(), ElementsAre("docs/dev/busy.md", "docs/life.md"));
+  EXPECT_THAT(found[0].reasons[0].text, HasSubstr("named in 1 source file"));
+  EXPECT_THAT(found[1].reasons[0].text, HasSubstr("linked from README.md"));
+  EXPECT_THAT(found[1].reasons[0].at, Contains(Place{"README.md", 0, ""}));
+}
+
+TEST_F(DesignDocuments, ListsOneOfSeveralCopies) {
+  write("docs/queue.md", essay(kNamesCode));
+  write("docs-next/queue.md", essay(kNamesCode));
+  EXPECT_THAT(paths(), ElementsAre("docs/queue.md"));
+}
+
+TEST_F(DesignDocuments, KnowsASeriesByTheFormOfItsTexts) {
+  const auto entry = [](std::string_view title) {
+    return fmt::format("# {}\n\n## Context\n\nx\n\n## Decision\n\nx\n", title);
+  };
+  write("notes/1-a.md", entry("A"));
+  write("notes/2-b.md", entry("B"));
+  write("notes/10-c.md", entry("C"));
+  write("chapters/1-a.md", "# A\n\nx\n");
+  write("chapters/2-b.md", "# B\n\nx\n");
+  write("chapters/3-c.md", "# C\n\nx\n");
+  write("docs/4.0-upgrade.md", entry("4"));
+  write("docs/5.0-upgrade.md", entry("5"));
+  write("docs/6.0-upgrade.md", entry("6"));
+  const auto found = picks();
+  EXPECT_THAT(paths(), ElementsAre("notes/10-c.md", "notes/2-b.md", "notes/1-a.md"));
+  EXPECT_EQ(found[0].reasons[0].kind, "decision_record");
+  EXPECT_EQ(found[0].reasons[0].text, "10, one of 3 entries");
+}
+
+TEST_F(DesignDocuments, AreInForceOnOneThreadForOneScope) {
+  write("docs/queue.md", essay(kNamesCode));
+  const index::IndexFixture other;
+  EXPECT_EQ(DocumentEvidenceScope::current(), nullptr);
+  other.write("a.py", "");
+  const auto opened = other.refreshed();
+  const DocumentEvidence evidence(*opened.index);
+  {
+    const DocumentEvidenceScope scope(evidence);
+    EXPECT_EQ(DocumentEvidenceScope::current(), &evidence);
+    std::thread([] { EXPECT_EQ(DocumentEvidenceScope::current(), nullptr); }).join();
+  }
+  EXPECT_EQ(DocumentEvidenceScope::current(), nullptr);
+}
+
+}  // namespace
+}  // namespace kestrix
