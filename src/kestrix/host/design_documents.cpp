@@ -36,7 +36,7 @@ constexpr std::uint32_t kWordsOfAnAddress = 80;
 constexpr std::size_t kFewestHeadings = 2;
 constexpr std::size_t kFewestNames = 4;
 constexpr std::size_t kNamesOfARootPage = 8;
-constexpr std::uint32_t kStub = 25;
+constexpr std::uint32_t kStub = 5;
 
 enum class Rank { kEntry, kEntryFolder, kOwnName, kOverviewFolder, kEvidence };
 
