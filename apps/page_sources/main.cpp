@@ -1,3 +1,4 @@
+#include <execinfo.h>
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -54,6 +55,13 @@ void handle_signals() {
   std::signal(SIGXFSZ, SIG_IGN);  // a limit on the size of files is an error like any other
 }
 
+// The C library loads what it unwinds with when it first needs it, and aborts where it cannot. That
+// must not be when memory has run out.
+void load_unwinder() {
+  void* frame = nullptr;
+  backtrace(&frame, 1);
+}
+
 // Ends by the signal itself, so that a shell sees what stopped us.
 [[noreturn]] void end_by(int signal) {
   std::signal(signal, SIG_DFL);
@@ -66,6 +74,7 @@ void handle_signals() {
 int main(int argc, char** argv) {
   occupy_standard_streams();
   handle_signals();
+  load_unwinder();
   kestrix::program::ProcessConsole console;
   const std::vector<std::string> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
   const int code = kestrix::program::run(arguments, console, stop);

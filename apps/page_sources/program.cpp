@@ -133,7 +133,9 @@ int answer(const Command& command, Console& console, const StopFlag& stop) {
   if (const auto* wrong = std::get_if<WrongUsage>(&command)) {
     return tell(console, kWrongUsage, wrong->message + " (see page-sources --help)");
   }
-  console.answer(std::visit(Commands(console, stop), command));
+  const std::string whole = std::visit(Commands(console, stop), command);
+  check_stop(&stop);
+  console.answer(whole);
   return kDone;
 }
 

@@ -8,10 +8,13 @@
 #include <deque>
 #include <exception>
 #include <mutex>
+#include <string>
+#include <system_error>
 #include <thread>
 #include <utility>
 #include <vector>
 
+#include "kestrix/utils/error.h"
 #include "kestrix/utils/stop.h"
 
 namespace kestrix::index {
@@ -37,7 +40,7 @@ class Workers {
     std::vector<std::jthread> crew;
     const Closer closer{*this};  // goes before the crew, which waits for it
     for (std::size_t i = 0; i < std::min<std::size_t>(threads_, count); ++i) {
-      crew.emplace_back([this, count, &make] { work(count, make); });
+      if (!start(crew, [this, count, &make] { work(count, make); })) break;
     }
     for (std::size_t taken = 0; taken < count; ++taken) take(next_result());
   }
@@ -54,6 +57,18 @@ class Workers {
     Closer& operator=(const Closer&) = delete;
     ~Closer() { workers.close(); }
   };
+
+  // Fewer threads do as well; without any it is an error.
+  template <class Work>
+  static bool start(std::vector<std::jthread>& crew, Work work) {
+    try {
+      crew.emplace_back(std::move(work));
+      return true;
+    } catch (const std::system_error& failure) {
+      if (!crew.empty()) return false;
+      throw Error(std::string("no thread can be started: ") + failure.what());
+    }
+  }
 
   template <class Make>
   void work(std::size_t count, const Make& make) {
