@@ -10,7 +10,7 @@
 #include <string_view>
 #include <utility>
 
-#include "kestrix/host/repository_root.h"
+#include "kestrix/host/repository/repository_root.h"
 #include "kestrix/text/decoding.h"
 
 namespace kestrix {

@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "kestrix/host/document_evidence.h"
-#include "kestrix/host/repository_handle.h"
-#include "kestrix/host/repository_root.h"
+#include "kestrix/host/repository/repository_handle.h"
+#include "kestrix/host/repository/repository_root.h"
 #include "kestrix/index/index.h"
 #include "kestrix/workers/wiki/page_sources.h"
 

@@ -1,4 +1,4 @@
-#include "kestrix/host/repository_root.h"
+#include "kestrix/host/repository/repository_root.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -1,4 +1,4 @@
-#include "kestrix/host/repository_handle.h"
+#include "kestrix/host/repository/repository_handle.h"
 
 #include "kestrix/host/components.h"
 #include "kestrix/utils/path_filter.h"
