@@ -24,3 +24,18 @@ install(
     ${CMAKE_CURRENT_BINARY_DIR}/kestrix-config-version.cmake
     ${PROJECT_SOURCE_DIR}/cmake/FindRE2.cmake
   DESTINATION ${package_dir} COMPONENT page_sources)
+
+# cpack -G DEB: the program alone, with its man pages and completions.
+if(KESTRIX_PROGRAM)
+  set(CPACK_GENERATOR DEB)
+  set(CPACK_PACKAGE_NAME page-sources)
+  set(CPACK_PACKAGE_CONTACT "The page_sources maintainers <maintainers@kestrix.invalid>")
+  set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+  set(CPACK_COMPONENTS_ALL program)
+  set(CPACK_DEB_COMPONENT_INSTALL ON)
+  set(CPACK_DEBIAN_PROGRAM_PACKAGE_NAME page-sources)
+  set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+  set(CPACK_DEBIAN_PACKAGE_SECTION devel)
+  set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+  include(CPack)
+endif()

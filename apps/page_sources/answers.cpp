@@ -1,87 +1,56 @@
 #include "apps/page_sources/answers.h"
 
 #include <algorithm>
-#include <limits>
 #include <tuple>
+#include <unordered_set>
 #include <utility>
 
-#include "kestrix/host/entry_points.h"
+#include "kestrix/text/wildmatch.h"
 
 namespace kestrix::program {
 namespace {
 
-std::vector<EntryPointClass> classes_of(const PageSourcesMixin& generator,
-                                        std::span<const std::string> patterns) {
-  const std::vector<std::string> paths = generator._planner_paths();
-  if (patterns.empty()) {
-    const auto edges = generator._file_edges({paths.begin(), paths.end()});
-    return entry_point_classes(paths, edges);
+class PathList {
+ public:
+  void add(const std::vector<Pick>& picks) {
+    for (const Pick& pick : picks) {
+      if (seen_.insert(pick.path).second) paths_.push_back(pick.path);
+    }
   }
-  std::vector<EntryPointClass> classes;
-  for (const std::string& pattern : patterns) {
-    classes.push_back(entry_points_matching(pattern, paths));
-  }
-  return classes;
-}
 
-std::vector<FlowClass> answer_flows(const PageSourcesMixin& generator,
-                                    std::span<const std::string> patterns) {
-  std::vector<FlowClass> flows;
-  for (EntryPointClass& found : classes_of(generator, patterns)) {
-    auto files = generator._flow_dispatch(found.roots);
-    flows.push_back({std::move(found.name), std::move(found.roots), std::move(files)});
-  }
-  return flows;
-}
+  std::vector<std::string> take() && { return std::move(paths_); }
 
-PageAnswer answer_page(const PageSourcesMixin& generator, PageName page,
-                       std::span<const std::string> entry_points) {
-  switch (page) {
-    case PageName::kDataModels:
-      return {page, {}, generator._data_model_files(), {}};
-    case PageName::kConfiguration:
-      return {page, {}, generator._config_files(), {}};
-    case PageName::kErrors:
-      return {page, generator._has_exceptions(), generator._exception_files(), {}};
-    case PageName::kFlows:
-      return {page, {}, {}, answer_flows(generator, entry_points)};
-    case PageName::kExtending:
-      return {page, {}, generator._extension_files(), {}};
-    case PageName::kExamples:
-      return {page, {}, generator._example_files(), {}};
-    case PageName::kDecisions:
-      return {page, {}, generator._decision_files(), {}};
-  }
-  return {page, {}, {}, {}};
-}
-
-void append_symbols(const Repository& repository, SymbolKind kind, const std::string& pattern,
-                    std::vector<FoundSymbol>& out) {
-  auto found = repository.search_symbols(
-      pattern, {.kind = kind, .limit = std::numeric_limits<std::int32_t>::max()});
-  const auto paths = repository.get_file_paths_batch(found.symbols);
-  for (Symbol& symbol : found.symbols) {
-    const std::string_view path = file_of(paths, symbol);
-    out.push_back({std::string(path), kind, std::move(symbol.name), std::move(symbol.signature)});
-  }
-}
+ private:
+  std::unordered_set<std::string> seen_;
+  std::vector<std::string> paths_;
+};
 
 }  // namespace
 
-std::vector<PageAnswer> answer_pages(const PageSourcesMixin& generator,
-                                     std::span<const PageName> pages,
-                                     std::span<const std::string> entry_points) {
-  std::vector<PageAnswer> answers;
-  for (const PageName page : pages) answers.push_back(answer_page(generator, page, entry_points));
+std::vector<AnsweredPage> answer_pages(const WikiGenerator& generator,
+                                       std::span<const Page* const> pages,
+                                       std::span<const std::string> entry_points) {
+  std::vector<AnsweredPage> answers;
+  for (const Page* page : pages) {
+    if (page->answer == nullptr) {
+      answers.push_back({page, answer_flows(generator, entry_points)});
+    } else {
+      answers.push_back({page, answer_page(generator, *page)});
+    }
+  }
   return answers;
 }
 
-std::vector<FoundSymbol> find_symbols(const Repository& repository, std::optional<SymbolKind> kind,
-                                      const std::string& pattern) {
+std::vector<FoundSymbol> find_symbols(const index::RepositoryIndex& index,
+                                      std::span<const SymbolKind> kinds, const std::string& glob) {
+  const index::Wildmatch pattern(glob, true);
+  const bool every = glob == "*";
   std::vector<FoundSymbol> found;
-  for (const SymbolKind each :
-       {SymbolKind::kClass, SymbolKind::kInterface, SymbolKind::kConstant, SymbolKind::kVariable}) {
-    if (!kind || *kind == each) append_symbols(repository, each, pattern, found);
+  for (const auto& symbol : index.symbols()) {
+    if (!kinds.empty() && std::ranges::find(kinds, symbol.kind) == kinds.end()) continue;
+    if (!every && !pattern.matches(symbol.name)) continue;
+    found.push_back({std::string(index.files()[symbol.file].path), symbol.kind,
+                     std::string(symbol.name), std::string(symbol.signature), symbol.line});
   }
   std::ranges::stable_sort(found, {}, [](const FoundSymbol& symbol) {
     return std::tie(symbol.path, symbol.kind, symbol.name, symbol.signature);
@@ -89,14 +58,20 @@ std::vector<FoundSymbol> find_symbols(const Repository& repository, std::optiona
   return found;
 }
 
-std::vector<FileEdge> list_edges(const index::RepositoryIndex& index) {
-  const auto files = index.files();
-  std::vector<FileEdge> edges;
-  edges.reserve(index.edges().size());
-  for (const auto& edge : index.edges()) {
-    edges.push_back({files[edge.source].path, files[edge.target].path, edge.weight});
+std::vector<std::string> distinct_paths(std::span<const AnsweredPage> pages) {
+  PathList list;
+  for (const AnsweredPage& page : pages) {
+    if (const auto* flows = std::get_if<FlowsAnswer>(&page.answer)) {
+      for (const FlowClass& flow : flows->classes) {
+        list.add(flow.files);
+        list.add(flow.further);
+      }
+    } else {
+      list.add(std::get<PageAnswer>(page.answer).files);
+      list.add(std::get<PageAnswer>(page.answer).further);
+    }
   }
-  return edges;
+  return std::move(list).take();
 }
 
 }  // namespace kestrix::program

@@ -4,33 +4,35 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <variant>
 #include <vector>
 
 #include "apps/page_sources/arguments.h"
+#include "kestrix/files/skip_counts.h"
+#include "kestrix/host/pages.h"
 #include "kestrix/index/index.h"
-#include "kestrix/workers/wiki/page_sources/detectors.h"
 
 namespace kestrix::program {
 
-/// The dispatch of one class of entry points.
-struct FlowClass {
-  std::string entry_points;        ///< the pattern or directory that selects the roots
-  std::vector<std::string> roots;  ///< ascending
-  std::vector<std::string> files;  ///< best first
+/// What every answer about a repository says of it.
+struct About {
+  std::string repository;               ///< absolute path of the directory
+  std::optional<std::string> revision;  ///< of the work tree's commit; none outside of one
+  std::optional<bool> clean;  ///< whether the files are those of the commit; none: unknown
+  index::SkipCounts left_out;
+  std::vector<std::string> warnings;  ///< why the answer may be incomplete
 };
 
-/// The answer for one aspect page.
-struct PageAnswer {
-  PageName page;
-  std::optional<bool> has_material;  ///< only of the errors page
-  std::vector<std::string> files;    ///< best first; of the flows page: empty
-  std::vector<FlowClass> classes;    ///< only of the flows page
+/// The answer for one page.
+struct AnsweredPage {
+  const Page* page;
+  std::variant<PageAnswer, FlowsAnswer> answer;
 };
 
-/// Asks the detectors for each page. Throws what they throw.
-std::vector<PageAnswer> answer_pages(const PageSourcesMixin& generator,
-                                     std::span<const PageName> pages,
-                                     std::span<const std::string> entry_points);
+/// Answers each page. Throws what the pages throw.
+std::vector<AnsweredPage> answer_pages(const WikiGenerator& generator,
+                                       std::span<const Page* const> pages,
+                                       std::span<const std::string> entry_points);
 
 /// A symbol with its file.
 struct FoundSymbol {
@@ -38,14 +40,15 @@ struct FoundSymbol {
   SymbolKind kind;
   std::string name;
   std::string signature;
+  std::uint32_t line = 0;  ///< 1-based
 };
 
-/// The symbols of one kind, or of every kind, whose name matches; by path, kind, name and
-/// signature.
-std::vector<FoundSymbol> find_symbols(const Repository& repository, std::optional<SymbolKind> kind,
-                                      const std::string& pattern);
+/// The symbols of these kinds (all without any) whose name matches a glob in any case; by path,
+/// kind, name and signature.
+std::vector<FoundSymbol> find_symbols(const index::RepositoryIndex& index,
+                                      std::span<const SymbolKind> kinds, const std::string& glob);
 
-/// Every dependency of the index, by source, then target. The paths are views into the index.
-std::vector<FileEdge> list_edges(const index::RepositoryIndex& index);
+/// Every path of these answers once, in their order.
+std::vector<std::string> distinct_paths(std::span<const AnsweredPage> pages);
 
 }  // namespace kestrix::program

@@ -9,49 +9,48 @@
 #include <variant>
 #include <vector>
 
+#include "kestrix/host/pages.h"
+#include "kestrix/host/settings/path_wishes.h"
 #include "kestrix/index/repository.h"
 
 namespace kestrix::program {
 
 enum class Format { kText, kTsv, kJson, kDot };
 
-/// The aspect pages, in the order in which they are printed.
-enum class PageName {
-  kDataModels,
-  kConfiguration,
-  kErrors,
-  kFlows,
-  kExtending,
-  kExamples,
-  kDecisions,
-};
-
-inline constexpr std::array<std::string_view, 7> kPageNames{
-    "data_models", "configuration", "errors", "flows", "extending", "examples", "decisions"};
-
-constexpr std::string_view to_string(PageName page) {
-  return kPageNames[static_cast<std::size_t>(page)];
-}
-
 /// What the subcommands that read a repository share.
 struct CommonOptions {
   std::filesystem::path repository = ".";
   std::optional<std::filesystem::path>
-      index;             ///< the index's file; else one in the cache directory
-  unsigned threads = 0;  ///< 0: as many as the machine has
-  bool quiet = false;    ///< only errors are told
-  bool progress = true;  ///< as far as standard error is a terminal
+      index;                     ///< the index's file; else one in the cache directory
+  unsigned threads = 0;          ///< 0: as many as the machine has
+  bool quiet = false;            ///< only errors are told
+  bool progress = true;          ///< as far as standard error is a terminal
+  std::vector<PathWish> wishes;  ///< the last one that matches a path decides
 };
 
 struct PagesCommand {
   CommonOptions common;
-  std::vector<PageName> pages;            ///< ascending and distinct, never empty
+  std::vector<const Page*> pages;         ///< in their own order, distinct, never empty
   std::vector<std::string> entry_points;  ///< patterns; empty: what the structure shows
+  Format format = Format::kText;
+  bool paths = false;  ///< bare paths instead of a format
+  bool nul = false;    ///< they end in NUL instead of a line's end
+};
+
+struct WhyCommand {
+  CommonOptions common;
+  const Page* page = nullptr;
+  std::string file;
   Format format = Format::kText;
 };
 
 struct EdgesCommand {
   CommonOptions common;
+  std::vector<std::string> to;      ///< patterns of targets; empty: all
+  std::vector<std::string> from;    ///< patterns of sources
+  std::vector<std::string> within;  ///< patterns of both
+  std::vector<std::string> path;    ///< two files between which the shortest way is sought, or none
+  std::optional<unsigned> folders;  ///< sums between folders of so many levels; 0: of all levels
   Format format = Format::kTsv;
 };
 
@@ -66,8 +65,8 @@ struct ReferencesCommand {
 
 struct SymbolsCommand {
   CommonOptions common;
-  std::optional<SymbolKind> kind;  ///< none: every kind
-  std::string name = "%";
+  std::vector<SymbolKind> kinds;  ///< empty: every kind
+  std::string name = "*";         ///< a glob, in any case
   Format format = Format::kTsv;
 };
 
@@ -78,6 +77,18 @@ struct TopicCommand {
 
 struct IndexCommand {
   CommonOptions common;
+  Format format = Format::kText;
+};
+
+struct ConfigCommand {
+  CommonOptions common;
+  Format format = Format::kText;
+};
+
+struct CacheCommand {
+  bool clean = false;                  ///< else list
+  std::optional<unsigned> older_than;  ///< days since an index was last written
+  Format format = Format::kText;
 };
 
 /// The arguments ask for a text (help, version) instead of work.
@@ -90,10 +101,12 @@ struct WrongUsage {
   std::string message;
 };
 
-using Command = std::variant<PagesCommand, EdgesCommand, ReferencesCommand, SymbolsCommand,
-                             TopicCommand, IndexCommand, Information, WrongUsage>;
+using Command =
+    std::variant<PagesCommand, WhyCommand, EdgesCommand, ReferencesCommand, SymbolsCommand,
+                 TopicCommand, IndexCommand, ConfigCommand, CacheCommand, Information, WrongUsage>;
 
-/// Reads the arguments of one run (without the program's name). Looks at nothing but them.
+/// Reads the arguments of one run (without the program's name). Looks at nothing but them, and at
+/// whether the first word is a directory when it is no subcommand.
 Command parse(std::span<const std::string> arguments);
 
 }  // namespace kestrix::program

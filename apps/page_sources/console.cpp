@@ -1,6 +1,7 @@
 #include "apps/page_sources/console.h"
 
 #include <fmt/format.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <array>
@@ -25,6 +26,11 @@ bool is_terminal(int fd) {
   return isatty(fd) == 1 && kind != nullptr && std::string_view(kind) != "dumb";
 }
 
+std::size_t width_of(int fd) {
+  winsize size{};
+  return isatty(fd) == 1 && ioctl(fd, TIOCGWINSZ, &size) == 0 ? size.ws_col : 0;
+}
+
 // Returns 0, or the error number of the write that failed.
 int write_all(int fd, std::string_view text) noexcept {
   while (!text.empty()) {
@@ -42,6 +48,7 @@ int write_all(int fd, std::string_view text) noexcept {
 
 ProcessConsole::ProcessConsole()
     : styled_answers_(is_terminal(STDOUT_FILENO) && !is_set("NO_COLOR")),
+      answer_width_(width_of(STDOUT_FILENO)),
       live_messages_(is_terminal(STDERR_FILENO)) {}
 
 void ProcessConsole::answer(std::string_view text) {

@@ -23,6 +23,8 @@ class Console {
 
   /// Whether answers go to a terminal that shows headings in bold.
   virtual bool has_styled_answers() const = 0;
+  /// How many columns a line of the answer may have; 0 for any number.
+  virtual std::size_t answer_width() const { return 0; }
   /// Whether messages go to a terminal on which a line can be rewritten.
   virtual bool has_live_messages() const = 0;
 };
@@ -35,10 +37,12 @@ class ProcessConsole : public Console {
   void answer(std::string_view text) override;
   void message(std::string_view text) noexcept override;
   bool has_styled_answers() const override { return styled_answers_; }
+  std::size_t answer_width() const override { return answer_width_; }
   bool has_live_messages() const override { return live_messages_; }
 
  private:
   bool styled_answers_;
+  std::size_t answer_width_;
   bool live_messages_;
 };
 

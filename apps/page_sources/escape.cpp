@@ -46,10 +46,28 @@ constexpr std::size_t sequence_length(std::string_view text) {
   return lead.length;
 }
 
-// Copies `text`, with `escape` for what `is_special` picks and `stray` for the bytes outside valid
-// UTF-8.
-template <class IsSpecial, class Escape, class Stray>
-std::string escaped(std::string_view text, IsSpecial is_special, Escape escape, Stray stray) {
+constexpr char32_t code_point(std::string_view sequence) {
+  char32_t code = sequence.size() == 2 ? byte_at(sequence, 0) & 0x1fU : byte_at(sequence, 0) & 0xfU;
+  for (std::size_t i = 1; i < sequence.size(); ++i) {
+    code = (code << 6U) | (byte_at(sequence, i) & 0x3fU);
+  }
+  return code;
+}
+
+// Whether a character beyond ASCII steers a terminal or the direction of a text, or ends a line:
+// the C1 controls, the bidirectional controls, the line and paragraph separators.
+constexpr bool steers(std::string_view sequence) {
+  if (sequence.size() != 2 && sequence.size() != 3) return false;
+  const char32_t code = code_point(sequence);
+  return (code >= 0x80 && code <= 0x9f) || code == 0x61c || code == 0x200e || code == 0x200f ||
+         (code >= 0x2028 && code <= 0x202e) || (code >= 0x2066 && code <= 0x2069);
+}
+
+// Copies `text`, with `escape` for the ASCII that `is_special` picks, `wide` for characters beyond
+// it that steer, and `stray` for the bytes outside valid UTF-8.
+template <class IsSpecial, class Escape, class Wide, class Stray>
+std::string escaped(std::string_view text, IsSpecial is_special, Escape escape, Wide wide,
+                    Stray stray) {
   std::string out;
   out.reserve(text.size() + 2);
   while (!text.empty()) {
@@ -59,6 +77,8 @@ std::string escaped(std::string_view text, IsSpecial is_special, Escape escape, 
       out += stray(first);
     } else if (length == 1 && is_special(first)) {
       out += escape(first);
+    } else if (steers(text.substr(0, length))) {
+      out += wide(text.substr(0, length));
     } else {
       out += text.substr(0, length);
     }
@@ -70,6 +90,12 @@ std::string escaped(std::string_view text, IsSpecial is_special, Escape escape, 
 constexpr std::string_view kShortEscapes = "\aa\bb\tt\nn\vv\ff\rr\"\"\\\\";
 
 std::string octal(unsigned char c) { return fmt::format("\\{:03o}", c); }
+
+std::string octals(std::string_view bytes) {
+  std::string out;
+  for (const char byte : bytes) out += octal(static_cast<unsigned char>(byte));
+  return out;
+}
 
 std::string c_escape(unsigned char c) {
   for (std::size_t i = 0; i < kShortEscapes.size(); i += 2) {
@@ -89,20 +115,25 @@ std::string json_escape(unsigned char c) {
 
 std::string json_string(std::string_view text) {
   const auto stray = [](unsigned char c) { return fmt::format("\\udc{:02x}", c); };
-  return '"' + escaped(text, needs_c_escape, json_escape, stray) + '"';
+  const auto wide = [](std::string_view sequence) {
+    return fmt::format("\\u{:04x}", static_cast<unsigned>(code_point(sequence)));
+  };
+  return '"' + escaped(text, needs_c_escape, json_escape, wide, stray) + '"';
 }
 
 std::string c_quoted(std::string_view text) {
-  const std::string inner = escaped(text, needs_c_escape, c_escape, octal);
+  const std::string inner = escaped(text, needs_c_escape, c_escape, octals, octal);
   return inner == text ? inner : '"' + inner + '"';
 }
 
 std::string dot_string(std::string_view text) {
   const auto is_special = [](unsigned char c) { return c == '"' || c == '\\'; };
   const auto escape = [](unsigned char c) { return std::string{'\\', static_cast<char>(c)}; };
-  return '"' + escaped(c_quoted(text), is_special, escape, octal) + '"';
+  return '"' + escaped(c_quoted(text), is_special, escape, octals, octal) + '"';
 }
 
-std::string one_line(std::string_view text) { return escaped(text, is_control, c_escape, octal); }
+std::string one_line(std::string_view text) {
+  return escaped(text, is_control, c_escape, octals, octal);
+}
 
 }  // namespace kestrix::program

@@ -1,6 +1,8 @@
 #pragma once
 
-// How texts that may hold any byte are written so that they can be read back.
+// How texts that may hold any byte are written so that they can be read back and cannot steer a
+// terminal: control characters, those of C1 and of bidirectional text included, and the line and
+// paragraph separators are always escaped.
 
 #include <string>
 #include <string_view>

@@ -9,26 +9,41 @@
 #include <vector>
 
 #include "apps/page_sources/answers.h"
+#include "kestrix/host/queries/edge_query.h"
+#include "kestrix/host/queries/why.h"
 #include "kestrix/index/indexer.h"
-#include "kestrix/workers/wiki_cluster.h"
 
 namespace kestrix::program {
 
 /// Number of the JSON form; raised when a reader of the old form would misread the new one.
-inline constexpr int kJsonSchema = 1;
+inline constexpr int kJsonSchema = 2;
 
-std::string pages_as_text(std::span<const PageAnswer> pages, bool styled);
-std::string pages_as_json(std::string_view repository, std::span<const PageAnswer> pages);
+/// How text looks on the terminal that shows it.
+struct TextStyle {
+  bool styled = false;    ///< headings bold, reasons dimmed
+  std::size_t width = 0;  ///< columns to which reasons are cut; 0: they are not
+};
 
-std::string edges_as_tsv(std::span<const FileEdge> edges);
-std::string edges_as_json(std::string_view repository, std::span<const FileEdge> edges);
-std::string edges_as_dot(std::span<const FileEdge> edges);
+std::string pages_as_text(std::span<const AnsweredPage> pages, const TextStyle& style);
+std::string pages_as_json(const About& about, std::span<const AnsweredPage> pages);
+std::string pages_as_tsv(std::span<const AnsweredPage> pages);
+std::string paths_as_lines(std::span<const std::string> paths, bool nul);
+
+std::string why_as_text(const WhyAnswer& answer, const TextStyle& style);
+std::string why_as_json(const About& about, const WhyAnswer& answer);
+
+std::string edges_as_tsv(std::span<const FoundEdge> edges);
+std::string edges_as_json(const About& about, std::span<const FoundEdge> edges);
+/// Files stand in a box for each of their folders; folders, whose edges are sums, stand alone.
+std::string edges_as_dot(std::span<const FoundEdge> edges, bool folders);
 
 std::string symbols_as_tsv(std::span<const FoundSymbol> symbols);
-std::string symbols_as_json(std::string_view repository, std::span<const FoundSymbol> symbols);
+std::string symbols_as_json(const About& about, std::span<const FoundSymbol> symbols);
 
 /// The figures of an index that lies in `file`.
-std::string statistics_as_text(std::string_view repository, std::string_view file,
+std::string statistics_as_text(const About& about, std::string_view file,
+                               const index::Statistics& statistics);
+std::string statistics_as_json(const About& about, const index::RefreshResult& refresh,
                                const index::Statistics& statistics);
 
 /// What a refresh did, as one line without its end.

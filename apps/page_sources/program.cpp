@@ -13,79 +13,106 @@
 
 #include "apps/page_sources/answers.h"
 #include "apps/page_sources/arguments.h"
+#include "apps/page_sources/cached.h"
+#include "apps/page_sources/configured.h"
 #include "apps/page_sources/escape.h"
 #include "apps/page_sources/output.h"
 #include "apps/page_sources/references.h"
-#include "kestrix/host/native_logger.h"
-#include "kestrix/host/wiki_generator.h"
-#include "kestrix/index/indexer.h"
+#include "apps/page_sources/repository.h"
 #include "kestrix/workers/wiki/page_sources/rules.h"
 
 namespace kestrix::program {
 namespace {
 
-// A repository whose index is up to date.
-struct Opened {
-  std::filesystem::path root;  // absolute, without symbolic links
-  std::unique_ptr<index::RepositoryIndex> index;
-  index::RefreshResult refresh;
-
-  WikiGenerator generator() const { return {*index, root}; }
-  std::string_view name() const { return root.native(); }
-};
-
 // The subcommands. Each returns the whole answer.
 class Commands {
  public:
-  Commands(Console& console, const StopFlag& stop) : console_(console), stop_(stop) {}
+  Commands(Console& console, const StopFlag& stop) : console_(console), opener_(console, stop) {}
 
   std::string operator()(const PagesCommand& command) const {
-    const Opened opened = open(command.common);
+    const Opened opened = opener_.open(command.common);
     const auto pages = answer_pages(opened.generator(), command.pages, command.entry_points);
-    if (!command.common.quiet) tell_empty_classes(pages);
-    return command.format == Format::kJson ? pages_as_json(opened.name(), pages)
-                                           : pages_as_text(pages, console_.has_styled_answers());
+    tell_empty_classes(command.common, pages);
+    if (command.paths) return paths_as_lines(distinct_paths(pages), command.nul);
+    switch (command.format) {
+      case Format::kJson:
+        return pages_as_json(opened.about(), pages);
+      case Format::kTsv:
+        return pages_as_tsv(pages);
+      default:
+        return pages_as_text(pages, style());
+    }
+  }
+
+  std::string operator()(const WhyCommand& command) const {
+    const Opened opened = opener_.open(command.common);
+    const WhyAnswer answer = why(opened.generator(), *command.page, command.file);
+    return command.format == Format::kJson ? why_as_json(opened.about(), answer)
+                                           : why_as_text(answer, style());
   }
 
   std::string operator()(const EdgesCommand& command) const {
-    const Opened opened = open(command.common);
-    const std::vector<FileEdge> edges = list_edges(*opened.index);
+    const Opened opened = opener_.open(command.common);
+    auto edges = command.path.empty()
+                     ? find_edges(*opened.index, {command.to, command.from, command.within})
+                     : shortest_way(*opened.index, command.path[0], command.path[1]);
+    if (!command.path.empty() && edges.empty()) {
+      opener_.tell(command.common,
+                   fmt::format("no way leads from {} to {}", c_quoted(command.path[0]),
+                               c_quoted(command.path[1])));
+    }
+    if (command.folders) edges = sum_by_folder(edges, *command.folders);
     switch (command.format) {
       case Format::kJson:
-        return edges_as_json(opened.name(), edges);
+        return edges_as_json(opened.about(), edges);
       case Format::kDot:
-        return edges_as_dot(edges);
+        return edges_as_dot(edges, command.folders.has_value());
       default:
         return edges_as_tsv(edges);
     }
   }
 
   std::string operator()(const ReferencesCommand& command) const {
-    const Opened opened = open(command.common);
+    const Opened opened = opener_.open(command.common);
     const auto found =
         find_references(*opened.index, {command.to, command.from, command.roles, command.self});
-    return command.format == Format::kJson ? references_as_json(opened.name(), found)
+    return command.format == Format::kJson ? references_as_json(opened.about(), found)
                                            : references_as_tsv(found);
   }
 
   std::string operator()(const SymbolsCommand& command) const {
-    const Opened opened = open(command.common);
-    const auto symbols = find_symbols(RepositoryHandle(*opened.index), command.kind, command.name);
-    return command.format == Format::kJson ? symbols_as_json(opened.name(), symbols)
+    const Opened opened = opener_.open(command.common);
+    const auto symbols = find_symbols(*opened.index, command.kinds, command.name);
+    return command.format == Format::kJson ? symbols_as_json(opened.about(), symbols)
                                            : symbols_as_tsv(symbols);
   }
 
   std::string operator()(const TopicCommand& command) const {
-    return unit_topic(command.title, command.files) + '\n';
+    return one_line(unit_topic(command.title, command.files)) + '\n';
   }
 
   std::string operator()(const IndexCommand& command) const {
-    const Opened opened = open(command.common);
-    if (!command.common.quiet) {
-      console_.message(fmt::format("page-sources: {}\n", refresh_as_text(opened.refresh)));
+    const Opened opened = opener_.open(command.common);
+    const auto statistics = opened.index->statistics();
+    if (command.format == Format::kJson) {
+      return statistics_as_json(opened.about(), opened.refresh, statistics);
     }
-    return statistics_as_text(opened.name(), opened.refresh.file.native(),
-                              opened.index->statistics());
+    if (command.common.quiet) return {};
+    opener_.tell(command.common, refresh_as_text(opened.refresh));
+    return statistics_as_text(opened.about(), opened.refresh.file.native(), statistics);
+  }
+
+  std::string operator()(const ConfigCommand& command) const {
+    const auto steering = steering_of(command.common);
+    return command.format == Format::kJson ? settings_as_json(steering->settings())
+                                           : settings_as_text(steering->settings());
+  }
+
+  std::string operator()(const CacheCommand& command) const {
+    const auto indexes =
+        command.clean ? remove_indexes(command.older_than) : index::list_cached_indexes();
+    return command.format == Format::kJson ? cache_as_json(indexes, command.clean)
+                                           : cache_as_text(indexes, command.clean);
   }
 
   std::string operator()(const Information& information) const { return information.text; }
@@ -93,35 +120,23 @@ class Commands {
   std::string operator()(const WrongUsage& /*wrong*/) const { return {}; }
 
  private:
-  Opened open(const CommonOptions& common) const {
-    set_log_quiet(common.quiet);
-    ProgressLine progress(console_, common.progress && !common.quiet);
-    index::IndexOptions options;
-    options.root = common.repository;
-    options.file = common.index;
-    options.threads = common.threads;
-    options.stop = &stop_;
-    options.progress = [&progress](std::size_t done, std::size_t total) {
-      progress.update("indexing", done, total);
-    };
-    auto refreshed = index::refresh_and_open(options);
-    return {std::filesystem::canonical(common.repository), std::move(refreshed.index),
-            std::move(refreshed.result)};
-  }
+  TextStyle style() const { return {console_.has_styled_answers(), console_.answer_width()}; }
 
   // A pattern that selects nothing is more likely a slip than a wish.
-  void tell_empty_classes(std::span<const PageAnswer> pages) const {
-    for (const PageAnswer& page : pages) {
-      for (const FlowClass& flow : page.classes) {
+  void tell_empty_classes(const CommonOptions& common, std::span<const AnsweredPage> pages) const {
+    for (const AnsweredPage& page : pages) {
+      const auto* flows = std::get_if<FlowsAnswer>(&page.answer);
+      if (flows == nullptr) continue;
+      for (const FlowClass& flow : flows->classes) {
         if (!flow.roots.empty()) continue;
-        console_.message(fmt::format("page-sources: no production file matches {}\n",
-                                     c_quoted(flow.entry_points)));
+        opener_.tell(common,
+                     fmt::format("no production file matches {}", c_quoted(flow.entry_points)));
       }
     }
   }
 
   Console& console_;
-  const StopFlag& stop_;
+  Opener opener_;
 };
 
 int tell(Console& console, int code, std::string_view what) {

@@ -6,9 +6,8 @@
 #include <iterator>
 #include <tuple>
 
+#include "apps/page_sources/document.h"
 #include "apps/page_sources/escape.h"
-#include "apps/page_sources/json_writer.h"
-#include "apps/page_sources/output.h"
 #include "kestrix/text/wildmatch.h"
 
 namespace kestrix::program {
@@ -99,14 +98,9 @@ std::string references_as_tsv(std::span<const FoundReference> references) {
   return out;
 }
 
-std::string references_as_json(std::string_view repository,
-                               std::span<const FoundReference> references) {
+std::string references_as_json(const About& about, std::span<const FoundReference> references) {
   JsonWriter json;
-  json.begin_object();
-  json.key("schema");
-  json.raw(std::to_string(kJsonSchema));
-  json.key("repository");
-  json.string(repository);
+  begin_document(json, about);
   json.key("references");
   json.begin_array();
   for (const FoundReference& row : references) json.raw(as_json(row));

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "apps/page_sources/answers.h"
 #include "kestrix/index/index.h"
 
 namespace kestrix::program {
@@ -34,7 +35,6 @@ std::vector<FoundReference> find_references(const index::RepositoryIndex& index,
                                             const ReferenceQuery& query);
 
 std::string references_as_tsv(std::span<const FoundReference> references);
-std::string references_as_json(std::string_view repository,
-                               std::span<const FoundReference> references);
+std::string references_as_json(const About& about, std::span<const FoundReference> references);
 
 }  // namespace kestrix::program

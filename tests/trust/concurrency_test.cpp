@@ -59,13 +59,11 @@ class Concurrency : public testing::Test {
     return pages(generator);
   }
   static std::string pages(const WikiGenerator& generator) {
-    std::vector<PageName> all;
-    for (std::size_t page = 0; page < kPageNames.size(); ++page) {
-      all.push_back(static_cast<PageName>(page));
-    }
+    std::vector<const Page*> all;
+    for (const Page& page : kPages) all.push_back(&page);
     const std::vector<std::string> globs{"**/*.py", "**/*.ts"};
-    return pages_as_json("repo", answer_pages(generator, all, {})) +
-           pages_as_json("repo", answer_pages(generator, all, globs));
+    return pages_as_json({}, answer_pages(generator, all, {})) +
+           pages_as_json({}, answer_pages(generator, all, globs));
   }
 
   FreshDirectory directory_;
@@ -77,12 +75,12 @@ TEST_F(Concurrency, RulesAndDetectorsShareAGenerator) {
   const WikiGenerator generator(*opened.index, options().root);
   const auto results = on_all_threads([&] {
     std::string text = pages(generator);
-    for (const FileEdge& edge : list_edges(*opened.index)) {
-      const auto source = edge.source;
-      text += std::string(source) + std::to_string(is_archived_path(source)) +
+    for (const FoundEdge& edge : find_edges(*opened.index, {})) {
+      const std::string& source = edge.source;
+      text += source + std::to_string(is_archived_path(source)) +
               std::to_string(is_config_path(source)) + std::to_string(is_registry_name(source));
     }
-    for (const FoundSymbol& symbol : find_symbols(generator.repository(), {}, "%e%"))
+    for (const FoundSymbol& symbol : find_symbols(*opened.index, {}, "*e*"))
       text += symbol.name;
     return text;
   });

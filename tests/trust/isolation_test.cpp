@@ -201,7 +201,7 @@ TEST_P(Swap, NeverLeadsOutOfTheRoot) {
   const Swapping swapping(program.path() / "repo" / GetParam().place,
                           program.path() / GetParam().target);
   std::vector<std::vector<std::string>> runs{{"index"}, {"symbols"}, {"edges"}, {"pages"}};
-  for (const auto page : kPageNames) runs.push_back({"pages", "--page", std::string(page)});
+  for (const Page& page : kPages) runs.push_back({"pages", "--page", std::string(page.name)});
   for (int round = 0; round < 4; ++round) {
     for (auto run : runs) {
       run.insert(run.end(), {"repo", "--quiet", "--index", "i.db"});

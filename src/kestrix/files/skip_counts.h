@@ -45,6 +45,7 @@ inline constexpr std::string_view kSpecial = "pipe, socket or device";
 inline constexpr std::string_view kSubmodule = "submodule";
 inline constexpr std::string_view kNestedRepository = "nested repository";
 inline constexpr std::string_view kUnreadableDirectory = "unreadable directory";
+inline constexpr std::string_view kExcluded = "excluded by a setting";
 inline constexpr std::string_view kMissing = "tracked, but not in the work tree";
 inline constexpr std::string_view kGitUnreadable = "git data that cannot be read";
 inline constexpr std::string_view kGitForeign = "git data of another user in a folder above";

@@ -12,6 +12,7 @@
 #include "kestrix/files/file_reading.h"
 #include "kestrix/git/git_config.h"
 #include "kestrix/git/git_index.h"
+#include "kestrix/git/head.h"
 #include "kestrix/text/ascii.h"
 
 namespace kestrix::index {
@@ -158,6 +159,7 @@ WorkTreeLookup read_work_tree(const RootDirectory& holder, const GitDirectories&
   if (!prefix || is_inside_git_data(*prefix)) return {};
   WorkTree tree;
   tree.prefix = *std::move(prefix);
+  tree.commit = head_commit(git.own, git.common);
   tree.ignore_case = config.is_true("core.ignorecase");
   tree.info_exclude = whole_text(read_file(git.common, "info/exclude", kMaxIgnoreBytes));
   tree.global_excludes = global_excludes(users_excludes, config, top->path());

@@ -28,6 +28,8 @@ struct WorkTree {
   std::string info_exclude;
   std::string global_excludes;
   bool ignore_case = false;
+  /// The commit that it is at, in hexadecimal; "" before the first one.
+  std::string commit;
 
   bool is_tracked(std::string_view path) const;
   bool is_submodule(std::string_view path) const;

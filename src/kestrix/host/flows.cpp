@@ -1,6 +1,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <iterator>
 
 #include "kestrix/host/entry_points.h"
 #include "kestrix/host/index_evidence.h"
@@ -46,15 +47,40 @@ std::vector<EntryPointClass> classes_that_show(const WikiGenerator& generator) {
   return entry_point_classes(paths, edges, paths.size());
 }
 
+// The classes that settings name, in their order.
+std::vector<EntryPointClass> named_classes(const WikiGenerator& generator) {
+  std::vector<EntryPointClass> classes;
+  if (generator.steering() == nullptr) return classes;
+  const auto paths = generator._planner_paths();
+  for (const EntryPointSetting& named : generator.steering()->settings().entry_points) {
+    EntryPointClass all{named.name, {}, fmt::format("named by {}", named.from)};
+    for (const std::string& glob : named.globs) {
+      std::ranges::move(entry_points_matching(glob, paths).roots, std::back_inserter(all.roots));
+    }
+    std::ranges::sort(all.roots);
+    all.roots.erase(std::unique(all.roots.begin(), all.roots.end()), all.roots.end());
+    classes.push_back(std::move(all));
+  }
+  return classes;
+}
+
+std::size_t most_classes(const WikiGenerator& generator) {
+  const Steering* steering = generator.steering();
+  return steering == nullptr
+             ? MAX_ENTRY_POINT_CLASSES
+             : steering->settings().limit("classes").value_or(MAX_ENTRY_POINT_CLASSES);
+}
+
 }  // namespace
 
 FlowsAnswer flows_answer(const WikiGenerator& generator, std::span<const std::string> patterns) {
   std::vector<EntryPointClass> classes;
   FlowsAnswer answer;
   if (patterns.empty()) {
-    classes = classes_that_show(generator);
+    classes = named_classes(generator);
+    std::ranges::move(classes_that_show(generator), std::back_inserter(classes));
     answer.total = classes.size();
-    classes.resize(std::min(classes.size(), MAX_ENTRY_POINT_CLASSES));
+    classes.resize(std::min(classes.size(), most_classes(generator)));
   } else {
     const auto paths = generator._planner_paths();
     for (const std::string& pattern : patterns) {
@@ -68,7 +94,7 @@ FlowsAnswer flows_answer(const WikiGenerator& generator, std::span<const std::st
   }
   answer.truncated = answer.total > answer.classes.size();
   if (answer.classes.empty()) {
-    answer.nothing_found = "no directory of which one file outside uses three files and a third";
+    answer.nothing_found = "no directory of which a file elsewhere uses three files and a third";
   }
   return answer;
 }

@@ -29,6 +29,14 @@ PageAnswer decisions_answer(const WikiGenerator& generator);
 FlowsAnswer flows_answer(const WikiGenerator& generator,
                          std::span<const std::string> patterns = {});
 
+struct Page;
+
+/// The answer for a page with the generator's settings in force: pins, bans, limits. Not for flows.
+PageAnswer answer_page(const WikiGenerator& generator, const Page& page);
+/// The same for flows; without patterns, the classes that the settings name come first.
+FlowsAnswer answer_flows(const WikiGenerator& generator,
+                         std::span<const std::string> patterns = {});
+
 // What a file lacks that a page does not list: one line, or "" when there is nothing to tell beyond
 // what holds for every page. Only asked about files that the page could list.
 std::string data_models_why_not(const WikiGenerator& generator, std::string_view path);

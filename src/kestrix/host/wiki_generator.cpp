@@ -7,12 +7,27 @@
 
 namespace kestrix {
 
-WikiGenerator::WikiGenerator(const index::RepositoryIndex& index, const std::filesystem::path& root)
-    : index_(index), handle_(index), root_(root, &index) {
+namespace {
+
+bool is_test(const Steering* steering, std::string_view path) {
+  const auto role = steering == nullptr ? std::nullopt : steering->role_of(path);
+  return role ? *role == GivenRole::kTest : is_test_path(path);
+}
+
+bool is_production(const Steering* steering, std::string_view path) {
+  const bool given = steering != nullptr && steering->role_of(path).has_value();
+  return !given && !is_test_path(path);
+}
+
+}  // namespace
+
+WikiGenerator::WikiGenerator(const index::RepositoryIndex& index, const std::filesystem::path& root,
+                             const Steering* steering)
+    : index_(index), handle_(index), steering_(steering), root_(root, &index) {
   for (const auto& file : index_.files()) {
     if (file.document) continue;
     std::string path = _norm(file.path);
-    if (!is_test_path(path)) planner_paths_.push_back(std::move(path));
+    if (is_production(steering_, path)) planner_paths_.push_back(std::move(path));
   }
 }
 
@@ -26,6 +41,14 @@ std::vector<SourceFileRecord> WikiGenerator::_source_files() const {
     if (!file.document) records.push_back({std::string(file.path)});
   }
   return records;
+}
+
+std::vector<std::string> WikiGenerator::_test_files() const {
+  std::vector<std::string> tests;
+  for (const auto& file : index_.files()) {
+    if (!file.document && is_test(steering_, file.path)) tests.push_back(_norm(file.path));
+  }
+  return tests;
 }
 
 std::vector<DocumentRecord> WikiGenerator::_indexed_documents() const {

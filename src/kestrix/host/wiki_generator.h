@@ -10,6 +10,7 @@
 #include "kestrix/host/document_evidence.h"
 #include "kestrix/host/repository/repository_handle.h"
 #include "kestrix/host/repository/repository_root.h"
+#include "kestrix/host/settings/steering.h"
 #include "kestrix/index/index.h"
 #include "kestrix/workers/wiki/page_sources.h"
 
@@ -18,23 +19,29 @@ namespace kestrix {
 /// The generator of a repository on disk: the object that the native host mixes the detectors into.
 ///
 /// Its planner gives exactly the indexed source files that are no tests, so that each source file
-/// is either one of `_planner_paths` or one of `_test_files`. Immutable; safe to use from several
+/// is either one of `_planner_paths` or one of `_test_files`, but for files that settings call
+/// generated or samples, which are neither. Immutable; safe to use from several
 /// threads.
 class WikiGenerator : public PageSourcesMixin {
  public:
-  /// `index` must outlive the generator; `root` is the directory that its paths are relative to.
-  /// Throws `Error` when that is no directory.
-  WikiGenerator(const index::RepositoryIndex& index, const std::filesystem::path& root);
+  /// `index` and `steering`, which may be none, must outlive the generator; `root` is the directory
+  /// that its paths are relative to. Throws `Error` when that is no directory.
+  WikiGenerator(const index::RepositoryIndex& index, const std::filesystem::path& root,
+                const Steering* steering = nullptr);
 
   const Repository& repository() const override { return handle_; }
   /// What the handle speaks for.
   const index::RepositoryIndex& indexed() const { return index_; }
+  /// The settings in force; null when there are none.
+  const Steering* steering() const { return steering_; }
   /// Whether a path is one of `_planner_paths`.
   bool is_planned(std::string_view path) const;
   const RepoRoot& repo_root() const override { return root_; }
   std::vector<SourceFileRecord> _source_files() const override;
   std::vector<std::string> _planner_paths() const override { return planner_paths_; }
   std::vector<DocumentRecord> _indexed_documents() const override;
+  /// Settings may make a file a test that its path does not show.
+  std::vector<std::string> _test_files() const override;
   /// With what the index knows of the documents in force.
   std::vector<std::string> _decision_files() const override;
   /// What the index knows of the documents; gathered when it is first asked for.
@@ -43,6 +50,7 @@ class WikiGenerator : public PageSourcesMixin {
  private:
   const index::RepositoryIndex& index_;
   RepositoryHandle handle_;
+  const Steering* steering_;
   RepositoryRoot root_;
   mutable std::once_flag documents_gathered_;
   mutable std::unique_ptr<const DocumentEvidence> documents_;

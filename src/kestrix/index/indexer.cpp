@@ -21,7 +21,7 @@ struct Place {
 
 Place place_of(const IndexOptions& options, const fs::path& root) {
   if (options.file) return {fs::absolute(*options.file), false};
-  return {default_index_path(root), true};
+  return {default_index_path(root, options.choice), true};
 }
 
 Store open_place(const Place& place, const Patience& patience) {

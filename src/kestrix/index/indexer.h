@@ -7,6 +7,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "kestrix/index/index.h"
 #include "kestrix/utils/stop.h"
@@ -18,6 +19,11 @@ struct IndexOptions {
   std::filesystem::path root = ".";
   /// The index's file; none: `default_index_path`, which never lies in the repository.
   std::optional<std::filesystem::path> file;
+  /// Which of the listed files count; none: all of them. Called on the calling thread.
+  std::function<bool(std::string_view path)> takes;
+  /// Tells choices of `takes` apart, "" for all files: each has a default index of its own, so that
+  /// one choice does not undo another's work.
+  std::string choice;
   /// How many threads read and parse; 0: one a core. Results do not depend on it.
   unsigned threads = 0;
   /// How long to wait while another process refreshes the same index. A first indexing may take

@@ -9,6 +9,7 @@
 
 #include "kestrix/index/edge_builder.h"
 #include "kestrix/index/indexed_files.h"
+#include "kestrix/index/settings.h"
 #include "kestrix/index/sources_digest.h"
 #include "kestrix/index/workers.h"
 #include "kestrix/store/content_hash.h"
@@ -21,10 +22,16 @@ namespace {
 namespace fs = std::filesystem;
 
 const std::string kReaderSetting = "reader";
-const std::string kRootSetting = "root";
 const std::string kDigestSetting = "digest";
 // Set where a resolver could not read a text: the next refresh resolves all anew.
 const std::string kUnreadSetting = "unread";
+
+void leave_out_others(WalkResult& walked, const IndexOptions& options) {
+  if (!options.takes) return;
+  const auto excluded = std::erase_if(
+      walked.files, [&](const WalkedFile& file) { return !options.takes(file.path); });
+  walked.skipped.add(skipped::kExcluded, excluded);
+}
 
 std::unique_ptr<RepositoryIndex> load_checked(Store& store, std::span<const FileRow> rows) {
   auto index = RepositoryIndex::load(store, rows);
@@ -58,7 +65,8 @@ RefreshedIndex Refresher::refresh_and_open() {
 std::unique_ptr<RepositoryIndex> Refresher::run() {
   result_.file = store_.path();
   const auto own_files = own_files_below(root_.path(), store_.path());
-  const WalkResult walked = walk(root_, {.excluded = own_files, .stop = options_.stop});
+  WalkResult walked = walk(root_, {.excluded = own_files, .stop = options_.stop});
+  leave_out_others(walked, options_);
   store_.begin_read();
   RefreshPlan plan = make_plan(walked);
   if (plan.is_done() || holds_what_differs(plan)) {

@@ -52,9 +52,11 @@ bool lies_in(const fs::path& directory, const fs::path& path) {
 
 }  // namespace
 
-fs::path default_index_path(const fs::path& root) {
+fs::path default_index_folder() { return cache_home() / "page-sources"; }
+
+fs::path default_index_path(const fs::path& root, std::string_view choice) {
   std::error_code failure;
-  const fs::path folder = cache_home() / "page-sources";
+  const fs::path folder = default_index_folder();
   const fs::path real = fs::weakly_canonical(folder, failure);
   if (!failure && lies_in(root, real)) {
     throw Error(
@@ -62,7 +64,10 @@ fs::path default_index_path(const fs::path& root) {
                     "another one with --index",
                     folder.native()));
   }
-  return folder / fmt::format("{}-{:016x}.sqlite", readable_name(root), quick_hash(root.native()));
+  const std::string chosen =
+      choice.empty() ? std::string() : fmt::format("-{:016x}", quick_hash(choice));
+  return folder / fmt::format("{}-{:016x}{}.sqlite", readable_name(root),
+                              quick_hash(root.native()), chosen);
 }
 
 void prepare_default_place(const fs::path& index) {

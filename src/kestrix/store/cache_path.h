@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <optional>
+#include <string_view>
 
 namespace kestrix::index {
 
@@ -10,7 +11,13 @@ namespace kestrix::index {
 ///
 /// `root` is absolute and without symbolic links. Throws `Error` when no home is known, or when the
 /// place would lie inside the repository.
-std::filesystem::path default_index_path(const std::filesystem::path& root);
+/// Each `choice` of files has a name of its own; "" is that of all files.
+std::filesystem::path default_index_path(const std::filesystem::path& root,
+                                         std::string_view choice = {});
+
+/// The directory that default indexes lie in, whether it exists or not. Throws `Error` when no home
+/// is known.
+std::filesystem::path default_index_folder();
 
 /// Creates the directories above a default index; the last is for the user alone. Throws `Error`,
 /// which names the one that cannot be made.

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "kestrix/files/skip_counts.h"
+
+namespace kestrix::program {
+
+/// Why an answer about the repository may be incomplete, a line each, by what was left out of its
+/// index: a bare repository, submodules, files that are not checked out or cannot be read.
+std::vector<std::string> warnings_of(const std::filesystem::path& root,
+                                     const index::SkipCounts& left_out);
+
+}  // namespace kestrix::program
