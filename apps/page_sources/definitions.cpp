@@ -418,6 +418,7 @@ OptionDefinition definition_of(const CLI::Option& option) {
     defined.choices = CLI::detail::split(choices, '|');
   }
   if (defined.value == "NAME,..." || defined.value == "PAGE") defined.choices = page_names();
+  if (defined.value == "ACTION") defined.choices = {"list", "clean"};
   return defined;
 }
 
