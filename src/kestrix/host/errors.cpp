@@ -2,9 +2,13 @@
 
 #include <algorithm>
 #include <map>
+#include <set>
 
+#include "kestrix/host/evidence/error_types.h"
+#include "kestrix/host/evidence/score_sheet.h"
 #include "kestrix/host/index_evidence.h"
 #include "kestrix/host/pages.h"
+#include "kestrix/languages/frameworks.h"
 
 namespace kestrix {
 namespace {
@@ -22,6 +26,125 @@ std::map<std::string, std::vector<Place>, std::less<>> exception_types(
   for (auto& [path, places] : types) std::ranges::sort(places, {}, &Place::line);
   return types;
 }
+
+using index::DeclarationRef;
+using index::FileId;
+using index::Role;
+
+constexpr Signal kDefines{"defines_errors", 1.0, "defines {} error", "defines {} errors",
+                          "netbox, mockito"};
+constexpr Signal kBase{"error_base", 2.0, "{} error type extends one of it",
+                       "{} error types extend one of it", "BookStack, mockito"};
+constexpr Signal kThrown{"errors_thrown", 1.2, "its errors are thrown in {} file",
+                         "its errors are thrown in {} files", "BookStack, netbox"};
+constexpr Signal kTold{"tells_errors_apart", 2.2, "tells {} error type apart",
+                       "tells {} error types apart", "eShopOnWeb, flask"};
+constexpr Signal kMakes{"makes_errors", 1.6, "makes {} kind of error", "makes {} kinds of errors",
+                        "mockito, crates.io"};
+constexpr Signal kHandler{"error_handler", 4.0, "is a framework's handler of errors",
+                          "is {} of a framework's handlers of errors", "BookStack, umami"};
+constexpr Signal kNamed{"errors_named", 0.8, "its errors are named in {} file",
+                        "its errors are named in {} files", "lazygit, crates.io"};
+
+constexpr double kLeastScore = 3.0;
+constexpr double kLeastShare = 0.22;
+constexpr std::size_t kSeveral = 2;  // so many types are told apart, or made, by design
+
+// What is seen of one file.
+struct ErrorUse {
+  std::set<DeclarationRef> told;
+  std::set<DeclarationRef> made;
+  std::vector<Place> told_at;
+  std::vector<Place> made_at;
+};
+
+class ErrorSignals {
+ public:
+  explicit ErrorSignals(const CodeEvidence& evidence)
+      : evidence_(evidence), types_(error_types(evidence)) {}
+
+  ScoreSheet sheet() {
+    ScoreSheet sheet(evidence_);
+    add_definitions(sheet);
+    add_uses(sheet);
+    add_handlers(sheet);
+    return sheet;
+  }
+
+ private:
+  void add_definitions(ScoreSheet& sheet) {
+    std::map<FileId, std::vector<DeclarationRef>> by_file;
+    for (const DeclarationRef type : types_) by_file[type.file].push_back(type);
+    for (const auto& [file, types] : by_file) {
+      if (!evidence_.is_product(file)) continue;
+      std::vector<Place> places;
+      std::set<DeclarationRef> subtypes;
+      std::set<FileId> throwers;
+      std::set<FileId> namers;
+      for (const DeclarationRef type : types) {
+        places.push_back(evidence_.place_of(type));
+        for (const DeclarationRef subtype : evidence_.subtypes(type)) subtypes.insert(subtype);
+        const auto thrown = evidence_.files_naming(type, {Role::kThrows, Role::kConstructs});
+        throwers.insert(thrown.begin(), thrown.end());
+        const auto named = evidence_.files_naming(type, kEveryRole);
+        namers.insert(named.begin(), named.end());
+      }
+      const std::string names = names_and_lines(places);
+      sheet.add(file, kDefines, types.size(), places, names);
+      sheet.add(file, kBase, subtypes.size(), places_of(subtypes));
+      sheet.add(file, kThrown, throwers.size());
+      sheet.add(file, kNamed, namers.size());
+    }
+  }
+
+  void add_uses(ScoreSheet& sheet) {
+    std::map<FileId, ErrorUse> uses;
+    for (const auto& to : evidence_.index().references()) {
+      if (to.declaration == 0 || !evidence_.is_product(to.source)) continue;
+      const DeclarationRef type{to.target, to.declaration - 1};
+      if (!types_.contains(type)) continue;
+      ErrorUse& use = uses[to.source];
+      if (to.role == Role::kCatches) {
+        use.told.insert(type);
+        use.told_at.push_back(evidence_.place_of(to));
+      } else if (to.role == Role::kThrows || to.role == Role::kConstructs) {
+        if (to.source == to.target) continue;
+        use.made.insert(type);
+        use.made_at.push_back(evidence_.place_of(to));
+      }
+    }
+    for (auto& [file, use] : uses) {
+      const std::string told = names_and_lines(use.told_at);
+      const std::string made = names_and_lines(use.made_at);
+      if (use.told.size() >= kSeveral) sheet.add(file, kTold, use.told.size(), use.told_at, told);
+      if (use.made.size() > kSeveral) sheet.add(file, kMakes, use.made.size(), use.made_at, made);
+    }
+  }
+
+  // What frameworks ask about errors, by base type, annotation or call.
+  void add_handlers(ScoreSheet& sheet) {
+    std::map<FileId, std::vector<Place>> handlers;
+    for (const auto& to : evidence_.index().references()) {
+      if (to.target != index::IndexedReference::kOutside || !evidence_.is_product(to.source)) continue;
+      const auto language = evidence_.index().files()[to.source].language;
+      if (known_as(language, index::Known::kErrorHandler, to.name) == nullptr) continue;
+      handlers[to.source].push_back(evidence_.place_of(to));
+    }
+    for (auto& [file, places] : handlers) {
+      const std::string names = names_and_lines(places);
+      sheet.add(file, kHandler, 1, std::move(places), names);
+    }
+  }
+
+  std::vector<Place> places_of(const std::set<DeclarationRef>& types) const {
+    std::vector<Place> places;
+    for (const DeclarationRef type : types) places.push_back(evidence_.place_of(type));
+    return places;
+  }
+
+  const CodeEvidence& evidence_;
+  std::set<DeclarationRef> types_;
+};
 
 std::string defines(std::size_t count) {
   return fmt::format("defines {}", counted(count, "exception type", "exception types"));
@@ -45,6 +168,10 @@ PageAnswer errors_answer(const WikiGenerator& generator) {
     answer.files.push_back(std::move(pick));
   }
   answer.total = types.size();
+  const CodeEvidence code(generator);
+  const ScoreSheet sheet = ErrorSignals(code).sheet();
+  add_reasons(sheet, code, answer.files);
+  answer.further = sheet.further(answer.files, room_for_further(answer.files.size()), kLeastScore, kLeastShare);
   finish(answer, *answer.has_material ? "no exception class in a production file, only in others"
                                       : "no class named …Error or …Exception");
   return answer;

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string_view>
+
+namespace kestrix::index {
+
+/// What a name from outside of the repository means to those who use it.
+enum class Known : std::uint8_t {
+  kErrorBase,      ///< what extends it can be thrown
+  kErrorHandler,   ///< what extends it, or bears it, is asked about errors that nobody caught
+  kErrorValue,     ///< calling it makes an error value
+  kModelBase,      ///< what extends it is stored
+  kModelMarker,    ///< what bears it is stored
+  kModelList,      ///< its type arguments are stored
+  kSettingsBase,   ///< what extends it is filled from the environment or a file
+  kSettingsCall,   ///< calling it reads, binds or declares settings
+  kLoader,         ///< calling it loads code by name: plug-ins
+  kHandlerBase,    ///< what extends it is called from outside: a request, a command, a job
+  kHandlerMarker,  ///< what bears it is
+  kHandlerPath,    ///< a glob: files there are, by the framework's convention
+  kStartPath,      ///< a glob: where such a product starts
+  kTestBase,       ///< what extends it is a test
+};
+
+/// One name of a framework or of a language's own library. A dotted name means every name that
+/// ends with it ("models.Model": also "django.db.models.Model").
+struct FrameworkName {
+  std::string_view framework;
+  Known known;
+  std::string_view name;
+};
+
+/// The names that matter in a language's files ("python"); empty for a language without.
+std::span<const FrameworkName> framework_names(std::string_view language);
+
+/// Whether `name`, a full name from outside, is known as that; the row, or null.
+const FrameworkName* known_as(std::string_view language, Known known, std::string_view name);
+
+}  // namespace kestrix::index

@@ -1,0 +1,38 @@
+#include "kestrix/languages/frameworks.h"
+
+namespace kestrix::index {
+
+std::span<const FrameworkName> go_frameworks();
+
+namespace {
+
+constexpr FrameworkName kNames[] = {
+    {"go", Known::kErrorValue, "errors.New"},
+    {"go", Known::kErrorValue, "fmt.Errorf"},
+    {"go", Known::kErrorValue, "errors.Wrap"},
+    {"go", Known::kErrorValue, "errors.Errorf"},
+    {"go", Known::kErrorValue, "status.Error"},
+    {"go", Known::kErrorBase, "error"},
+    {"gorm", Known::kModelBase, "gorm.Model"},
+    {"go", Known::kSettingsCall, "viper.Get"},
+    {"go", Known::kSettingsCall, "viper.Unmarshal"},
+    {"go", Known::kSettingsCall, "envconfig.Process"},
+    {"go", Known::kSettingsCall, "flag.String"},
+    {"go", Known::kSettingsCall, "flag.Bool"},
+    {"go", Known::kSettingsCall, "flag.Int"},
+    {"go", Known::kSettingsCall, "env.Parse"},
+    {"go", Known::kSettingsCall, "flaggy.String"},
+    {"go", Known::kSettingsCall, "flaggy.Bool"},
+    {"go", Known::kSettingsCall, "pflag.String"},
+    {"go", Known::kLoader, "plugin.Open"},
+    {"cobra", Known::kHandlerMarker, "cobra.Command"},
+    {"go", Known::kStartPath, "**/cmd/*/main.go"},
+    {"go", Known::kStartPath, "main.go"},
+    {"go", Known::kStartPath, "cmd/**/main.go"},
+};
+
+}  // namespace
+
+std::span<const FrameworkName> go_frameworks() { return kNames; }
+
+}  // namespace kestrix::index
