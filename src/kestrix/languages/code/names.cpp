@@ -39,6 +39,35 @@ std::optional<std::string> name_path(std::string_view text) {
   return path;
 }
 
+Token token_at(std::string_view text, std::size_t start) {
+  std::size_t before = start;
+  while (before > 0 && is_blank(text[before - 1]) && start - before < kLongestMention) --before;
+  const bool member = before > 0 && text[before - 1] == '.' &&
+                      !(before > 1 && text[before - 2] == '.');
+  const bool later = before > 1 && text.substr(before - 2, 2) == "::";
+  if (member || later) return {};
+  std::size_t end = start;
+  const auto take_word = [&] {
+    while (end < text.size() && is_name(text[end]) && end - start <= kLongestMention) ++end;
+  };
+  take_word();
+  while (text.substr(end, 2) == "::" && end + 2 < text.size() && is_name(text[end + 2])) {
+    end += 2;
+    take_word();
+  }
+  std::size_t next = end;
+  while (next < text.size() && is_blank(text[next]) && next - end < kLongestMention) ++next;
+  const char follows = next < text.size() ? text[next] : '\0';
+  const std::string_view rest = text.substr(next, 2);
+  const bool key = (follows == ':' && rest != "::") || (follows == '=' && rest != "==" && rest != "=>");
+  if (key) return {};
+  return {text.substr(start, end - start), follows};
+}
+
+bool starts_in_lower_case(std::string_view name) {
+  return !name.empty() && ((name.front() >= 'a' && name.front() <= 'z') || name.front() == '_');
+}
+
 std::string_view literal_content(std::string_view literal) {
   const std::size_t open = literal.find_first_of("\"'`");
   if (open == std::string_view::npos) {

@@ -13,6 +13,16 @@ inline constexpr std::size_t kLongestMention = 200;
 /// anything else than names and what joins them. Generic arguments end it.
 std::optional<std::string> name_path(std::string_view text);
 
+/// A word in a text that is no more than tokens, with what may follow it.
+struct Token {
+  std::string_view path{};  ///< "a::b" where the word starts a path; "" where it belongs to
+                            ///< something else: a member, a later part of a path, a key
+  char next = '\0';
+};
+Token token_at(std::string_view text, std::size_t start);
+
+bool starts_in_lower_case(std::string_view name);
+
 /// What a string literal says: without its prefix and quotes. Empty when it is not closed.
 std::string_view literal_content(std::string_view literal);
 

@@ -20,7 +20,8 @@ enum class Act : std::uint8_t {
   kSkip,           ///< nothing below counts: import statements, the member part of a path
   kName,           ///< one name, mentioned in the role in force
   kPath,           ///< names joined ("a.b.C"): one mention if it is nothing else, else walked into
-  kBind,           ///< a name that is local to the function from here on
+  kBind,           ///< a name, or a list of names, local to the function from here on
+  kBindBehind,     ///< the same, from where the node's parent ends
   kString,         ///< a string literal
   kScalar,         ///< another literal
   kTable,          ///< a literal list, map or array; its elements are listed
@@ -30,6 +31,11 @@ enum class Act : std::uint8_t {
   kSubscript,      ///< "base[key]": as a call, but nothing is called
   kFunctionValue,  ///< a lambda: what holds it is a function
   kTypeArguments,  ///< arguments of a type where one stands, else of a value
+  kLiteral,        ///< a value written with its type in field `name`, its elements in `value`
+  kKey,            ///< a key of such a value: names a member of the type, or is an element, too
+  kToken,          ///< a word among tokens: one mention with the path that it starts
+  kPattern,        ///< a name in a pattern: binds in lower case, else it is mentioned
+  kMembers,        ///< members of the type that `owner` tells, which is declared elsewhere
   kDeclare,        ///< declares `kind` under the name in field `name`, with the value in `value`
 };
 
@@ -43,6 +49,8 @@ struct CodeRule {
   DeclarationKind kind = DeclarationKind::kClass;  ///< of kDeclare
   std::string_view name = "name";
   std::string_view value = "value";
+  std::optional<Role> errors{};  ///< for those of the names below that `is_error` knows
+  bool weak = false;   ///< `role` counts only where nothing more is known than a use
   bool ahead = false;  ///< stands before the declaration that it belongs to: decorators, attributes
 };
 
@@ -50,6 +58,12 @@ struct CodeRule {
 struct CallRule {
   std::string_view callee;  ///< "isinstance", "os.getenv": all of the path, or its end after a "."
   Role role;                ///< of its arguments; kReads: its first string is the key
+};
+
+/// That a type satisfies another one.
+struct Claim {
+  std::string_view type;
+  std::string_view base;
 };
 
 /// How the declarations and mentions of a language are found in its trees: data, and the few
@@ -64,6 +78,14 @@ struct CodeRules {
   bool members_in_scope = false;
   /// Whether a declaration may be written with what it belongs to ("Type::member").
   bool qualified_names = false;
+  /// Whether a name stands for an error, as the language's habits have it.
+  bool (*is_error)(std::string_view name, Role role) = nullptr;
+  /// Whether the keys of a literal name members of its type rather than values.
+  bool (*keyed_by_member)(TSNode literal) = nullptr;
+  /// The type that a method, or the members below a node, belong to; "" for none.
+  std::string_view (*owner)(const SourceTree& tree, TSNode node) = nullptr;
+  /// What a variable without a name says: that a type implements another; null: nothing.
+  std::optional<Claim> (*claim)(const SourceTree& tree, TSNode variable) = nullptr;
   /// Whether other files can reach a declaration; null: all of them.
   bool (*exported)(const SourceTree& tree, TSNode declaration, const Declaration& as) = nullptr;
   /// Whether a type or method says that it is abstract; null: methods without a "body".

@@ -27,15 +27,16 @@ ValueShape shape_of(Act act) {
     case Act::kTable:
     case Act::kCall:
     case Act::kConstruct:
+    case Act::kLiteral:
       return ValueShape::kRecords;
     default:
       return ValueShape::kUnknown;
   }
 }
 
-// Of "key: value" what stands last counts; deeper than three such layers no table goes.
+// Of "key: value" what stands last counts; deeper than five such layers no table goes.
 ValueShape shape_of_element(const CompiledRules& rules, TSNode element, TSSymbol parent) {
-  for (int depth = 0; depth < 3; ++depth) {
+  for (int depth = 0; depth < 5; ++depth) {
     const Act act = act_of(rules, element, parent);
     if (act != Act::kEntry && act != Act::kPass) return shape_of(act);
     const std::uint32_t count = ts_node_named_child_count(element);
@@ -64,6 +65,17 @@ void take_table(const CompiledRules& rules, TSNode table, Declaration& as) {
                           : static_cast<ValueShape>(most - seen.begin());
 }
 
+void take_literal(const CompiledRules& rules, TSNode literal, TSSymbol parent, Declaration& as) {
+  const auto* rule = rules.find(ts_node_symbol(literal), parent, 0);
+  const auto keyed = rules.source().keyed_by_member;
+  const TSNode elements = ts_node_child_by_field_id(literal, rule->value);
+  if (ts_node_is_null(elements) || keyed == nullptr || keyed(literal)) {
+    as.shape = ValueShape::kInstance;
+  } else {
+    take_table(rules, elements, as);
+  }
+}
+
 }  // namespace
 
 void take_value(const CompiledRules& rules, TSNode value, TSSymbol parent, Declaration& as) {
@@ -72,6 +84,8 @@ void take_value(const CompiledRules& rules, TSNode value, TSSymbol parent, Decla
     switch (act_of(rules, value, parent)) {
       case Act::kTable:
         return take_table(rules, value, as);
+      case Act::kLiteral:
+        return take_literal(rules, value, parent, as);
       case Act::kCall:
       case Act::kConstruct:
         as.shape = ValueShape::kInstance;

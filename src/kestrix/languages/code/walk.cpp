@@ -56,6 +56,12 @@ struct Frame {
   Role argument_role = Role::kLists;
   bool scope = false;  // names bound in it are its own
   bool ahead = false;  // annotations belong to the declaration that follows
+  bool keyed = false;  // keys name members
+  std::optional<Role> errors{};     // of names that stand for errors
+  TSFieldId names = 0;              // of a declaration: the field of its names
+  std::uint32_t declared = 0;       // and its place; 0: its names are local
+  TSNode binds{};                   // names that are local when the node has ended
+  std::string_view owner{};         // the type that is declared elsewhere
 };
 
 // Names that functions bind, by how many of the functions around the place do.
@@ -106,6 +112,7 @@ class CodeWalk {
  private:
   void finish() {
     annotate(0);
+    settle();
     facts_.mentions = mentions_.take();
     for (const Mention& mention : facts_.mentions) {
       if (mention.role > Role::kImplements || mention.within == 0) continue;
@@ -120,6 +127,7 @@ class CodeWalk {
     if (!ts_node_is_named(node) && ts_node_child_count(node) == 0) return false;
     const Rule* rule = rules_.find(ts_node_symbol(node), frames_.back().symbol, field);
     Frame frame = below(frames_.back(), node, field);
+    if (is_further_name(frames_.back(), node, field)) return false;
     if (node.id == frames_.back().name && (rule == nullptr || rule->rule->act != Act::kDeclare)) {
       return false;
     }
@@ -127,21 +135,31 @@ class CodeWalk {
       frame.role = beyond(frame.role);
       return push(frame, node);
     }
-    if (rule->rule->role) frame.role = *rule->rule->role;
+    if (rule->rule->role && (!rule->rule->weak || is_of(frame.role, {Role::kUses, Role::kLists}))) {
+      frame.role = *rule->rule->role;
+      frame.errors.reset();
+    }
+    if (rule->rule->errors) frame.errors = rule->rule->errors;
     frame.act = rule->rule->act;
     frame.ahead |= rule->rule->ahead;
     return visit(*rule, node, frame);
   }
 
   static Frame below(const Frame& up, TSNode node, TSFieldId field) {
-    Frame frame{
-        .symbol = ts_node_symbol(node), .role = up.role, .holder = up.holder, .ahead = up.ahead};
+    Frame frame{.symbol = ts_node_symbol(node),
+                .role = up.role,
+                .holder = up.holder,
+                .ahead = up.ahead,
+                .keyed = up.keyed,
+                .errors = up.errors,
+                .owner = up.owner};
     if (up.callee != 0 && field == up.callee) {
       frame.role = called(up.role, up.callee_role);
     } else if (up.arguments != 0 && field == up.arguments) {
       frame.role = up.argument_role;
     } else if (up.callee != 0) {
-      frame.role = Role::kUses;
+      // Without a field for them all that is no callee are arguments.
+      frame.role = up.arguments == 0 ? up.argument_role : Role::kUses;
     }
     return frame;
   }
@@ -155,6 +173,7 @@ class CodeWalk {
 
   void leave() {
     const Frame& frame = frames_.back();
+    if (frame.binds.id != nullptr) bind(frame.binds);
     if (frame.scope) locals_.leave();
     frames_.pop_back();
   }
@@ -170,8 +189,28 @@ class CodeWalk {
       case Act::kPath:
         return visit_path(node, frame);
       case Act::kBind:
-        locals_.bind(tree_.text(node));
+        bind(node);
         return false;
+      case Act::kBindBehind:
+        frames_.back().binds = node;
+        return false;
+      case Act::kPattern:
+        if (!starts_in_lower_case(tree_.text(node))) {
+          mention(node, tree_.text(node), frame);
+        } else {
+          locals_.bind(tree_.text(node));
+        }
+        return false;
+      case Act::kToken:
+        visit_token(node, frame);
+        return false;
+      case Act::kLiteral:
+        return visit_literal(rule, node, frame);
+      case Act::kKey:
+        return !frame.keyed && push(frame, node);
+      case Act::kMembers:
+        enter_members(node, frame);
+        return push(frame, node);
       case Act::kString:
         add_string(node, frame);
         frame.role = Role::kUses;
@@ -188,6 +227,7 @@ class CodeWalk {
       case Act::kFunctionValue:
         frame.scope = true;
         frame.role = Role::kUses;
+        frame.errors.reset();
         return push(frame, node);
       case Act::kTypeArguments:
         frame.role = is_of(frame.role, {Role::kExtends, Role::kImplements, Role::kType,
@@ -216,6 +256,35 @@ class CodeWalk {
     if (mention(node, text, frame)) return false;
     frame.role = beyond(frame.role);
     return push(frame, node);
+  }
+
+  bool visit_literal(const Rule& rule, TSNode node, Frame& frame) {
+    frame.callee = rule.name;
+    frame.callee_role = Role::kConstructs;
+    frame.arguments = rule.value;
+    frame.role = Role::kLists;
+    frame.keyed = source_.keyed_by_member == nullptr || source_.keyed_by_member(node);
+    return push(frame, node);
+  }
+
+  // Tokens are not parsed: what stands around a word tells what it is.
+  void visit_token(TSNode node, Frame& frame) {
+    const Token token = token_at(tree_.text(), ts_node_start_byte(node));
+    if (token.path.empty()) return;
+    if (frame.role == Role::kAnnotates && starts_in_lower_case(token.path)) return;
+    if (is_of(frame.role, {Role::kUses, Role::kLists})) {
+      if (token.next == '(' || token.next == '!') frame.role = Role::kCalls;
+      if (token.next == '{') frame.role = Role::kUses;
+    }
+    mention(node, token.path, frame);
+  }
+
+  void enter_members(TSNode node, Frame& frame) const {
+    frame.owner = source_.owner(tree_, node);
+    if (const auto type = types_.find(frame.owner); type != types_.end()) {
+      frame.holder = type->second;
+      frame.owner = {};
+    }
   }
 
   bool visit_call(const Rule& rule, TSNode node, Frame& frame) {
@@ -290,7 +359,9 @@ class CodeWalk {
     const std::string_view root = std::string_view(*path).substr(0, path->find('.'));
     if (std::ranges::find(source_.self, root) != source_.self.end()) return true;
     if (locals_.contains(root)) return true;
-    add(*path, frame.role, frame, SourceTree::line(node));
+    const bool plain = is_of(frame.role, {Role::kUses, Role::kLists, Role::kConstructs});
+    const bool error = frame.errors && plain && source_.is_error(*path, frame.role);
+    add(*path, error ? *frame.errors : frame.role, frame, SourceTree::line(node));
     return true;
   }
 
@@ -308,10 +379,89 @@ class CodeWalk {
     annotations_.clear();
   }
 
+  // The name, or each of the names that stand directly in the node.
+  void bind(TSNode node) {
+    TreeCursor cursor(node);
+    if (!cursor.to_first_child()) return locals_.bind(tree_.text(node));
+    do {
+      if (ts_node_is_named(cursor.node()) && ts_node_child_count(cursor.node()) == 0) {
+        locals_.bind(tree_.text(cursor.node()));
+      }
+    } while (cursor.to_next_sibling());
+  }
+
+  // "var a, b": what is declared like the name before.
+  bool is_further_name(const Frame& up, TSNode node, TSFieldId field) {
+    if (up.names == 0 || field != up.names || node.id == up.name) return false;
+    if (ts_node_child_count(node) > 0 || !ts_node_is_named(node)) return false;
+    const std::string_view name = tree_.text(node);
+    if (up.declared == 0) {
+      locals_.bind(name);
+      return true;
+    }
+    if (facts_.declarations.size() >= kMostDeclarations) {
+      ++facts_.dropped;
+      return true;
+    }
+    Declaration as = facts_.declarations[up.declared - 1];
+    as.name = name;
+    as.line = SourceTree::line(node);
+    as.shape = ValueShape::kUnknown;
+    as.size = 0;
+    if (source_.exported != nullptr) as.exported = source_.exported(tree_, node, as);
+    if (as.container > 0 && as.kind == DeclarationKind::kField) {
+      ++facts_.declarations[as.container - 1].fields;
+    }
+    facts_.declarations.push_back(std::move(as));
+    return true;
+  }
+
+  // What is said of types that are declared further down.
+  void settle() {
+    for (const auto& [claim, line] : claims_) {
+      const auto type = types_.find(claim.type);
+      if (const auto base = name_path(claim.base)) {
+        mentions_.add(*base, Role::kImplements, type == types_.end() ? 0 : type->second, line);
+      }
+    }
+    for (const std::string_view owner : owners_) {
+      if (const auto type = types_.find(owner); type != types_.end()) {
+        ++facts_.declarations[type->second - 1].methods;
+      }
+    }
+  }
+
+  bool make_claim(TSNode node, const Declaration& as) {
+    if (source_.claim == nullptr || as.name != "_" || !is_value(as.kind)) return false;
+    const auto claim = source_.claim(tree_, node);
+    if (!claim || claims_.size() >= kMostDeclarations) return false;
+    claims_.emplace_back(*claim, as.line);
+    return true;
+  }
+
+  // Gives a method to its type; where that stands elsewhere, its name says so.
+  void give_to_owner(TSNode node, const Frame& frame, Declaration& as) {
+    if (source_.owner == nullptr || as.container > 0) return;
+    std::string_view owner = frame.owner;
+    if (owner.empty() && as.kind == DeclarationKind::kMethod) owner = source_.owner(tree_, node);
+    if (owner.empty()) return;
+    if (const auto type = types_.find(owner); type != types_.end()) {
+      as.container = type->second;
+      return;
+    }
+    if (as.kind == DeclarationKind::kFunction) as.kind = DeclarationKind::kMethod;
+    if (as.kind == DeclarationKind::kMethod) owners_.push_back(owner);
+    as.name = std::string(owner) + "." + as.name;
+  }
+
   bool declare(const Rule& rule, TSNode node, Frame& frame) {
     const TSNode name = ts_node_child_by_field_id(node, rule.name);
     frame.role = Role::kUses;
-    if (ts_node_is_null(name)) return push(frame, node);
+    frame.errors.reset();
+    if (ts_node_is_null(name)) {
+      if (rule.rule->role) frame.role = *rule.rule->role;
+      return push(frame, node);
+    }
     const auto path = name_path(tree_.text(name));
     if (!path || (path->find('.') != std::string::npos && !source_.qualified_names)) {
       // "registry[key] = Name" puts it into a table.
@@ -319,6 +469,7 @@ class CodeWalk {
       return push(frame, node);
     }
     frame.name = name.id;
+    frame.names = rule.name;
     Declaration as{.kind = rule.rule->kind,
                    .name = *path,
                    .line = SourceTree::line(name),
@@ -329,7 +480,9 @@ class CodeWalk {
       locals_.bind(tree_.text(name));
       return push(frame, node);
     }
+    if (make_claim(node, as)) return false;
     if (!classify(rule, node, as)) return push(frame, node);
+    if (!local) give_to_owner(node, frame, as);
     if (local) locals_.bind(tree_.text(name));
     as.exported = !local && as.exported;
     if (facts_.declarations.size() >= kMostDeclarations) {
@@ -374,7 +527,11 @@ class CodeWalk {
       if (as.kind == DeclarationKind::kMethod && as.is_abstract) ++holder.abstract_methods;
     }
     frame.scope = is_callable(as.kind);
+    const bool type = is_type(as.kind) && as.container == 0;
     facts_.declarations.push_back(std::move(as));
+    frame.declared = static_cast<std::uint32_t>(facts_.declarations.size());
+    frame.owner = {};
+    if (type) types_.try_emplace(facts_.declarations.back().name, frame.declared);
     frame.holder = static_cast<std::uint32_t>(facts_.declarations.size());
     annotate(frame.holder);
   }
@@ -386,6 +543,9 @@ class CodeWalk {
   std::vector<Frame> frames_;
   LocalNames locals_;
   Mentions mentions_{kMostMentions};
+  std::unordered_map<std::string, std::uint32_t, SeededHash, std::equal_to<>> types_;  // at the top
+  std::vector<std::pair<Claim, std::uint32_t>> claims_;                 // with their lines
+  std::vector<std::string_view> owners_;                        // of methods, declared elsewhere
   std::vector<std::pair<std::string, std::uint32_t>> annotations_;
 };
 

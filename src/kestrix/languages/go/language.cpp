@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "kestrix/languages/go/code.h"
 #include "kestrix/languages/go/conventions.h"
 #include "kestrix/languages/go/names.h"
 #include "kestrix/languages/go/query.scm.h"
@@ -206,6 +207,7 @@ const Language& go_language() {
                                  .keywords = {},
                                  .read = read,
                                  .resolver = make_go_resolver,
+                                 .code = &go_code,
                                  .conventions = &go::kConventions};
   return language;
 }

@@ -175,7 +175,7 @@ void GoNames::settle() {
     const auto import = imports_.find(std::string(use.name));
     if (!use.member.empty() && import != imports_.end() &&
         (use.type || !bound || is_exported(use.member))) {
-      imported_.emplace_back(import->second, use.member);
+      imported_.push_back({import->second, use.name, use.member});
     } else if (!(use.type ? types_.contains(use.name) : bound || types_.contains(use.name)) &&
                !std::ranges::binary_search(kPredeclared, use.name)) {
       ++used_[use.name];
@@ -189,10 +189,14 @@ void GoNames::settle() {
 std::vector<NameUse> GoNames::take(std::vector<ImportFact>& imports,
                                    const std::vector<std::string>& declared) {
   std::vector<std::unordered_map<std::string_view, std::size_t>> places(imports.size());
-  for (const auto& [import, member] : imported_) {
+  for (const auto& [import, package, member] : imported_) {
     ImportFact& fact = imports[import];
+    if (fact.local.empty()) fact.local = package;
     const auto [place, fresh] = places[import].try_emplace(member, fact.names.size());
-    if (fresh) fact.names.push_back({.name = std::string(member)});
+    if (fresh) {
+      std::string local = std::string(package) + "." + std::string(member);
+      fact.names.push_back({.name = std::string(member), .local = std::move(local)});
+    }
     ++fact.names[place->second].uses;
     ++fact.uses;
   }

@@ -6,7 +6,6 @@
 #include <string_view>
 #include <unordered_map>
 #include <unordered_set>
-#include <utility>
 #include <vector>
 
 #include "kestrix/facts/facts.h"
@@ -51,7 +50,12 @@ class GoNames {
   std::vector<Use> pending_;  // of the declaration that is being walked
   std::unordered_set<std::string_view> values_;
   std::unordered_set<std::string_view> types_;
-  std::vector<std::pair<std::size_t, std::string_view>> imported_;  // import, member
+  struct Imported {
+    std::size_t import;
+    std::string_view package;  // as it is called here
+    std::string_view member;
+  };
+  std::vector<Imported> imported_;
   std::map<std::string_view, std::uint32_t> used_;
 };
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -43,6 +44,7 @@ class GoResolver : public Resolver {
         // The tests beside a package may hand names of it on to tests in a package of their own.
         const bool beside = place->folder == folder && is_test(files_.path(file));
         add_import(*package, import, facts, beside, targets);
+        bind_import(*package, import, facts, beside, found);
       }
     }
     for (const auto& [target, uses] : targets) found.add(target, 1 + uses);
@@ -117,6 +119,31 @@ class GoResolver : public Resolver {
     return true;
   }
 
+  // The one file that declares a name; what stands in several for several platforms is none's.
+  static std::optional<FileId> declarer(const Package& package, std::string_view name, bool tests) {
+    const auto* files = declarers(package.code, name);
+    if (files == nullptr && tests) files = declarers(package.tests, name);
+    if (files == nullptr || files->size() != 1) return std::nullopt;
+    return files->front();
+  }
+
+  static void bind_import(const Package& package, const ImportFact& import, const FileFacts& facts,
+                          bool beside, Dependencies& found) {
+    if (static_cast<GoImport>(import.form) == GoImport::kDot) return bind(package, facts, beside, found);
+    for (const ImportedName& name : import.names) {
+      const auto file = declarer(package, name.name, beside);
+      if (file) found.bind({.local = name.local, .target = *file, .name = name.name});
+    }
+  }
+
+  // Names that need no package before them.
+  static void bind(const Package& package, const FileFacts& facts, bool tests, Dependencies& found) {
+    for (const NameUse& use : facts.uses) {
+      const auto file = declarer(package, use.name, tests);
+      if (file) found.bind({.local = use.name, .target = *file, .name = use.name});
+    }
+  }
+
   static void add_blank(const Package& package, Targets& targets) {
     const auto* files = declarers(package.code, "init");
     for (const FileId file : files != nullptr ? *files : package.files)
@@ -130,6 +157,7 @@ class GoResolver : public Resolver {
     const auto package = packages->second.find(facts.package);
     if (package == packages->second.end()) return;
     const bool test = is_test(files_.path(file));
+    bind(package->second, facts, test, found);
     for (const NameUse& use : facts.uses) {
       const auto* code = declarers(package->second.code, use.name);
       if (code == nullptr && test) code = declarers(package->second.tests, use.name);
