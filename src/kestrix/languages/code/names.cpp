@@ -42,8 +42,8 @@ std::optional<std::string> name_path(std::string_view text) {
 Token token_at(std::string_view text, std::size_t start) {
   std::size_t before = start;
   while (before > 0 && is_blank(text[before - 1]) && start - before < kLongestMention) --before;
-  const bool member = before > 0 && text[before - 1] == '.' &&
-                      !(before > 1 && text[before - 2] == '.');
+  const bool member =
+      before > 0 && text[before - 1] == '.' && !(before > 1 && text[before - 2] == '.');
   const bool later = before > 1 && text.substr(before - 2, 2) == "::";
   if (member || later) return {};
   std::size_t end = start;
@@ -59,7 +59,8 @@ Token token_at(std::string_view text, std::size_t start) {
   while (next < text.size() && is_blank(text[next]) && next - end < kLongestMention) ++next;
   const char follows = next < text.size() ? text[next] : '\0';
   const std::string_view rest = text.substr(next, 2);
-  const bool key = (follows == ':' && rest != "::") || (follows == '=' && rest != "==" && rest != "=>");
+  const bool key =
+      (follows == ':' && rest != "::") || (follows == '=' && rest != "==" && rest != "=>");
   if (key) return {};
   return {text.substr(start, end - start), follows};
 }

@@ -50,7 +50,7 @@ struct CodeRule {
   std::string_view name = "name";
   std::string_view value = "value";
   std::optional<Role> errors{};  ///< for those of the names below that `is_error` knows
-  bool weak = false;   ///< `role` counts only where nothing more is known than a use
+  bool weak = false;             ///< `role` counts only where nothing more is known than a use
   bool ahead = false;  ///< stands before the declaration that it belongs to: decorators, attributes
 };
 

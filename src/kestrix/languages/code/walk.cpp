@@ -54,14 +54,14 @@ struct Frame {
   TSFieldId arguments = 0;
   Role callee_role = Role::kCalls;
   Role argument_role = Role::kLists;
-  bool scope = false;  // names bound in it are its own
-  bool ahead = false;  // annotations belong to the declaration that follows
-  bool keyed = false;  // keys name members
-  std::optional<Role> errors{};     // of names that stand for errors
-  TSFieldId names = 0;              // of a declaration: the field of its names
-  std::uint32_t declared = 0;       // and its place; 0: its names are local
-  TSNode binds{};                   // names that are local when the node has ended
-  std::string_view owner{};         // the type that is declared elsewhere
+  bool scope = false;            // names bound in it are its own
+  bool ahead = false;            // annotations belong to the declaration that follows
+  bool keyed = false;            // keys name members
+  std::optional<Role> errors{};  // of names that stand for errors
+  TSFieldId names = 0;           // of a declaration: the field of its names
+  std::uint32_t declared = 0;    // and its place; 0: its names are local
+  TSNode binds{};                // names that are local when the node has ended
+  std::string_view owner{};      // the type that is declared elsewhere
 };
 
 // Names that functions bind, by how many of the functions around the place do.
@@ -544,8 +544,8 @@ class CodeWalk {
   LocalNames locals_;
   Mentions mentions_{kMostMentions};
   std::unordered_map<std::string, std::uint32_t, SeededHash, std::equal_to<>> types_;  // at the top
-  std::vector<std::pair<Claim, std::uint32_t>> claims_;                 // with their lines
-  std::vector<std::string_view> owners_;                        // of methods, declared elsewhere
+  std::vector<std::pair<Claim, std::uint32_t>> claims_;  // with their lines
+  std::vector<std::string_view> owners_;                 // of methods, declared elsewhere
   std::vector<std::pair<std::string, std::uint32_t>> annotations_;
 };
 

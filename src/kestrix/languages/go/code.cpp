@@ -35,10 +35,8 @@ constexpr std::array kRules = {
              .act = Act::kDeclare,
              .role = Role::kExtends,
              .kind = DeclarationKind::kField},
-    CodeRule{.node = "type_elem",
-             .parent = "interface_type",
-             .act = Act::kPass,
-             .role = Role::kExtends},
+    CodeRule{
+        .node = "type_elem", .parent = "interface_type", .act = Act::kPass, .role = Role::kExtends},
     CodeRule{.node = "type_elem", .act = Act::kPass},
     CodeRule{.node = "func_literal", .act = Act::kFunctionValue},
 
@@ -73,8 +71,10 @@ constexpr std::array kRules = {
              .act = Act::kBind},
 
     // What errors are returned and told apart.
-    CodeRule{
-        .node = "return_statement", .act = Act::kPass, .role = Role::kUses, .errors = Role::kThrows},
+    CodeRule{.node = "return_statement",
+             .act = Act::kPass,
+             .role = Role::kUses,
+             .errors = Role::kThrows},
     CodeRule{.node = "binary_expression",
              .act = Act::kPass,
              .role = Role::kUses,
@@ -108,12 +108,11 @@ constexpr std::array kRules = {
              .act = Act::kPass,
              .role = Role::kCatches},
 
-    CodeRule{.node = "call_expression",
-             .act = Act::kCall,
-             .name = "function",
-             .value = "arguments"},
+    CodeRule{
+        .node = "call_expression", .act = Act::kCall, .name = "function", .value = "arguments"},
     CodeRule{.node = "argument_list", .act = Act::kPass},
-    CodeRule{.node = "index_expression", .act = Act::kSubscript, .name = "operand", .value = "index"},
+    CodeRule{
+        .node = "index_expression", .act = Act::kSubscript, .name = "operand", .value = "index"},
     CodeRule{.node = "type_arguments", .act = Act::kTypeArguments},
     CodeRule{.node = "unary_expression", .act = Act::kPass},
     CodeRule{.node = "parenthesized_expression", .act = Act::kPass},
@@ -122,10 +121,8 @@ constexpr std::array kRules = {
     CodeRule{.node = "composite_literal", .act = Act::kLiteral, .name = "type", .value = "body"},
     CodeRule{.node = "literal_value", .parent = "composite_literal", .act = Act::kTable},
     CodeRule{.node = "literal_value", .act = Act::kLiteral, .name = "type", .value = "body"},
-    CodeRule{.node = "literal_element",
-             .parent = "keyed_element",
-             .field = "key",
-             .act = Act::kKey},
+    CodeRule{
+        .node = "literal_element", .parent = "keyed_element", .field = "key", .act = Act::kKey},
     CodeRule{.node = "literal_element", .act = Act::kEntry},
     CodeRule{.node = "keyed_element", .act = Act::kEntry},
 
@@ -141,8 +138,7 @@ constexpr std::array kRules = {
     CodeRule{.node = "type_identifier", .act = Act::kName, .role = Role::kType, .weak = true},
     CodeRule{.node = "qualified_type", .act = Act::kPath, .role = Role::kType, .weak = true},
 
-    CodeRule{
-        .node = "raw_string_literal", .parent = "field_declaration", .act = Act::kSkip},
+    CodeRule{.node = "raw_string_literal", .parent = "field_declaration", .act = Act::kSkip},
     CodeRule{
         .node = "interpreted_string_literal", .parent = "field_declaration", .act = Act::kSkip},
     CodeRule{.node = "interpreted_string_literal", .act = Act::kString},
@@ -181,17 +177,17 @@ constexpr std::array kCalls = {
 
 // What the language declares itself is no name of the file, either.
 constexpr auto kSelf = std::to_array<std::string_view>(
-    {"_",     "any",    "bool",  "byte",  "comparable", "complex128", "complex64", "error",
-     "float32", "float64", "int", "int16", "int32",      "int64",      "int8",      "rune",
-     "string", "uint",   "uint16", "uint32", "uint64",    "uint8",      "uintptr"});
+    {"_",       "any",     "bool",   "byte",   "comparable", "complex128", "complex64", "error",
+     "float32", "float64", "int",    "int16",  "int32",      "int64",      "int8",      "rune",
+     "string",  "uint",    "uint16", "uint32", "uint64",     "uint8",      "uintptr"});
 
 bool is_upper(char c) { return c >= 'A' && c <= 'Z'; }
 
 // "ErrNotFound", "errNotFound", and of types "NotFoundError", too.
 bool is_error(std::string_view path, Role role) {
   const std::string_view name = path.substr(path.rfind('.') + 1);
-  const bool variable = (name.starts_with("Err") || name.starts_with("err")) && name.size() > 3 &&
-                        is_upper(name[3]);
+  const bool variable =
+      (name.starts_with("Err") || name.starts_with("err")) && name.size() > 3 && is_upper(name[3]);
   return variable || (role == Role::kConstructs && name.ends_with("Error"));
 }
 

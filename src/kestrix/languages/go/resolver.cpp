@@ -129,7 +129,8 @@ class GoResolver : public Resolver {
 
   static void bind_import(const Package& package, const ImportFact& import, const FileFacts& facts,
                           bool beside, Dependencies& found) {
-    if (static_cast<GoImport>(import.form) == GoImport::kDot) return bind(package, facts, beside, found);
+    if (static_cast<GoImport>(import.form) == GoImport::kDot)
+      return bind(package, facts, beside, found);
     for (const ImportedName& name : import.names) {
       const auto file = declarer(package, name.name, beside);
       if (file) found.bind({.local = name.local, .target = *file, .name = name.name});
@@ -137,7 +138,8 @@ class GoResolver : public Resolver {
   }
 
   // Names that need no package before them.
-  static void bind(const Package& package, const FileFacts& facts, bool tests, Dependencies& found) {
+  static void bind(const Package& package, const FileFacts& facts, bool tests,
+                   Dependencies& found) {
     for (const NameUse& use : facts.uses) {
       const auto file = declarer(package, use.name, tests);
       if (file) found.bind({.local = use.name, .target = *file, .name = use.name});
