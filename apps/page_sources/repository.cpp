@@ -6,9 +6,8 @@
 
 #include "apps/page_sources/escape.h"
 #include "apps/page_sources/warnings.h"
-#include "kestrix/files/root_directory.h"
-#include "kestrix/git/work_tree.h"
 #include "kestrix/host/native_logger.h"
+#include "kestrix/host/queries/revision.h"
 
 namespace kestrix::program {
 namespace {
@@ -36,10 +35,7 @@ About Opened::about() const {
   about.repository = root.native();
   about.left_out = index->statistics().skipped;
   about.warnings = warnings_of(root, about.left_out);
-  auto lookup = index::find_work_tree(index::RootDirectory(root));
-  if (lookup.work_tree && !lookup.work_tree->commit.empty()) {
-    about.revision = std::move(lookup.work_tree->commit);
-  }
+  about.revision = revision_of(root);
   return about;
 }
 
