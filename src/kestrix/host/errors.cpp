@@ -168,7 +168,7 @@ PageAnswer errors_answer(const WikiGenerator& generator) {
     answer.files.push_back(std::move(pick));
   }
   answer.total = types.size();
-  const CodeEvidence code(generator);
+  const CodeEvidence& code = generator.code_evidence();
   const ScoreSheet sheet = ErrorSignals(code).sheet();
   add_reasons(sheet, code, answer.files);
   answer.further = sheet.further(answer.files, room_for_further(answer.files.size()), kLeastScore, kLeastShare);

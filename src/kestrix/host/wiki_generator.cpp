@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "kestrix/host/evidence/code_evidence.h"
 #include "kestrix/utils/path_filter.h"
 
 namespace kestrix {
@@ -30,6 +31,8 @@ WikiGenerator::WikiGenerator(const index::RepositoryIndex& index, const std::fil
     if (is_production(steering_, path)) planner_paths_.push_back(std::move(path));
   }
 }
+
+WikiGenerator::~WikiGenerator() = default;
 
 bool WikiGenerator::is_planned(std::string_view path) const {
   return std::ranges::binary_search(planner_paths_, path);
@@ -68,6 +71,11 @@ const DocumentEvidence& WikiGenerator::document_evidence() const {
   std::call_once(documents_gathered_,
                  [this] { documents_ = std::make_unique<const DocumentEvidence>(index_); });
   return *documents_;
+}
+
+const CodeEvidence& WikiGenerator::code_evidence() const {
+  std::call_once(code_gathered_, [this] { code_ = std::make_unique<const CodeEvidence>(*this); });
+  return *code_;
 }
 
 }  // namespace kestrix

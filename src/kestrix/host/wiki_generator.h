@@ -16,6 +16,8 @@
 
 namespace kestrix {
 
+class CodeEvidence;
+
 /// The generator of a repository on disk: the object that the native host mixes the detectors into.
 ///
 /// Its planner gives exactly the indexed source files that are no tests, so that each source file
@@ -28,6 +30,9 @@ class WikiGenerator : public PageSourcesMixin {
   /// that its paths are relative to. Throws `Error` when that is no directory.
   WikiGenerator(const index::RepositoryIndex& index, const std::filesystem::path& root,
                 const Steering* steering = nullptr);
+  WikiGenerator(const WikiGenerator&) = delete;
+  WikiGenerator& operator=(const WikiGenerator&) = delete;
+  ~WikiGenerator() override;
 
   const Repository& repository() const override { return handle_; }
   /// What the handle speaks for.
@@ -46,6 +51,8 @@ class WikiGenerator : public PageSourcesMixin {
   std::vector<std::string> _decision_files() const override;
   /// What the index knows of the documents; gathered when it is first asked for.
   const DocumentEvidence& document_evidence() const;
+  /// Who names what in the repository; gathered when it is first asked for, once for all pages.
+  const CodeEvidence& code_evidence() const;
 
  private:
   const index::RepositoryIndex& index_;
@@ -54,6 +61,8 @@ class WikiGenerator : public PageSourcesMixin {
   RepositoryRoot root_;
   mutable std::once_flag documents_gathered_;
   mutable std::unique_ptr<const DocumentEvidence> documents_;
+  mutable std::once_flag code_gathered_;
+  mutable std::unique_ptr<const CodeEvidence> code_;
   std::vector<std::string> planner_paths_;  // ascending; asked for by nearly every detector
 };
 
