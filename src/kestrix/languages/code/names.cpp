@@ -69,6 +69,11 @@ bool starts_in_lower_case(std::string_view name) {
   return !name.empty() && ((name.front() >= 'a' && name.front() <= 'z') || name.front() == '_');
 }
 
+bool starts_in_upper_case(std::string_view name) {
+  const auto first = std::ranges::find_if_not(name, is_joint);
+  return first != name.end() && *first >= 'A' && *first <= 'Z';
+}
+
 std::string_view literal_content(std::string_view literal) {
   const std::size_t open = literal.find_first_of("\"'`");
   if (open == std::string_view::npos) {

@@ -22,6 +22,7 @@ struct Token {
 Token token_at(std::string_view text, std::size_t start);
 
 bool starts_in_lower_case(std::string_view name);
+bool starts_in_upper_case(std::string_view name);  ///< behind what joins names
 
 /// What a string literal says: without its prefix and quotes. Empty when it is not closed.
 std::string_view literal_content(std::string_view literal);

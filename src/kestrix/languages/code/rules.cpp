@@ -68,6 +68,7 @@ CompiledRules::CompiledRules(const TSLanguage* grammar, const CodeRules& rules,
     Rule compiled{.field = rule.field.empty() ? TSFieldId{0} : compiler.known_field(rule.field),
                   .name = compiler.field(rule.name),
                   .value = compiler.field(rule.value),
+                  .object = compiler.field(rule.object),
                   .rule = &rule};
     const std::vector<TSSymbol> none{0};
     for (const TSSymbol parent : rule.parent.empty() ? none : compiler.symbols(rule.parent)) {

@@ -26,7 +26,8 @@ enum class Act : std::uint8_t {
   kScalar,         ///< another literal
   kTable,          ///< a literal list, map or array; its elements are listed
   kEntry,          ///< a pair or tuple of a table: as transparent as the table itself
-  kCall,           ///< a call: the callee in field `name`, arguments in field `value`
+  kCall,           ///< a call: the callee in field `name`, arguments in field `value`; where what
+                   ///< it is a member of stands by itself, in field `object`
   kConstruct,      ///< the like of "new": the type in field `name`, arguments in field `value`
   kSubscript,      ///< "base[key]": as a call, but nothing is called
   kFunctionValue,  ///< a lambda: what holds it is a function
@@ -49,6 +50,7 @@ struct CodeRule {
   DeclarationKind kind = DeclarationKind::kClass;  ///< of kDeclare
   std::string_view name = "name";
   std::string_view value = "value";
+  std::string_view object{};
   std::optional<Role> errors{};  ///< for those of the names below that `is_error` knows
   bool weak = false;             ///< `role` counts only where nothing more is known than a use
   bool ahead = false;  ///< stands before the declaration that it belongs to: decorators, attributes
@@ -58,6 +60,8 @@ struct CodeRule {
 struct CallRule {
   std::string_view callee;  ///< "isinstance", "os.getenv": all of the path, or its end after a "."
   Role role;                ///< of its arguments; kReads: its first string is the key
+  bool bare = false;        ///< only without an object: a macro of the type around it
+  bool first = false;       ///< only of its first argument
 };
 
 /// That a type satisfies another one.
@@ -74,6 +78,11 @@ struct CodeRules {
   std::span<const std::string_view> self{};  ///< "self", "this": their members are no names
   /// Bases through which the environment is read by subscript or member: "process.env", "ENV".
   std::span<const std::string_view> environments{};
+  /// Methods that make a value of the type that they are called on: "new".
+  std::span<const std::string_view> makers{};
+  /// Whether types and constants, and nothing else, start in upper case: only they stand before
+  /// the name of what is called of them, and one that nothing declares is from outside.
+  bool capital_types = false;
   /// Whether the members of the type around a place are known there by their names alone.
   bool members_in_scope = false;
   /// Whether a declaration may be written with what it belongs to ("Type::member").
@@ -102,6 +111,7 @@ class CompiledRules {
     TSFieldId field = 0;  ///< 0: any
     TSFieldId name = 0;   ///< 0: none such in the grammar
     TSFieldId value = 0;
+    TSFieldId object = 0;
     const CodeRule* rule = nullptr;
   };
 

@@ -48,9 +48,11 @@ struct Frame {
   TSSymbol symbol = 0;
   Act act = Act::kPass;
   Role role = Role::kUses;
-  std::uint32_t holder = 0;    // the declaration that they stand in, from one
-  const void* name = nullptr;  // the child that is a declared name
-  TSFieldId callee = 0;        // of calls: the fields of the callee and of the arguments
+  std::uint32_t holder = 0;      // the declaration that they stand in, from one
+  const void* name = nullptr;    // the child that is a declared name
+  const void* object = nullptr;  // the child that is named with what is called of it
+  const void* first = nullptr;   // the only argument that has the role of the arguments
+  TSFieldId callee = 0;          // of calls: the fields of the callee and of the arguments
   TSFieldId arguments = 0;
   Role callee_role = Role::kCalls;
   Role argument_role = Role::kLists;
@@ -128,6 +130,7 @@ class CodeWalk {
     const Rule* rule = rules_.find(ts_node_symbol(node), frames_.back().symbol, field);
     Frame frame = below(frames_.back(), node, field);
     if (is_further_name(frames_.back(), node, field)) return false;
+    if (node.id == frames_.back().object) return false;
     if (node.id == frames_.back().name && (rule == nullptr || rule->rule->act != Act::kDeclare)) {
       return false;
     }
@@ -157,9 +160,12 @@ class CodeWalk {
       frame.role = called(up.role, up.callee_role);
     } else if (up.arguments != 0 && field == up.arguments) {
       frame.role = up.argument_role;
+      frame.first = up.first;
     } else if (up.callee != 0) {
       // Without a field for them all that is no callee are arguments.
       frame.role = up.arguments == 0 ? up.argument_role : Role::kUses;
+    } else if (up.first != nullptr && node.id != up.first) {
+      frame.role = Role::kLists;
     }
     return frame;
   }
@@ -245,17 +251,22 @@ class CodeWalk {
 
   bool visit_path(TSNode node, Frame& frame) {
     const std::string_view text = tree_.text(node);
-    for (const std::string_view base : source_.environments) {
-      if (frame.role == Role::kCalls) break;
-      if (text.size() <= base.size() + 1 || !text.starts_with(base) || text[base.size()] != '.')
-        continue;
-      const std::string_view key = text.substr(base.size() + 1);
-      if (const auto path = name_path(key)) add(*path, Role::kReads, frame, SourceTree::line(node));
-      return false;
-    }
+    if (frame.role != Role::kCalls && read_member(node, text, frame)) return false;
     if (mention(node, text, frame)) return false;
     frame.role = beyond(frame.role);
     return push(frame, node);
+  }
+
+  // "process.env.KEY"
+  bool read_member(TSNode node, std::string_view text, const Frame& frame) {
+    for (const std::string_view base : source_.environments) {
+      if (text.size() <= base.size() + 1 || !text.starts_with(base) || text[base.size()] != '.')
+        continue;
+      const auto path = name_path(text.substr(base.size() + 1));
+      if (path) add(*path, Role::kReads, frame, SourceTree::line(node));
+      return true;
+    }
+    return false;
   }
 
   bool visit_literal(const Rule& rule, TSNode node, Frame& frame) {
@@ -297,35 +308,66 @@ class CodeWalk {
     }
     const TSNode callee = ts_node_child_by_field_id(node, rule.name);
     if (ts_node_is_null(callee)) return push(frame, node);
-    const auto path = name_path(tree_.text(callee));
+    const TSNode object =
+        rule.object == 0 ? TSNode{} : ts_node_child_by_field_id(node, rule.object);
+    const bool member = object.id != nullptr;
+    std::string_view text = tree_.text(callee);
+    if (member) text = visit_object(object, callee, frame);
+    const auto path = name_path(text);
     if (!path) return push(frame, node);
-    const std::optional<Role> role =
-        rule.rule->act == Act::kSubscript ? read_of(*path) : role_of_arguments(*path);
-    if (role == Role::kReads) {
-      add_key(node, rule.value, frame);
-    } else if (role) {
-      frame.argument_role = *role;
+    if (rule.rule->act == Act::kSubscript) {
+      if (is_environment(*path)) add_key(node, callee, rule.value, frame);
+    } else if (const CallRule* call = call_rule(*path, member)) {
+      if (call->role == Role::kReads) {
+        add_key(node, callee, rule.value, frame);
+      } else {
+        frame.argument_role = call->role;
+        if (call->first) frame.first = first_argument(node, rule.value).id;
+      }
+    } else if (frame.object != nullptr) {
+      read_member(node, text, frame);
     }
     return push(frame, node);
   }
 
-  std::optional<Role> read_of(std::string_view path) const {
-    const bool known = std::ranges::find(source_.environments, path) != source_.environments.end();
-    return known ? std::optional(Role::kReads) : std::nullopt;
+  // Mentions what is called of an object as one path, if the object is nothing but names; else the
+  // name alone says what is called. Returns what the call is known by.
+  std::string_view visit_object(TSNode object, TSNode callee, Frame& frame) {
+    frame.name = callee.id;
+    const std::string_view name = tree_.text(callee);
+    const std::string_view text = tree_.text(ts_node_start_byte(object), ts_node_end_byte(callee));
+    if (source_.capital_types && !starts_in_upper_case(text)) return name;
+    Frame as = frame;
+    as.role = called(frame.role, frame.callee_role);
+    const bool makes = std::ranges::find(source_.makers, name) != source_.makers.end();
+    if (makes && as.role == Role::kCalls) as.role = Role::kConstructs;
+    if (!mention(object, makes ? tree_.text(object) : text, as)) return name;
+    frame.object = object.id;
+    return text;
   }
 
-  std::optional<Role> role_of_arguments(std::string_view path) const {
+  bool is_environment(std::string_view path) const {
+    return std::ranges::find(source_.environments, path) != source_.environments.end();
+  }
+
+  const CallRule* call_rule(std::string_view path, bool member) const {
     for (const CallRule& call : source_.calls) {
-      if (!path.ends_with(call.callee)) continue;
+      if (!path.ends_with(call.callee) || (call.bare && member)) continue;
       const std::size_t before = path.size() - call.callee.size();
-      if (before == 0 || path[before - 1] == '.') return call.role;
+      if (before == 0 || path[before - 1] == '.') return &call;
     }
-    return std::nullopt;
+    return nullptr;
+  }
+
+  static TSNode first_argument(TSNode call, TSFieldId arguments) {
+    const TSNode list = ts_node_child_by_field_id(call, arguments);
+    return ts_node_is_null(list) ? list : ts_node_named_child(list, 0);
   }
 
   // The first argument, if it is a string, is what is read.
-  void add_key(TSNode call, TSFieldId arguments, const Frame& frame) {
-    TSNode node = ts_node_child_by_field_id(call, arguments);
+  void add_key(TSNode call, TSNode callee, TSFieldId arguments, const Frame& frame) {
+    TSNode node = arguments == 0 ? ts_node_next_named_sibling(callee)
+                                 : ts_node_child_by_field_id(call, arguments);
     TSSymbol parent = ts_node_symbol(call);
     for (int depth = 0; depth < 3 && !ts_node_is_null(node); ++depth) {
       const Rule* rule =
