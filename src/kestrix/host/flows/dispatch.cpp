@@ -1,0 +1,249 @@
+#include "kestrix/host/flows/dispatch.h"
+
+#include <algorithm>
+#include <map>
+#include <set>
+
+#include "kestrix/host/flows/starts.h"
+#include "kestrix/host/index_evidence.h"
+#include "kestrix/text/sorting.h"
+#include "kestrix/workers/wiki/page_sources/path_text.h"
+
+namespace kestrix {
+namespace {
+
+using index::DeclarationRef;
+using index::FileId;
+using index::IndexedReference;
+using index::Role;
+
+constexpr Signal kHub{"names_entry_points", 3.0, "names {} entry point", "names {} entry points",
+                      "lazygit, BookStack"};
+constexpr Signal kFellow{"names_its_entry_point", 1.0, "names {} handler of the class",
+                         "names {} handlers of the class", "netbox, lobsters"};
+constexpr Signal kBase{"entry_point_base", 2.0, "declares what {} entry point extends",
+                       "declares what {} entry points extend", "netbox, mockito"};
+constexpr Signal kShared{"serves_entry_points", 1.5, "declares what {} entry point calls or bears",
+                         "declares what {} entry points call or bear", "netbox, umami"};
+constexpr Signal kHolder{"holds_entry_points", 1.3, "names their base type {} time",
+                         "names their base type {} times", "crates.io, mockito"};
+constexpr Signal kCaller{"names_dispatch", 1.6, "names {} file that dispatches",
+                         "names {} files that dispatch", "netbox, crates.io"};
+constexpr Signal kDispatchBase{"serves_dispatch", 1.3, "declares what {} dispatching file calls",
+                               "declares what {} dispatching files call", "netbox, lobsters"};
+
+// A quarter: a route table may be split by area or by version.
+constexpr std::size_t kHubShare = 4;
+// Who is named by more files than this is of use to many; naming it shows nothing.
+constexpr std::size_t kFewNamers = 5;
+// Of those who call what entry points share, so many have to be entry points.
+constexpr double kServesMostly = 0.5;
+constexpr std::size_t kMostBaseHops = 6;
+
+class DispatchSignals {
+ public:
+  DispatchSignals(const CodeEvidence& evidence, const NamingGraph& graph,
+                  std::span<const FileId> roots)
+      : evidence_(evidence),
+        graph_(graph),
+        roots_(roots.begin(), roots.end()),
+        root_(evidence.index().files().size()) {
+    std::size_t product = 0;
+    for (const FileId root : roots_) {
+      root_[root] = true;
+      product += evidence_.is_product(root) ? 1U : 0U;
+    }
+    of_product_ = product * 2 >= roots_.size();
+  }
+
+  ScoreSheet sheet() {
+    ScoreSheet sheet(evidence_);
+    if (roots_.empty()) return sheet;
+    add_hubs(sheet);
+    add_bases(sheet);
+    add_shared(sheet, roots_, kShared);
+    add_second_hop(sheet);
+    add_starts(sheet, evidence_, roots_);
+    return sheet;
+  }
+
+ private:
+  struct Seen {
+    std::set<FileId> files;
+    std::size_t declarations = 0;
+    std::vector<Place> at;
+  };
+  using SeenBy = std::map<FileId, Seen>;
+
+  bool may_dispatch(FileId file) const {
+    if (root_[file] || evidence_.index().files()[file].document) return false;
+    return of_product_ ? evidence_.is_product(file) : !evidence_.is_test(file);
+  }
+
+  SeenBy namers_of(const std::vector<FileId>& files) const {
+    SeenBy namers;
+    for (const FileId file : files) {
+      for (const Naming& naming : graph_.to(file)) {
+        if (!naming.names || naming.derives || !may_dispatch(naming.from)) continue;
+        Seen& seen = namers[naming.from];
+        seen.files.insert(file);
+        seen.declarations += naming.declarations;
+        seen.at.push_back({std::string(evidence_.path(naming.from)), naming.line,
+                           {}});
+      }
+    }
+    return namers;
+  }
+
+  static std::size_t least_of(std::size_t count) {
+    return count < 3 ? 1 : std::max<std::size_t>(2, (count + kHubShare - 1) / kHubShare);
+  }
+
+  void add_hubs(ScoreSheet& sheet) {
+    SeenBy namers = namers_of(roots_);
+    const std::size_t least = least_of(roots_.size());
+    for (const auto& [file, seen] : namers) {
+      if (seen.files.size() < least) continue;
+      hubs_.push_back(file);
+      sheet.add(file, kHub, seen.files.size(), seen.at);
+    }
+    if (hubs_.empty()) add_fellows(sheet, namers);
+  }
+
+  // Each entry point has a file beside it that names it, all of one name.
+  void add_fellows(ScoreSheet& sheet, const SeenBy& namers) {
+    std::map<std::string_view, std::pair<std::vector<FileId>, std::set<FileId>>> by_name;
+    for (const auto& [file, seen] : namers) {
+      const std::string_view path = evidence_.path(file);
+      auto& [files, named] = by_name[path.substr(path.rfind('/') + 1)];
+      files.push_back(file);
+      named.insert(seen.files.begin(), seen.files.end());
+    }
+    for (const auto& [name, group] : by_name) {
+      const auto& [files, named] = group;
+      if (files.size() < 2 || named.size() * 2 < roots_.size()) continue;
+      for (const FileId file : files) {
+        sheet.add(file, kFellow, namers.at(file).declarations, namers.at(file).at);
+        hubs_.push_back(file);
+      }
+    }
+    sort_distinct(hubs_);
+  }
+
+  // The types of the product that the entry points' own types come from.
+  std::map<DeclarationRef, std::set<FileId>> bases() const {
+    std::map<DeclarationRef, std::set<FileId>> bases;
+    for (const FileId root : roots_) {
+      std::vector<DeclarationRef> open;
+      std::set<DeclarationRef> known;
+      const auto climb = [&](FileId from, std::uint32_t within) {
+        for (const IndexedReference& to : evidence_.index().references_from(from)) {
+          if (to.declaration == 0 || !kSubtyping.has(to.role)) continue;
+          if (within != 0 && to.within != within) continue;
+          const DeclarationRef base{to.target, to.declaration - 1};
+          if (known.insert(base).second) open.push_back(base);
+        }
+      };
+      climb(root, 0);
+      for (std::size_t hop = 0; !open.empty() && hop < kMostBaseHops; ++hop) {
+        for (const DeclarationRef base : std::exchange(open, {})) climb(base.file, base.place + 1);
+      }
+      for (const DeclarationRef base : known) {
+        if (may_dispatch(base.file)) bases[base].insert(root);
+      }
+    }
+    return bases;
+  }
+
+  void add_bases(ScoreSheet& sheet) {
+    const std::size_t least = std::max<std::size_t>(1, (roots_.size() + 2) / 3);
+    SeenBy by_file;
+    SeenBy holders;
+    for (const auto& [base, files] : bases()) {
+      if (files.size() < least) continue;
+      Seen& seen = by_file[base.file];
+      seen.files.insert(files.begin(), files.end());
+      seen.at.push_back(evidence_.place_of(base));
+      note_holders(base, holders);
+    }
+    for (auto& [file, seen] : by_file) {
+      sheet.add(file, kBase, seen.files.size(), seen.at, names_and_lines(seen.at));
+    }
+    for (auto& [file, seen] : holders) {
+      if (!by_file.contains(file)) sheet.add(file, kHolder, seen.declarations, seen.at);
+    }
+  }
+
+  // Who has to do with the base type without deriving from it.
+  void note_holders(DeclarationRef base, SeenBy& holders) const {
+    SeenBy found;
+    std::set<FileId> deriving;
+    for (const std::uint32_t at : evidence_.references_to(base)) {
+      const IndexedReference& to = evidence_.reference(at);
+      if (kSubtyping.has(to.role)) deriving.insert(to.source);
+      if (!may_dispatch(to.source) || to.source == base.file) continue;
+      Seen& seen = found[to.source];
+      seen.declarations += to.count;
+      seen.at.push_back(evidence_.place_of(to));
+    }
+    std::erase_if(found, [&](const auto& entry) { return deriving.contains(entry.first); });
+    if (found.size() > 2 * kFewNamers) return;
+    for (auto& [file, seen] : found) {
+      Seen& holder = holders[file];
+      holder.declarations += seen.declarations;
+      std::ranges::move(seen.at, std::back_inserter(holder.at));
+    }
+  }
+
+  // What half of the files call or bear, and few others do.
+  void add_shared(ScoreSheet& sheet, const std::vector<FileId>& files, const Signal& signal) const {
+    if (files.size() < 2) return;
+    static constexpr RoleSet kServing{Role::kCalls, Role::kAnnotates, Role::kConstructs};
+    std::map<DeclarationRef, std::set<FileId>> callers;
+    for (const FileId file : files) {
+      for (const IndexedReference& to : evidence_.index().references_from(file)) {
+        if (to.declaration == 0 || !kServing.has(to.role) || !may_dispatch(to.target)) continue;
+        callers[{to.target, to.declaration - 1}].insert(file);
+      }
+    }
+    SeenBy by_file;
+    for (const auto& [called, by] : callers) {
+      if (by.size() * 2 < files.size() || by.size() < 2) continue;
+      const auto all = evidence_.files_naming(called, kServing).size();
+      if (static_cast<double>(by.size()) < kServesMostly * static_cast<double>(all)) continue;
+      Seen& seen = by_file[called.file];
+      seen.files.insert(by.begin(), by.end());
+      seen.at.push_back(evidence_.place_of(called));
+    }
+    for (auto& [file, seen] : by_file) {
+      sheet.add(file, signal, seen.files.size(), seen.at, names_and_lines(seen.at));
+    }
+  }
+
+  void add_second_hop(ScoreSheet& sheet) const {
+    if (hubs_.empty()) return;
+    for (const auto& [file, seen] : namers_of(hubs_)) {
+      const bool few = std::ranges::any_of(
+          seen.files, [&](FileId hub) { return graph_.to(hub).size() <= kFewNamers; });
+      if (!few || seen.files.size() < least_of(hubs_.size())) continue;
+      sheet.add(file, kCaller, seen.files.size(), seen.at);
+    }
+    add_shared(sheet, hubs_, kDispatchBase);
+  }
+
+  const CodeEvidence& evidence_;
+  const NamingGraph& graph_;
+  std::vector<FileId> roots_;
+  std::vector<bool> root_;
+  std::vector<FileId> hubs_;
+  bool of_product_ = true;
+};
+
+}  // namespace
+
+ScoreSheet dispatch_sheet(const CodeEvidence& evidence, const NamingGraph& graph,
+                          std::span<const FileId> roots) {
+  return DispatchSignals(evidence, graph, roots).sheet();
+}
+
+}  // namespace kestrix

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <vector>
+
+#include "kestrix/host/evidence/score_sheet.h"
+
+namespace kestrix {
+
+/// Adds where a product starts whose framework finds the entry points by itself: the nearest ones
+/// above them.
+void add_starts(ScoreSheet& sheet, const CodeEvidence& evidence,
+                const std::vector<index::FileId>& roots);
+
+}  // namespace kestrix
