@@ -34,19 +34,19 @@ Reason reach_of(const WikiGenerator& generator, std::string_view path,
 constexpr double kLeastScore = 3.0;
 constexpr double kLeastShare = 0.25;
 
-void add_further(const WikiGenerator& generator, const NamingGraph& graph, FlowClass& flow) {
+void add_further(const WikiGenerator& generator, const FlowEvidence& evidence, FlowClass& flow) {
   std::vector<index::FileId> roots;
   for (const std::string& path : flow.roots) {
     if (const auto file = generator.indexed().find(path)) roots.push_back(*file);
   }
-  const CodeEvidence& code = generator.code_evidence();
-  const ScoreSheet sheet = dispatch_sheet(code, graph, roots);
-  add_reasons(sheet, code, flow.files);
-  flow.further = sheet.further(flow.files, room_for_further(flow.files.size()), kLeastScore, kLeastShare);
+  const ScoreSheet sheet = dispatch_sheet(evidence, roots);
+  add_reasons(sheet, evidence.code, flow.files);
+  flow.further =
+      sheet.further(flow.files, room_for_further(flow.files.size()), kLeastScore, kLeastShare);
 }
 
 FlowClass flow_of(const WikiGenerator& generator, const IndexEvidence& evidence,
-                  const NamingGraph& graph, EntryPointClass found) {
+                  const FlowEvidence& flows, EntryPointClass found) {
   FlowClass flow{std::move(found.name), std::move(found.sign), std::move(found.roots), {}, {}};
   for (std::string& path : generator._flow_dispatch(flow.roots)) {
     Pick pick{std::move(path), {}};
@@ -54,7 +54,7 @@ FlowClass flow_of(const WikiGenerator& generator, const IndexEvidence& evidence,
     add_counted(pick.reasons, evidence.used_by(pick.path));
     flow.files.push_back(std::move(pick));
   }
-  add_further(generator, graph, flow);
+  add_further(generator, flows, flow);
   return flow;
 }
 
@@ -106,9 +106,9 @@ FlowsAnswer flows_answer(const WikiGenerator& generator, std::span<const std::st
     answer.total = classes.size();
   }
   const IndexEvidence evidence(generator.indexed());
-  const NamingGraph graph(generator.code_evidence());
+  const FlowEvidence flows(generator.code_evidence());
   for (EntryPointClass& found : classes) {
-    answer.classes.push_back(flow_of(generator, evidence, graph, std::move(found)));
+    answer.classes.push_back(flow_of(generator, evidence, flows, std::move(found)));
   }
   answer.truncated = answer.total > answer.classes.size();
   if (answer.classes.empty()) {

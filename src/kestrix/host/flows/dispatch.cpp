@@ -42,12 +42,12 @@ constexpr std::size_t kMostBaseHops = 6;
 
 class DispatchSignals {
  public:
-  DispatchSignals(const CodeEvidence& evidence, const NamingGraph& graph,
-                  std::span<const FileId> roots)
-      : evidence_(evidence),
-        graph_(graph),
+  DispatchSignals(const FlowEvidence& flows, std::span<const FileId> roots)
+      : evidence_(flows.code),
+        graph_(flows.graph),
+        handlers_(flows.handlers),
         roots_(roots.begin(), roots.end()),
-        root_(evidence.index().files().size()) {
+        root_(evidence_.index().files().size()) {
     std::size_t product = 0;
     for (const FileId root : roots_) {
       root_[root] = true;
@@ -63,7 +63,7 @@ class DispatchSignals {
     add_bases(sheet);
     add_shared(sheet, roots_, kShared);
     add_second_hop(sheet);
-    add_starts(sheet, evidence_, roots_);
+    if (found_by_framework()) add_starts(sheet, evidence_, roots_, hubs_.empty());
     return sheet;
   }
 
@@ -80,6 +80,12 @@ class DispatchSignals {
     return of_product_ ? evidence_.is_product(file) : !evidence_.is_test(file);
   }
 
+  bool found_by_framework() const {
+    const auto known =
+        std::ranges::count_if(roots_, [this](FileId root) { return handlers_.contains(root); });
+    return static_cast<std::size_t>(known) * 2 >= roots_.size();
+  }
+
   SeenBy namers_of(const std::vector<FileId>& files) const {
     SeenBy namers;
     for (const FileId file : files) {
@@ -88,8 +94,7 @@ class DispatchSignals {
         Seen& seen = namers[naming.from];
         seen.files.insert(file);
         seen.declarations += naming.declarations;
-        seen.at.push_back({std::string(evidence_.path(naming.from)), naming.line,
-                           {}});
+        seen.at.push_back({std::string(evidence_.path(naming.from)), naming.line, {}});
       }
     }
     return namers;
@@ -233,6 +238,7 @@ class DispatchSignals {
 
   const CodeEvidence& evidence_;
   const NamingGraph& graph_;
+  const std::map<FileId, HandlerSign>& handlers_;
   std::vector<FileId> roots_;
   std::vector<bool> root_;
   std::vector<FileId> hubs_;
@@ -241,9 +247,8 @@ class DispatchSignals {
 
 }  // namespace
 
-ScoreSheet dispatch_sheet(const CodeEvidence& evidence, const NamingGraph& graph,
-                          std::span<const FileId> roots) {
-  return DispatchSignals(evidence, graph, roots).sheet();
+ScoreSheet dispatch_sheet(const FlowEvidence& evidence, std::span<const FileId> roots) {
+  return DispatchSignals(evidence, roots).sheet();
 }
 
 }  // namespace kestrix

@@ -10,8 +10,8 @@ using index::FileId;
 using index::IndexedReference;
 using index::Role;
 
-constexpr RoleSet kNaming{Role::kConstructs, Role::kCalls,  Role::kLists,
-                          Role::kString,     Role::kUses,   Role::kAnnotates};
+constexpr RoleSet kNaming{Role::kConstructs, Role::kCalls, Role::kLists,
+                          Role::kString,     Role::kUses,  Role::kAnnotates};
 
 }  // namespace
 

@@ -14,7 +14,7 @@ struct Naming {
   index::FileId to = 0;
   std::uint32_t line = 0;          ///< the first reference's; 0 where only an import shows it
   std::uint32_t declarations = 0;  ///< of `to`, each counted once
-  bool names = false;   ///< calls, makes, lists, passes on: more than to say what type something has
+  bool names = false;  ///< calls, makes, lists, passes on: more than to say what type something has
   bool derives = false;  ///< something in `from` extends or implements something in `to`
 };
 
@@ -26,7 +26,8 @@ class NamingGraph {
 
   /// By the named file.
   std::span<const Naming> from(index::FileId file) const {
-    return std::span(by_source_).subspan(first_from_[file], first_from_[file + 1] - first_from_[file]);
+    return std::span(by_source_)
+        .subspan(first_from_[file], first_from_[file + 1] - first_from_[file]);
   }
   /// By the naming file.
   std::span<const Naming> to(index::FileId file) const {

@@ -13,16 +13,19 @@ namespace {
 
 using index::FileId;
 
-constexpr Signal kStart{"framework_start", 6.0, "is where such a product starts",
+constexpr Signal kStart{"framework_start", 5.0, "is where such a product starts",
                         "is where such products start", "eShopOnWeb, BookStack"};
+
+constexpr Signal kStartToo{"framework_start", 3.0, "is where such a product starts",
+                           "is where such products start", "BookStack, lobsters"};
 
 // The folder that all of them lie in.
 std::string_view common_folder(const CodeEvidence& evidence, const std::vector<FileId>& files) {
   std::string_view folder = directory_of(evidence.path(files.front()));
   for (const FileId file : files) {
     const std::string_view path = evidence.path(file);
-    while (!folder.empty() &&
-           !(path.starts_with(folder) && path.size() > folder.size() && path[folder.size()] == '/')) {
+    while (!folder.empty() && !(path.starts_with(folder) && path.size() > folder.size() &&
+                                path[folder.size()] == '/')) {
       folder = directory_of(folder);
     }
   }
@@ -36,13 +39,14 @@ bool lies_in(std::string_view path, std::string_view folder) {
 
 }  // namespace
 
-void add_starts(ScoreSheet& sheet, const CodeEvidence& evidence,
-                const std::vector<FileId>& roots) {
+void add_starts(ScoreSheet& sheet, const CodeEvidence& evidence, const std::vector<FileId>& roots,
+                bool alone) {
   const auto files = evidence.index().files();
   const std::string_view language = files[roots.front()].language;
   std::vector<std::pair<index::Wildmatch, std::string_view>> patterns;
   for (const auto& row : index::framework_names(language)) {
-    if (row.known == index::Known::kStartPath) patterns.emplace_back(index::Wildmatch(row.name), row.framework);
+    if (row.known == index::Known::kStartPath)
+      patterns.emplace_back(index::Wildmatch(row.name), row.framework);
   }
   if (patterns.empty()) return;
   const std::set<FileId> taken(roots.begin(), roots.end());
@@ -61,7 +65,7 @@ void add_starts(ScoreSheet& sheet, const CodeEvidence& evidence,
     for (const auto& [file, framework] : starts) {
       if (!lies_in(files[file].path, folder)) continue;
       any = true;
-      sheet.add(file, kStart, 1, {}, std::string(framework));
+      sheet.add(file, alone ? kStart : kStartToo, 1, {}, std::string(framework));
     }
     if (any || folder.empty()) return;
   }

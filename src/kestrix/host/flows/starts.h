@@ -7,8 +7,8 @@
 namespace kestrix {
 
 /// Adds where a product starts whose framework finds the entry points by itself: the nearest ones
-/// above them.
+/// above them. They tell most where nothing else leads to these (`alone`).
 void add_starts(ScoreSheet& sheet, const CodeEvidence& evidence,
-                const std::vector<index::FileId>& roots);
+                const std::vector<index::FileId>& roots, bool alone);
 
 }  // namespace kestrix

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <map>
+
+#include "kestrix/host/evidence/code_evidence.h"
+#include "kestrix/languages/frameworks.h"
+
+namespace kestrix {
+
+/// Why a framework finds something in a file by itself.
+struct HandlerSign {
+  const index::FrameworkName* row = nullptr;
+  Place at{};  ///< what extends or bears it; only the file where its path alone shows it
+};
+
+/// The files with something that a framework calls by convention: by base type (through any number
+/// of the repository's own), by annotation, by place.
+std::map<index::FileId, HandlerSign> framework_handlers(const CodeEvidence& evidence);
+
+}  // namespace kestrix
