@@ -3,12 +3,16 @@
 #include <algorithm>
 #include <map>
 
+#include "kestrix/host/extending/extension_signals.h"
 #include "kestrix/host/index_evidence.h"
 #include "kestrix/host/pages.h"
 #include "kestrix/workers/wiki/page_sources/recipes.h"
 
 namespace kestrix {
 namespace {
+
+constexpr double kLeastScore = 2.4;
+constexpr double kLeastShare = 0.12;
 
 using Places = std::map<std::string, std::vector<Place>, std::less<>>;
 
@@ -110,6 +114,11 @@ PageAnswer extending_answer(const WikiGenerator& generator) {
     return !places.contracts.contains(path) && !places.registries.contains(path);
   });
   answer.total = places.contracts.size() + static_cast<std::size_t>(found + wiring);
+  const CodeEvidence& code = generator.code_evidence();
+  const ScoreSheet sheet = extension_sheet(code, generator.contracts());
+  add_reasons(sheet, code, answer.files);
+  answer.further =
+      sheet.further(answer.files, room_for_further(answer.files.size()), kLeastScore, kLeastShare);
   finish(answer, "no contract to implement, no registry to add to");
   return answer;
 }

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "kestrix/host/evidence/code_evidence.h"
+#include "kestrix/host/extending/extension_signals.h"
 #include "kestrix/utils/path_filter.h"
 
 namespace kestrix {
@@ -15,6 +16,13 @@ bool is_test(const Steering* steering, std::string_view path) {
   return role ? *role == GivenRole::kTest : is_test_path(path);
 }
 
+std::vector<index::DeclarationRef> contract_types(const std::vector<Contract>& contracts) {
+  std::vector<index::DeclarationRef> types;
+  types.reserve(contracts.size());
+  for (const Contract& contract : contracts) types.push_back(contract.type);
+  return types;
+}
+
 bool is_production(const Steering* steering, std::string_view path) {
   const bool given = steering != nullptr && steering->role_of(path).has_value();
   return !given && !is_test_path(path);
@@ -24,7 +32,10 @@ bool is_production(const Steering* steering, std::string_view path) {
 
 WikiGenerator::WikiGenerator(const index::RepositoryIndex& index, const std::filesystem::path& root,
                              const Steering* steering)
-    : index_(index), handle_(index), steering_(steering), root_(root, &index) {
+    : index_(index),
+      handle_(index, [this] { return contract_types(contracts()); }),
+      steering_(steering),
+      root_(root, &index) {
   for (const auto& file : index_.files()) {
     if (file.document) continue;
     std::string path = _norm(file.path);
@@ -76,6 +87,24 @@ const DocumentEvidence& WikiGenerator::document_evidence() const {
 const CodeEvidence& WikiGenerator::code_evidence() const {
   std::call_once(code_gathered_, [this] { code_ = std::make_unique<const CodeEvidence>(*this); });
   return *code_;
+}
+
+const std::vector<Contract>& WikiGenerator::contracts() const {
+  std::call_once(contracts_found_, [this] {
+    contracts_ = std::make_unique<const std::vector<Contract>>(contracts_of(code_evidence()));
+  });
+  return *contracts_;
+}
+
+std::vector<std::string> WikiGenerator::_extension_files() const {
+  const ScoreSheet sheet = extension_sheet(code_evidence(), contracts());
+  ExtensionRankingScope::Scores scores;
+  for (index::FileId file = 0; file < index_.files().size(); ++file) {
+    const double score = sheet.score(file);
+    if (score > 0) scores.emplace(index_.files()[file].path, score);
+  }
+  const ExtensionRankingScope scope(scores);
+  return PageSourcesMixin::_extension_files();
 }
 
 }  // namespace kestrix

@@ -17,6 +17,7 @@
 namespace kestrix {
 
 class CodeEvidence;
+struct Contract;
 
 /// The generator of a repository on disk: the object that the native host mixes the detectors into.
 ///
@@ -49,10 +50,14 @@ class WikiGenerator : public PageSourcesMixin {
   std::vector<std::string> _test_files() const override;
   /// With what the index knows of the documents in force.
   std::vector<std::string> _decision_files() const override;
+  /// With what the index knows of contracts and of those who register with the product in force.
+  std::vector<std::string> _extension_files() const override;
   /// What the index knows of the documents; gathered when it is first asked for.
   const DocumentEvidence& document_evidence() const;
   /// Who names what in the repository; gathered when it is first asked for, once for all pages.
   const CodeEvidence& code_evidence() const;
+  /// The types that one adds to the product by implementing them, by type.
+  const std::vector<Contract>& contracts() const;
 
  private:
   const index::RepositoryIndex& index_;
@@ -63,6 +68,8 @@ class WikiGenerator : public PageSourcesMixin {
   mutable std::unique_ptr<const DocumentEvidence> documents_;
   mutable std::once_flag code_gathered_;
   mutable std::unique_ptr<const CodeEvidence> code_;
+  mutable std::once_flag contracts_found_;
+  mutable std::unique_ptr<const std::vector<Contract>> contracts_;
   std::vector<std::string> planner_paths_;  // ascending; asked for by nearly every detector
 };
 

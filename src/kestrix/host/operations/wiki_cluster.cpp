@@ -9,6 +9,7 @@
 #include "kestrix/host/data_models/data_signals.h"
 #include "kestrix/host/data_models/file_origin.h"
 #include "kestrix/host/design_documents.h"
+#include "kestrix/host/extending/extension_signals.h"
 
 namespace kestrix {
 namespace {
@@ -94,6 +95,12 @@ std::vector<std::string> extension_files(const PathCounts& contracts, const Path
   for (std::size_t i = 0; i < std::max(implemented.size(), registered.size()); ++i) {
     if (i < implemented.size()) ranked.push_back(implemented[i]);
     if (i < registered.size()) ranked.push_back(registered[i]);
+  }
+  if (const auto* scores = ExtensionRankingScope::current()) {
+    std::ranges::stable_sort(ranked, std::ranges::greater(), [scores](const std::string& path) {
+      const auto found = scores->find(path);
+      return found == scores->end() ? 0.0 : found->second;
+    });
   }
   if (ranked.size() > limit) ranked.resize(limit);
   return ranked;

@@ -1,5 +1,11 @@
 #pragma once
 
+#include <functional>
+#include <span>
+#include <string_view>
+#include <utility>
+#include <vector>
+
 #include "kestrix/index/index.h"
 #include "kestrix/index/repository.h"
 
@@ -10,6 +16,11 @@ class RepositoryHandle : public Repository {
  public:
   /// `index` must outlive the handle.
   explicit RepositoryHandle(const index::RepositoryIndex& index) : index_(index) {}
+  /// `contracts` tells the types that the product implements. They are found among the interfaces,
+  /// whatever their keyword, and their files are of the domain layer.
+  using Contracts = std::function<std::vector<index::DeclarationRef>()>;
+  RepositoryHandle(const index::RepositoryIndex& index, Contracts contracts)
+      : index_(index), contracts_(std::move(contracts)) {}
 
   SymbolSearch search_symbols(std::string_view pattern, SymbolSearchOptions options) const override;
   SymbolSearch search_symbols(std::span<const std::string_view> patterns,
@@ -21,7 +32,11 @@ class RepositoryHandle : public Repository {
   std::vector<Component> get_all_components(ComponentOptions options) const override;
 
  private:
+  void add_contracts(std::span<const std::string_view> patterns, SymbolSearchOptions options,
+                     SymbolSearch& found) const;
+
   const index::RepositoryIndex& index_;
+  Contracts contracts_;
 };
 
 }  // namespace kestrix

@@ -1,0 +1,127 @@
+#include "kestrix/host/extending/contracts.h"
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+
+#include "kestrix/host/evidence/error_types.h"
+#include "kestrix/text/paths.h"
+
+namespace kestrix {
+namespace {
+
+using index::DeclarationKind;
+using index::DeclarationRef;
+using index::FileId;
+using index::folder_of;
+using index::IndexedReference;
+
+constexpr std::size_t kMostImplementers = 5'000;
+constexpr std::size_t kAskedFor = 3;   // so many files name a contract that one type implements
+constexpr std::size_t kPlainBase = 3;  // so many files extend a type that is no open one
+constexpr std::size_t kPlainFolders = 2;
+
+bool is_interface(DeclarationKind kind) {
+  return kind == DeclarationKind::kInterface || kind == DeclarationKind::kTrait ||
+         kind == DeclarationKind::kProtocol;
+}
+
+class Finder {
+ public:
+  explicit Finder(const CodeEvidence& evidence)
+      : evidence_(evidence), errors_(error_types(evidence)) {}
+
+  std::vector<Contract> find() const {
+    std::set<DeclarationRef> bases;
+    for (const IndexedReference& to : evidence_.index().references()) {
+      if (to.declaration == 0 || to.target == IndexedReference::kOutside) continue;
+      if (kSubtyping.has(to.role) && evidence_.is_product(to.target)) {
+        bases.insert({to.target, to.declaration - 1});
+      }
+    }
+    std::vector<Contract> contracts;
+    for (const DeclarationRef type : bases) {
+      if (!is_type(evidence_[type].kind) || errors_.contains(type)) continue;
+      Contract contract = look_at(type);
+      if (counts(contract)) contracts.push_back(std::move(contract));
+    }
+    return contracts;
+  }
+
+ private:
+  Contract look_at(DeclarationRef type) const {
+    Contract contract{.type = type, .implementers = {}, .files = {}};
+    const auto& declared = evidence_[type];
+    const bool members = declared.methods + declared.fields > 0;
+    contract.open = declared.abstract_methods > 0 || (members && declared.is_abstract) ||
+                    (members && declared.kind == DeclarationKind::kInterface);
+    contract.implementers = descendants(type);
+    std::set<std::string_view> folders;
+    for (const DeclarationRef implementer : contract.implementers) {
+      if (implementer.file == type.file) continue;
+      if (!contract.files.empty() && contract.files.back() == implementer.file) continue;
+      contract.files.push_back(implementer.file);
+      folders.insert(folder_of(evidence_.path(implementer.file)));
+    }
+    contract.folders = folders.size();
+    std::set<FileId> users;
+    std::set<FileId> tests;
+    for (const std::uint32_t at : evidence_.references_to(type)) {
+      const IndexedReference& to = evidence_.reference(at);
+      if (to.source == type.file) continue;
+      if (kSubtyping.has(to.role)) {
+        if (!evidence_.is_product(to.source)) tests.insert(to.source);
+      } else if (evidence_.is_product(to.source)) {
+        users.insert(to.source);
+      }
+    }
+    contract.users = users.size();
+    contract.test_implementers = tests.size();
+    return contract;
+  }
+
+  std::vector<DeclarationRef> descendants(DeclarationRef type) const {
+    std::set<DeclarationRef> known{type};
+    std::vector<DeclarationRef> open{type};
+    while (!open.empty() && known.size() < kMostImplementers) {
+      const DeclarationRef next = open.back();
+      open.pop_back();
+      for (const DeclarationRef subtype : evidence_.subtypes(next)) {
+        if (known.insert(subtype).second) open.push_back(subtype);
+      }
+    }
+    known.erase(type);
+    return {known.begin(), known.end()};
+  }
+
+  bool counts(const Contract& contract) const {
+    const auto& declared = evidence_[contract.type];
+    if (contract.open) {
+      if (contract.files.size() >= 2) return true;
+      const bool tried = contract.test_implementers > 0 || contract.users >= 2;
+      return (tried && !contract.implementers.empty()) ||
+             (contract.files.size() == 1 && contract.users >= kAskedFor &&
+              folder_of(evidence_.path(contract.files.front())) !=
+                  folder_of(evidence_.path(contract.type.file)));
+    }
+    if (is_interface(declared.kind)) return false;
+    return contract.files.size() >= kPlainBase && contract.folders >= kPlainFolders;
+  }
+
+  const CodeEvidence& evidence_;
+  const std::set<DeclarationRef> errors_;
+};
+
+double grown(std::size_t count) { return std::log2(1.0 + static_cast<double>(count)); }
+
+}  // namespace
+
+std::vector<Contract> contracts_of(const CodeEvidence& evidence) { return Finder(evidence).find(); }
+
+double weight_of(const Contract& contract) {
+  const double sum = 2 * grown(contract.files.size()) + grown(contract.folders) +
+                     grown(contract.users) + grown(contract.test_implementers) / 2;
+  return contract.open ? sum : sum / 2;
+}
+
+}  // namespace kestrix
