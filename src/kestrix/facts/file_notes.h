@@ -15,6 +15,8 @@ struct FileNotes {
   std::vector<std::string> documents;     ///< of a source file: the documents that it names
   std::string attributes;                 ///< of a .gitattributes: its text
   std::vector<std::string> holders;       ///< of a licence: words of those who hold the copyright
+  std::vector<std::string> keys;          ///< of a file of keys and values: the first keys, with
+                                          ///< "." between their parts; ascending
   std::uint64_t content = 0;              ///< hash of the text, where it may be a copy; else 0
 
   bool empty() const { return *this == FileNotes{}; }

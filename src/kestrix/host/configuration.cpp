@@ -2,12 +2,16 @@
 
 #include <algorithm>
 
+#include "kestrix/host/configuration/settings_signals.h"
 #include "kestrix/host/index_evidence.h"
 #include "kestrix/host/pages.h"
 #include "kestrix/text/ascii.h"
 
 namespace kestrix {
 namespace {
+
+constexpr double kLeastScore = 2.4;
+constexpr double kLeastShare = 0.2;
 
 // What `is_config_path` saw in a path that it accepts.
 Reason sign_of(std::string_view path) {
@@ -29,6 +33,11 @@ PageAnswer configuration_answer(const WikiGenerator& generator) {
     add_counted(pick.reasons, evidence.used_by(pick.path));
     answer.files.push_back(std::move(pick));
   }
+  const CodeEvidence& code = generator.code_evidence();
+  const ScoreSheet sheet = settings_sheet(code);
+  add_reasons(sheet, code, answer.files);
+  answer.further =
+      sheet.further(answer.files, room_for_further(answer.files.size()), kLeastScore, kLeastShare);
   finish(answer, "no file named like a configuration file, no directory named config");
   return answer;
 }

@@ -1,6 +1,11 @@
 #include "kestrix/index/note_taking.h"
 
+#include <algorithm>
+#include <optional>
+#include <vector>
+
 #include "kestrix/documents/document_reader.h"
+#include "kestrix/formats/scalars.h"
 #include "kestrix/roles/licence.h"
 #include "kestrix/store/content_hash.h"
 #include "kestrix/text/paths.h"
@@ -9,6 +14,37 @@ namespace kestrix::index {
 namespace {
 
 constexpr std::size_t kMostAttributes = std::size_t{64} << 10U;
+
+// What is larger, or has longer keys, is data.
+constexpr std::size_t kMostSettings = std::size_t{64} << 10U;
+constexpr std::size_t kMostKeys = 200;
+constexpr std::size_t kLongestKey = 100;
+
+// Templates of environments are known by their names ("env.sample", "app.env.dist"), too.
+std::optional<Format> settings_format(std::string_view path) {
+  if (const auto format = format_of(path)) return format;
+  const std::string_view name = base_name(path);
+  const bool environment = name.starts_with("env.") || name.find(".env.") != std::string_view::npos;
+  return environment ? std::optional(Format::kEnv) : std::nullopt;
+}
+
+std::vector<std::string> keys_of(Format format, std::string_view text) {
+  std::vector<std::string> keys;
+  std::string key;
+  for_each_scalar(format, text, [&](const Scalar& scalar) {
+    if (keys.size() >= kMostKeys) return;
+    key.clear();
+    for (const std::string& part : scalar.path) {
+      if (part.size() > kLongestKey || key.size() > kLongestKey) return;
+      if (!key.empty()) key += '.';
+      key += part;
+    }
+    if (!key.empty() && key.size() <= kLongestKey) keys.push_back(key);
+  });
+  std::ranges::sort(keys);
+  keys.erase(std::unique(keys.begin(), keys.end()), keys.end());
+  return keys;
+}
 
 }  // namespace
 
@@ -23,6 +59,8 @@ FileNotes take_notes(std::string_view path, std::string_view text, bool is_docum
     notes.document = read_document(path, text);
     notes.content = quick_hash(text);
   } else {
+    const auto format = text.size() > kMostSettings ? std::nullopt : settings_format(path);
+    if (format && *format != Format::kXml) notes.keys = keys_of(*format, text);
     notes.documents = documents_named_in(text);
   }
   return notes;

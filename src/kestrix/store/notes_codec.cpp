@@ -49,6 +49,7 @@ std::string encode_notes(const FileNotes& notes) {
   to.list(notes.documents, write_text);
   to.text(notes.attributes);
   to.list(notes.holders, write_text);
+  to.list(notes.keys, write_text);
   to.number(notes.content);
   return to.take();
 }
@@ -60,6 +61,7 @@ FileNotes decode_notes(std::string_view bytes) {
   notes.documents = from.list<std::string>(read_text);
   notes.attributes = from.text();
   notes.holders = from.list<std::string>(read_text);
+  notes.keys = from.list<std::string>(read_text);
   notes.content = from.number<std::uint64_t>();
   if (!from.rest().empty()) throw CorruptIndex("notes that do not end");
   return notes;

@@ -51,6 +51,7 @@ constexpr FrameworkName kNames[] = {
     {"aspnet", Known::kHandlerPath, "**/Controllers/**/*.cs"},
     {"aspnet", Known::kStartPath, "**/Program.cs"},
     {"aspnet", Known::kStartPath, "**/Startup.cs"},
+    {"dotnet", Known::kSettingsPath, "**/appsettings.json"},
 };
 
 }  // namespace

@@ -57,6 +57,9 @@ constexpr FrameworkName kNames[] = {
     {"next", Known::kStartPath, "**/middleware.ts"},
     {"next", Known::kStartPath, "**/instrumentation.ts"},
     {"sveltekit", Known::kStartPath, "**/hooks.server.ts"},
+    {"next", Known::kSettingsPath, "**/next.config.*"},
+    {"nuxt", Known::kSettingsPath, "**/nuxt.config.*"},
+    {"angular", Known::kSettingsPath, "**/environments/environment.ts"},
 };
 
 }  // namespace

@@ -57,6 +57,10 @@ constexpr FrameworkName kNames[] = {
     {"spring", Known::kStartPath, "**/*Application.java"},
     {"spring", Known::kStartPath, "**/*Application.kt"},
     {"junit", Known::kTestBase, "TestCase"},
+    {"spring", Known::kSettingsPath, "**/src/main/resources/application.properties"},
+    {"spring", Known::kSettingsPath, "**/src/main/resources/application.yml"},
+    {"spring", Known::kSettingsPath, "**/src/main/resources/application.yaml"},
+    {"ktor", Known::kSettingsPath, "**/src/main/resources/application.conf"},
 };
 
 }  // namespace

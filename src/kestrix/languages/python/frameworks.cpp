@@ -65,6 +65,8 @@ constexpr FrameworkName kNames[] = {
     {"python", Known::kTestBase, "TestCase"},
     {"python", Known::kTestBase, "TransactionTestCase"},
     {"python", Known::kTestBase, "LiveServerTestCase"},
+    {"django", Known::kSettingsPath, "**/settings.py"},
+    {"django", Known::kSettingsPath, "**/settings/*.py"},
 };
 
 }  // namespace
