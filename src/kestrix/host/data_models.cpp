@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "kestrix/host/data_models/data_evidence.h"
 #include "kestrix/host/data_models/data_ranking.h"
 #include "kestrix/host/data_models/data_signals.h"
 #include "kestrix/host/index_evidence.h"
@@ -43,6 +44,10 @@ constexpr auto kSignals = std::to_array<SignalName>({
     {"alterations", "change of a table", "changes of tables", &DataSignals::alterations},
 });
 
+// A page that is full already is lengthened only by what is as central as what is on it.
+constexpr double kLeastFurther = 3.0;
+constexpr double kLeastShareOfFurther = 0.5;
+
 std::vector<Reason> reasons_of(const DataSignals& signals) {
   std::vector<Reason> reasons;
   for (const SignalName& signal : kSignals) {
@@ -58,16 +63,24 @@ std::vector<Reason> reasons_of(const DataSignals& signals) {
 }  // namespace
 
 PageAnswer data_models_answer(const WikiGenerator& generator) {
-  const IndexEvidence evidence(generator.indexed());
+  const CodeEvidence& code = generator.code_evidence();
+  const DataEvidence evidence(code);
+  const DataPoints points = evidence.points();
+  const DataPointsScope scope(points);
   const DataRanking ranking = recipes::_data_model_files(RankingHost{generator});
   PageAnswer answer;
   for (DataFile& file : ranking.best()) {
-    Pick pick{std::move(file.path), reasons_of(file.signals)};
-    add_counted(pick.reasons, evidence.used_by(pick.path));
-    answer.files.push_back(std::move(pick));
+    answer.files.push_back({std::move(file.path), {}});
+    if (file.points == 0) answer.files.back().reasons = reasons_of(file.signals);
   }
+  add_reasons(evidence.sheet(), code, answer.files);
   answer.total = ranking.found();
-  finish(answer, "no table, no class mapped to storage, no schema, no two data classes");
+  if (!points.empty()) {
+    answer.further = evidence.sheet().further(answer.files, room_for_further(answer.files.size()),
+                                              kLeastFurther, kLeastShareOfFurther);
+  }
+  finish(answer,
+         "no type that others name as data, no table, no class mapped to storage, no schema");
   return answer;
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "kestrix/host/data_models/data_evidence.h"
 #include "kestrix/host/evidence/code_evidence.h"
 #include "kestrix/host/extending/extension_signals.h"
 #include "kestrix/utils/path_filter.h"
@@ -71,6 +72,12 @@ std::vector<DocumentRecord> WikiGenerator::_indexed_documents() const {
     if (file.document) records.push_back({std::string(file.path)});
   }
   return records;
+}
+
+std::vector<std::string> WikiGenerator::_data_model_files() const {
+  const DataPoints points = DataEvidence(code_evidence()).points();
+  const DataPointsScope scope(points);
+  return PageSourcesMixin::_data_model_files();
 }
 
 std::vector<std::string> WikiGenerator::_decision_files() const {

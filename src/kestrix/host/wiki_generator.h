@@ -48,6 +48,8 @@ class WikiGenerator : public PageSourcesMixin {
   std::vector<DocumentRecord> _indexed_documents() const override;
   /// Settings may make a file a test that its path does not show.
   std::vector<std::string> _test_files() const override;
+  /// With what the code says of its types in force.
+  std::vector<std::string> _data_model_files() const override;
   /// With what the index knows of the documents in force.
   std::vector<std::string> _decision_files() const override;
   /// With what the index knows of contracts and of those who register with the product in force.

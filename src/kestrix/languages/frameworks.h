@@ -13,7 +13,10 @@ enum class Known : std::uint8_t {
   kErrorValue,     ///< calling it makes an error value
   kModelBase,      ///< what extends it is stored
   kModelMarker,    ///< what bears it is stored
-  kModelList,      ///< its type arguments are stored
+  kModelList,      ///< its type arguments are stored, or calling it describes what is
+  kRecordBase,     ///< what extends it carries values from one to another
+  kRecordMarker,   ///< what bears it does
+  kRecordList,     ///< calling it describes what does
   kSettingsBase,   ///< what extends it is filled from the environment or a file
   kSettingsCall,   ///< calling it reads, binds or declares settings
   kSettingsPath,   ///< a glob: its settings stand there, by the framework's convention

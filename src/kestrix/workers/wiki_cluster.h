@@ -35,7 +35,8 @@ inline constexpr AspectFileLimit MAX_ASPECT_FILES{};
 /// A file defines data when it holds a DDL statement (also inside a string literal), a class that
 /// is mapped to storage, a definition in a schema language, or at least two data classes. The
 /// repository's own definitions come before those of its samples, then migrations, then generated
-/// and vendored files. The evidence is told in cluster/data_signals.h.
+/// and vendored files. Where the caller has put in force what the code that names the definitions
+/// says of their files, the product's are ranked by that.
 ///
 /// Texts are read one at a time, each at most once, and only those whose name can hold data
 /// definitions and that can still be among the best; none is kept. A text that cannot be read is ""

@@ -18,16 +18,20 @@ std::uint64_t strength(const DataSignals& signals) {
 
 bool DataRanking::before(const Entry& a, const Entry& b) {
   const auto key = [](const Entry& entry) {
-    return std::tuple(entry.origin, ~strength(entry.signals), ~entry.signals.columns,
+    return std::tuple(entry.origin, -entry.points, ~strength(entry.signals), ~entry.signals.columns,
                       std::string_view(entry.path));
   };
   return key(a) < key(b);
 }
 
 void DataRanking::add(std::string_view path, const DataSignals& signals) {
-  if (!defines_data(signals)) return;
+  if (defines_data(signals)) add(path, signals, 0);
+}
+
+void DataRanking::add(std::string_view path, const DataSignals& signals, double points) {
   ++found_;
-  entries_.push_back({origin_of(path, signals.made_by_program), signals, std::string(path)});
+  const DataOrigin origin = origin_of(path, signals.made_by_program);
+  entries_.push_back({origin, points, signals, std::string(path)});
   if (entries_.size() < 2 * kept_ + 1) return;
   std::ranges::nth_element(entries_, entries_.begin() + static_cast<std::ptrdiff_t>(kept_), before);
   entries_.resize(kept_);

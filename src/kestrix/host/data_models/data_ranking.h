@@ -22,18 +22,21 @@ std::uint64_t strength(const DataSignals& signals);
 
 struct DataFile {
   DataOrigin origin;
+  double points;  ///< 0 where only the text speaks
   DataSignals signals;
   std::string path;
 };
 
-/// Keeps the best of a stream of files: by origin, then by strength, then by mapped members, then
-/// by path. Holds at most twice as many as it keeps.
+/// Keeps the best of a stream of files: by origin, then by points, then by strength, then by mapped
+/// members, then by path. Holds at most twice as many as it keeps.
 class DataRanking {
  public:
   explicit DataRanking(std::size_t kept) : kept_(kept) {}
 
   /// Adds a file; one that defines no data is passed over.
   void add(std::string_view path, const DataSignals& signals);
+  /// Adds one for which more speaks than its own text.
+  void add(std::string_view path, const DataSignals& signals, double points);
 
   /// Whether no file of a farther origin can be among the best any more.
   bool is_settled(DataOrigin origin) const;
@@ -54,7 +57,8 @@ class DataRanking {
 };
 
 /// What `data_model_files` answers, with the signals that decided. Files of a farther origin are
-/// not read once the nearer ones fill the answer.
+/// not read once the nearer ones fill the answer. Where points are in force and any file has some,
+/// those files alone are ranked, by their points.
 DataRanking rank_data_models(const PathTexts& texts);
 
 }  // namespace kestrix

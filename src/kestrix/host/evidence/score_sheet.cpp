@@ -14,7 +14,8 @@ namespace kestrix {
 void ScoreSheet::add(index::FileId file, const Signal& signal, std::uint64_t count,
                      std::vector<Place> at, std::string detail) {
   if (count == 0) return;
-  std::ranges::sort(at, {}, [](const Place& place) { return std::tie(place.path, place.line, place.name); });
+  std::ranges::sort(
+      at, {}, [](const Place& place) { return std::tie(place.path, place.line, place.name); });
   if (at.size() > kMostPlaces) at.resize(kMostPlaces);
   std::string text = fmt::format(fmt::runtime(count == 1 ? signal.one : signal.many), count);
   if (!detail.empty()) text.append(": ").append(detail);
@@ -41,15 +42,23 @@ std::vector<Reason> ScoreSheet::reasons(index::FileId file) const {
   return reasons;
 }
 
+std::vector<ScoreSheet::Scored> ScoreSheet::ranked() const {
+  std::vector<Scored> all;
+  for (const auto& [file, entry] : entries_) {
+    if (const double points = score(file); points > 0) all.push_back({points, file});
+  }
+  // A file's number is its place among the paths.
+  std::ranges::sort(all, {}, [](const Scored& each) { return std::pair(-each.points, each.file); });
+  return all;
+}
+
 std::vector<Pick> ScoreSheet::further(const std::vector<Pick>& files, std::size_t room,
                                       double least, double share) const {
-  std::vector<std::pair<double, index::FileId>> ranked;
-  for (const auto& [file, entry] : entries_) ranked.emplace_back(-score(file), file);
-  std::ranges::sort(ranked);
+  const std::vector<Scored> all = ranked();
   std::vector<Pick> picks;
-  const double best = ranked.empty() ? 0 : -ranked.front().first;
-  for (const auto& [negative, file] : ranked) {
-    if (picks.size() == room || -negative < std::max(least, share * best)) break;
+  const double best = all.empty() ? 0 : all.front().points;
+  for (const auto& [points, file] : all) {
+    if (picks.size() == room || points < std::max(least, share * best)) break;
     const std::string_view path = evidence_.path(file);
     if (std::ranges::find(files, path, &Pick::path) != files.end()) continue;
     picks.push_back({std::string(path), reasons(file)});

@@ -18,7 +18,7 @@ namespace kestrix {
 struct Signal {
   std::string_view kind;  ///< of its reason
   double weight;
-  std::string_view one;   ///< "is thrown in {} file", "{}" being the count
+  std::string_view one;  ///< "is thrown in {} file", "{}" being the count
   std::string_view many;
   /// Two repositories without anything in common in which it finds what a maintainer would name.
   std::string_view helped;
@@ -31,12 +31,18 @@ class ScoreSheet {
 
   /// `count` of what the signal counts, seen at `at`; nothing when it is 0. `detail` stands behind
   /// the signal's text.
-  void add(index::FileId file, const Signal& signal, std::uint64_t count, std::vector<Place> at = {},
-           std::string detail = {});
+  void add(index::FileId file, const Signal& signal, std::uint64_t count,
+           std::vector<Place> at = {}, std::string detail = {});
   /// Makes a file's score smaller: it mirrors something, or serves something else.
   void scale(index::FileId file, double factor) { entries_[file].factor *= factor; }
 
   double score(index::FileId file) const;
+  struct Scored {
+    double points;
+    index::FileId file;
+  };
+  /// All files that score, best first, then by path.
+  std::vector<Scored> ranked() const;
   /// The reasons of a file, the strongest first.
   std::vector<Reason> reasons(index::FileId file) const;
   /// The product files that score the most, best first, none of `files`: at most `room`, none below

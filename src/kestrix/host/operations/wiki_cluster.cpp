@@ -5,6 +5,7 @@
 #include <tuple>
 #include <utility>
 
+#include "kestrix/host/data_models/data_points.h"
 #include "kestrix/host/data_models/data_ranking.h"
 #include "kestrix/host/data_models/data_signals.h"
 #include "kestrix/host/data_models/file_origin.h"
@@ -55,12 +56,37 @@ Candidates candidates(const PathTexts& texts) {
   return by_origin;
 }
 
+// Where nothing of the product itself is stored, the tables that its migrations make are the only
+// ones; the first few make most of them.
+constexpr std::size_t kMostMigrations = 3;
+
+void rank_by_points(const PathTexts& texts, const DataPoints& points, DataRanking& ranking) {
+  bool stores = false;
+  DataRanking migrations(kMostMigrations);
+  for (const auto& [path, text] : texts) {
+    if (const auto found = points.find(path); found != points.end()) {
+      const DataSignals signals = data_signals(path, text);
+      stores = stores || signals.tables + signals.entities > 0;
+      ranking.add(path, signals, found->second);
+    } else if (may_define_data(path) && origin_of_path(path) == DataOrigin::kMigration) {
+      const DataSignals signals = data_signals(path, text);
+      if (signals.tables > 0) migrations.add(path, signals);
+    }
+  }
+  if (stores || ranking.found() == 0) return;
+  for (const DataFile& file : migrations.best()) ranking.add(file.path, file.signals);
+}
+
 }  // namespace
 
 AspectFileLimit::operator std::ptrdiff_t() const { return 12; }
 
 DataRanking rank_data_models(const PathTexts& texts) {
   DataRanking ranking(static_cast<std::size_t>(std::ptrdiff_t{MAX_ASPECT_FILES}));
+  if (const DataPoints* points = DataPointsScope::current(); points != nullptr) {
+    rank_by_points(texts, *points, ranking);
+    if (ranking.found() > 0) return ranking;
+  }
   const auto by_origin = candidates(texts);
   for (const auto origin : kDataOrigins) {
     for (const auto* entry : by_origin[static_cast<std::size_t>(origin)]) {
