@@ -98,7 +98,8 @@ NameResolver::Found NameResolver::find_exported(FileId file, std::string_view na
   if (hops > kMostHops) return std::nullopt;
   if (const auto top = table_.find_top(file, name)) return thing(*top);
   for (const Binding& binding : scopes_.bindings(file)) {
-    if (binding.exported == name && binding.target != file) return follow(binding, hops);
+    const bool elsewhere = binding.target != file || binding.name != name;
+    if (binding.exported == name && elsewhere) return follow(binding, hops);
   }
   return find_in_barrels(file, name, hops);
 }
@@ -109,7 +110,7 @@ NameResolver::Found NameResolver::find_in_barrels(FileId file, std::string_view 
   Found one;
   std::size_t asked = 0;
   for (const Binding& binding : scopes_.bindings(file)) {
-    if (!is_wildcard(binding) || binding.exported != "*" || binding.target == file) continue;
+    if (binding.exported != "*" || binding.target == file) continue;
     if (++asked > kMostBarrels) break;
     // Each level asks fewer hops, so that barrels of barrels stay few.
     const Found found = find_exported(binding.target, name, hops + 4);
@@ -149,18 +150,34 @@ std::optional<DeclarationRef> NameResolver::base_of(DeclarationRef type, std::st
   return found.at;
 }
 
+// What is given to a function from outside of it carries its name: "function.member".
+std::optional<DeclarationRef> NameResolver::find_assigned(DeclarationRef holder,
+                                                          std::string_view name) const {
+  const DeclarationView& row = table_[holder];
+  if (row.kind != DeclarationKind::kFunction && row.kind != DeclarationKind::kConstant &&
+      row.kind != DeclarationKind::kVariable) {
+    return std::nullopt;
+  }
+  return table_.find_top(holder.file, std::string(row.name).append(".").append(name));
+}
+
 NamedThing NameResolver::descend(NamedThing from, std::string_view rest) const {
   while (!rest.empty()) {
     const std::string_view part = first_part(rest);
     if (from.kind == Kind::kFile) {
       if (!from.rest.empty()) break;
-      const Found found = find_exported(from.at.file, part, 0);
-      if (!found) break;
+      Found found = find_exported(from.at.file, part, 0);
+      if (!found) {
+        const Found sole = find_exported(from.at.file, kSoleExport, 0);
+        if (!sole || sole->kind != Kind::kDeclaration || table_[sole->at].size > 0) break;
+        from = *sole;
+        continue;
+      }
       from = *found;
     } else {
       const bool holds =
           is_type(table_[from.at].kind) || table_[from.at].kind == DeclarationKind::kModule;
-      const auto member = holds ? find_member(from.at, part, 0) : std::nullopt;
+      const auto member = holds ? find_member(from.at, part, 0) : find_assigned(from.at, part);
       if (!member) break;
       from.at = *member;
     }
@@ -169,11 +186,20 @@ NamedThing NameResolver::descend(NamedThing from, std::string_view rest) const {
   if (!rest.empty()) {
     if (!from.rest.empty()) from.rest += '.';
     from.rest += rest;
+  } else if (from.kind == Kind::kFile && from.rest.empty()) {
+    if (const Found sole = find_exported(from.at.file, kSoleExport, 0)) return *sole;
   }
   return from;
 }
 
 // NOLINTEND(misc-no-recursion)
+
+std::optional<FileId> NameResolver::module_named(std::string_view specifier) const {
+  const auto& bindings = scopes_.bindings(file_);
+  const auto found = std::ranges::lower_bound(bindings, specifier, {}, &Binding::local);
+  const bool whole = found != bindings.end() && found->local == specifier && found->name.empty();
+  return whole ? std::optional(found->target) : std::nullopt;
+}
 
 void NameResolver::close_over_wildcards() {
   closed_ = true;
@@ -226,6 +252,7 @@ NameResolver::Found NameResolver::find_outside(std::string_view name) const {
   const std::string_view root = first_part(name);
   const std::string_view rest = name.substr(root.size());
   for (const ImportFact& import : files_.facts(file_).imports) {
+    if (import.module.empty()) continue;
     for (const ImportedName& named : import.names) {
       if (named.bound() != root) continue;
       std::string full = import.module;

@@ -39,6 +39,9 @@ class NameResolver {
   /// What `name` ("a.b.C") stands for where the declaration `within` (from one, 0: none) holds it.
   NamedThing resolve(std::string_view name, std::uint32_t within);
 
+  /// The file that an import of this text, as it is written, leads to here.
+  std::optional<FileId> module_named(std::string_view specifier) const;
+
  private:
   using Found = std::optional<NamedThing>;
 
@@ -53,6 +56,7 @@ class NameResolver {
   NamedThing follow(const Binding& binding, int hops) const;
   std::optional<DeclarationRef> find_member(DeclarationRef type, std::string_view name,
                                             int hops) const;
+  std::optional<DeclarationRef> find_assigned(DeclarationRef holder, std::string_view name) const;
   std::optional<DeclarationRef> base_of(DeclarationRef type, std::string_view base, int hops) const;
   void close_over_wildcards();
 

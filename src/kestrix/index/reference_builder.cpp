@@ -55,7 +55,11 @@ ReferenceBuilder::Built ReferenceBuilder::build(FileId file) const {
                        .count = mention.count};
     NamedThing thing;
     if (mention.role == Role::kString) {
-      if (auto found = strings_.resolve(mention.name, folder)) thing = std::move(*found);
+      if (const auto module = names.module_named(mention.name)) {
+        thing = {Kind::kFile, {*module, 0}, {}};
+      } else if (auto found = strings_.resolve(mention.name, folder)) {
+        thing = std::move(*found);
+      }
     } else if (mention.role == Role::kReads) {
       thing = {Kind::kOutside, {}, mention.name};
     } else {

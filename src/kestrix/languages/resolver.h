@@ -44,6 +44,9 @@ struct Dependency {
   friend bool operator==(const Dependency&, const Dependency&) = default;
 };
 
+/// The name under which a file hands on what it is as a whole ("module.exports = …").
+inline constexpr std::string_view kSoleExport = "=";
+
 /// What a name of a file stands for, because an import, an include or its package says so. Views
 /// live as long as the resolver and the table.
 struct Binding {

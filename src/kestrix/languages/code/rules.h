@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "kestrix/facts/declaration.h"
+#include "kestrix/facts/facts.h"
 #include "kestrix/facts/reference_role.h"
 #include "kestrix/syntax/source_tree.h"
 
@@ -19,6 +20,7 @@ enum class Act : std::uint8_t {
   kPass,           ///< sets the role, if the rule has one, and walks on
   kSkip,           ///< nothing below counts: import statements, the member part of a path
   kName,           ///< one name, mentioned in the role in force
+  kProperName,     ///< the same, if it starts in upper case
   kPath,           ///< names joined ("a.b.C"): one mention if it is nothing else, else walked into
   kBind,           ///< a name, or a list of names, local to the function from here on
   kBindBehind,     ///< the same, from where the node's parent ends
@@ -37,6 +39,7 @@ enum class Act : std::uint8_t {
   kToken,          ///< a word among tokens: one mention with the path that it starts
   kPattern,        ///< a name in a pattern: binds in lower case, else it is mentioned
   kMembers,        ///< members of the type that `owner` tells, which is declared elsewhere
+  kNameless,       ///< a type without a name: its members are none of the one around it
   kDeclare,        ///< declares `kind` under the name in field `name`, with the value in `value`
 };
 
@@ -54,6 +57,8 @@ struct CodeRule {
   std::optional<Role> errors{};  ///< for those of the names below that `is_error` knows
   bool weak = false;             ///< `role` counts only where nothing more is known than a use
   bool ahead = false;  ///< stands before the declaration that it belongs to: decorators, attributes
+  /// Tells the role from the node, where its type does not; null: `role` holds.
+  std::optional<Role> (*ask)(TSNode node) = nullptr;
 };
 
 /// A call that says more than that it calls.
@@ -78,6 +83,8 @@ struct CodeRules {
   std::span<const std::string_view> self{};  ///< "self", "this": their members are no names
   /// Bases through which the environment is read by subscript or member: "process.env", "ENV".
   std::span<const std::string_view> environments{};
+  /// Whether what follows a key there is none of it, but something of the text that it holds.
+  bool flat_environments = false;
   /// Methods that make a value of the type that they are called on: "new".
   std::span<const std::string_view> makers{};
   /// Whether types and constants, and nothing else, start in upper case: only they stand before
@@ -99,8 +106,14 @@ struct CodeRules {
   bool (*exported)(const SourceTree& tree, TSNode declaration, const Declaration& as) = nullptr;
   /// Whether a type or method says that it is abstract; null: methods without a "body".
   bool (*is_abstract)(const SourceTree& tree, TSNode declaration, const Declaration& as) = nullptr;
+  /// What is declared, where not the text of the field `name` says it: the name; "" for what is
+  /// an import, of which nothing counts; none where nothing is declared. `name` may be null.
+  std::optional<std::string_view> (*name_of)(const SourceTree& tree, TSNode node,
+                                             TSNode name) = nullptr;
   /// Last look at a declaration before it is taken, to correct its kind or name; false drops it.
   bool (*refine)(const SourceTree& tree, TSNode declaration, Declaration& as) = nullptr;
+  /// Last look at all that was read of a file.
+  void (*finish)(FileFacts& facts) = nullptr;
 };
 
 /// The rules of one language, bound to its grammar. Immutable, shared by all threads.

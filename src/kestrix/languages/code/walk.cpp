@@ -29,6 +29,10 @@ bool is_value(DeclarationKind kind) {
   return kind == DeclarationKind::kConstant || kind == DeclarationKind::kVariable;
 }
 
+bool is_member(DeclarationKind kind) {
+  return kind == DeclarationKind::kField || kind == DeclarationKind::kMethod;
+}
+
 bool is_of(Role role, std::initializer_list<Role> roles) {
   return std::ranges::find(roles, role) != roles.end();
 }
@@ -59,6 +63,7 @@ struct Frame {
   bool scope = false;            // names bound in it are its own
   bool ahead = false;            // annotations belong to the declaration that follows
   bool keyed = false;            // keys name members
+  bool nameless = false;         // members belong to a type without a name
   std::optional<Role> errors{};  // of names that stand for errors
   TSFieldId names = 0;           // of a declaration: the field of its names
   std::uint32_t declared = 0;    // and its place; 0: its names are local
@@ -122,6 +127,7 @@ class CodeWalk {
       if (bases.size() < kMostBases) bases.push_back(mention.name);
     }
     facts_.dropped += mentions_.dropped();
+    if (source_.finish != nullptr) source_.finish(facts_);
   }
 
   // Whether the node's children are to be walked over; their frame is pushed then.
@@ -138,14 +144,21 @@ class CodeWalk {
       frame.role = beyond(frame.role);
       return push(frame, node);
     }
-    if (rule->rule->role && (!rule->rule->weak || is_of(frame.role, {Role::kUses, Role::kLists}))) {
-      frame.role = *rule->rule->role;
-      frame.errors.reset();
-    }
+    take_role(*rule->rule, node, frame);
     if (rule->rule->errors) frame.errors = rule->rule->errors;
     frame.act = rule->rule->act;
     frame.ahead |= rule->rule->ahead;
     return visit(*rule, node, frame);
+  }
+
+  static void take_role(const CodeRule& rule, TSNode node, Frame& frame) {
+    const auto role = rule.ask == nullptr ? rule.role : rule.ask(node);
+    if (role && (!rule.weak || is_of(frame.role, {Role::kUses, Role::kLists}))) {
+      frame.role = *role;
+      frame.errors.reset();
+    } else if (rule.ask != nullptr) {
+      frame.role = beyond(frame.role);
+    }
   }
 
   static Frame below(const Frame& up, TSNode node, TSFieldId field) {
@@ -154,6 +167,7 @@ class CodeWalk {
                 .holder = up.holder,
                 .ahead = up.ahead,
                 .keyed = up.keyed,
+                .nameless = up.nameless,
                 .errors = up.errors,
                 .owner = up.owner};
     if (up.callee != 0 && field == up.callee) {
@@ -191,6 +205,9 @@ class CodeWalk {
         return false;
       case Act::kName:
         mention(node, tree_.text(node), frame);
+        return false;
+      case Act::kProperName:
+        if (!starts_in_lower_case(tree_.text(node))) mention(node, tree_.text(node), frame);
         return false;
       case Act::kPath:
         return visit_path(node, frame);
@@ -241,6 +258,9 @@ class CodeWalk {
                          ? Role::kType
                          : Role::kUses;
         return push(frame, node);
+      case Act::kNameless:
+        frame.nameless = true;
+        return push(frame, node);
       case Act::kDeclare:
         return declare(rule, node, frame);
       case Act::kPass:
@@ -251,7 +271,9 @@ class CodeWalk {
 
   bool visit_path(TSNode node, Frame& frame) {
     const std::string_view text = tree_.text(node);
-    if (frame.role != Role::kCalls && read_member(node, text, frame)) return false;
+    if (frame.role != Role::kCalls || source_.flat_environments) {
+      if (read_member(node, text, frame)) return false;
+    }
     if (mention(node, text, frame)) return false;
     frame.role = beyond(frame.role);
     return push(frame, node);
@@ -260,10 +282,17 @@ class CodeWalk {
   // "process.env.KEY"
   bool read_member(TSNode node, std::string_view text, const Frame& frame) {
     for (const std::string_view base : source_.environments) {
-      if (text.size() <= base.size() + 1 || !text.starts_with(base) || text[base.size()] != '.')
-        continue;
-      const auto path = name_path(text.substr(base.size() + 1));
-      if (path) add(*path, Role::kReads, frame, SourceTree::line(node));
+      if (text.size() <= base.size() + 1 || !text.starts_with(base)) continue;
+      std::string_view key = text.substr(base.size());
+      if (key.starts_with("?.")) key.remove_prefix(1);
+      if (!key.starts_with('.')) continue;
+      key.remove_prefix(1);
+      if (source_.flat_environments) {
+        const std::size_t end = key.find_first_of(".?!");
+        if (end == std::string_view::npos && frame.role == Role::kCalls) return false;
+        key = key.substr(0, end);
+      }
+      if (const auto path = name_path(key)) add(*path, Role::kReads, frame, SourceTree::line(node));
       return true;
     }
     return false;
@@ -379,6 +408,7 @@ class CodeWalk {
         }
         return;
       }
+      if (rule == nullptr || rule->rule->ask != nullptr) return;  // a part of a key is none
       parent = ts_node_symbol(node);
       node = ts_node_named_child(node, 0);
     }
@@ -496,15 +526,45 @@ class CodeWalk {
     as.name = std::string(owner) + "." + as.name;
   }
 
+  std::optional<std::string_view> declared_name(const Rule& rule, TSNode node, TSNode name,
+                                                Frame& frame) {
+    if (!ts_node_is_null(name)) add_taken_keys(rule, node, name, frame);
+    if (frame.nameless && is_member(rule.rule->kind)) {
+      frame.scope = rule.rule->kind == DeclarationKind::kMethod;
+      return std::nullopt;
+    }
+    if (source_.name_of != nullptr) return source_.name_of(tree_, node, name);
+    if (ts_node_is_null(name)) return std::nullopt;
+    return tree_.text(name);
+  }
+
+  // "{ KEY, OTHER: name } = environment"
+  void add_taken_keys(const Rule& rule, TSNode node, TSNode name, const Frame& frame) {
+    if (source_.environments.empty() || !is_value(rule.rule->kind)) return;
+    const TSNode value = ts_node_child_by_field_id(node, rule.value);
+    if (ts_node_is_null(value) || ts_node_named_child_count(name) == 0) return;
+    if (!is_environment(tree_.text(value))) return;
+    TreeCursor cursor(name);
+    for (bool more = cursor.to_first_child(); more; more = cursor.to_next_sibling()) {
+      TSNode key = cursor.node();
+      for (int depth = 0; depth < 4 && ts_node_named_child_count(key) > 0; ++depth)
+        key = ts_node_named_child(key, 0);
+      if (const auto path = name_path(tree_.text(key)); path && ts_node_is_named(key))
+        add(*path, Role::kReads, frame, SourceTree::line(key));
+    }
+  }
+
   bool declare(const Rule& rule, TSNode node, Frame& frame) {
     const TSNode name = ts_node_child_by_field_id(node, rule.name);
     frame.role = Role::kUses;
     frame.errors.reset();
-    if (ts_node_is_null(name)) {
+    const auto text = declared_name(rule, node, name, frame);
+    if (!text) {
       if (rule.rule->role) frame.role = *rule.rule->role;
       return push(frame, node);
     }
-    const auto path = name_path(tree_.text(name));
+    if (text->empty() && source_.name_of != nullptr) return false;
+    const auto path = name_path(*text);
     if (!path || (path->find('.') != std::string::npos && !source_.qualified_names)) {
       // "registry[key] = Name" puts it into a table.
       if (!path && is_value(rule.rule->kind)) frame.arguments = rule.value;
@@ -514,18 +574,18 @@ class CodeWalk {
     frame.names = rule.name;
     Declaration as{.kind = rule.rule->kind,
                    .name = *path,
-                   .line = SourceTree::line(name),
+                   .line = SourceTree::line(ts_node_is_null(name) ? node : name),
                    .last_line = ts_node_end_point(node).row + 1,
                    .container = frame.holder};
-    const bool local = frame.holder > 0 && is_callable(facts_.declarations[frame.holder - 1].kind);
+    const bool local = is_local(frame.holder);
     if ((local || locals_.in_function()) && is_value(as.kind)) {
-      locals_.bind(tree_.text(name));
+      locals_.bind(*text);
       return push(frame, node);
     }
     if (make_claim(node, as)) return false;
     if (!classify(rule, node, as)) return push(frame, node);
     if (!local) give_to_owner(node, frame, as);
-    if (local) locals_.bind(tree_.text(name));
+    if (local) locals_.bind(*text);
     as.exported = !local && as.exported;
     if (facts_.declarations.size() >= kMostDeclarations) {
       ++facts_.dropped;
@@ -533,6 +593,13 @@ class CodeWalk {
     }
     take(std::move(as), frame);
     return push(frame, node);
+  }
+
+  // What stands in a function, also in one without a name, but not what stands in a type there.
+  bool is_local(std::uint32_t holder) const {
+    if (holder == 0) return locals_.in_function();
+    const DeclarationKind kind = facts_.declarations[holder - 1].kind;
+    return is_callable(kind) || (locals_.in_function() && !is_type(kind));
   }
 
   bool classify(const Rule& rule, TSNode node, Declaration& as) const {
@@ -569,6 +636,7 @@ class CodeWalk {
       if (as.kind == DeclarationKind::kMethod && as.is_abstract) ++holder.abstract_methods;
     }
     frame.scope = is_callable(as.kind);
+    frame.nameless = false;
     const bool type = is_type(as.kind) && as.container == 0;
     facts_.declarations.push_back(std::move(as));
     frame.declared = static_cast<std::uint32_t>(facts_.declarations.size());
