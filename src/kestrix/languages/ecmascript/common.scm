@@ -19,6 +19,14 @@
               function: (import) @dynamic
               arguments: (arguments . [(string) (template_string)] @module))))
  (#set! anywhere))
+((variable_declarator
+   name: (_) @bind
+   value: (member_expression
+            object: (call_expression
+                      function: (identifier) @_require
+                      arguments: (arguments . [(string) (template_string)] @module))
+            property: (property_identifier) @member))
+ (#eq? @_require "require") (#set! anywhere))
 ((member_expression
    object: (call_expression
              function: (identifier) @_require
@@ -51,9 +59,12 @@
    arguments: (arguments . [(string) (template_string)] @module))
  (#set! anywhere))
 
-; module.exports = …, exports.name = …
-(expression_statement
-  (assignment_expression left: (member_expression) @exports right: (_) @value))
+; module.exports = …, exports.name = …, exports = module.exports = …
+(expression_statement (assignment_expression) @exports)
+(variable_declaration
+  (variable_declarator name: (identifier) @name value: (assignment_expression) @exports))
+(lexical_declaration
+  (variable_declarator name: (identifier) @name value: (assignment_expression) @exports))
 
 (class_declaration name: (_) @name body: (class_body) @body @members) @class
 (lexical_declaration

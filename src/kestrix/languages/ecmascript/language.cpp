@@ -6,6 +6,7 @@
 #include <span>
 #include <string_view>
 
+#include "kestrix/languages/ecmascript/code.h"
 #include "kestrix/languages/ecmascript/conventions.h"
 #include "kestrix/languages/ecmascript/javascript.scm.h"
 #include "kestrix/languages/ecmascript/reader.h"
@@ -21,14 +22,13 @@ constexpr std::array<std::string_view, 4> kJavaScript = {".js", ".jsx", ".mjs", 
 constexpr std::array<std::string_view, 3> kTypeScript = {".ts", ".mts", ".cts"};
 constexpr std::array<std::string_view, 1> kTsx = {".tsx"};
 // What the reader asks the matches of the query for.
-constexpr std::array<std::string_view, 17> kCaptures = {
-    "assigned", "bind",    "binding", "body",    "class",     "constant",
-    "default",  "dynamic", "export",  "exports", "interface", "key",
-    "member",   "module",  "name",    "spread",  "value"};
+constexpr std::array<std::string_view, 16> kCaptures = {
+    "assigned", "bind",    "binding",   "body", "class",  "constant", "default", "dynamic",
+    "export",   "exports", "interface", "key",  "member", "module",   "name",    "spread"};
 
 // The dialects differ in their grammar; what is read of them and how it is resolved is one.
 Language dialect(std::string_view name, Files files, const TSLanguage* (*grammar)(),
-                 std::string_view query) {
+                 std::string_view query, const CodeRules& code) {
   return {.name = name,
           .files = files,
           .grammar = grammar,
@@ -38,6 +38,7 @@ Language dialect(std::string_view name, Files files, const TSLanguage* (*grammar
           .keywords = ecmascript::keywords(),
           .read = ecmascript::read,
           .resolver = make_ecmascript_resolver,
+          .code = &code,
           .conventions = &ecmascript::kConventions};
 }
 
@@ -45,18 +46,19 @@ Language dialect(std::string_view name, Files files, const TSLanguage* (*grammar
 
 const Language& javascript_language() {
   static const Language language =
-      dialect("javascript", kJavaScript, tree_sitter_javascript, javascript_query);
+      dialect("javascript", kJavaScript, tree_sitter_javascript, javascript_query, javascript_code);
   return language;
 }
 
 const Language& typescript_language() {
   static const Language language =
-      dialect("typescript", kTypeScript, tree_sitter_typescript, typescript_query);
+      dialect("typescript", kTypeScript, tree_sitter_typescript, typescript_query, typescript_code);
   return language;
 }
 
 const Language& tsx_language() {
-  static const Language language = dialect("tsx", kTsx, tree_sitter_tsx, typescript_query);
+  static const Language language =
+      dialect("tsx", kTsx, tree_sitter_tsx, typescript_query, tsx_code);
   return language;
 }
 

@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "kestrix/languages/ecmascript/exports.h"
 #include "kestrix/languages/ecmascript/resolver.h"
 #include "kestrix/languages/symbols.h"
 #include "kestrix/text/sorting.h"
@@ -43,7 +44,7 @@ class Reader {
 
   FileFacts read() {
     tree_.for_each_match([this](const Match& match) { visit(match); });
-    for (const auto& [local, exported] : exports_) hand_on(local, exported);
+    for (const OwnExport& own : exports_) hand_on(own);
     sort_distinct(facts_.declares);
     return std::move(facts_);
   }
@@ -57,7 +58,7 @@ class Reader {
     } else if (const auto exported = match.node("export")) {
       add_export(*exported, match.node("default").has_value());
     } else if (const auto target = match.node("exports")) {
-      add_assignment(tree_.text(*target), *match.node("value"));
+      add_assignment(*target, match.node("name"));
     } else {
       add_symbol(tree_, match, facts_);
     }
@@ -74,13 +75,16 @@ class Reader {
   void bind(std::string_view name, std::string_view local, std::uint32_t written = 0) {
     ImportFact& import = facts_.imports.back();
     origins_.try_emplace(local, Origin{facts_.imports.size() - 1, import.names.size()});
-    import.names.push_back({.name = std::string(name), .uses = uses(local, written)});
+    import.names.push_back({.name = std::string(name),
+                            .uses = uses(local, written),
+                            .local = std::string(local == name ? std::string_view() : local)});
   }
 
   void bind_whole(std::string_view local, std::uint32_t written = 0) {
     ImportFact& import = facts_.imports.back();
     origins_.try_emplace(local, Origin{facts_.imports.size() - 1, SIZE_MAX});
     import.uses += uses(local, written);
+    import.local = local;
   }
 
   std::uint32_t uses(std::string_view local, std::uint32_t written) const {
@@ -158,11 +162,16 @@ class Reader {
   // export without a source: what it declares, and which local names it exports
   void add_export(TSNode statement, bool is_default) {
     if (is_default) facts_.declares.emplace_back("default");
+    const bool sole = !is_default && tree_.text(statement).starts_with("export =");
     for_each_child(statement, [&](TSNode child, std::string_view field) {
+      const bool named = type_of(child) == "identifier";
       if (field == "declaration" && !is_default) {
         declare(child);
-      } else if (field == "value" && type_of(child) == "identifier") {
-        exports_.emplace_back(tree_.text(child), "default");
+      } else if (field == "declaration") {
+        if (const auto name = field_of(child, "name"))
+          hand_over(tree_.text(*name), "default", child);
+      } else if (named && (sole || field == "value")) {
+        hand_over(tree_.text(child), sole ? kSoleExport : "default", child);
       } else if (type_of(child) == "export_clause") {
         add_local_exports(child);
       }
@@ -187,32 +196,35 @@ class Reader {
       if (!name) return;
       const TSNode alias = field_of(specifier, "alias").value_or(*name);
       facts_.declares.emplace_back(name_of(alias));
-      exports_.emplace_back(name_of(*name), name_of(alias));
+      hand_over(name_of(*name), name_of(alias), specifier);
     });
   }
 
   // module.exports = …, exports.name = …
-  void add_assignment(std::string_view target, TSNode value) {
-    if (target == "module.exports") {
-      for_each_child(value, [&](TSNode child, std::string_view) {
-        if (type_of(child) == "shorthand_property_identifier") {
-          facts_.declares.emplace_back(tree_.text(child));
-          exports_.emplace_back(tree_.text(child), tree_.text(child));
-        } else if (const auto key = field_of(child, "key")) {
-          facts_.declares.emplace_back(name_of(*key));
+  void add_assignment(TSNode assignment, std::optional<TSNode> variable) {
+    const auto exported = exported_by(tree_, assignment);
+    if (!exported) return;
+    const std::string_view name = name_of_export(tree_, *exported);
+    if (exported->name != kSoleExport) {
+      facts_.declares.emplace_back(exported->name);
+      if (name != exported->name) hand_over(name, exported->name, assignment);
+      return;
+    }
+    if (is_import(tree_, exported->value)) return;
+    hand_over(variable ? tree_.text(*variable) : name, kSoleExport, assignment);
+    if (type_of(exported->value) != "object") return;
+    for_each_child(exported->value, [&](TSNode child, std::string_view) {
+      if (type_of(child) == "shorthand_property_identifier") {
+        facts_.declares.emplace_back(tree_.text(child));
+        hand_over(tree_.text(child), tree_.text(child), child);
+      } else if (const auto key = field_of(child, "key")) {
+        facts_.declares.emplace_back(name_of(*key));
+        const auto value = field_of(child, "value");
+        if (value && type_of(*value) == "identifier") {
+          hand_over(tree_.text(*value), name_of(*key), child);
         }
-      });
-    } else if (const auto name = exported_name(target); !name.empty()) {
-      facts_.declares.emplace_back(name);
-      if (type_of(value) == "identifier") exports_.emplace_back(tree_.text(value), name);
-    }
-  }
-
-  static std::string_view exported_name(std::string_view target) {
-    for (const std::string_view object : {"module.exports.", "exports."}) {
-      if (target.starts_with(object)) return target.substr(object.size());
-    }
-    return {};
+      }
+    });
   }
 
   // require(…) and import(…)
@@ -224,16 +236,25 @@ class Reader {
         unquoted(source), match.node("dynamic") ? Form::kDynamic : Form::kRequire, module);
     if (const auto member = match.node("member")) {
       import.names.push_back({.name = std::string(tree_.text(*member)), .uses = 1});
+      if (const auto bound = match.node("bind")) name_member(tree_.text(*bound));
     } else if (const auto bound = match.node("bind")) {
       bind_all(*bound);
     } else if (const auto assigned = match.node("assigned")) {
       const std::string_view target = tree_.text(*assigned);
-      hand_on_whole(target == "module.exports" ? "*" : exported_name(target));
+      hand_on_whole(target == "module.exports" ? "*" : exports_member(target));
     } else if (const auto key = match.node("key")) {
       hand_on_whole(tree_.text(*key));
     } else if (match.node("spread")) {
       hand_on_whole("*");
     }
+  }
+
+  // name = require("…").member
+  void name_member(std::string_view local) {
+    ImportFact& import = facts_.imports.back();
+    ImportedName& member = import.names.back();
+    if (local != member.name) member.local = local;
+    origins_.try_emplace(local, Origin{facts_.imports.size() - 1, import.names.size() - 1});
   }
 
   void hand_on_whole(std::string_view exported) {
@@ -267,22 +288,38 @@ class Reader {
   // Of "name = default" the name.
   static TSNode left_of(TSNode pattern) { return field_of(pattern, "left").value_or(pattern); }
 
+  struct OwnExport {
+    std::string_view local;
+    std::string_view exported;
+    std::uint32_t line;
+  };
+
+  void hand_over(std::string_view local, std::string_view exported, TSNode at) {
+    exports_.push_back({local, exported, SourceTree::line(at)});
+  }
+
   // A local name is exported: if it was imported, its import hands it on.
-  void hand_on(std::string_view local, std::string_view exported) {
-    const auto origin = origins_.find(local);
-    if (origin == origins_.end()) return;
+  void hand_on(const OwnExport& own) {
+    const auto origin = origins_.find(own.local);
+    if (origin == origins_.end()) {
+      if (own.local == own.exported) return;
+      ImportFact& fact = facts_.imports.emplace_back(
+          ImportFact{.form = static_cast<std::uint16_t>(Form::kOwn), .line = own.line});
+      fact.names.push_back({.name = std::string(own.local), .exported = std::string(own.exported)});
+      return;
+    }
     ImportFact& import = facts_.imports[origin->second.import];
     if (origin->second.name < import.names.size()) {
-      import.names[origin->second.name].exported = exported;
+      import.names[origin->second.name].exported = own.exported;
     } else {
-      import.names.push_back({.name = "*", .exported = std::string(exported)});
+      import.names.push_back({.name = "*", .exported = std::string(own.exported)});
     }
   }
 
   const SourceTree& tree_;
   FileFacts facts_;
-  std::unordered_map<std::string_view, Origin> origins_;                // by local name
-  std::vector<std::pair<std::string_view, std::string_view>> exports_;  // local name, exported name
+  std::unordered_map<std::string_view, Origin> origins_;  // by local name
+  std::vector<OwnExport> exports_;
   std::unordered_set<std::uint32_t> modules_;  // where the module names of calls stand
 };
 

@@ -68,6 +68,10 @@ class EcmascriptResolver : public Resolver {
   Resolution resolve(FileId file) const override {
     Dependencies dependencies(file);
     for (const ImportFact& import : files_.facts(file).imports) {
+      if (import.form == static_cast<std::uint16_t>(ecmascript::Form::kOwn)) {
+        bind_own(import, file, dependencies);
+        continue;
+      }
       const Found found = find(import.module, file);
       if (!found.file) {
         if (found.local) dependencies.miss();
@@ -76,12 +80,46 @@ class EcmascriptResolver : public Resolver {
       double weight = 1 + import.uses;
       for (const ImportedName& name : import.names) weight += name.uses;
       dependencies.add(*found.file, weight);
+      bind(import, *found.file, dependencies);
       follow(*found.file, import, dependencies);
     }
     return dependencies.take();
   }
 
  private:
+  // What the whole of a module is, those who ask for its default get, too.
+  static void hand_on(Binding binding, Dependencies& dependencies) {
+    dependencies.bind(binding);
+    if (binding.exported != kSoleExport) return;
+    binding.local = {};
+    binding.exported = "default";
+    dependencies.bind(binding);
+  }
+
+  static void bind_own(const ImportFact& own, FileId file, Dependencies& dependencies) {
+    for (const ImportedName& name : own.names) {
+      hand_on({.local = {}, .target = file, .name = name.name, .exported = name.exported},
+              dependencies);
+    }
+  }
+
+  static void bind(const ImportFact& import, FileId target, Dependencies& dependencies) {
+    const auto form = static_cast<ecmascript::Form>(import.form);
+    const bool exports = form == ecmascript::Form::kExport;
+    if (!import.local.empty()) dependencies.bind({.local = import.local, .target = target});
+    if (import.local.empty() && import.names.empty() && form != ecmascript::Form::kImport) {
+      dependencies.bind({.local = import.module, .target = target});
+    }
+    for (const ImportedName& name : import.names) {
+      const bool whole = name.name == "*";
+      hand_on({.local = whole || exports ? std::string_view() : name.bound(),
+               .target = target,
+               .name = whole ? std::string_view() : std::string_view(name.name),
+               .exported = name.exported},
+              dependencies);
+    }
+  }
+
   // By the name under which a file hands it on: the file that it comes from.
   using Barrel = std::unordered_map<std::string_view, FileId>;
 

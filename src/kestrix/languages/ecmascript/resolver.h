@@ -15,6 +15,7 @@ enum class Form : std::uint16_t {
   kExport,   ///< export … from
   kRequire,  ///< require(…)
   kDynamic,  ///< import(…), also in types
+  kOwn,      ///< no import: the file exports a name of its own under another one
 };
 
 }  // namespace ecmascript
