@@ -238,6 +238,7 @@ constexpr CodeRules rules_of(std::span<const CodeRule> rules) {
           .calls = kCalls,
           .self = kSelf,
           .environments = kEnvironments,
+          .flat_environments = true,
           .owner = owner,
           .exported = exported,
           .is_abstract = is_abstract,
