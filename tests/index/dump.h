@@ -12,8 +12,8 @@ namespace kestrix::index {
 inline std::string dump(const RepositoryIndex& index) {
   std::string text;
   for (const IndexedFile& file : index.files()) {
-    text +=
-        fmt::format("file {} {} {} {}\n", file.path, file.language, file.document, file.generated);
+    text += fmt::format("file {} {} {} {} {}\n", file.path, file.language, file.document,
+                        file.generated, file.roles.bits());
   }
   for (const IndexedSymbol& symbol : index.symbols()) {
     text += fmt::format("symbol {} {} {} {}:{}\n", to_string(symbol.kind), symbol.name,

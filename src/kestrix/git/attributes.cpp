@@ -144,7 +144,10 @@ void GitAttributes::add_pattern(Scope& scope, std::string pattern, const Sayings
     return lay_over(scope.folders[std::string(rest)], said);
   }
   if (!whole_path && rest.starts_with('*') && !has_magic(rest.substr(1))) {
-    if (suffix_count_++ < kMostSuffixes) scope.suffixes.emplace_back(rest.substr(1), said);
+    if (suffix_count_++ >= kMostSuffixes) return;
+    scope.suffixes.emplace_back(rest.substr(1), said);
+    const bool of_kind = rest.find_first_of(".-_", 2) == rest.npos;
+    for (Said& each : scope.suffixes.back().second) each.of_kind = of_kind;
     return;
   }
   add_glob(scope, rest, said);
@@ -198,7 +201,9 @@ GivenAttributes GitAttributes::of(std::string_view path) const {
     for (std::size_t at = 0; at < said.size(); ++at) {
       if (decided[at].line > 0 || said[at].line == 0) continue;
       decided[at] = said[at];
-      if (said[at].on) given[at] = {*said[at].on, scope->second->folder, said[at].line};
+      if (said[at].on)
+        given[at] = {*said[at].on, said[at].of_kind && folder.empty(), scope->second->folder,
+                     said[at].line};
     }
   });
   return given;

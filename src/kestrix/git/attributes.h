@@ -24,6 +24,7 @@ inline constexpr std::array<std::string_view, 3> kGitAttributeNames = {
 /// What a line of a .gitattributes says of a file.
 struct GivenAttribute {
   bool on = false;            ///< off: "-name" or "name=false"
+  bool of_kind = false;       ///< by an ending alone ("*.css"): it tells of no place
   std::string_view folder{};  ///< of the .gitattributes; "" for the top
   std::uint32_t line = 0;     ///< 1-based
 };
@@ -49,6 +50,7 @@ class GitAttributes {
   struct Said {
     std::optional<bool> on;
     std::uint32_t line = 0;  // 0: nothing
+    bool of_kind = false;
   };
   using Sayings = std::array<Said, kGitAttributeNames.size()>;
   using Table = std::unordered_map<std::string, Sayings>;

@@ -51,7 +51,8 @@ class RepositoryIndex::Loader {
       index_.files_.push_back(
           {index_.texts_.keep(row.path), language_name(row.language),
            row.traits.has(Trait::kDocument),
-           row.traits.has(Trait::kGenerated) || row.traits.has(Trait::kMinified), row.data});
+           row.traits.has(Trait::kGenerated) || row.traits.has(Trait::kMinified), Roles(row.roles),
+           row.data});
       if (!row.language.empty()) count_language(row);
     }
   }
@@ -227,7 +228,17 @@ std::unique_ptr<RepositoryIndex> RepositoryIndex::load(Store& store,
   return index;
 }
 
-std::string RepositoryIndex::digest() const { return fmt::format("{:016x}", digest_); }
+// The roles are made from all the rest, so they are summed up last.
+std::string RepositoryIndex::digest() const {
+  Digest sum;
+  sum.add(digest_);
+  for (const IndexedFile& file : files_) sum.add(std::uint64_t{file.roles.bits()});
+  return fmt::format("{:016x}", sum.value());
+}
+
+void RepositoryIndex::set_roles(std::span<const Roles> roles) {
+  for (FileId file = 0; file < files_.size(); ++file) files_[file].roles = roles[file];
+}
 
 std::optional<FileId> RepositoryIndex::find(std::string_view path) const {
   const auto found = std::ranges::lower_bound(files_, path, {}, &IndexedFile::path);

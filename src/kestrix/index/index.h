@@ -17,6 +17,7 @@
 #include "kestrix/index/declaration_table.h"
 #include "kestrix/index/repository.h"
 #include "kestrix/languages/resolver.h"
+#include "kestrix/roles/role.h"
 #include "kestrix/store/edge_codec.h"
 #include "kestrix/store/reference_codec.h"
 #include "kestrix/store/text_blocks.h"
@@ -32,7 +33,8 @@ struct IndexedFile {
   std::string_view language;  ///< "" when no language reads it
   bool document = false;      ///< prose; all other files are source
   bool generated = false;     ///< made by a program, or minified
-  DataSignals data;           ///< what its first `kMostScannedChars` characters define
+  Roles roles{};              ///< what it is to the repository; none: the product
+  DataSignals data{};         ///< what its first `kMostScannedChars` characters define
 };
 
 struct IndexedSymbol {
@@ -94,6 +96,8 @@ class RepositoryIndex {
   static std::unique_ptr<RepositoryIndex> load(Store& store, std::span<const FileRow> rows);
   /// Sums up all that was read. What was stored and what is read must have the same.
   std::string digest() const;
+  /// Gives each file its roles. Only before anyone else sees the index.
+  void set_roles(std::span<const Roles> roles);
 
   std::span<const IndexedFile> files() const { return files_; }
   std::span<const IndexedSymbol> symbols() const { return symbols_; }

@@ -46,12 +46,18 @@ std::vector<std::string> keys_of(Format format, std::string_view text) {
   return keys;
 }
 
+// A line that is cut would say something else.
+std::string_view whole_lines(std::string_view text) {
+  if (text.size() <= kMostAttributes) return text;
+  return text.substr(0, text.rfind('\n', kMostAttributes) + 1);
+}
+
 }  // namespace
 
 FileNotes take_notes(std::string_view path, std::string_view text, bool is_document) {
   FileNotes notes;
   if (base_name(path) == ".gitattributes") {
-    notes.attributes = text.substr(0, kMostAttributes);
+    notes.attributes = whole_lines(text);
   } else if (is_licence_path(path)) {
     notes.holders = copyright_holders(text);
     notes.content = quick_hash(text);

@@ -6,8 +6,10 @@
 #include <filesystem>
 #include <span>
 #include <system_error>
+#include <utility>
 
 #include "kestrix/index/edge_builder.h"
+#include "kestrix/index/file_roles.h"
 #include "kestrix/index/indexed_files.h"
 #include "kestrix/index/settings.h"
 #include "kestrix/index/sources_digest.h"
@@ -79,6 +81,7 @@ std::unique_ptr<RepositoryIndex> Refresher::run() {
   if (store_.data_version() != seen) plan = make_plan(walked);
   carry_out(std::move(plan));
   auto index = RepositoryIndex::load(store_, rows_);
+  give_roles(*index);
   store_.set_setting(kDigestSetting, index->digest());
   check_stop(options_.stop);
   store_.commit();
@@ -246,6 +249,17 @@ void Refresher::resolve() {
     for (const std::string& path : resolve_anew_) sources.push_back(files.find(path).value());
     rebuild_edges_of(sources, store_, files, options);
     note_unread(files);
+  }
+}
+
+void Refresher::give_roles(RepositoryIndex& index) {
+  const auto roles = roles_of_files(index);
+  index.set_roles(roles);
+  auto role = roles.begin();
+  for (FileRow& row : rows_) {
+    if (!row.traits.is_text()) continue;
+    const auto bits = role++->bits();
+    if (std::exchange(row.roles, bits) != bits) store_.put_file(row);
   }
 }
 

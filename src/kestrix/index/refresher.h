@@ -43,6 +43,7 @@ class Refresher {
   void note_change(const FileRow& before, const ScannedFile& after);
   bool leaves_others_alone(const FileRow& before, const ScannedFile& after);
   void resolve();
+  void give_roles(RepositoryIndex& index);
   void note_unread(const IndexedFiles& files);
 
   const IndexOptions& options_;

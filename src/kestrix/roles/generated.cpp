@@ -95,13 +95,15 @@ const RE2& notice_pattern() {
 }  // namespace
 
 bool is_schema_dump(std::string_view path) {
-  return is_among(kSchemaDumps, index::base_name(path));
+  const auto name = index::base_name(path);
+  return is_among(kSchemaDumps, name) || name.ends_with("_schema.rb") ||
+         name.ends_with("_structure.sql");
 }
 
 bool has_generated_name(std::string_view path) {
   const std::string name = lower(index::base_name(path));
   if (contains(kGeneratedNames, name) || ends_as_one_of(name, kGeneratedSuffixes)) return true;
-  if (contains(kSchemaDumps, name)) return false;
+  if (is_schema_dump(name)) return false;
   if (says_generated(name)) return true;
   const index::Conventions* conventions = conventions_of(name);
   return conventions != nullptr &&

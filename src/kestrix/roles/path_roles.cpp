@@ -66,72 +66,66 @@ bool has_migration_name(std::string_view name) {
   return RE2::PartialMatch(re2::StringPiece(name.data(), name.size()), pattern);
 }
 
-// What decided, for each role at most one sign. `folder` is "" where the name decided.
-class Signs {
- public:
-  void add(Role role, std::string_view what, std::string_view folder = {}) {
-    if (roles_.has(role)) return;
-    roles_.add(role);
-    signs_[static_cast<std::size_t>(role)] = {what, folder};
+}  // namespace
+
+PathSigns::PathSigns(std::string_view path) {
+  add_test_signs(path);
+  add_folder_signs(path);
+  add_name_signs(path);
+  if (is_schema_dump(path)) roles_.remove(Role::kMigration);
+}
+
+void PathSigns::add(Role role, std::string_view what, std::string_view folder, bool refutable) {
+  if (roles_.has(role)) return;
+  roles_.add(role);
+  signs_[static_cast<std::size_t>(role)] = {what, folder, refutable};
+}
+
+std::vector<RoleEvidence> PathSigns::evidence() const {
+  std::vector<RoleEvidence> list;
+  for (const Role role : kRoles) {
+    if (!roles_.has(role)) continue;
+    const auto& [what, folder, refutable] = sign(role);
+    list.push_back(
+        {role, folder.empty() ? std::string(what) : fmt::format("{} {}/", what, folder)});
   }
+  return list;
+}
 
-  Roles roles() const { return roles_; }
-
-  std::vector<RoleEvidence> evidence() const {
-    std::vector<RoleEvidence> list;
-    for (const Role role : kRoles) {
-      if (!roles_.has(role)) continue;
-      const auto& [what, folder] = signs_[static_cast<std::size_t>(role)];
-      list.push_back(
-          {role, folder.empty() ? std::string(what) : fmt::format("{} {}/", what, folder)});
-    }
-    return list;
-  }
-
- private:
-  struct Sign {
-    std::string_view what;
-    std::string_view folder;
-  };
-
-  Roles roles_;
-  std::array<Sign, kRoles.size()> signs_;
-};
-
-void add_test_signs(std::string_view path, Signs& signs) {
+void PathSigns::add_test_signs(std::string_view path) {
   const TestSign sign = test_sign(path);
-  if (sign.kind == TestSign::Kind::kName) signs.add(Role::kTest, "named like a test");
+  if (sign.kind == TestSign::Kind::kName) add(Role::kTest, "named like a test");
   if (sign.kind != TestSign::Kind::kFolder) return;
-  signs.add(Role::kTest, "below the test folder", sign.folder);
+  add(Role::kTest, "below the test folder", sign.folder);
   for_each_folder_down(path, [&](std::string_view piece, std::string_view folder) {
     const bool data = folder.size() >= sign.folder.size() && is_among(kTestDataFolders, piece);
-    if (data) signs.add(Role::kTestData, "below the folder of test data", folder);
+    if (data) add(Role::kTestData, "below the folder of test data", folder);
     return !data;
   });
 }
 
 // Below "src" a folder is named for what the product does, and a package may be called "samples".
-void add_folder_signs(std::string_view path, Signs& signs) {
+void PathSigns::add_folder_signs(std::string_view path) {
   std::string_view parent;
   bool in_sources = false;
   for_each_folder_down(path, [&](std::string_view piece, std::string_view folder) {
     const bool top = parent.empty() && piece.size() == folder.size();
-    if (is_among(kVendorFolders, piece)) signs.add(Role::kVendored, "below", folder);
-    if (is_among(kGeneratedFolders, piece)) signs.add(Role::kGenerated, "below", folder);
-    if (is_among(kArchiveFolders, piece)) signs.add(Role::kArchived, "below", folder);
+    if (is_among(kVendorFolders, piece)) add(Role::kVendored, "below", folder);
+    if (is_among(kGeneratedFolders, piece)) add(Role::kGenerated, "below", folder);
+    if (is_among(kArchiveFolders, piece)) add(Role::kArchived, "below", folder, true);
     if (holds_migrations(piece, parent)) {
-      signs.add(Role::kMigration, "below the folder of migrations", folder);
+      add(Role::kMigration, "below the folder of migrations", folder);
     }
     if (!in_sources && is_among(kSampleFolders, piece)) {
-      signs.add(Role::kSample, "below the folder of samples", folder);
+      add(Role::kSample, "below the folder of samples", folder, true);
     }
     if (!in_sources && is_among(kDocumentationFolders, piece)) {
-      signs.add(Role::kDocumentation, "below the folder of documentation", folder);
+      add(Role::kDocumentation, "below the folder of documentation", folder, true);
     }
-    if (!signs.roles().has(Role::kTest) && serves_tests(piece))
-      signs.add(Role::kTool, "below the folder of test tools", folder);
+    if (!roles_.has(Role::kTest) && serves_tests(piece))
+      add(Role::kTool, "below the folder of test tools", folder);
     if (top && (piece.starts_with('.') || is_among(kToolFolders, piece))) {
-      signs.add(Role::kTool, "below the folder of tools", folder);
+      add(Role::kTool, "below the folder of tools", folder, !piece.starts_with('.'));
     }
     in_sources = in_sources || piece == "src";
     parent = piece;
@@ -139,33 +133,15 @@ void add_folder_signs(std::string_view path, Signs& signs) {
   });
 }
 
-void add_name_signs(std::string_view path, Signs& signs) {
-  if (has_migration_name(index::base_name(path))) signs.add(Role::kMigration, "named like one");
-  if (has_generated_name(path)) signs.add(Role::kGenerated, "named like one");
+void PathSigns::add_name_signs(std::string_view path) {
+  if (has_migration_name(index::base_name(path))) add(Role::kMigration, "named like one");
+  if (has_generated_name(path)) add(Role::kGenerated, "named like one");
 }
 
-Signs signs_of(std::string_view path) {
-  Signs signs;
-  add_test_signs(path, signs);
-  add_folder_signs(path, signs);
-  add_name_signs(path, signs);
-  return signs;
-}
-
-}  // namespace
-
-Roles path_roles(std::string_view path) {
-  Roles roles = signs_of(path).roles();
-  if (is_schema_dump(path)) roles.remove(Role::kMigration);
-  return roles;
-}
+Roles path_roles(std::string_view path) { return PathSigns(path).roles(); }
 
 std::vector<RoleEvidence> explain_path_roles(std::string_view path) {
-  auto evidence = signs_of(path).evidence();
-  if (is_schema_dump(path)) {
-    std::erase_if(evidence, [](const auto& piece) { return piece.role == Role::kMigration; });
-  }
-  return evidence;
+  return PathSigns(path).evidence();
 }
 
 bool is_test_by_path(std::string_view path) {

@@ -15,7 +15,7 @@
 namespace kestrix::index {
 namespace {
 
-constexpr int kSchemaVersion = 5;
+constexpr int kSchemaVersion = 6;
 constexpr std::int64_t kMaxInteger = std::numeric_limits<std::int64_t>::max();
 
 struct Table {
@@ -25,14 +25,15 @@ struct Table {
 
 // By name. What is written here, to the letter, is what a file must hold to be believed.
 constexpr std::array kTables{
-    Table{"declarations", "CREATE TABLE declarations (file INTEGER PRIMARY KEY, bytes BLOB NOT NULL)"},
+    Table{"declarations",
+          "CREATE TABLE declarations (file INTEGER PRIMARY KEY, bytes BLOB NOT NULL)"},
     Table{"edges", "CREATE TABLE edges (source INTEGER PRIMARY KEY, bytes BLOB NOT NULL)"},
     Table{"facts", "CREATE TABLE facts (file INTEGER PRIMARY KEY, bytes BLOB NOT NULL)"},
     Table{"file",
           "CREATE TABLE file (id INTEGER PRIMARY KEY, path TEXT NOT NULL, language TEXT NOT NULL,"
           " traits INTEGER NOT NULL, size INTEGER NOT NULL, modified INTEGER NOT NULL,"
           " changed INTEGER NOT NULL, inode INTEGER NOT NULL, hash BLOB NOT NULL,"
-          " unresolved INTEGER NOT NULL, data BLOB NOT NULL)"},
+          " unresolved INTEGER NOT NULL, roles INTEGER NOT NULL, data BLOB NOT NULL)"},
     Table{"mentions", "CREATE TABLE mentions (file INTEGER PRIMARY KEY, bytes BLOB NOT NULL)"},
     Table{"notes", "CREATE TABLE notes (file INTEGER PRIMARY KEY, bytes BLOB NOT NULL)"},
     Table{"refs", "CREATE TABLE refs (source INTEGER PRIMARY KEY, bytes BLOB NOT NULL)"},
@@ -105,7 +106,8 @@ FileRow read_file_row(Rows& rows) {
                static_cast<std::uint64_t>(rows.integer(7))};
   row.hash = content_hash_of(rows.text(8));
   row.unresolved = rows.number<std::uint32_t>(9);
-  row.data = decode_signals(rows.text(10));
+  row.roles = rows.number<std::uint16_t>(10);
+  row.data = decode_signals(rows.text(11));
   return row;
 }
 
@@ -199,10 +201,11 @@ SkipCounts Store::skip_counts() {
 std::vector<FileRow> Store::files() {
   return guarded([&] {
     std::vector<FileRow> files;
-    Rows rows(
-        *database_,
-        "SELECT id, path, language, traits, size, modified, changed, inode, hash, unresolved, data"
-        " FROM file");
+    Rows rows(*database_,
+              "SELECT id, path, language, traits, size, modified, changed, inode, hash, "
+              "unresolved, roles,"
+              " data"
+              " FROM file");
     while (rows.next()) files.push_back(read_file_row(rows));
     if (!std::ranges::is_sorted(files, {}, &FileRow::path)) {
       std::ranges::sort(files, {}, &FileRow::path);
@@ -315,7 +318,7 @@ void Store::set_skip_counts(const SkipCounts& counts) {
 void Store::put_file(const FileRow& row) {
   guarded([&] {
     auto& insert =
-        statement("INSERT OR REPLACE INTO file VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
+        statement("INSERT OR REPLACE INTO file VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
     const std::string data = encode_signals(row.data);
     insert.bind(1, row.id);
     insert.bindNoCopy(2, row.path);
@@ -327,7 +330,8 @@ void Store::put_file(const FileRow& row) {
     insert.bind(8, static_cast<std::int64_t>(row.stamp.inode));
     insert.bindNoCopy(9, row.hash.data(), static_cast<int>(row.hash.size()));
     insert.bind(10, row.unresolved);
-    insert.bindNoCopy(11, data.data(), static_cast<int>(data.size()));
+    insert.bind(11, int{row.roles});
+    insert.bindNoCopy(12, data.data(), static_cast<int>(data.size()));
     insert.exec();
   });
 }

@@ -62,7 +62,8 @@ struct FileRow {
   FileStamp stamp;  ///< a size below zero: read it again, whatever it looks like
   ContentHash hash{};
   std::uint32_t unresolved = 0;  ///< imports that looked local and led nowhere
-  DataSignals data;              ///< what its text defines
+  std::uint16_t roles = 0;       ///< bits of what a text file is to the repository
+  DataSignals data{};            ///< what its text defines
 };
 
 /// What is stored of a parsed file, each part encoded.
