@@ -123,7 +123,7 @@ TEST_F(PageAnswers, HaveReasonsThatHold) {
     expect_true_reasons(answer.further);
   }
   for (const FlowClass& flow : flows_answer(generator()).classes) {
-    EXPECT_EQ(flow.sign, "app/main.py uses 3 of its 3 files");
+    EXPECT_EQ(flow.sign, "app/main.py names 3 of 3 files");
     expect_true_reasons(flow.files);
   }
 }

@@ -4,7 +4,7 @@
 #include <iterator>
 
 #include "kestrix/host/entry_points.h"
-#include "kestrix/host/flows/dispatch.h"
+#include "kestrix/host/flows/families.h"
 #include "kestrix/host/index_evidence.h"
 #include "kestrix/host/pages.h"
 
@@ -58,10 +58,15 @@ FlowClass flow_of(const WikiGenerator& generator, const IndexEvidence& evidence,
   return flow;
 }
 
-std::vector<EntryPointClass> classes_that_show(const WikiGenerator& generator) {
-  const auto paths = generator._planner_paths();
-  const auto edges = generator._file_edges({paths.begin(), paths.end()});
-  return entry_point_classes(paths, edges, paths.size());
+std::vector<EntryPointClass> classes_that_show(const FlowEvidence& evidence) {
+  std::vector<EntryPointClass> classes;
+  for (Family& family : families(evidence)) {
+    EntryPointClass shown{std::move(family.glob), {}, std::move(family.sign)};
+    for (const index::FileId file : family.files)
+      shown.roots.emplace_back(evidence.code.path(file));
+    classes.push_back(std::move(shown));
+  }
+  return classes;
 }
 
 // The classes that settings name, in their order.
@@ -93,9 +98,10 @@ std::size_t most_classes(const WikiGenerator& generator) {
 FlowsAnswer flows_answer(const WikiGenerator& generator, std::span<const std::string> patterns) {
   std::vector<EntryPointClass> classes;
   FlowsAnswer answer;
+  const FlowEvidence flows(generator.code_evidence());
   if (patterns.empty()) {
     classes = named_classes(generator);
-    std::ranges::move(classes_that_show(generator), std::back_inserter(classes));
+    std::ranges::move(classes_that_show(flows), std::back_inserter(classes));
     answer.total = classes.size();
     classes.resize(std::min(classes.size(), most_classes(generator)));
   } else {
@@ -106,13 +112,14 @@ FlowsAnswer flows_answer(const WikiGenerator& generator, std::span<const std::st
     answer.total = classes.size();
   }
   const IndexEvidence evidence(generator.indexed());
-  const FlowEvidence flows(generator.code_evidence());
   for (EntryPointClass& found : classes) {
     answer.classes.push_back(flow_of(generator, evidence, flows, std::move(found)));
   }
   answer.truncated = answer.total > answer.classes.size();
   if (answer.classes.empty()) {
-    answer.nothing_found = "no directory of which a file elsewhere uses three files and a third";
+    answer.nothing_found =
+        "no three files alike that one file names and hardly any other does, and none that a "
+        "framework calls by its base type, annotation or place";
   }
   return answer;
 }
@@ -120,7 +127,7 @@ FlowsAnswer flows_answer(const WikiGenerator& generator, std::span<const std::st
 std::string flows_why_not(const WikiGenerator& generator, std::string_view path) {
   Reason farthest;
   std::string name;
-  for (const EntryPointClass& found : classes_that_show(generator)) {
+  for (const EntryPointClass& found : classes_that_show(FlowEvidence(generator.code_evidence()))) {
     if (std::ranges::binary_search(found.roots, path)) {
       return fmt::format("an entry point of the class {}, not what dispatches to it", found.name);
     }

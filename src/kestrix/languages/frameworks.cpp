@@ -43,7 +43,7 @@ const FrameworkName* known_as(std::string_view language, Known known, std::strin
   for (const FrameworkName& row : framework_names(language)) {
     if (row.known != known || !name.ends_with(row.name)) continue;
     const std::size_t before = name.size() - row.name.size();
-    if (before == 0 || name[before - 1] == '.') return &row;
+    if (before == 0 || name[before - 1] == '.' || name[before - 1] == '/') return &row;
   }
   return nullptr;
 }

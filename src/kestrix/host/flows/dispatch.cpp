@@ -19,13 +19,13 @@ using index::Role;
 
 constexpr Signal kHub{"names_entry_points", 3.0, "names {} entry point", "names {} entry points",
                       "lazygit, BookStack"};
-constexpr Signal kFellow{"names_its_entry_point", 1.0, "names {} handler of the class",
+constexpr Signal kFellow{"names_its_entry_point", 3.0, "names {} handler of the class",
                          "names {} handlers of the class", "netbox, lobsters"};
 constexpr Signal kBase{"entry_point_base", 2.0, "declares what {} entry point extends",
                        "declares what {} entry points extend", "netbox, mockito"};
 constexpr Signal kShared{"serves_entry_points", 1.5, "declares what {} entry point calls or bears",
                          "declares what {} entry points call or bear", "netbox, umami"};
-constexpr Signal kHolder{"holds_entry_points", 1.3, "names their base type {} time",
+constexpr Signal kHolder{"holds_entry_points", 2.0, "names their base type {} time",
                          "names their base type {} times", "crates.io, mockito"};
 constexpr Signal kCaller{"names_dispatch", 1.6, "names {} file that dispatches",
                          "names {} files that dispatch", "netbox, crates.io"};
@@ -94,10 +94,16 @@ class DispatchSignals {
         Seen& seen = namers[naming.from];
         seen.files.insert(file);
         seen.declarations += naming.declarations;
-        seen.at.push_back({std::string(evidence_.path(naming.from)), naming.line, {}});
+        seen.at.push_back(place_of(naming));
       }
     }
     return namers;
+  }
+
+  // Where it is named; where no reference shows that, what is named.
+  Place place_of(const Naming& naming) const {
+    const FileId shown = naming.line > 0 ? naming.from : naming.to;
+    return {std::string(evidence_.path(shown)), naming.line, {}};
   }
 
   static std::size_t least_of(std::size_t count) {

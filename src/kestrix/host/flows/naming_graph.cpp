@@ -1,6 +1,7 @@
 #include "kestrix/host/flows/naming_graph.h"
 
 #include <algorithm>
+#include <array>
 #include <numeric>
 
 namespace kestrix {
@@ -12,6 +13,15 @@ using index::Role;
 
 constexpr RoleSet kNaming{Role::kConstructs, Role::kCalls, Role::kLists,
                           Role::kString,     Role::kUses,  Role::kAnnotates};
+
+constexpr double kImportAlone = 1;
+
+// To import a file is to run it, so an import whose names nobody uses has a purpose.
+bool runs_imports(std::string_view language) {
+  static constexpr std::array<std::string_view, 7> kRunning{
+      "go", "javascript", "php", "python", "ruby", "tsx", "typescript"};
+  return std::ranges::find(kRunning, language) != kRunning.end();
+}
 
 }  // namespace
 
@@ -36,7 +46,7 @@ void NamingGraph::take_references(FileId file) {
   for (const IndexedReference& to : evidence_.index().references_from(file)) {
     if (to.target == IndexedReference::kOutside || to.target == file) continue;
     if (by_source_.size() == first || by_source_.back().to != to.target) {
-      by_source_.push_back({file, to.target, to.line, 0, false, false});
+      by_source_.push_back({.from = file, .to = to.target, .line = to.line, .used = true});
       last = 0;
     }
     Naming& naming = by_source_.back();
@@ -52,12 +62,15 @@ void NamingGraph::take_references(FileId file) {
 // references nobody reads.
 void NamingGraph::take_imports(FileId file, std::size_t first) {
   const std::size_t middle = by_source_.size();
+  const bool runs = runs_imports(evidence_.index().files()[file].language);
   for (const auto& edge : evidence_.index().edges_from(file)) {
     const auto begin = by_source_.begin() + static_cast<std::ptrdiff_t>(first);
     const auto end = by_source_.begin() + static_cast<std::ptrdiff_t>(middle);
     const auto known = std::ranges::lower_bound(begin, end, edge.target, {}, &Naming::to);
     if (known != end && known->to == edge.target) continue;
-    by_source_.push_back({file, edge.target, 0, 1, true, false});
+    const bool used = edge.weight > kImportAlone;
+    by_source_.push_back(
+        {.from = file, .to = edge.target, .declarations = 1, .used = used, .names = used || runs});
   }
   const auto begin = by_source_.begin() + static_cast<std::ptrdiff_t>(first);
   std::inplace_merge(begin, by_source_.begin() + static_cast<std::ptrdiff_t>(middle),

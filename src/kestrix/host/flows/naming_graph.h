@@ -14,6 +14,7 @@ struct Naming {
   index::FileId to = 0;
   std::uint32_t line = 0;          ///< the first reference's; 0 where only an import shows it
   std::uint32_t declarations = 0;  ///< of `to`, each counted once
+  bool used = false;               ///< makes use of it, not only imports it
   bool names = false;  ///< calls, makes, lists, passes on: more than to say what type something has
   bool derives = false;  ///< something in `from` extends or implements something in `to`
 };

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "kestrix/host/flows/dispatch.h"
+#include "kestrix/host/flows/path_patterns.h"
+
+namespace kestrix {
+
+/// Files alike that something outside of them calls.
+struct Family {
+  std::string glob{};                  ///< what they have in common
+  std::string sign{};                  ///< what made them a class, in one line
+  std::vector<index::FileId> files{};  ///< ascending
+  double score = 0;
+  PathPatterns::Key key = 0;  ///< of a family that hubs show
+  index::FileId hub = 0;      ///< the one that names the most of it
+  std::size_t named = 0;      ///< how many hubs name
+};
+
+/// The fewest files that are a family: two alike are chance.
+inline constexpr std::size_t kLeastFamily = 3;
+
+/// Families that one or a few files name nearly all of, and few others.
+std::vector<Family> hub_families(const FlowEvidence& evidence, const PathPatterns& patterns);
+
+/// Families that a framework finds by itself: by base type, annotation, place.
+std::vector<Family> handler_families(const FlowEvidence& evidence, const PathPatterns& patterns);
+
+/// Of both the best, none of which shares half of its files with another, best first.
+std::vector<Family> families(const FlowEvidence& evidence);
+
+}  // namespace kestrix
