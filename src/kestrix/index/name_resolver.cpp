@@ -9,11 +9,15 @@ namespace {
 
 using Kind = NamedThing::Kind;
 
-// A chain of re-exports or of base classes is followed so far.
+// A chain of re-exports is followed so far, and of types that need each other's ancestors.
 constexpr int kMostHops = 16;
+constexpr std::size_t kMostAncestors = 64;
 // Files that wildcards make known to one file, and barrels among them that are asked for a name.
 constexpr std::size_t kMostReachable = 20'000;
 constexpr std::size_t kMostBarrels = 64;
+constexpr std::size_t kMostOpened = 256;  // types whose members one file imports all
+// An object in a type whose members are known as the type's own.
+constexpr std::string_view kCompanion = "Companion";
 // A name that more files declare says nothing by itself.
 constexpr std::size_t kMostDeclarers = 64;
 
@@ -28,7 +32,10 @@ NamedThing whole(FileId file, std::string_view rest = {}) {
   return {Kind::kFile, {file, 0}, std::string(rest)};
 }
 
-bool is_wildcard(const Binding& binding) { return binding.local == "*"; }
+bool is_wildcard(const Binding& binding) {
+  return binding.local == "*" && (binding.name.empty() || binding.name == "*");
+}
+bool opens_type(const Binding& binding) { return binding.local == "*" && !is_wildcard(binding); }
 
 }  // namespace
 
@@ -59,14 +66,14 @@ NameResolver::Found NameResolver::resolve_root(std::string_view& rest, std::uint
   return found;
 }
 
-NameResolver::Found NameResolver::find_around(std::string_view name, std::uint32_t within) {
+NameResolver::Found NameResolver::find_around(std::string_view name, std::uint32_t within) const {
   const auto mine = table_.of(file_);
   for (std::uint32_t holder = within; holder > 0 && holder <= mine.size();
        holder = mine[holder - 1].container) {
     const DeclarationRef at{file_, holder - 1};
     if (!is_type(mine[holder - 1].kind)) continue;
     if (!members_in_scope_) continue;
-    if (const auto member = find_member(at, name, 0)) return thing(*member);
+    if (const auto member = find_member(at, name)) return thing(*member);
   }
   if (const auto top = table_.find_top(file_, name)) return thing(*top);
   return std::nullopt;
@@ -90,6 +97,11 @@ NameResolver::Found NameResolver::find_bound(std::string_view& rest) const {
 NamedThing NameResolver::follow(const Binding& binding, int hops) const {
   if (binding.name.empty()) return whole(binding.target);
   if (const Found found = find_exported(binding.target, binding.name, hops + 1)) return *found;
+  const std::string_view root = first_part(binding.name);
+  if (root.size() < binding.name.size()) {
+    const Found holder = find_exported(binding.target, root, hops + 1);
+    if (holder) return descend(*holder, behind(binding.name, root.size()));
+  }
   return whole(binding.target, binding.name);
 }
 
@@ -121,31 +133,56 @@ NameResolver::Found NameResolver::find_in_barrels(FileId file, std::string_view 
   return one;
 }
 
-std::optional<DeclarationRef> NameResolver::find_member(DeclarationRef type, std::string_view name,
-                                                        int hops) const {
-  if (const auto own = table_.find_member(type, name)) return own;
-  if (hops > kMostHops) return std::nullopt;
-  for (const std::string_view base : table_[type].bases()) {
-    const auto parent = base_of(type, base, hops);
-    if (!parent || *parent == type) continue;
-    // Diamonds would double the work at each level.
-    if (const auto member = find_member(*parent, name, hops + 3)) return member;
+std::optional<DeclarationRef> NameResolver::find_member(DeclarationRef type,
+                                                        std::string_view name) const {
+  if (const auto own = find_own_member(type, name)) return own;
+  for (const DeclarationRef ancestor : ancestors_of(type)) {
+    if (const auto member = find_own_member(ancestor, name)) return member;
   }
   return std::nullopt;
 }
 
-std::optional<DeclarationRef> NameResolver::base_of(DeclarationRef type, std::string_view base,
-                                                    int) const {
-  std::string_view rest = base;
-  NamedThing found;
-  if (const auto top = table_.find_top(type.file, first_part(base))) {
-    found = descend(thing(*top), behind(base, first_part(base).size()));
-  } else {
-    const NameResolver there(files_, scopes_, table_, type.file);
-    const Found bound = there.find_bound(rest);
-    if (!bound) return std::nullopt;
-    found = descend(*bound, rest);
+std::optional<DeclarationRef> NameResolver::find_own_member(DeclarationRef type,
+                                                            std::string_view name) const {
+  if (const auto own = table_.find_member(type, name)) return own;
+  const auto companion = table_.find_member(type, kCompanion);
+  if (!companion || table_[*companion].kind != DeclarationKind::kObject) return std::nullopt;
+  return table_.find_member(*companion, name);
+}
+
+// The nearest come first. While they are looked for, a type has none: bases may lead in circles.
+const std::vector<DeclarationRef>& NameResolver::ancestors_of(DeclarationRef type) const {
+  static const std::vector<DeclarationRef> kNone;
+  if (lineages_->depth > kMostHops) return kNone;
+  const auto [known, added] = lineages_->ancestors.try_emplace(type);
+  if (!added) return known->second;
+  ++lineages_->depth;
+  std::vector<DeclarationRef> found{type};
+  for (std::size_t at = 0; at < found.size(); ++at) {
+    for (const std::string_view base : table_[found[at]].bases()) {
+      if (found.size() > kMostAncestors) break;
+      const auto parent = base_of(found[at], base);
+      if (parent && std::ranges::find(found, *parent) == found.end()) found.push_back(*parent);
+    }
   }
+  --lineages_->depth;
+  found.erase(found.begin());
+  return lineages_->ancestors[type] = std::move(found);
+}
+
+std::optional<DeclarationRef> NameResolver::base_of(DeclarationRef type,
+                                                    std::string_view base) const {
+  NameResolver there(files_, scopes_, table_, type.file);
+  there.lineages_ = lineages_;
+  std::string_view rest = base;
+  Found root = there.find_around(first_part(base), table_[type].container);
+  if (root) {
+    rest = behind(rest, first_part(base).size());
+  } else {
+    root = there.find_bound(rest);
+  }
+  if (!root) return std::nullopt;
+  const NamedThing found = descend(*root, rest);
   if (found.kind != Kind::kDeclaration || !found.rest.empty()) return std::nullopt;
   return found.at;
 }
@@ -177,7 +214,7 @@ NamedThing NameResolver::descend(NamedThing from, std::string_view rest) const {
     } else {
       const bool holds =
           is_type(table_[from.at].kind) || table_[from.at].kind == DeclarationKind::kModule;
-      const auto member = holds ? find_member(from.at, part, 0) : find_assigned(from.at, part);
+      const auto member = holds ? find_member(from.at, part) : find_assigned(from.at, part);
       if (!member) break;
       from.at = *member;
     }
@@ -215,6 +252,11 @@ void NameResolver::close_over_wildcards() {
       }
     }
   }
+  for (const Binding& binding : scopes_.bindings(file_)) {
+    if (!opens_type(binding) || opened_.size() == kMostOpened) continue;
+    const NamedThing type = follow(binding, 0);
+    if (type.kind == Kind::kDeclaration && type.rest.empty()) opened_.push_back(type.at);
+  }
   seen.erase(file_);
   reachable_.assign(seen.begin(), seen.end());
   std::ranges::sort(reachable_);
@@ -228,8 +270,21 @@ void NameResolver::close_over_wildcards() {
   }
 }
 
+// What imports of all members of a type bring in.
+NameResolver::Found NameResolver::find_in_opened_types(std::string_view name) const {
+  Found one;
+  for (const DeclarationRef type : opened_) {
+    const auto member = find_member(type, name);
+    if (!member) continue;
+    if (one && one->at != *member) return std::nullopt;
+    one = thing(*member);
+  }
+  return one;
+}
+
 NameResolver::Found NameResolver::find_through_wildcards(std::string_view name) {
   if (!closed_) close_over_wildcards();
+  if (const Found member = find_in_opened_types(name)) return member;
   if (reachable_.empty()) return std::nullopt;
   Found one;
   for (const DeclarationRef at : table_.find_all(name, kMostDeclarers)) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -44,30 +46,39 @@ class NameResolver {
 
  private:
   using Found = std::optional<NamedThing>;
+  // Shared with those that find the bases of types in other files.
+  struct Lineages {
+    std::map<DeclarationRef, std::vector<DeclarationRef>> ancestors;
+    int depth = 0;
+  };
 
   Found resolve_root(std::string_view& rest, std::uint32_t within);
-  Found find_around(std::string_view name, std::uint32_t within);
+  Found find_around(std::string_view name, std::uint32_t within) const;
   Found find_bound(std::string_view& rest) const;
   Found find_through_wildcards(std::string_view name);
+  Found find_in_opened_types(std::string_view name) const;
   Found find_outside(std::string_view name) const;
   NamedThing descend(NamedThing from, std::string_view rest) const;
   Found find_exported(FileId file, std::string_view name, int hops) const;
   Found find_in_barrels(FileId file, std::string_view name, int hops) const;
   NamedThing follow(const Binding& binding, int hops) const;
-  std::optional<DeclarationRef> find_member(DeclarationRef type, std::string_view name,
-                                            int hops) const;
   std::optional<DeclarationRef> find_assigned(DeclarationRef holder, std::string_view name) const;
-  std::optional<DeclarationRef> base_of(DeclarationRef type, std::string_view base, int hops) const;
+  std::optional<DeclarationRef> find_member(DeclarationRef type, std::string_view name) const;
+  std::optional<DeclarationRef> find_own_member(DeclarationRef type, std::string_view name) const;
+  const std::vector<DeclarationRef>& ancestors_of(DeclarationRef type) const;
+  std::optional<DeclarationRef> base_of(DeclarationRef type, std::string_view base) const;
   void close_over_wildcards();
 
   const IndexedFiles& files_;
   const Scopes& scopes_;
   const DeclarationTable& table_;
   FileId file_;
+  std::shared_ptr<Lineages> lineages_ = std::make_shared<Lineages>();
   bool members_in_scope_ = false;
   bool closed_ = false;
-  std::vector<FileId> reachable_;  // by wildcards, ascending
-  std::vector<FileId> barrels_;    // of those the ones that hand names on
+  std::vector<FileId> reachable_;       // by wildcards, ascending
+  std::vector<FileId> barrels_;         // of those the ones that hand names on
+  std::vector<DeclarationRef> opened_;  // types whose members are known by their names
 };
 
 }  // namespace kestrix::index

@@ -22,8 +22,10 @@ enum class Act : std::uint8_t {
   kName,           ///< one name, mentioned in the role in force
   kProperName,     ///< the same, if it starts in upper case
   kPath,           ///< names joined ("a.b.C"): one mention if it is nothing else, else walked into
+  kTypePath,       ///< the same of a type, whose arguments may follow: the names, then these
   kBind,           ///< a name, or a list of names, local to the function from here on
   kBindBehind,     ///< the same, from where the node's parent ends
+  kBindType,       ///< a parameter of the type or function that is being declared
   kString,         ///< a string literal
   kScalar,         ///< another literal
   kTable,          ///< a literal list, map or array; its elements are listed
@@ -56,6 +58,7 @@ struct CodeRule {
   std::string_view object{};
   std::optional<Role> errors{};  ///< for those of the names below that `is_error` knows
   bool weak = false;             ///< `role` counts only where nothing more is known than a use
+  bool keeps_lists = false;      ///< and nothing but that something is listed
   bool ahead = false;  ///< stands before the declaration that it belongs to: decorators, attributes
   /// Tells the role from the node, where its type does not; null: `role` holds.
   std::optional<Role> (*ask)(TSNode node) = nullptr;
@@ -80,11 +83,15 @@ struct Claim {
 struct CodeRules {
   std::span<const CodeRule> rules;
   std::span<const CallRule> calls{};
-  std::span<const std::string_view> self{};  ///< "self", "this": their members are no names
+  /// "this", "super": their members are no names. Where members are in scope, those of the first
+  /// one are what its type holds.
+  std::span<const std::string_view> self{};
   /// Bases through which the environment is read by subscript or member: "process.env", "ENV".
   std::span<const std::string_view> environments{};
   /// Whether what follows a key there is none of it, but something of the text that it holds.
   bool flat_environments = false;
+  /// Calls that make a table of their arguments: "List.of".
+  std::span<const std::string_view> tables{};
   /// Methods that make a value of the type that they are called on: "new".
   std::span<const std::string_view> makers{};
   /// Whether types and constants, and nothing else, start in upper case: only they stand before
@@ -92,6 +99,10 @@ struct CodeRules {
   bool capital_types = false;
   /// Whether the members of the type around a place are known there by their names alone.
   bool members_in_scope = false;
+  /// Whether a function may be called by a name that a variable nearer by has, too.
+  bool functions_apart = false;
+  /// Whether a function that is imported may be called as if it were a member.
+  bool extensions = false;
   /// Whether a declaration may be written with what it belongs to ("Type::member").
   bool qualified_names = false;
   /// Whether a name stands for an error, as the language's habits have it.
@@ -110,8 +121,17 @@ struct CodeRules {
   /// an import, of which nothing counts; none where nothing is declared. `name` may be null.
   std::optional<std::string_view> (*name_of)(const SourceTree& tree, TSNode node,
                                              TSNode name) = nullptr;
+  /// Whether what a kConstruct makes is a value of a type of its own, written there.
+  bool (*makes_type)(TSNode construct) = nullptr;
+  /// The key that a string says where settings are read ("${key:default}"); null: all of it.
+  std::string_view (*key_of)(std::string_view content) = nullptr;
   /// Last look at a declaration before it is taken, to correct its kind or name; false drops it.
   bool (*refine)(const SourceTree& tree, TSNode declaration, Declaration& as) = nullptr;
+  /// The initial value of a variable, where it is in no field.
+  TSNode (*value_of)(TSNode variable) = nullptr;
+  /// Mentions that stand in the text, but not in the tree.
+  std::vector<Mention> (*hidden)(const SourceTree& tree,
+                                 std::span<const Declaration> declarations) = nullptr;
   /// Last look at all that was read of a file.
   void (*finish)(FileFacts& facts) = nullptr;
 };

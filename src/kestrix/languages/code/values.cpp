@@ -76,9 +76,26 @@ void take_literal(const CompiledRules& rules, TSNode literal, TSSymbol parent, D
   }
 }
 
+// "List.of(a, b)": the arguments are a table's elements.
+void take_call(const CompiledRules& rules, const SourceTree& tree, TSNode call, TSSymbol parent,
+               Declaration& as) {
+  as.shape = ValueShape::kInstance;
+  const auto& tables = rules.source().tables;
+  if (tables.empty()) return;
+  const std::string_view text = tree.text(call);
+  const std::string_view callee = text.substr(0, text.find_first_of("(<"));
+  if (std::ranges::find(tables, callee) == tables.end()) return;
+  const auto* rule = rules.find(ts_node_symbol(call), parent, 0);
+  const std::uint32_t last = std::max(ts_node_named_child_count(call), 1U) - 1;
+  const TSNode elements = rule->value != 0 ? ts_node_child_by_field_id(call, rule->value)
+                                           : ts_node_named_child(call, last);
+  if (!ts_node_is_null(elements)) take_table(rules, elements, as);
+}
+
 }  // namespace
 
-void take_value(const CompiledRules& rules, TSNode value, TSSymbol parent, Declaration& as) {
+void take_value(const CompiledRules& rules, const SourceTree& tree, TSNode value, TSSymbol parent,
+                Declaration& as) {
   // Wrappers ("x as const", "&[…]", "(…)") are passed over.
   for (int depth = 0; depth < 4; ++depth) {
     switch (act_of(rules, value, parent)) {
@@ -88,8 +105,7 @@ void take_value(const CompiledRules& rules, TSNode value, TSSymbol parent, Decla
         return take_literal(rules, value, parent, as);
       case Act::kCall:
       case Act::kConstruct:
-        as.shape = ValueShape::kInstance;
-        return;
+        return take_call(rules, tree, value, parent, as);
       case Act::kString:
       case Act::kScalar:
         as.shape = ValueShape::kScalar;

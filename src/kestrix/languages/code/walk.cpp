@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 #include <unordered_map>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -47,6 +48,11 @@ Role called(Role around, Role role) {
   return is_of(around, {Role::kThrows, Role::kAnnotates, Role::kExtends}) ? around : role;
 }
 
+bool says_more(const CodeRule& rule, Role known) {
+  if (!rule.weak || known == Role::kUses) return true;
+  return known == Role::kLists && !rule.keeps_lists;
+}
+
 // What holds for the children of a node.
 struct Frame {
   TSSymbol symbol = 0;
@@ -56,11 +62,12 @@ struct Frame {
   const void* name = nullptr;    // the child that is a declared name
   const void* object = nullptr;  // the child that is named with what is called of it
   const void* first = nullptr;   // the only argument that has the role of the arguments
-  TSFieldId callee = 0;          // of calls: the fields of the callee and of the arguments
-  TSFieldId arguments = 0;
+  const void* callee = nullptr;  // of calls; of one without a callee itself
+  TSFieldId arguments = 0;       // and the field of what they are called with
   Role callee_role = Role::kCalls;
   Role argument_role = Role::kLists;
   bool scope = false;            // names bound in it are its own
+  bool of_type = false;          // and they are parameters of a type
   bool ahead = false;            // annotations belong to the declaration that follows
   bool keyed = false;            // keys name members
   bool nameless = false;         // members belong to a type without a name
@@ -74,15 +81,23 @@ struct Frame {
 // Names that functions bind, by how many of the functions around the place do.
 class LocalNames {
  public:
-  void enter() { bound_.emplace_back(); }
-  void leave() {
+  void enter(bool function) {
+    bound_.emplace_back();
+    if (function) ++functions_;
+  }
+  void leave(bool function) {
+    if (function) --functions_;
     for (const std::string_view name : bound_.back()) {
       if (const auto found = counts_.find(name); --found->second == 0) counts_.erase(found);
     }
     bound_.pop_back();
   }
-  bool in_function() const { return !bound_.empty(); }
+  bool in_function() const { return functions_ > 0; }
   void bind(std::string_view name) {
+    if (in_function()) bind_here(name);
+  }
+  // Also to a type that has parameters.
+  void bind_here(std::string_view name) {
     if (bound_.empty() || name.empty()) return;
     bound_.back().push_back(name);
     ++counts_[name];
@@ -90,6 +105,7 @@ class LocalNames {
   bool contains(std::string_view name) const { return !counts_.empty() && counts_.contains(name); }
 
  private:
+  std::size_t functions_ = 0;
   std::vector<std::vector<std::string_view>> bound_;
   std::unordered_map<std::string_view, std::uint32_t, SeededHash> counts_;
 };
@@ -97,7 +113,12 @@ class LocalNames {
 class CodeWalk {
  public:
   CodeWalk(const CompiledRules& rules, const SourceTree& tree, FileFacts& facts)
-      : rules_(rules), source_(rules.source()), tree_(tree), facts_(facts) {}
+      : rules_(rules), source_(rules.source()), tree_(tree), facts_(facts) {
+    if (!source_.extensions) return;
+    for (const ImportFact& import : facts.imports) {
+      if (starts_in_lower_case(import.local)) imported_.insert(import.local);
+    }
+  }
 
   void run() {
     TreeCursor cursor(tree_.root());
@@ -120,11 +141,15 @@ class CodeWalk {
   void finish() {
     annotate(0);
     settle();
+    if (source_.hidden != nullptr) {
+      for (const Mention& found : source_.hidden(tree_, facts_.declarations))
+        mentions_.add(found.name, found.role, found.within, found.line);
+    }
     facts_.mentions = mentions_.take();
     for (const Mention& mention : facts_.mentions) {
       if (mention.role > Role::kImplements || mention.within == 0) continue;
-      auto& bases = facts_.declarations[mention.within - 1].bases;
-      if (bases.size() < kMostBases) bases.push_back(mention.name);
+      Declaration& type = facts_.declarations[mention.within - 1];
+      if (is_type(type.kind) && type.bases.size() < kMostBases) type.bases.push_back(mention.name);
     }
     facts_.dropped += mentions_.dropped();
     if (source_.finish != nullptr) source_.finish(facts_);
@@ -153,7 +178,7 @@ class CodeWalk {
 
   static void take_role(const CodeRule& rule, TSNode node, Frame& frame) {
     const auto role = rule.ask == nullptr ? rule.role : rule.ask(node);
-    if (role && (!rule.weak || is_of(frame.role, {Role::kUses, Role::kLists}))) {
+    if (role && says_more(rule, frame.role)) {
       frame.role = *role;
       frame.errors.reset();
     } else if (rule.ask != nullptr) {
@@ -170,12 +195,12 @@ class CodeWalk {
                 .nameless = up.nameless,
                 .errors = up.errors,
                 .owner = up.owner};
-    if (up.callee != 0 && field == up.callee) {
+    if (up.callee != nullptr && node.id == up.callee) {
       frame.role = called(up.role, up.callee_role);
     } else if (up.arguments != 0 && field == up.arguments) {
       frame.role = up.argument_role;
       frame.first = up.first;
-    } else if (up.callee != 0) {
+    } else if (up.callee != nullptr) {
       // Without a field for them all that is no callee are arguments.
       frame.role = up.arguments == 0 ? up.argument_role : Role::kUses;
     } else if (up.first != nullptr && node.id != up.first) {
@@ -186,7 +211,7 @@ class CodeWalk {
 
   bool push(const Frame& frame, TSNode node) {
     if (ts_node_child_count(node) == 0) return false;
-    if (frame.scope) locals_.enter();
+    if (frame.scope) locals_.enter(true);
     frames_.push_back(frame);
     return true;
   }
@@ -194,7 +219,7 @@ class CodeWalk {
   void leave() {
     const Frame& frame = frames_.back();
     if (frame.binds.id != nullptr) bind(frame.binds);
-    if (frame.scope) locals_.leave();
+    if (frame.scope) locals_.leave(!frame.of_type);
     frames_.pop_back();
   }
 
@@ -211,11 +236,17 @@ class CodeWalk {
         return false;
       case Act::kPath:
         return visit_path(node, frame);
+      case Act::kTypePath:
+        mention(node, tree_.text(node).substr(0, tree_.text(node).find('<')), frame);
+        return push(frame, node);
       case Act::kBind:
         bind(node);
         return false;
       case Act::kBindBehind:
         frames_.back().binds = node;
+        return false;
+      case Act::kBindType:
+        bind_to_declaration(node);
         return false;
       case Act::kPattern:
         if (!starts_in_lower_case(tree_.text(node))) {
@@ -240,6 +271,7 @@ class CodeWalk {
         return push(frame, node);
       case Act::kTable:
       case Act::kEntry:
+        if (rule.rule->act == Act::kEntry) frame.name = label_of(node);
         if (!is_of(frame.role, {Role::kCatches, Role::kType, Role::kExtends}))
           frame.role = Role::kLists;
         return push(frame, node);
@@ -253,6 +285,7 @@ class CodeWalk {
         frame.errors.reset();
         return push(frame, node);
       case Act::kTypeArguments:
+        if (frame.role == Role::kLists) return push(frame, node);
         frame.role = is_of(frame.role, {Role::kExtends, Role::kImplements, Role::kType,
                                         Role::kConstructs, Role::kCalls})
                          ? Role::kType
@@ -269,12 +302,32 @@ class CodeWalk {
     return push(frame, node);
   }
 
+  // Of "name = value" the name: of a parameter, which belongs to what is called.
+  static const void* label_of(TSNode entry) {
+    const TSNode label = ts_node_child(entry, 0);
+    const TSNode next = ts_node_child(entry, 1);
+    if (ts_node_is_null(next) || ts_node_child_count(label) > 0) return nullptr;
+    return std::string_view(ts_node_type(next)) == "=" ? label.id : nullptr;
+  }
+
+  // "value.run()", where "run" is imported: no member of the value.
+  bool add_extension(TSNode node, std::string_view text, const Frame& frame) {
+    if (!source_.extensions || frame.role != Role::kCalls) return false;
+    const std::size_t dot = text.rfind('.');
+    if (dot == std::string_view::npos || !imported_.contains(text.substr(dot + 1))) return false;
+    add(text.substr(dot + 1), frame.role, frame, SourceTree::line(node));
+    return true;
+  }
+
   bool visit_path(TSNode node, Frame& frame) {
-    const std::string_view text = tree_.text(node);
+    std::string_view text = tree_.text(node);
+    if (text.ends_with("::class")) text.remove_suffix(7);
     if (frame.role != Role::kCalls || source_.flat_environments) {
       if (read_member(node, text, frame)) return false;
     }
-    if (mention(node, text, frame)) return false;
+    const bool extension = add_extension(node, text, frame);
+    if (extension && name_path(text)) return false;
+    if (!extension && mention(node, text, frame)) return false;
     frame.role = beyond(frame.role);
     return push(frame, node);
   }
@@ -299,7 +352,8 @@ class CodeWalk {
   }
 
   bool visit_literal(const Rule& rule, TSNode node, Frame& frame) {
-    frame.callee = rule.name;
+    const TSNode type = ts_node_child_by_field_id(node, rule.name);
+    frame.callee = ts_node_is_null(type) ? node.id : type.id;
     frame.callee_role = Role::kConstructs;
     frame.arguments = rule.value;
     frame.role = Role::kLists;
@@ -328,14 +382,18 @@ class CodeWalk {
   }
 
   bool visit_call(const Rule& rule, TSNode node, Frame& frame) {
-    frame.callee = rule.name;
     frame.arguments = rule.value;
-    if (rule.rule->act == Act::kConstruct) frame.callee_role = Role::kConstructs;
+    if (rule.rule->act == Act::kConstruct) {
+      const bool type = source_.makes_type != nullptr && source_.makes_type(node);
+      frame.callee_role = type ? Role::kExtends : Role::kConstructs;
+    }
     if (rule.rule->act == Act::kSubscript) {
       frame.callee_role = Role::kUses;
       frame.argument_role = Role::kUses;
     }
-    const TSNode callee = ts_node_child_by_field_id(node, rule.name);
+    const TSNode callee =
+        rule.name == 0 ? ts_node_named_child(node, 0) : ts_node_child_by_field_id(node, rule.name);
+    frame.callee = ts_node_is_null(callee) ? node.id : callee.id;
     if (ts_node_is_null(callee)) return push(frame, node);
     const TSNode object =
         rule.object == 0 ? TSNode{} : ts_node_child_by_field_id(node, rule.object);
@@ -402,15 +460,18 @@ class CodeWalk {
       const Rule* rule =
           rules_.find(ts_node_symbol(node), parent, depth == 0 ? arguments : TSFieldId{0});
       if (rule != nullptr && rule->rule->act == Act::kString) {
-        const std::string_view key = literal_content(tree_.text(node));
+        std::string_view key = literal_content(tree_.text(node));
+        if (source_.key_of != nullptr) key = source_.key_of(key);
         if (!key.empty() && key.size() <= kLongestMention && name_path(key)) {
           add(key, Role::kReads, frame, SourceTree::line(node));
         }
         return;
       }
       if (rule == nullptr || rule->rule->ask != nullptr) return;  // a part of a key is none
+      const std::uint32_t children = ts_node_named_child_count(node);
+      const bool entry = rule->rule->act == Act::kEntry && children > 0;
       parent = ts_node_symbol(node);
-      node = ts_node_named_child(node, 0);
+      node = ts_node_named_child(node, entry ? children - 1 : 0);
     }
   }
 
@@ -429,12 +490,25 @@ class CodeWalk {
     const auto path = name_path(text);
     if (!path) return false;
     const std::string_view root = std::string_view(*path).substr(0, path->find('.'));
-    if (std::ranges::find(source_.self, root) != source_.self.end()) return true;
-    if (locals_.contains(root)) return true;
+    if (std::ranges::find(source_.self, root) != source_.self.end()) {
+      add_own_member(*path, root, frame, SourceTree::line(node));
+      return true;
+    }
+    const bool function = frame.role == Role::kCalls && root.size() == path->size();
+    if (locals_.contains(root) && !(function && source_.functions_apart)) return true;
     const bool plain = is_of(frame.role, {Role::kUses, Role::kLists, Role::kConstructs});
     const bool error = frame.errors && plain && source_.is_error(*path, frame.role);
     add(*path, error ? *frame.errors : frame.role, frame, SourceTree::line(node));
     return true;
+  }
+
+  // "this.run()": what is called or handed over by the object itself.
+  void add_own_member(std::string_view path, std::string_view self, const Frame& frame,
+                      std::uint32_t line) {
+    const bool known = source_.members_in_scope && self == source_.self.front();
+    if (!known || path.size() <= self.size()) return;
+    if (!is_of(frame.role, {Role::kCalls, Role::kLists})) return;
+    add(path.substr(self.size() + 1), frame.role, frame, line);
   }
 
   void add(std::string_view name, Role role, const Frame& frame, std::uint32_t line) {
@@ -460,6 +534,19 @@ class CodeWalk {
         locals_.bind(tree_.text(cursor.node()));
       }
     } while (cursor.to_next_sibling());
+  }
+
+  // A type has no scope before it has parameters, and none opens between it and them.
+  void bind_to_declaration(TSNode node) {
+    const auto frame = std::find_if(frames_.rbegin(), frames_.rend(),
+                                    [](const Frame& up) { return up.declared > 0 || up.scope; });
+    if (frame == frames_.rend()) return;
+    if (!frame->scope) {
+      locals_.enter(false);
+      frame->scope = true;
+      frame->of_type = true;
+    }
+    locals_.bind_here(tree_.text(node));
   }
 
   // "var a, b": what is declared like the name before.
@@ -554,6 +641,21 @@ class CodeWalk {
     }
   }
 
+  // The child that is the name, where no field tells it.
+  const void* child_at(TSNode node, std::string_view name) const {
+    const auto offset = [](std::string_view text) {
+      return reinterpret_cast<std::uintptr_t>(text.data());
+    };
+    if (offset(name) < offset(tree_.text())) return nullptr;
+    const std::size_t at = offset(name) - offset(tree_.text());
+    TreeCursor cursor(node);
+    for (bool more = cursor.to_first_child(); more; more = cursor.to_next_sibling()) {
+      const bool leaf = ts_node_child_count(cursor.node()) == 0;
+      if (leaf && ts_node_start_byte(cursor.node()) == at) return cursor.node().id;
+    }
+    return nullptr;
+  }
+
   bool declare(const Rule& rule, TSNode node, Frame& frame) {
     const TSNode name = ts_node_child_by_field_id(node, rule.name);
     frame.role = Role::kUses;
@@ -570,7 +672,7 @@ class CodeWalk {
       if (!path && is_value(rule.rule->kind)) frame.arguments = rule.value;
       return push(frame, node);
     }
-    frame.name = name.id;
+    frame.name = ts_node_is_null(name) ? child_at(node, *text) : name.id;
     frame.names = rule.name;
     Declaration as{.kind = rule.rule->kind,
                    .name = *path,
@@ -612,8 +714,10 @@ class CodeWalk {
           as.kind = DeclarationKind::kField;
         }
       }
-      const TSNode value = ts_node_child_by_field_id(node, rule.value);
-      if (!ts_node_is_null(value)) take_value(rules_, value, ts_node_symbol(node), as);
+      const TSNode value = source_.value_of != nullptr
+                               ? source_.value_of(node)
+                               : ts_node_child_by_field_id(node, rule.value);
+      if (!ts_node_is_null(value)) take_value(rules_, tree_, value, ts_node_symbol(node), as);
     }
     if (as.kind == DeclarationKind::kFunction && member) as.kind = DeclarationKind::kMethod;
     if (source_.refine != nullptr && !source_.refine(tree_, node, as)) return false;
@@ -651,6 +755,7 @@ class CodeWalk {
   const SourceTree& tree_;
   FileFacts& facts_;
   std::vector<Frame> frames_;
+  std::unordered_set<std::string_view, SeededHash> imported_;  // functions that may be extensions
   LocalNames locals_;
   Mentions mentions_{kMostMentions};
   std::unordered_map<std::string, std::uint32_t, SeededHash, std::equal_to<>> types_;  // at the top

@@ -34,11 +34,15 @@ class Mask {
 
   std::string run() {
     for (std::size_t at = text_.find('@'); at != text_.npos; at = text_.find('@', at + 1)) {
-      if (starts_line(at)) blank(at, annotation_end(at));
+      if (!starts_line(at)) continue;
+      const std::size_t end = annotation_end(at);
+      blank(at, end);
+      if (end > at) annotations_.push_back(text_.substr(at, end - at));
     }
     blank_before("fun ", "interface");
     return std::move(masked_);
   }
+  std::vector<std::string_view> annotations() { return std::move(annotations_); }
 
  private:
   // Only other annotations may stand before it on its line.
@@ -89,6 +93,7 @@ class Mask {
 
   std::string_view text_;
   std::string masked_;
+  std::vector<std::string_view> annotations_;
   std::size_t unclosed_before_ = 0;
 };
 
@@ -148,6 +153,12 @@ std::size_t Code::depth_at(std::size_t offset) {
 const Lexis& lexis() { return kLexis; }
 
 std::optional<std::string> mask(std::string_view text) { return Mask(text).run(); }
+
+std::vector<std::string_view> masked_annotations(std::string_view text) {
+  Mask mask(text);
+  mask.run();
+  return mask.annotations();
+}
 
 std::vector<TypeText> top_types(std::string_view text) {
   std::vector<TypeText> types;

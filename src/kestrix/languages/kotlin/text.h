@@ -20,6 +20,9 @@ const Lexis& lexis();
 /// line it gives up the file). None of these is needed of the tree.
 std::optional<std::string> mask(std::string_view text);
 
+/// The annotations that the mask leaves out, with their arguments; in order.
+std::vector<std::string_view> masked_annotations(std::string_view text);
+
 /// Walks over the code outside of comments and strings, counting lines and braces.
 class Code {
  public:
