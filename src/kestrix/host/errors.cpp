@@ -46,16 +46,8 @@ constexpr Signal kHandler{"error_handler", 4.0, "is a framework's handler of err
 constexpr Signal kNamed{"errors_named", 0.8, "its errors are named in {} file",
                         "its errors are named in {} files", "lazygit, crates.io"};
 
-constexpr Signal kAnswers{"makes_answers", 0.9, "{} file answers requests through its functions",
-                          "{} files answer requests through its functions", "umami, netbox"};
-constexpr Signal kEnds{"ends_program", 0.8, "{} file ends the program through its functions",
-                       "{} files end the program through its functions", "redis, lazygit"};
-
 constexpr double kLeastScore = 3.0;
 constexpr double kLeastShare = 0.22;
-constexpr std::uint32_t kShort = 25;   // lines of a function that does one thing
-constexpr std::size_t kAnswerers = 3;  // so many functions of a file make answers by design
-constexpr std::size_t kManyUsers = 5;
 constexpr std::size_t kSeveral = 2;  // so many types are told apart, or made, by design
 
 // What is seen of one file.
@@ -76,8 +68,6 @@ class ErrorSignals {
     add_definitions(sheet);
     add_uses(sheet);
     add_handlers(sheet);
-    add_short_functions(sheet, kAnswers, index::Known::kResponse, kAnswerers);
-    add_short_functions(sheet, kEnds, index::Known::kEndsProgram, 1);
     return sheet;
   }
 
@@ -135,8 +125,7 @@ class ErrorSignals {
   void add_handlers(ScoreSheet& sheet) {
     std::map<FileId, std::vector<Place>> handlers;
     for (const auto& to : evidence_.index().references()) {
-      if (to.target != index::IndexedReference::kOutside || !evidence_.is_product(to.source))
-        continue;
+      if (to.target != index::IndexedReference::kOutside || !evidence_.is_product(to.source)) continue;
       const auto language = evidence_.index().files()[to.source].language;
       if (known_as(language, index::Known::kErrorHandler, to.name) == nullptr) continue;
       handlers[to.source].push_back(evidence_.place_of(to));
@@ -144,34 +133,6 @@ class ErrorSignals {
     for (auto& [file, places] : handlers) {
       const std::string names = names_and_lines(places);
       sheet.add(file, kHandler, 1, std::move(places), names);
-    }
-  }
-
-  // Files of short functions around a call that is known, by who uses them.
-  void add_short_functions(ScoreSheet& sheet, const Signal& signal, index::Known known,
-                           std::size_t least) const {
-    std::map<FileId, std::set<DeclarationRef>> functions;
-    for (const auto& to : evidence_.index().references()) {
-      if (to.target != index::IndexedReference::kOutside || to.within == 0) continue;
-      if (!evidence_.is_product(to.source)) continue;
-      if (to.role != Role::kCalls && to.role != Role::kConstructs) continue;
-      const DeclarationRef holder{to.source, to.within - 1};
-      const auto& declared = evidence_[holder];
-      if (declared.kind != index::DeclarationKind::kFunction || !declared.exported) continue;
-      if (declared.last_line > declared.line + kShort) continue;
-      const auto language = evidence_.index().files()[to.source].language;
-      if (known_as(language, known, to.name) != nullptr) functions[to.source].insert(holder);
-    }
-    for (const auto& [file, holders] : functions) {
-      if (holders.size() < least) continue;
-      std::set<FileId> users;
-      for (const DeclarationRef function : holders) {
-        const auto naming = evidence_.files_naming(function, {Role::kCalls});
-        users.insert(naming.begin(), naming.end());
-      }
-      if (users.size() < kManyUsers) continue;
-      const auto places = places_of(holders);
-      sheet.add(file, signal, users.size(), places, names_and_lines(places));
     }
   }
 
@@ -210,8 +171,7 @@ PageAnswer errors_answer(const WikiGenerator& generator) {
   const CodeEvidence& code = generator.code_evidence();
   const ScoreSheet sheet = ErrorSignals(code).sheet();
   add_reasons(sheet, code, answer.files);
-  answer.further =
-      sheet.further(answer.files, room_for_further(answer.files.size()), kLeastScore, kLeastShare);
+  answer.further = sheet.further(answer.files, room_for_further(answer.files.size()), kLeastScore, kLeastShare);
   finish(answer, *answer.has_material ? "no exception class in a production file, only in others"
                                       : "no class named …Error or …Exception");
   return answer;

@@ -5,6 +5,7 @@
 #include <array>
 #include <string>
 
+#include "kestrix/languages/java/code.h"
 #include "kestrix/languages/java/query.scm.h"
 #include "kestrix/languages/jvm/conventions.h"
 #include "kestrix/languages/jvm/resolver.h"
@@ -74,6 +75,7 @@ class Reader {
       }
     });
     if (import.form == static_cast<std::uint16_t>(JvmImport::kName)) {
+      import.local = bound;
       import.uses = tree_.uses(bound);
       own_.add(bound);
     }
@@ -129,6 +131,7 @@ const Language& java_language() {
                                  .keywords = {},
                                  .read = read,
                                  .resolver = make_jvm_resolver,
+                                 .code = &java_code,
                                  .conventions = &jvm::kConventions};
   return language;
 }

@@ -4,6 +4,7 @@
 #include <array>
 #include <deque>
 #include <map>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -101,13 +102,47 @@ class JvmResolver : public Resolver {
   }
 
   void resolve_name(const ImportFact& import, FileId file, Dependencies& found) const {
-    const Targets targets = find_longest(
-        import.module,
-        [&](std::string_view package, std::string_view name) { return find(package, name, file); });
+    const std::string_view module = import.module;
+    std::string_view name;  // what the module names in its package
+    const Targets targets =
+        find_longest(module, [&](std::string_view package, std::string_view first) {
+          name = module.substr(package.empty() ? 0 : package.size() + 1);
+          return find(package, first, file);
+        });
     const bool in_code = static_cast<JvmImport>(import.form) == JvmImport::kInCode;
     for (const FileId target : targets) found.add(target, (in_code ? 0.0 : 1.0) + import.uses);
-    const bool looks_local = packages_.contains(likely_package(import.module), file);
+    const bool looks_local = packages_.contains(likely_package(module), file);
     if (targets.empty() && !in_code && looks_local) found.miss();
+    if (const auto target = the_one(targets, first_part(name))) bind(import, name, *target, found);
+  }
+
+  // Of several files that declare a name the one that is named after it.
+  std::optional<FileId> the_one(const Targets& targets, std::string_view name) const {
+    if (targets.size() == 1) return targets.front();
+    std::optional<FileId> one;
+    for (const FileId target : targets) {
+      const std::string_view file = base_name(files_.path(target));
+      if (file.substr(0, file.find('.')) != name) continue;
+      if (one) return std::nullopt;
+      one = target;
+    }
+    return one;
+  }
+
+  void bind(const ImportFact& import, std::string_view name, FileId target,
+            Dependencies& found) const {
+    if (is_facade(target, first_part(name))) {
+      name.remove_prefix(std::min(first_part(name).size() + 1, name.size()));
+    }
+    const bool everything = static_cast<JvmImport>(import.form) == JvmImport::kEverything;
+    const std::string_view written = import.local.empty() ? import.module : import.local;
+    found.bind({.local = everything ? "*" : written, .target = target, .name = name});
+  }
+
+  bool is_facade(FileId target, std::string_view name) const {
+    return name.ends_with("Kt") && files_.language(target) == "kotlin" &&
+           name == facade_of(files_.path(target)) &&
+           !std::ranges::binary_search(files_.facts(target).declares, name);
   }
 
   void resolve_uses(FileId file, const std::vector<std::string_view>& wildcards,
@@ -116,11 +151,16 @@ class JvmResolver : public Resolver {
     std::unordered_set<FileId> imported;
     for (const NameUse& use : facts.uses) {
       const bool type = packaged::is_type_like(use.name);
-      const auto own = type ? find_type(facts.package, use.name, file) : Targets();
-      for (const FileId target : own) found.add(target, use.uses);
-      if (!own.empty()) continue;
-      for (const FileId target : find_imported(wildcards, use.name, file)) {
-        found.add(target, (imported.insert(target).second ? 1.0 : 0.0) + use.uses);
+      auto targets = type ? find_type(facts.package, use.name, file) : Targets();
+      for (const FileId target : targets) found.add(target, use.uses);
+      if (targets.empty()) {
+        targets = find_imported(wildcards, use.name, file);
+        for (const FileId target : targets) {
+          found.add(target, (imported.insert(target).second ? 1.0 : 0.0) + use.uses);
+        }
+      }
+      if (const auto target = the_one(targets, use.name)) {
+        found.bind({.local = use.name, .target = *target, .name = use.name});
       }
     }
   }

@@ -99,6 +99,7 @@ class Reader {
   }
 
   void bind(ImportFact& import, std::string_view name) {
+    import.local = name;
     import.uses = tree_.uses(name);
     own_.add(name);
     if (!packaged::is_type_like(name)) functions_.emplace(name, facts_.imports.size());
