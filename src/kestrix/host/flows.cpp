@@ -31,8 +31,8 @@ Reason reach_of(const WikiGenerator& generator, std::string_view path,
 }
 
 // Below these a file has too little to do with the entry points.
-constexpr double kLeastScore = 3.0;
-constexpr double kLeastShare = 0.25;
+constexpr double kLeastScore = 1.5;
+constexpr double kLeastShare = 0.12;
 
 void add_further(const WikiGenerator& generator, const FlowEvidence& evidence, FlowClass& flow) {
   std::vector<index::FileId> roots;
@@ -98,7 +98,7 @@ std::size_t most_classes(const WikiGenerator& generator) {
 FlowsAnswer flows_answer(const WikiGenerator& generator, std::span<const std::string> patterns) {
   std::vector<EntryPointClass> classes;
   FlowsAnswer answer;
-  const FlowEvidence flows(generator.code_evidence());
+  const FlowEvidence flows(generator);
   if (patterns.empty()) {
     classes = named_classes(generator);
     std::ranges::move(classes_that_show(flows), std::back_inserter(classes));
@@ -127,7 +127,7 @@ FlowsAnswer flows_answer(const WikiGenerator& generator, std::span<const std::st
 std::string flows_why_not(const WikiGenerator& generator, std::string_view path) {
   Reason farthest;
   std::string name;
-  for (const EntryPointClass& found : classes_that_show(FlowEvidence(generator.code_evidence()))) {
+  for (const EntryPointClass& found : classes_that_show(FlowEvidence(generator))) {
     if (std::ranges::binary_search(found.roots, path)) {
       return fmt::format("an entry point of the class {}, not what dispatches to it", found.name);
     }

@@ -19,18 +19,22 @@ using index::Role;
 
 constexpr Signal kHub{"names_entry_points", 3.0, "names {} entry point", "names {} entry points",
                       "lazygit, BookStack"};
-constexpr Signal kFellow{"names_its_entry_point", 3.0, "names {} handler of the class",
+constexpr Signal kFellow{"names_its_entry_point", 1.5, "names {} handler of the class",
                          "names {} handlers of the class", "netbox, lobsters"};
 constexpr Signal kBase{"entry_point_base", 2.0, "declares what {} entry point extends",
                        "declares what {} entry points extend", "netbox, mockito"};
 constexpr Signal kShared{"serves_entry_points", 1.5, "declares what {} entry point calls or bears",
                          "declares what {} entry points call or bear", "netbox, umami"};
-constexpr Signal kHolder{"holds_entry_points", 2.0, "names their base type {} time",
+constexpr Signal kHolder{"holds_entry_points", 1.3, "names their base type {} time",
                          "names their base type {} times", "crates.io, mockito"};
-constexpr Signal kCaller{"names_dispatch", 1.6, "names {} file that dispatches",
+constexpr Signal kCaller{"names_dispatch", 2.5, "names {} file that dispatches",
                          "names {} files that dispatch", "netbox, crates.io"};
-constexpr Signal kDispatchBase{"serves_dispatch", 1.3, "declares what {} dispatching file calls",
+constexpr Signal kDispatchBase{"serves_dispatch", 2.0, "declares what {} dispatching file calls",
                                "declares what {} dispatching files call", "netbox, lobsters"};
+
+constexpr Signal kBeside{"beside_entry_points", 2.5,
+                         "lies among them, and {} dispatching file uses it",
+                         "lies among them, and {} dispatching files use it", "lazygit, polar"};
 
 // A quarter: a route table may be split by area or by version.
 constexpr std::size_t kHubShare = 4;
@@ -38,6 +42,9 @@ constexpr std::size_t kHubShare = 4;
 constexpr std::size_t kFewNamers = 5;
 // Of those who call what entry points share, so many have to be entry points.
 constexpr double kServesMostly = 0.5;
+// So few roots or so many hubs tell nothing about the folder.
+constexpr std::size_t kFewRoots = 3;
+constexpr std::size_t kFewHubs = 3;
 constexpr std::size_t kMostBaseHops = 6;
 
 class DispatchSignals {
@@ -46,6 +53,7 @@ class DispatchSignals {
       : evidence_(flows.code),
         graph_(flows.graph),
         handlers_(flows.handlers),
+        tables_(flows.tables),
         roots_(roots.begin(), roots.end()),
         root_(evidence_.index().files().size()) {
     std::size_t product = 0;
@@ -63,7 +71,9 @@ class DispatchSignals {
     add_bases(sheet);
     add_shared(sheet, roots_, kShared);
     add_second_hop(sheet);
-    if (found_by_framework()) add_starts(sheet, evidence_, roots_, hubs_.empty());
+    add_beside(sheet);
+    add_tables(sheet, evidence_, tables_, roots_);
+    if (found_by_framework()) add_starts(sheet, evidence_, graph_, roots_, hubs_.empty());
     return sheet;
   }
 
@@ -119,6 +129,15 @@ class DispatchSignals {
       sheet.add(file, kHub, seen.files.size(), seen.at);
     }
     if (hubs_.empty()) add_fellows(sheet, namers);
+    if (hubs_.empty() && namers.size() <= kFewNamers) add_all(sheet, namers);
+  }
+
+  // A package with one face: nobody names the other files.
+  void add_all(ScoreSheet& sheet, const SeenBy& namers) {
+    for (const auto& [file, seen] : namers) {
+      sheet.add(file, kHub, seen.files.size(), seen.at);
+      hubs_.push_back(file);
+    }
   }
 
   // Each entry point has a file beside it that names it, all of one name.
@@ -209,7 +228,7 @@ class DispatchSignals {
   // What half of the files call or bear, and few others do.
   void add_shared(ScoreSheet& sheet, const std::vector<FileId>& files, const Signal& signal) const {
     if (files.size() < 2) return;
-    static constexpr RoleSet kServing{Role::kCalls, Role::kAnnotates, Role::kConstructs};
+    static constexpr RoleSet kServing{Role::kCalls, Role::kAnnotates};
     std::map<DeclarationRef, std::set<FileId>> callers;
     for (const FileId file : files) {
       for (const IndexedReference& to : evidence_.index().references_from(file)) {
@@ -242,9 +261,26 @@ class DispatchSignals {
     add_shared(sheet, hubs_, kDispatchBase);
   }
 
+  // What lies among the entry points and is called by their dispatch takes part in it.
+  void add_beside(ScoreSheet& sheet) const {
+    if (roots_.size() < kFewRoots || hubs_.size() > kFewHubs) return;
+    std::set<std::string_view> folders;
+    for (const FileId root : roots_) folders.insert(directory_of(evidence_.path(root)));
+    std::map<FileId, std::vector<Place>> beside;
+    for (const FileId hub : hubs_) {
+      for (const Naming& naming : graph_.from(hub)) {
+        if (!naming.names || !may_dispatch(naming.to)) continue;
+        if (!folders.contains(directory_of(evidence_.path(naming.to)))) continue;
+        beside[naming.to].push_back(place_of(naming));
+      }
+    }
+    for (auto& [file, at] : beside) sheet.add(file, kBeside, at.size(), at);
+  }
+
   const CodeEvidence& evidence_;
   const NamingGraph& graph_;
   const std::map<FileId, HandlerSign>& handlers_;
+  TableTexts& tables_;
   std::vector<FileId> roots_;
   std::vector<bool> root_;
   std::vector<FileId> hubs_;

@@ -5,17 +5,22 @@
 #include "kestrix/host/evidence/score_sheet.h"
 #include "kestrix/host/flows/handlers.h"
 #include "kestrix/host/flows/naming_graph.h"
+#include "kestrix/host/flows/tables.h"
 
 namespace kestrix {
 
 /// What the flows of a repository are looked for in; built once for an answer.
 struct FlowEvidence {
-  explicit FlowEvidence(const CodeEvidence& evidence)
-      : code(evidence), graph(evidence), handlers(framework_handlers(evidence)) {}
+  explicit FlowEvidence(const WikiGenerator& generator)
+      : code(generator.code_evidence()),
+        graph(code),
+        handlers(framework_handlers(code)),
+        tables(generator.repo_root()) {}
 
   const CodeEvidence& code;
   NamingGraph graph;
   std::map<index::FileId, HandlerSign> handlers;
+  mutable TableTexts tables;  // fills itself
 };
 
 /// What leads from outside of a repository to one class of entry points: who names them, through

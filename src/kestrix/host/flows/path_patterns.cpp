@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <set>
 
+#include "kestrix/host/flows/folders.h"
 #include "kestrix/workers/wiki/page_sources/path_text.h"
 
 namespace kestrix {
@@ -38,11 +39,6 @@ std::string_view first_word(std::string_view stem) {
 }
 
 std::string_view name_of_path(std::string_view path) { return path.substr(path.rfind('/') + 1); }
-
-bool lies_in(std::string_view path, std::string_view folder) {
-  return folder.empty() ||
-         (path.size() > folder.size() && path.starts_with(folder) && path[folder.size()] == '/');
-}
 
 std::string below(std::string_view folder, bool deep, std::string_view name) {
   std::string glob(folder);

@@ -43,6 +43,7 @@ constexpr FrameworkName kNames[] = {
     {"laravel", Known::kHandlerPath, "**/Listeners/**/*.php"},
     {"laravel", Known::kStartPath, "bootstrap/app.php"},
     {"laravel", Known::kStartPath, "public/index.php"},
+    {"laravel", Known::kStartPath, "artisan"},
     {"laravel", Known::kStartPath, "**/Kernel.php"},
     {"laravel", Known::kStartPath, "**/RouteServiceProvider.php"},
 };

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "kestrix/host/evidence/score_sheet.h"
+#include "kestrix/workers/wiki/repo_facts.h"
+
+namespace kestrix {
+
+/// The texts of files that no language reads: manifests, lists of programs, start scripts. Each is
+/// read once.
+class TableTexts {
+ public:
+  explicit TableTexts(const RepoRoot& root) : root_(root) {}
+  const std::string& of(const CodeEvidence& evidence, index::FileId file);
+
+ private:
+  const RepoRoot& root_;
+  std::map<index::FileId, std::string> texts_;
+};
+
+/// Adds the files without code that name entry points, by a path ("scripts/check.js") or a dotted
+/// name ("app.cli:main"): those in the folders above them.
+void add_tables(ScoreSheet& sheet, const CodeEvidence& evidence, TableTexts& texts,
+                const std::vector<index::FileId>& roots);
+
+}  // namespace kestrix
