@@ -17,7 +17,7 @@ using index::FileId;
 
 constexpr Signal kStart{"framework_start", 2.5, "is where such a product starts, from {} file",
                         "is where such a product starts, from {} files", "eShopOnWeb, BookStack"};
-constexpr Signal kStartToo{"framework_start", 1.5, "is where such a product starts, from {} file",
+constexpr Signal kStartToo{"framework_start", 1.4, "is where such a product starts, from {} file",
                            "is where such a product starts, from {} files", "BookStack, lobsters"};
 // So many of the entry points lie below a start that is for a part of them.
 constexpr std::size_t kPartShare = 4;
