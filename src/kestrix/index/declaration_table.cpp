@@ -42,8 +42,8 @@ void DeclarationTable::order_by_file() const {
   }
 }
 
-std::optional<DeclarationRef> DeclarationTable::find(FileId file, std::uint32_t holder,
-                                                     std::string_view name) const {
+std::span<const DeclarationTable::Named> DeclarationTable::named(FileId file, std::uint32_t holder,
+                                                                 std::string_view name) const {
   std::call_once(by_file_once_, [this] { order_by_file(); });
   const auto rows = of(file);
   const auto mine =
@@ -51,18 +51,32 @@ std::optional<DeclarationRef> DeclarationTable::find(FileId file, std::uint32_t 
   const auto key = [&](const Named& named) {
     return std::pair(named.holder, rows[named.place].name);
   };
-  const auto found = std::ranges::lower_bound(mine, std::pair(holder, name), {}, key);
-  if (found == mine.end() || key(*found) != std::pair(holder, name)) return std::nullopt;
-  return DeclarationRef{file, found->place};
+  const auto found = std::ranges::equal_range(mine, std::pair(holder, name), {}, key);
+  return {found.begin(), found.end()};
 }
 
 std::optional<DeclarationRef> DeclarationTable::find_top(FileId file, std::string_view name) const {
-  return find(file, 0, name);
+  const auto found = named(file, 0, name);
+  if (found.empty()) return std::nullopt;
+  return DeclarationRef{file, found.front().place};
 }
 
 std::optional<DeclarationRef> DeclarationTable::find_member(DeclarationRef holder,
                                                             std::string_view name) const {
-  return find(holder.file, holder.place + 1, name);
+  const auto rows = of(holder.file);
+  const DeclarationView& type = rows[holder.place];
+  const bool space = type.kind == DeclarationKind::kModule;
+  // A namespace may be opened several times in a file.
+  const auto holds = [&](const Named& named) {
+    const std::uint32_t around = rows[named.place].container;
+    return !space || (around > 0 && rows[around - 1].kind == DeclarationKind::kModule &&
+                      rows[around - 1].name == type.name);
+  };
+  const auto all =
+      named(holder.file, space ? holder_of(rows, holder.place) : holder.place + 1, name);
+  const auto found = std::ranges::find_if(all, holds);
+  if (found == all.end()) return std::nullopt;
+  return DeclarationRef{holder.file, found->place};
 }
 
 void DeclarationTable::order_by_name() const {

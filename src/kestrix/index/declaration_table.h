@@ -38,7 +38,7 @@ class DeclarationTable {
   /// The declaration of that name that stands in no other one but namespaces; types come before
   /// others of the same name. None when there is none.
   std::optional<DeclarationRef> find_top(FileId file, std::string_view name) const;
-  /// The member of that name which the declaration holds itself.
+  /// The member of that name which the declaration, a type or namespace, holds itself.
   std::optional<DeclarationRef> find_member(DeclarationRef holder, std::string_view name) const;
   /// All that other files can reach under that name at the top of a file, by file; for a name that
   /// more than `most` files declare, none.
@@ -55,8 +55,7 @@ class DeclarationTable {
   };
 
   std::uint32_t holder_of(std::span<const DeclarationView> rows, std::uint32_t place) const;
-  std::optional<DeclarationRef> find(FileId file, std::uint32_t holder,
-                                     std::string_view name) const;
+  std::span<const Named> named(FileId file, std::uint32_t holder, std::string_view name) const;
   void order_by_file() const;
   void order_by_name() const;
 

@@ -4,6 +4,8 @@
 #include <deque>
 #include <utility>
 
+#include "kestrix/text/ascii.h"
+
 namespace kestrix::index {
 namespace {
 
@@ -43,13 +45,31 @@ NameResolver::NameResolver(const IndexedFiles& files, const Scopes& scopes,
                            const DeclarationTable& table, FileId file)
     : files_(files), scopes_(scopes), table_(table), file_(file) {
   const Language* language = language_named(files.language(file));
-  members_in_scope_ =
-      language != nullptr && language->code != nullptr && language->code->members_in_scope;
+  if (language == nullptr || language->code == nullptr) return;
+  members_in_scope_ = language->code->members_in_scope;
+  capital_types_ = language->code->capital_types;
+}
+
+bool NameResolver::looks_outside(std::string_view name) const {
+  if (name.starts_with('.')) name.remove_prefix(1);
+  return capital_types_ && !name.empty() && ascii::is_upper(name.front()) &&
+         std::ranges::none_of(table_.find_all(first_part(name), kMostDeclarers),
+                              [&](DeclarationRef at) { return is_type(table_[at].kind); });
 }
 
 NamedThing NameResolver::resolve(std::string_view name, std::uint32_t within) {
   std::string_view rest = name;
-  if (const Found root = resolve_root(rest, within)) return descend(*root, rest);
+  if (const Found root = resolve_root(rest, within)) {
+    const NamedThing found = descend(*root, rest);
+    const bool own = found.kind == Kind::kDeclaration && found.at.file == file_;
+    if (own && !found.rest.empty()) {
+      if (const Found elsewhere = find_elsewhere(name, found.at)) return *elsewhere;
+    }
+    // A namespace of others may be opened here, too.
+    const bool other = capital_types_ && found.kind == Kind::kDeclaration && !found.rest.empty() &&
+                       ascii::is_upper(found.rest.front());
+    return other ? NamedThing{} : found;
+  }
   if (const Found outside = find_outside(name)) return *outside;
   return {};
 }
@@ -76,6 +96,18 @@ NameResolver::Found NameResolver::find_around(std::string_view name, std::uint32
     if (const auto member = find_member(at, name)) return thing(*member);
   }
   if (const auto top = table_.find_top(file_, name)) return thing(*top);
+  return std::nullopt;
+}
+
+// What a namespace or type holds that this file declares, too, but not with all that it holds.
+NameResolver::Found NameResolver::find_elsewhere(std::string_view name, DeclarationRef here) const {
+  std::string_view rest = name;
+  const Found bound = find_bound(rest);
+  if (!bound) return std::nullopt;
+  const bool space = table_[here].kind == DeclarationKind::kModule;
+  const bool longer = name.size() - rest.size() > first_part(name).size();
+  NamedThing found = descend(*bound, rest);
+  if (found.rest.empty() || longer || (space && found.kind == Kind::kDeclaration)) return found;
   return std::nullopt;
 }
 

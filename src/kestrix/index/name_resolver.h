@@ -44,6 +44,10 @@ class NameResolver {
   /// The file that an import of this text, as it is written, leads to here.
   std::optional<FileId> module_named(std::string_view specifier) const;
 
+  /// Whether a name that nothing stands for is a type or constant from outside, to judge by how it
+  /// is written and by what the repository declares.
+  bool looks_outside(std::string_view name) const;
+
  private:
   using Found = std::optional<NamedThing>;
   // Shared with those that find the bases of types in other files.
@@ -54,6 +58,7 @@ class NameResolver {
 
   Found resolve_root(std::string_view& rest, std::uint32_t within);
   Found find_around(std::string_view name, std::uint32_t within) const;
+  Found find_elsewhere(std::string_view name, DeclarationRef here) const;
   Found find_bound(std::string_view& rest) const;
   Found find_through_wildcards(std::string_view name);
   Found find_in_opened_types(std::string_view name) const;
@@ -75,6 +80,7 @@ class NameResolver {
   FileId file_;
   std::shared_ptr<Lineages> lineages_ = std::make_shared<Lineages>();
   bool members_in_scope_ = false;
+  bool capital_types_ = false;
   bool closed_ = false;
   std::vector<FileId> reachable_;       // by wildcards, ascending
   std::vector<FileId> barrels_;         // of those the ones that hand names on

@@ -34,6 +34,7 @@ bool may_be_built_in(Role role) {
 Role role_towards(DeclarationKind kind, bool partial, Role role) {
   const bool call = role == Role::kCalls || role == Role::kConstructs || role == Role::kThrows;
   if (partial && call) return Role::kUses;
+  if (role == Role::kCalls && kind == DeclarationKind::kField) return Role::kUses;
   if (role == Role::kCalls && is_type(kind)) return Role::kConstructs;
   if (role == Role::kConstructs && !is_type(kind)) return Role::kCalls;
   const bool contract = kind == DeclarationKind::kInterface || kind == DeclarationKind::kTrait ||
@@ -65,8 +66,10 @@ ReferenceBuilder::Built ReferenceBuilder::build(FileId file) const {
       thing = {Kind::kOutside, {}, mention.name};
     } else {
       thing = names.resolve(mention.name, mention.within);
-      if (thing.kind == Kind::kNothing && may_be_built_in(mention.role)) {
-        thing = {Kind::kOutside, {}, mention.name};
+      const bool made = mention.role == Role::kCalls || mention.role == Role::kConstructs;
+      if (thing.kind == Kind::kNothing &&
+          (may_be_built_in(mention.role) || (made && names.looks_outside(mention.name)))) {
+        thing = {Kind::kOutside, {}, mention.name.substr(mention.name.starts_with('.') ? 1 : 0)};
       }
     }
     if (thing.kind == Kind::kNothing) continue;

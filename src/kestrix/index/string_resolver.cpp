@@ -10,6 +10,7 @@ namespace {
 
 constexpr FileId kSeveral = UINT32_MAX;
 constexpr std::size_t kShortestTypeName = 6;
+constexpr std::size_t kMostNamed = 32;  // types of one name that are told apart
 
 std::string_view without_extension(std::string_view path) {
   const std::size_t dot = path.rfind('.');
@@ -49,6 +50,7 @@ std::optional<NamedThing> StringResolver::resolve(std::string_view content,
   if (const auto file = find_path(content, folder)) {
     return NamedThing{NamedThing::Kind::kFile, {*file, 0}, {}};
   }
+  if (content.starts_with("::")) return find_named(content.substr(2), folder);
   if (content.find('#') != std::string_view::npos) return find_action(content);
   if (content.find_first_of(".:\\") != std::string_view::npos) return find_dotted(content);
   return find_type(content);
@@ -66,7 +68,8 @@ std::optional<FileId> StringResolver::find_end(std::string_view end, bool stem) 
 
 std::optional<FileId> StringResolver::find_path(std::string_view content,
                                                 std::string_view folder) const {
-  const bool has_folder = content.find('/') != std::string_view::npos;
+  // "/users" is an address rather than a path.
+  const bool has_folder = content.find('/', 1) != std::string_view::npos;
   if (const auto near = join_normal(folder, content); near && has_folder) {
     if (const auto file = files_.find(*near)) return file;
   }
@@ -110,11 +113,48 @@ std::optional<NamedThing> StringResolver::find_dotted(std::string_view content) 
 
 // Routes of several web frameworks name a controller and its method.
 std::optional<NamedThing> StringResolver::find_action(std::string_view content) const {
+  if (content.starts_with('/')) content.remove_prefix(1);
   const std::size_t mark = content.find('#');
   if (mark == 0 || content.find('#', mark + 1) != std::string_view::npos) return std::nullopt;
-  const auto file = find_end(std::string(content.substr(0, mark)) + "_controller", true);
+  const std::string name = std::string(content.substr(0, mark)) + "_controller";
+  auto file = find_end("controllers/" + name, true);
+  if (!file) file = find_end(name, true);
   if (!file) return std::nullopt;
   return NamedThing{NamedThing::Kind::kFile, {*file, 0}, std::string(content.substr(mark + 1))};
+}
+
+// "A::B": the only type of that name, else the one in that namespace, else the one beside the file.
+std::optional<NamedThing> StringResolver::find_named(std::string_view name,
+                                                     std::string_view folder) const {
+  const std::size_t joint = name.rfind("::");
+  const std::string_view last = joint == std::string_view::npos ? name : name.substr(joint + 2);
+  std::vector<DeclarationRef> types;
+  for (const DeclarationRef at : table_.find_all(last, kMostNamed)) {
+    if (is_type(table_[at].kind)) types.push_back(at);
+  }
+  const auto only = [&](auto fits) -> std::optional<NamedThing> {
+    const auto one = std::ranges::find_if(types, fits);
+    if (one == types.end() || std::find_if(one + 1, types.end(), fits) != types.end()) return {};
+    return NamedThing{NamedThing::Kind::kDeclaration, *one, {}};
+  };
+  if (types.size() == 1) return only([](DeclarationRef) { return true; });
+  if (joint != std::string_view::npos) {
+    return only([&](DeclarationRef at) { return stands_in(at, name.substr(0, joint)); });
+  }
+  return only([&](DeclarationRef at) { return folder_of(files_.path(at.file)) == folder; });
+}
+
+bool StringResolver::stands_in(DeclarationRef at, std::string_view space) const {
+  const auto rows = table_.of(at.file);
+  std::uint32_t around = table_[at].container;
+  while (!space.empty()) {
+    const std::size_t joint = space.rfind("::");
+    const std::string_view last = joint == std::string_view::npos ? space : space.substr(joint + 2);
+    if (around == 0 || rows[around - 1].name != last) return false;
+    around = rows[around - 1].container;
+    space = space.substr(0, joint == std::string_view::npos ? 0 : joint);
+  }
+  return true;
 }
 
 std::optional<NamedThing> StringResolver::find_type(std::string_view content) const {

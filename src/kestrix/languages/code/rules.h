@@ -5,7 +5,9 @@
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "kestrix/facts/declaration.h"
@@ -40,6 +42,7 @@ enum class Act : std::uint8_t {
   kKey,            ///< a key of such a value: names a member of the type, or is an element, too
   kToken,          ///< a word among tokens: one mention with the path that it starts
   kPattern,        ///< a name in a pattern: binds in lower case, else it is mentioned
+  kSection,        ///< a word that may hide the members behind it, as `hides` has it, else a name
   kMembers,        ///< members of the type that `owner` tells, which is declared elsewhere
   kNameless,       ///< a type without a name: its members are none of the one around it
   kDeclare,        ///< declares `kind` under the name in field `name`, with the value in `value`
@@ -59,6 +62,7 @@ struct CodeRule {
   std::optional<Role> errors{};  ///< for those of the names below that `is_error` knows
   bool weak = false;             ///< `role` counts only where nothing more is known than a use
   bool keeps_lists = false;      ///< and nothing but that something is listed
+  bool in_type = false;          ///< `role` counts only among the members of a type, of bare names
   bool ahead = false;  ///< stands before the declaration that it belongs to: decorators, attributes
   /// Tells the role from the node, where its type does not; null: `role` holds.
   std::optional<Role> (*ask)(TSNode node) = nullptr;
@@ -78,6 +82,25 @@ struct Claim {
   std::string_view base;
 };
 
+/// What the call of a macro in the body of a type says: which members it makes, whom it mentions.
+struct MacroNotes {
+  struct Member {
+    DeclarationKind kind;
+    TSNode name;  ///< a name, or a literal of one
+  };
+
+  std::string_view around{};  ///< asked with: what the macros around it say in `inside`
+  bool of_type = false;       ///< asked with: whether the call itself makes the type around it
+
+  std::vector<Member> members{};
+  std::vector<std::pair<std::string, Role>> mentions{};
+  std::vector<std::string_view> hidden{};  ///< members of the type that nobody else reaches
+  std::optional<std::string> inside{};     ///< for the macros and strings in its block
+  bool quiet = false;                      ///< its own name says nothing
+  bool skip = false;                       ///< nothing in it counts: an import
+  bool body = false;                       ///< its block is another piece of the type's body
+};
+
 /// How the declarations and mentions of a language are found in its trees: data, and the few
 /// questions that need code.
 struct CodeRules {
@@ -92,11 +115,17 @@ struct CodeRules {
   bool flat_environments = false;
   /// Calls that make a table of their arguments: "List.of".
   std::span<const std::string_view> tables{};
+  /// Objects whose methods, called without more, read the setting of that name.
+  std::span<const std::string_view> settings{};
   /// Methods that make a value of the type that they are called on: "new".
   std::span<const std::string_view> makers{};
-  /// Whether types and constants, and nothing else, start in upper case: only they stand before
-  /// the name of what is called of them, and one that nothing declares is from outside.
+  /// Whether types and constants, and nothing else, start in upper case: only a path of them
+  /// stands before the name of what is called of it, and one that leads nowhere is from outside.
   bool capital_types = false;
+  /// Calls that only wrap a table, of which they are called or which they are given: "freeze".
+  std::span<const std::string_view> wrappers{};
+  /// Whether "A::B" is declared as B in the namespace A.
+  bool namespaced_names = false;
   /// Whether the members of the type around a place are known there by their names alone.
   bool members_in_scope = false;
   /// Whether a function may be called by a name that a variable nearer by has, too.
@@ -113,7 +142,7 @@ struct CodeRules {
   std::string_view (*owner)(const SourceTree& tree, TSNode node) = nullptr;
   /// What a variable without a name says: that a type implements another; null: nothing.
   std::optional<Claim> (*claim)(const SourceTree& tree, TSNode variable) = nullptr;
-  /// Whether other files can reach a declaration; null: all of them.
+  /// Whether other files can reach a declaration; null: all but those that sections hide.
   bool (*exported)(const SourceTree& tree, TSNode declaration, const Declaration& as) = nullptr;
   /// Whether a type or method says that it is abstract; null: methods without a "body".
   bool (*is_abstract)(const SourceTree& tree, TSNode declaration, const Declaration& as) = nullptr;
@@ -125,6 +154,11 @@ struct CodeRules {
   bool (*makes_type)(TSNode construct) = nullptr;
   /// The key that a string says where settings are read ("${key:default}"); null: all of it.
   std::string_view (*key_of)(std::string_view content) = nullptr;
+  /// Whether a word in the body of a type hides or shows the members behind it; none: neither.
+  std::optional<bool> (*hides)(std::string_view word) = nullptr;
+  /// Notes what the call of `callee` says besides.
+  void (*macro)(const SourceTree& tree, TSNode call, std::string_view callee,
+                MacroNotes& notes) = nullptr;
   /// Last look at a declaration before it is taken, to correct its kind or name; false drops it.
   bool (*refine)(const SourceTree& tree, TSNode declaration, Declaration& as) = nullptr;
   /// The initial value of a variable, where it is in no field.

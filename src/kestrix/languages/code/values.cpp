@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 
 #include "kestrix/syntax/tree_cursor.h"
 
@@ -92,6 +93,28 @@ void take_call(const CompiledRules& rules, const SourceTree& tree, TSNode call, 
   if (!ts_node_is_null(elements)) take_table(rules, elements, as);
 }
 
+// Of "[…].freeze" and "Object.freeze([…])" the table.
+std::optional<TSNode> wrapped(const CompiledRules& rules, const SourceTree& tree, TSNode call,
+                              TSSymbol parent) {
+  const auto& wrappers = rules.source().wrappers;
+  const auto* rule = rules.find(ts_node_symbol(call), parent, 0);
+  const TSNode callee = ts_node_child_by_field_id(call, rule->name);
+  if (wrappers.empty() || ts_node_is_null(callee)) return std::nullopt;
+  TSNode start = callee;
+  TSNode table = ts_node_child_by_field_id(call, rule->value);
+  if (!ts_node_is_null(table)) table = ts_node_named_child(table, 0);
+  if (const TSNode object =
+          rule->object == 0 ? TSNode{} : ts_node_child_by_field_id(call, rule->object);
+      object.id != nullptr) {
+    const bool whole = act_of(rules, object, ts_node_symbol(call)) == Act::kTable;
+    (whole ? table : start) = object;
+  }
+  const auto name = tree.text(ts_node_start_byte(start), ts_node_end_byte(callee));
+  if (ts_node_is_null(table) || std::ranges::find(wrappers, name) == wrappers.end())
+    return std::nullopt;
+  return table;
+}
+
 }  // namespace
 
 void take_value(const CompiledRules& rules, const SourceTree& tree, TSNode value, TSSymbol parent,
@@ -105,6 +128,11 @@ void take_value(const CompiledRules& rules, const SourceTree& tree, TSNode value
         return take_literal(rules, value, parent, as);
       case Act::kCall:
       case Act::kConstruct:
+        if (const auto table = wrapped(rules, tree, value, parent)) {
+          parent = ts_node_symbol(value);
+          value = *table;
+          continue;
+        }
         return take_call(rules, tree, value, parent, as);
       case Act::kString:
       case Act::kScalar:

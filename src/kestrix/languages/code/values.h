@@ -4,6 +4,7 @@
 
 #include "kestrix/facts/declaration.h"
 #include "kestrix/languages/code/rules.h"
+#include "kestrix/syntax/source_tree.h"
 
 namespace kestrix::index {
 

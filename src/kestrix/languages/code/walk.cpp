@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <set>
 #include <string>
 #include <unordered_map>
 #include <unordered_set>
@@ -20,7 +21,8 @@ namespace {
 
 using Rule = CompiledRules::Rule;
 
-constexpr std::size_t kMostBases = 64;  // of one type
+constexpr std::size_t kMostBases = 64;        // of one type
+constexpr std::size_t kMostContexts = 2'000;  // that macros make in one file
 
 bool is_callable(DeclarationKind kind) {
   return kind == DeclarationKind::kFunction || kind == DeclarationKind::kMethod;
@@ -76,6 +78,9 @@ struct Frame {
   std::uint32_t declared = 0;    // and its place; 0: its names are local
   TSNode binds{};                // names that are local when the node has ended
   std::string_view owner{};      // the type that is declared elsewhere
+  bool hidden = false;           // members from here on are
+  bool body = false;             // its block belongs to the type around
+  std::uint32_t around = 0;      // what the macros around say, in `contexts_`
 };
 
 // Names that functions bind, by how many of the functions around the place do.
@@ -176,14 +181,20 @@ class CodeWalk {
     return visit(*rule, node, frame);
   }
 
-  static void take_role(const CodeRule& rule, TSNode node, Frame& frame) {
+  void take_role(const CodeRule& rule, TSNode node, Frame& frame) const {
     const auto role = rule.ask == nullptr ? rule.role : rule.ask(node);
-    if (role && says_more(rule, frame.role)) {
+    if (role && role_counts(rule, frame)) {
       frame.role = *role;
       frame.errors.reset();
     } else if (rule.ask != nullptr) {
       frame.role = beyond(frame.role);
     }
+  }
+
+  bool role_counts(const CodeRule& rule, const Frame& frame) const {
+    if (!says_more(rule, frame.role)) return false;
+    return !rule.in_type || (!locals_.in_function() && frame.holder > 0 &&
+                             is_type(facts_.declarations[frame.holder - 1].kind));
   }
 
   static Frame below(const Frame& up, TSNode node, TSFieldId field) {
@@ -194,7 +205,9 @@ class CodeWalk {
                 .keyed = up.keyed,
                 .nameless = up.nameless,
                 .errors = up.errors,
-                .owner = up.owner};
+                .owner = up.owner,
+                .hidden = up.hidden,
+                .around = up.around};
     if (up.callee != nullptr && node.id == up.callee) {
       frame.role = called(up.role, up.callee_role);
     } else if (up.arguments != 0 && field == up.arguments) {
@@ -255,6 +268,13 @@ class CodeWalk {
           locals_.bind(tree_.text(node));
         }
         return false;
+      case Act::kSection:
+        if (const auto hidden = source_.hides(tree_.text(node))) {
+          frames_.back().hidden = *hidden;
+        } else {
+          mention(node, tree_.text(node), frame);
+        }
+        return false;
       case Act::kToken:
         visit_token(node, frame);
         return false;
@@ -280,7 +300,7 @@ class CodeWalk {
       case Act::kSubscript:
         return visit_call(rule, node, frame);
       case Act::kFunctionValue:
-        frame.scope = true;
+        frame.scope = !frames_.back().body;
         frame.role = Role::kUses;
         frame.errors.reset();
         return push(frame, node);
@@ -351,6 +371,18 @@ class CodeWalk {
     return false;
   }
 
+  bool read_setting(TSNode node, std::string_view text, const Frame& frame) {
+    for (const std::string_view base : source_.settings) {
+      if (!text.starts_with(base)) continue;
+      const auto path = name_path(text.substr(base.size(), kLongestMention));
+      const std::string key = path ? path->substr(0, path->find('.')) : std::string();
+      if (!key.empty() && text[base.size()] == '.')
+        add(key, Role::kReads, frame, SourceTree::line(node));
+      return true;
+    }
+    return false;
+  }
+
   bool visit_literal(const Rule& rule, TSNode node, Frame& frame) {
     const TSNode type = ts_node_child_by_field_id(node, rule.name);
     frame.callee = ts_node_is_null(type) ? node.id : type.id;
@@ -399,31 +431,89 @@ class CodeWalk {
         rule.object == 0 ? TSNode{} : ts_node_child_by_field_id(node, rule.object);
     const bool member = object.id != nullptr;
     std::string_view text = tree_.text(callee);
-    if (member) text = visit_object(object, callee, frame);
+    if (member && rule.rule->in_type) frame.role = Role::kUses;
+    if (member) text = visit_object(node, object, callee, frame);
     const auto path = name_path(text);
     if (!path) return push(frame, node);
+    if (source_.macro != nullptr && (!member || path->find('.') != std::string::npos) &&
+        !note_macro(node, callee, text, frame)) {
+      return false;
+    }
     if (rule.rule->act == Act::kSubscript) {
       if (is_environment(*path)) add_key(node, callee, rule.value, frame);
-    } else if (const CallRule* call = call_rule(*path, member)) {
+    } else if (const CallRule* call = call_rule(*path, text.back(), member)) {
       if (call->role == Role::kReads) {
         add_key(node, callee, rule.value, frame);
-      } else {
+      } else if (call->role != Role::kExtends || makes_type()) {
         frame.argument_role = call->role;
         if (call->first) frame.first = first_argument(node, rule.value).id;
       }
-    } else if (frame.object != nullptr) {
-      read_member(node, text, frame);
     }
     return push(frame, node);
   }
 
+  // Whether what is being looked at is the value of a declared type.
+  bool makes_type() const {
+    const std::uint32_t declared = frames_.back().declared;
+    return declared > 0 && is_type(facts_.declarations[declared - 1].kind);
+  }
+
+  // Whether anything else in the call counts.
+  bool note_macro(TSNode call, TSNode callee, std::string_view name, Frame& frame) {
+    MacroNotes notes{.around = contexts_[frame.around],
+                     .of_type = makes_type() || frame.role == Role::kExtends};
+    source_.macro(tree_, call, name, notes);
+    if (notes.quiet) frame.name = callee.id;
+    frame.body = notes.body;
+    for (const MacroNotes::Member& member : notes.members) add_member(member, frame);
+    for (const auto& [mentioned, role] : notes.mentions)
+      add(mentioned, role, frame, SourceTree::line(call));
+    for (const std::string_view hidden : notes.hidden) hidden_.emplace(frame.holder, hidden);
+    if (notes.inside && contexts_.size() < kMostContexts) {
+      frame.around = static_cast<std::uint32_t>(contexts_.size());
+      contexts_.push_back(std::move(*notes.inside));
+    }
+    return !notes.skip;
+  }
+
+  void add_member(const MacroNotes::Member& member, const Frame& frame) {
+    const std::string_view text = tree_.text(member.name);
+    const std::string_view content = literal_content(text);
+    const auto name = name_path(content.empty() ? text : content);
+    if (!name || frame.holder == 0) return;
+    if (!is_type(facts_.declarations[frame.holder - 1].kind)) return;
+    if (facts_.declarations.size() >= kMostDeclarations) {
+      ++facts_.dropped;
+      return;
+    }
+    Frame unused = frame;
+    const std::uint32_t line = SourceTree::line(member.name);
+    take({.kind = member.kind,
+          .name = *name,
+          .line = line,
+          .last_line = line,
+          .container = frame.holder,
+          .exported = !frame.hidden},
+         unused);
+  }
+
   // Mentions what is called of an object as one path, if the object is nothing but names; else the
   // name alone says what is called. Returns what the call is known by.
-  std::string_view visit_object(TSNode object, TSNode callee, Frame& frame) {
+  std::string_view visit_object(TSNode call, TSNode object, TSNode callee, Frame& frame) {
     frame.name = callee.id;
     const std::string_view name = tree_.text(callee);
     const std::string_view text = tree_.text(ts_node_start_byte(object), ts_node_end_byte(callee));
-    if (source_.capital_types && !starts_in_upper_case(text)) return name;
+    if (read_setting(object, text, frame)) {
+      frame.object = object.id;
+      return name;
+    }
+    const bool whole = !source_.capital_types ||
+                       (starts_in_upper_case(text) && !is_call(object, ts_node_symbol(call)));
+    if (!whole) return name;
+    if (makes_type()) {
+      frame.object = object.id;
+      return text;
+    }
     Frame as = frame;
     as.role = called(frame.role, frame.callee_role);
     const bool makes = std::ranges::find(source_.makers, name) != source_.makers.end();
@@ -433,14 +523,23 @@ class CodeWalk {
     return text;
   }
 
+  bool is_call(TSNode node, TSSymbol parent) const {
+    const Rule* rule = rules_.find(ts_node_symbol(node), parent, 0);
+    return rule != nullptr && rule->rule->act == Act::kCall;
+  }
+
   bool is_environment(std::string_view path) const {
     return std::ranges::find(source_.environments, path) != source_.environments.end();
   }
 
-  const CallRule* call_rule(std::string_view path, bool member) const {
+  // Where a method may end with "?", it is another one than that without.
+  const CallRule* call_rule(std::string_view path, char last, bool member) const {
     for (const CallRule& call : source_.calls) {
-      if (!path.ends_with(call.callee) || (call.bare && member)) continue;
-      const std::size_t before = path.size() - call.callee.size();
+      std::string_view callee = call.callee;
+      if ((last == '?') != callee.ends_with('?') || (call.bare && member)) continue;
+      if (last == '?') callee.remove_suffix(1);
+      if (!path.ends_with(callee)) continue;
+      const std::size_t before = path.size() - callee.size();
       if (before == 0 || path[before - 1] == '.') return &call;
     }
     return nullptr;
@@ -481,14 +580,17 @@ class CodeWalk {
       if (const auto path = name_path(content))
         add(*path, Role::kType, frame, SourceTree::line(node));
     } else if (may_name_something(content)) {
-      add(content, Role::kString, frame, SourceTree::line(node));
+      const bool action = content.find('#') != std::string_view::npos;
+      std::string whole = action ? contexts_[frame.around] : std::string();
+      add(whole.append(content), Role::kString, frame, SourceTree::line(node));
     }
   }
 
   // Whether the text is a name or path of names; it is taken as a mention unless it is local.
   bool mention(TSNode node, std::string_view text, const Frame& frame) {
-    const auto path = name_path(text);
+    auto path = name_path(text);
     if (!path) return false;
+    if (source_.capital_types && text.starts_with("::")) path->insert(0, 1, '.');
     const std::string_view root = std::string_view(*path).substr(0, path->find('.'));
     if (std::ranges::find(source_.self, root) != source_.self.end()) {
       add_own_member(*path, root, frame, SourceTree::line(node));
@@ -577,6 +679,10 @@ class CodeWalk {
 
   // What is said of types that are declared further down.
   void settle() {
+    for (Declaration& as : facts_.declarations) {
+      if (hidden_.empty()) break;
+      if (hidden_.contains({as.container, as.name})) as.exported = false;
+    }
     for (const auto& [claim, line] : claims_) {
       const auto type = types_.find(claim.type);
       if (const auto base = name_path(claim.base)) {
@@ -667,7 +773,9 @@ class CodeWalk {
     }
     if (text->empty() && source_.name_of != nullptr) return false;
     const auto path = name_path(*text);
-    if (!path || (path->find('.') != std::string::npos && !source_.qualified_names)) {
+    const bool qualified = source_.qualified_names || source_.namespaced_names;
+    if (!path || (path->find('.') != std::string::npos && !qualified)) {
+      frame.scope = is_callable(rule.rule->kind);
       // "registry[key] = Name" puts it into a table.
       if (!path && is_value(rule.rule->kind)) frame.arguments = rule.value;
       return push(frame, node);
@@ -678,12 +786,14 @@ class CodeWalk {
                    .name = *path,
                    .line = SourceTree::line(ts_node_is_null(name) ? node : name),
                    .last_line = ts_node_end_point(node).row + 1,
-                   .container = frame.holder};
+                   .container = frame.holder,
+                   .exported = !frame.hidden};
     const bool local = is_local(frame.holder);
     if ((local || locals_.in_function()) && is_value(as.kind)) {
       locals_.bind(*text);
       return push(frame, node);
     }
+    if (source_.namespaced_names && text->starts_with("::")) as.container = 0;
     if (make_claim(node, as)) return false;
     if (!classify(rule, node, as)) return push(frame, node);
     if (!local) give_to_owner(node, frame, as);
@@ -693,6 +803,7 @@ class CodeWalk {
       ++facts_.dropped;
       return push(frame, node);
     }
+    if (source_.namespaced_names) nest(as);
     take(std::move(as), frame);
     return push(frame, node);
   }
@@ -702,6 +813,19 @@ class CodeWalk {
     if (holder == 0) return locals_.in_function();
     const DeclarationKind kind = facts_.declarations[holder - 1].kind;
     return is_callable(kind) || (locals_.in_function() && !is_type(kind));
+  }
+
+  // "A.B" is B in the namespace A.
+  void nest(Declaration& as) {
+    for (std::size_t dot; (dot = as.name.find('.')) != std::string::npos;) {
+      facts_.declarations.push_back({.kind = DeclarationKind::kModule,
+                                     .name = as.name.substr(0, dot),
+                                     .line = as.line,
+                                     .last_line = as.last_line,
+                                     .container = as.container});
+      as.container = static_cast<std::uint32_t>(facts_.declarations.size());
+      as.name.erase(0, dot + 1);
+    }
   }
 
   bool classify(const Rule& rule, TSNode node, Declaration& as) const {
@@ -745,6 +869,7 @@ class CodeWalk {
     facts_.declarations.push_back(std::move(as));
     frame.declared = static_cast<std::uint32_t>(facts_.declarations.size());
     frame.owner = {};
+    frame.hidden = false;
     if (type) types_.try_emplace(facts_.declarations.back().name, frame.declared);
     frame.holder = static_cast<std::uint32_t>(facts_.declarations.size());
     annotate(frame.holder);
@@ -762,6 +887,8 @@ class CodeWalk {
   std::vector<std::pair<Claim, std::uint32_t>> claims_;  // with their lines
   std::vector<std::string_view> owners_;                 // of methods, declared elsewhere
   std::vector<std::pair<std::string, std::uint32_t>> annotations_;
+  std::vector<std::string> contexts_{""};
+  std::set<std::pair<std::uint32_t, std::string_view>> hidden_;  // by the type that holds them
 };
 
 }  // namespace

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "kestrix/languages/packaged/reading.h"
+#include "kestrix/languages/ruby/code.h"
 #include "kestrix/languages/ruby/conventions.h"
 #include "kestrix/languages/ruby/query.scm.h"
 #include "kestrix/languages/ruby/resolver.h"
@@ -39,6 +40,14 @@ constexpr Lexis kLexis = {.line_comments = kComments,
 
 bool is_constant(std::string_view word) { return word.front() >= 'A' && word.front() <= 'Z'; }
 
+// Whether what follows starts with "::" rather than belongs to something by it.
+bool stands_at_top(std::string_view before) {
+  if (!before.ends_with("::")) return false;
+  before.remove_suffix(2);
+  return before.empty() ||
+         std::string_view(" \t\r\n([{,<|!=&*").find(before.back()) != std::string_view::npos;
+}
+
 using Uses = std::map<std::string_view, std::uint32_t>;
 
 // Every constant that the code names, with the namespaces that it names it by.
@@ -61,8 +70,9 @@ Uses constants_named(const SourceTree& tree) {
       continue;
     }
     close();
-    if (is_constant(word.text) && !word.member)
-      chain = tree.text().substr(word.offset, word.text.size());
+    if (!is_constant(word.text) || word.member) continue;
+    const bool top = stands_at_top(tree.text().substr(0, word.offset));
+    chain = tree.text().substr(word.offset - (top ? 2 : 0), word.text.size() + (top ? 2 : 0));
   }
   close();
   return uses;
@@ -138,9 +148,9 @@ class Reader {
     while (!scopes_.empty() && scopes_.back().end <= ts_node_start_byte(declaration)) {
       scopes_.pop_back();
     }
+    written_.push_back(name);
     const bool from_top = name.starts_with("::");
     if (from_top) name.remove_prefix(2);
-    written_.push_back(name);
     if (from_top) return std::string(name);
     return scopes_.empty() ? std::string(name) : scopes_.back().name + "::" + std::string(name);
   }
@@ -165,6 +175,7 @@ const Language& ruby_language() {
                                  .keywords = kKeywords,
                                  .read = read,
                                  .resolver = make_ruby_resolver,
+                                 .code = &ruby_code,
                                  .conventions = &ruby::kConventions};
   return language;
 }

@@ -55,7 +55,9 @@ class RubyResolver : public Resolver {
       const bool owns = std::ranges::any_of(
           names, [&](const std::string& name) { return is_named_after(id, name); });
       for (const std::string& name : names) declare(name, id, owns);
+      for (const NameUse& use : files.facts(id).uses) add_dotted(use.name);
     }
+    for (const auto& [name, declared] : declared_) add_dotted(name);
   }
 
   Resolution resolve(FileId file) const override {
@@ -64,7 +66,13 @@ class RubyResolver : public Resolver {
     for (const ImportFact& import : facts.imports) resolve_path(import, file, found);
     const std::vector<std::string> scopes = scopes_of(facts);
     for (const NameUse& use : facts.uses) {
-      if (const auto target = find_constant(use.name, scopes)) found.add(*target, use.uses);
+      const auto constant = find_constant(use.name, scopes);
+      if (!constant) continue;
+      found.add(constant->file, use.uses);
+      if (constant->whole) {
+        found.bind(
+            {.local = dotted(use.name), .target = constant->file, .name = dotted(constant->name)});
+      }
     }
     return found.take();
   }
@@ -126,27 +134,54 @@ class RubyResolver : public Resolver {
     return scopes;
   }
 
+  struct Constant {
+    FileId file;
+    std::string_view name;  // in full
+    bool whole;             // whether all of the used name led there
+  };
+
   // The first part decides the namespace; the parts behind it lead as far as they are declared.
-  std::optional<FileId> find_constant(std::string_view name,
-                                      const std::vector<std::string>& scopes) const {
-    const std::string_view first = name.substr(0, name.find("::"));
+  std::optional<Constant> find_constant(std::string_view name,
+                                        const std::vector<std::string>& scopes) const {
+    const std::size_t top = name.starts_with("::") ? 2 : 0;
+    const std::size_t first = std::min(name.find("::", top), name.size());
     for (const std::string& scope : scopes) {
+      if (top > 0 && !scope.empty()) continue;
       std::string whole = scope;
-      whole += first;
+      whole += name.substr(top, first - top);
       auto found = declared_.find(whole);
       if (found == declared_.end()) continue;
-      auto target = found->second.file();
-      for (std::size_t at = first.size(); at < name.size();) {
+      std::size_t at = first;
+      auto next = found;
+      while (at < name.size()) {
         const std::size_t end = std::min(name.find("::", at + 2), name.size());
         whole += name.substr(at, end - at);
-        found = declared_.find(whole);
-        if (found == declared_.end()) break;
-        target = found->second.file();
+        next = declared_.find(whole);
+        if (next == declared_.end()) break;
+        found = next;
         at = end;
       }
-      return target;
+      const auto file = found->second.file();
+      if (!file) return std::nullopt;
+      return Constant{*file, found->first, at == name.size()};
     }
     return std::nullopt;
+  }
+
+  // Names are bound as mentions write them: "A.B" for "A::B", ".A" for "::A".
+  void add_dotted(std::string_view name) {
+    if (name.find("::") == std::string_view::npos) return;
+    const auto [entry, fresh] = dotted_.try_emplace(name);
+    if (!fresh) return;
+    for (std::size_t at = 0; at < name.size(); ++at) {
+      entry->second += name[at] == ':' ? '.' : name[at];
+      if (name[at] == ':') ++at;
+    }
+  }
+
+  std::string_view dotted(std::string_view name) const {
+    const auto found = dotted_.find(name);
+    return found == dotted_.end() ? name : std::string_view(found->second);
   }
 
   void resolve_path(const ImportFact& import, FileId file, Dependencies& found) const {
@@ -181,6 +216,7 @@ class RubyResolver : public Resolver {
 
   const FileTable& files_;
   std::unordered_map<std::string_view, Declared> declared_;
+  std::unordered_map<std::string_view, std::string> dotted_;
 };
 
 }  // namespace

@@ -1,0 +1,4 @@
+class Address < ApplicationRecord
+  belongs_to :user
+  belongs_to :owner, polymorphic: true
+end
