@@ -76,26 +76,40 @@ NamedThing NameResolver::resolve(std::string_view name, std::uint32_t within) {
 
 // Takes what it has found the meaning of from the front of `rest`.
 NameResolver::Found NameResolver::resolve_root(std::string_view& rest, std::uint32_t within) {
+  if (const Found known = find_known(rest, within)) return known;
   const std::string_view root = first_part(rest);
-  Found found = find_around(root, within);
-  if (!found) {
-    if (const Found bound = find_bound(rest)) return bound;
-    found = find_through_wildcards(root);
-  }
+  const Found found = find_through_wildcards(root);
   if (found) rest = behind(rest, root.size());
   return found;
 }
 
-NameResolver::Found NameResolver::find_around(std::string_view name, std::uint32_t within) const {
+// What the file itself says of a name.
+NameResolver::Found NameResolver::find_known(std::string_view& rest, std::uint32_t within) const {
+  const std::string_view root = first_part(rest);
+  Found found = find_among_members(root, within);
+  // Where a namespace may be opened anywhere, those that open it are none that declare it.
+  const bool anywhere = capital_types_ && !root.empty() && ascii::is_upper(root.front());
+  if (!found && anywhere) {
+    if (const Found bound = find_bound(rest)) return bound;
+  }
+  if (!found) {
+    if (const auto top = table_.find_top(file_, root)) found = thing(*top);
+  }
+  if (!found && !anywhere) return find_bound(rest);
+  if (found) rest = behind(rest, root.size());
+  return found;
+}
+
+NameResolver::Found NameResolver::find_among_members(std::string_view name,
+                                                     std::uint32_t within) const {
+  if (!members_in_scope_) return std::nullopt;
   const auto mine = table_.of(file_);
   for (std::uint32_t holder = within; holder > 0 && holder <= mine.size();
        holder = mine[holder - 1].container) {
     const DeclarationRef at{file_, holder - 1};
     if (!is_type(mine[holder - 1].kind)) continue;
-    if (!members_in_scope_) continue;
     if (const auto member = find_member(at, name)) return thing(*member);
   }
-  if (const auto top = table_.find_top(file_, name)) return thing(*top);
   return std::nullopt;
 }
 
@@ -207,12 +221,7 @@ std::optional<DeclarationRef> NameResolver::base_of(DeclarationRef type,
   NameResolver there(files_, scopes_, table_, type.file);
   there.lineages_ = lineages_;
   std::string_view rest = base;
-  Found root = there.find_around(first_part(base), table_[type].container);
-  if (root) {
-    rest = behind(rest, first_part(base).size());
-  } else {
-    root = there.find_bound(rest);
-  }
+  const Found root = there.find_known(rest, table_[type].container);
   if (!root) return std::nullopt;
   const NamedThing found = descend(*root, rest);
   if (found.kind != Kind::kDeclaration || !found.rest.empty()) return std::nullopt;

@@ -57,7 +57,8 @@ class NameResolver {
   };
 
   Found resolve_root(std::string_view& rest, std::uint32_t within);
-  Found find_around(std::string_view name, std::uint32_t within) const;
+  Found find_known(std::string_view& rest, std::uint32_t within) const;
+  Found find_among_members(std::string_view name, std::uint32_t within) const;
   Found find_elsewhere(std::string_view name, DeclarationRef here) const;
   Found find_bound(std::string_view& rest) const;
   Found find_through_wildcards(std::string_view name);

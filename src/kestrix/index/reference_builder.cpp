@@ -34,7 +34,6 @@ bool may_be_built_in(Role role) {
 Role role_towards(DeclarationKind kind, bool partial, Role role) {
   const bool call = role == Role::kCalls || role == Role::kConstructs || role == Role::kThrows;
   if (partial && call) return Role::kUses;
-  if (role == Role::kCalls && kind == DeclarationKind::kField) return Role::kUses;
   if (role == Role::kCalls && is_type(kind)) return Role::kConstructs;
   if (role == Role::kConstructs && !is_type(kind)) return Role::kCalls;
   const bool contract = kind == DeclarationKind::kInterface || kind == DeclarationKind::kTrait ||
