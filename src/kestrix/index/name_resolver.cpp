@@ -193,7 +193,7 @@ std::optional<DeclarationRef> NameResolver::find_own_member(DeclarationRef type,
   if (const auto own = table_.find_member(type, name)) return own;
   const auto companion = table_.find_member(type, kCompanion);
   if (!companion || table_[*companion].kind != DeclarationKind::kObject) return std::nullopt;
-  return table_.find_member(*companion, name);
+  return find_member(*companion, name);
 }
 
 // The nearest come first. While they are looked for, a type has none: bases may lead in circles.

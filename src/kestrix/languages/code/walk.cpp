@@ -292,7 +292,7 @@ class CodeWalk {
       case Act::kTable:
       case Act::kEntry:
         if (rule.rule->act == Act::kEntry) frame.name = label_of(node);
-        if (!is_of(frame.role, {Role::kCatches, Role::kType, Role::kExtends}))
+        if (!is_of(frame.role, {Role::kCatches, Role::kType, Role::kExtends, Role::kThrows}))
           frame.role = Role::kLists;
         return push(frame, node);
       case Act::kCall:

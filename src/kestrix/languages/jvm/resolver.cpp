@@ -159,6 +159,11 @@ class JvmResolver : public Resolver {
           found.add(target, (imported.insert(target).second ? 1.0 : 0.0) + use.uses);
         }
       }
+      // Functions of the own package go before those of wildcards; being called says too little of
+      // them to depend on them.
+      if (const auto own = type ? Targets() : find(facts.package, use.name, file); !own.empty()) {
+        targets = own;
+      }
       if (const auto target = the_one(targets, use.name)) {
         found.bind({.local = use.name, .target = *target, .name = use.name});
       }

@@ -12,6 +12,7 @@
 
 #include "kestrix/languages/jvm/conventions.h"
 #include "kestrix/languages/jvm/resolver.h"
+#include "kestrix/languages/kotlin/code.h"
 #include "kestrix/languages/kotlin/query.scm.h"
 #include "kestrix/languages/kotlin/text.h"
 #include "kestrix/languages/packaged/reading.h"
@@ -47,7 +48,7 @@ class Reader {
     tree_.for_each_match([this](const Match& match) { take(match); });
     if (broken_) add_unseen_types();
     facts_.uses = own_.foreign_uses(tree_, packaged::Constants::kCount);
-    if (imports_everything_ || !functions_.empty()) read_calls();
+    read_calls();
     packaged::add_qualified_names(tree_, kStatements,
                                   static_cast<std::uint16_t>(JvmImport::kInCode), facts_);
     packaged::sort_declared(facts_);
@@ -91,7 +92,6 @@ class Reader {
         bound = tree_.text(child);  // behind "as"
       } else if (type_of(child) == "*") {
         import.form = static_cast<std::uint16_t>(JvmImport::kEverything);
-        imports_everything_ = true;
       }
     }
     if (import.form == static_cast<std::uint16_t>(JvmImport::kName)) bind(import, bound);
@@ -175,8 +175,8 @@ class Reader {
     facts_.symbols.push_back(packaged::symbol(tree_, kind, declaration, name, end));
   }
 
-  // What the words alone do not tell: extension functions are used as members, and a wildcard may
-  // bring in functions, known by their being called.
+  // What the words alone do not tell: extension functions are used as members, and a wildcard or
+  // the package may bring in functions, known by their being called.
   void read_calls() {
     std::map<std::string_view, std::uint32_t> calls;
     std::unordered_set<std::string_view> own(kKeywords.begin(), kKeywords.end());
@@ -193,7 +193,6 @@ class Reader {
       const std::string_view after = tree_.text().substr(word.offset + word.text.size());
       if (is_called(word.text, after)) ++calls[word.text];
     }
-    if (!imports_everything_) return;
     for (const auto& [name, count] : calls) {
       if (own_.contains(name) || own.contains(name)) continue;
       facts_.uses.push_back({std::string(name), count});
@@ -207,7 +206,6 @@ class Reader {
   packaged::OwnNames own_;
   std::unordered_map<std::string_view, std::size_t> functions_;  // to the place of their import
   std::uint32_t imports_end_ = 0;
-  bool imports_everything_ = false;
 };
 
 FileFacts read(const SourceTree& tree) { return Reader(tree).read(); }
@@ -224,6 +222,7 @@ const Language& kotlin_language() {
                                  .keywords = {},
                                  .read = read,
                                  .resolver = make_jvm_resolver,
+                                 .code = &kotlin_code,
                                  .mask = kotlin::mask,
                                  .conventions = &jvm::kConventions};
   return language;

@@ -33,11 +33,13 @@ class Mask {
   explicit Mask(std::string_view text) : text_(text), masked_(text) {}
 
   std::string run() {
+    std::size_t done = 0;  // arguments may be annotations, too
     for (std::size_t at = text_.find('@'); at != text_.npos; at = text_.find('@', at + 1)) {
       if (!starts_line(at)) continue;
       const std::size_t end = annotation_end(at);
       blank(at, end);
-      if (end > at) annotations_.push_back(text_.substr(at, end - at));
+      if (end > at && at >= done) annotations_.push_back(text_.substr(at, end - at));
+      done = std::max(done, end);
     }
     blank_before("fun ", "interface");
     return std::move(masked_);
