@@ -155,24 +155,36 @@ NameResolver::Found NameResolver::find_exported(FileId file, std::string_view na
                                                 int hops) const {
   if (hops > kMostHops) return std::nullopt;
   if (const auto top = table_.find_top(file, name)) return thing(*top);
-  for (const Binding& binding : scopes_.bindings(file)) {
-    const bool elsewhere = binding.target != file || binding.name != name;
-    if (binding.exported == name && elsewhere) return follow(binding, hops);
-  }
+  if (const Found found = find_handed_on(file, name, hops)) return found;
   return find_in_barrels(file, name, hops);
+}
+
+NameResolver::Found NameResolver::find_handed_on(FileId file, std::string_view name,
+                                                 int hops) const {
+  if (hops > kMostHops) return std::nullopt;
+  for (const Binding& binding : scopes_.bindings(file)) {
+    if (binding.exported != name) continue;
+    if (binding.target == file && binding.name == name) return whole(file, name);
+    return follow(binding, hops);
+  }
+  return std::nullopt;
 }
 
 // What "export *" and its like hand on; two different things of one name are none.
 NameResolver::Found NameResolver::find_in_barrels(FileId file, std::string_view name,
                                                   int hops) const {
+  const Scopes::Barrel& barrel = scopes_.barrel(file);
+  if (barrel.files.empty()) return std::nullopt;
   Found one;
-  std::size_t asked = 0;
-  for (const Binding& binding : scopes_.bindings(file)) {
-    if (binding.exported != "*" || binding.target == file) continue;
-    if (++asked > kMostBarrels) break;
-    // Each level asks fewer hops, so that barrels of barrels stay few.
-    const Found found = find_exported(binding.target, name, hops + 4);
-    if (!found || found->kind != Kind::kDeclaration) continue;
+  for (const DeclarationRef at : table_.find_all(name, kMostDeclarers)) {
+    if (!std::ranges::binary_search(barrel.files, at.file)) continue;
+    if (one) return std::nullopt;
+    one = thing(at);
+  }
+  if (one) return one;
+  for (const FileId named : barrel.named) {
+    const Found found = find_handed_on(named, name, hops + 4);
+    if (!found) continue;
     if (one && one->at != found->at) return std::nullopt;
     one = found;
   }

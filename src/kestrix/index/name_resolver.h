@@ -66,6 +66,7 @@ class NameResolver {
   Found find_outside(std::string_view name) const;
   NamedThing descend(NamedThing from, std::string_view rest) const;
   Found find_exported(FileId file, std::string_view name, int hops) const;
+  Found find_handed_on(FileId file, std::string_view name, int hops) const;
   Found find_in_barrels(FileId file, std::string_view name, int hops) const;
   NamedThing follow(const Binding& binding, int hops) const;
   std::optional<DeclarationRef> find_assigned(DeclarationRef holder, std::string_view name) const;

@@ -1,8 +1,15 @@
 #include "kestrix/index/scopes.h"
 
 #include <algorithm>
+#include <unordered_set>
 
 namespace kestrix::index {
+namespace {
+
+constexpr std::size_t kMostBarrelFiles = 2048;
+constexpr std::size_t kMostNamedBarrels = 64;
+
+}  // namespace
 
 Scopes::Scopes(const IndexedFiles& files)
     : files_(files), slots_(std::make_unique<Slot[]>(files.size())) {
@@ -32,6 +39,35 @@ const Resolution& Scopes::of(FileId file) const {
     std::ranges::stable_sort(slot.resolution.bindings, {}, &Binding::local);
   });
   return slot.resolution;
+}
+
+// Barrels of barrels are gathered for each of them anew: what all may take together stays bounded.
+Scopes::Barrel Scopes::gather_barrel(FileId file) const {
+  std::unordered_set<FileId> seen{file};
+  std::vector<FileId> open{file};
+  Barrel barrel;
+  for (std::size_t at = 0; at < open.size(); ++at) {
+    bool named = false;
+    for (const Binding& binding : bindings(open[at])) {
+      const bool all = binding.exported == "*";
+      named |= !all && !binding.exported.empty();
+      if (all && seen.size() <= kMostBarrelFiles && seen.insert(binding.target).second) {
+        open.push_back(binding.target);
+      }
+    }
+    if (at == 0) continue;
+    barrel.files.push_back(open[at]);
+    if (named && barrel.named.size() < kMostNamedBarrels) barrel.named.push_back(open[at]);
+  }
+  std::ranges::sort(barrel.files);
+  std::ranges::sort(barrel.named);
+  return barrel;
+}
+
+const Scopes::Barrel& Scopes::barrel(FileId file) const {
+  Slot& slot = slots_[file];
+  std::call_once(slot.barrel_once, [&] { slot.barrel = gather_barrel(file); });
+  return slot.barrel;
 }
 
 const std::vector<Binding>& Scopes::bindings(FileId file) const { return of(file).bindings; }

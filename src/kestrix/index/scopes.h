@@ -23,10 +23,19 @@ class Scopes {
   /// The bindings of a file by their local names; of several for one name the first one counts.
   const std::vector<Binding>& bindings(FileId file) const;
 
+  /// The files whose names a file hands on, all of them as "export *" does.
+  struct Barrel {
+    std::vector<FileId> files{};  ///< ascending; not the file itself
+    std::vector<FileId> named{};  ///< of those some that hand on single names, too; ascending
+  };
+  const Barrel& barrel(FileId file) const;
+
  private:
   struct Slot {
     std::once_flag once;
     Resolution resolution;
+    std::once_flag barrel_once;
+    Barrel barrel;
   };
   struct LazyResolver {
     std::once_flag once;
@@ -34,6 +43,7 @@ class Scopes {
   };
 
   const Resolver& resolver_of(FileId file) const;
+  Barrel gather_barrel(FileId file) const;
 
   const IndexedFiles& files_;
   std::unique_ptr<Slot[]> slots_;
