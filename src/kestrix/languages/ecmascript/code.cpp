@@ -34,6 +34,7 @@ constexpr auto joined(const std::array<CodeRule, sizes>&... parts) {
 
 constexpr auto kJavaScript = joined(kScriptRules, kMarkupRules, kCommonRules);
 constexpr auto kTypeScript = joined(kTypeRules, kCommonRules);
+constexpr auto kComponent = joined(kElementRules, kTypeRules, kCommonRules);
 constexpr auto kTsx = joined(kTypeRules, kMarkupRules, kCommonRules);
 
 constexpr std::array kCalls = {
@@ -122,9 +123,11 @@ std::optional<std::string_view> name_of_assignment(const SourceTree& tree, TSNod
 }
 
 // "export default value"
-std::optional<std::string_view> name_of_default(TSNode value) {
-  if (ts_node_is_null(value) || type_of(value) == "identifier") return std::nullopt;
-  if (type_of(value) == "undefined") return std::nullopt;
+std::optional<std::string_view> name_of_default(TSNode statement) {
+  const auto value = field_of(statement, "value");
+  if (!value || type_of(*value) == "identifier" || type_of(*value) == "undefined") {
+    return std::nullopt;
+  }
   return "default";
 }
 
@@ -137,7 +140,7 @@ std::optional<std::string_view> name_of(const SourceTree& tree, TSNode node, TSN
     return tree.text(name);
   }
   if (kind == "assignment_expression") return name_of_assignment(tree, node, name);
-  if (kind == "export_statement") return name_of_default(name);
+  if (kind == "export_statement") return name_of_default(node);
   if (ts_node_is_null(name)) {
     if (ts_node_child_count(node) > 0) return std::nullopt;
     return tree.text(node);
@@ -164,9 +167,10 @@ bool refine_value(const SourceTree& tree, TSNode node, Declaration& as) {
   if (as.kind == DeclarationKind::kVariable && (exported || is_constant(tree, node))) {
     as.kind = DeclarationKind::kConstant;
   }
-  const auto value = kind == "assignment_expression"
-                         ? std::optional(exported_by(tree, node).value_or(Export{{}, node}).value)
-                         : field_of(node, "value");
+  const auto value =
+      kind == "assignment_expression"
+          ? std::optional(exported_by(tree, node).value_or(Export{{}, {}, node}).value)
+          : field_of(node, "value");
   if (value && type_of(*value) == "class") {
     as.kind = DeclarationKind::kClass;
     as.shape = ValueShape::kUnknown;
@@ -239,6 +243,7 @@ constexpr CodeRules rules_of(std::span<const CodeRule> rules) {
           .self = kSelf,
           .environments = kEnvironments,
           .flat_environments = true,
+          .qualified_names = true,
           .owner = owner,
           .exported = exported,
           .is_abstract = is_abstract,
@@ -252,6 +257,7 @@ constexpr CodeRules rules_of(std::span<const CodeRule> rules) {
 
 constinit const CodeRules javascript_code = ecmascript::rules_of(ecmascript::kJavaScript);
 constinit const CodeRules typescript_code = ecmascript::rules_of(ecmascript::kTypeScript);
+constinit const CodeRules component_code = ecmascript::rules_of(ecmascript::kComponent);
 constinit const CodeRules tsx_code = ecmascript::rules_of(ecmascript::kTsx);
 
 }  // namespace kestrix::index

@@ -20,7 +20,7 @@ inline constexpr auto kCommonRules = std::to_array<CodeRule>({
     {.node = "export_statement",
      .act = Act::kDeclare,
      .kind = DeclarationKind::kVariable,
-     .name = "value"},
+     .name = "source"},
     {.node = "assignment_expression",
      .parent = "expression_statement",
      .act = Act::kDeclare,
@@ -112,6 +112,8 @@ inline constexpr auto kCommonRules = std::to_array<CodeRule>({
     {.node = "new_expression", .act = Act::kConstruct, .name = "constructor", .value = "arguments"},
     {.node = "subscript_expression", .act = Act::kSubscript, .name = "object", .value = "index"},
     {.node = "arguments", .act = Act::kPass},
+    // "await f<T>()" is read as if what is awaited were called.
+    {.node = "await_expression", .act = Act::kPass},
     {.node = "parenthesized_expression", .act = Act::kPass},
     {.node = "identifier",
      .parent = "ternary_expression",
@@ -212,6 +214,18 @@ inline constexpr auto kTypeRules = std::to_array<CodeRule>({
     {.node = "satisfies_expression", .act = Act::kPass},
     {.node = "non_null_expression", .act = Act::kPass},
     {.node = "instantiation_expression", .act = Act::kPass},
+});
+
+/// What is left of the markup around a script: names of components, as statements.
+inline constexpr auto kElementRules = std::to_array<CodeRule>({
+    {.node = "identifier",
+     .parent = "expression_statement",
+     .act = Act::kProperName,
+     .role = Role::kConstructs},
+    {.node = "member_expression",
+     .parent = "expression_statement",
+     .act = Act::kPath,
+     .role = Role::kConstructs},
 });
 
 /// Elements of markup: a name in upper case is a component, another one is the document's.

@@ -19,6 +19,7 @@ std::string_view exports_member(std::string_view target) {
 
 std::optional<Export> exported_by(const SourceTree& tree, TSNode assignment) {
   std::string_view name;
+  std::string_view from;
   TSNode value = assignment;
   for (int depth = 0; depth < kMostTargets && type_of(value) == "assignment_expression"; ++depth) {
     const auto left = field_of(value, "left");
@@ -26,21 +27,28 @@ std::optional<Export> exported_by(const SourceTree& tree, TSNode assignment) {
     if (!left || !right) return std::nullopt;
     const std::string_view target = tree.text(*left);
     if (target == "module.exports") name = kSoleExport;
-    if (name.empty()) name = exports_member(target);
+    if (name.empty()) {
+      name = exports_member(target);
+      from = target.substr(target.starts_with("module.") ? 7 : 0);
+    }
     value = *right;
   }
   if (name.empty()) return std::nullopt;
-  return Export{name, value};
+  return Export{name, from, value};
 }
 
 std::string_view name_of_export(const SourceTree& tree, const Export& exported) {
   const std::string_view kind = type_of(exported.value);
   if (kind == "identifier") return tree.text(exported.value);
-  if (exported.name != kSoleExport) return exported.name;
+  if (exported.name != kSoleExport) return exported.target;
   if (kind == "function_expression" || kind == "class" || kind == "generator_function") {
     if (const auto name = field_of(exported.value, "name")) return tree.text(*name);
   }
   return "default";
+}
+
+bool is_declared(const SourceTree& tree, const Export& exported) {
+  return type_of(exported.value) != "unary_expression" && !is_import(tree, exported.value);
 }
 
 bool is_import(const SourceTree& tree, TSNode value) {

@@ -207,7 +207,7 @@ class Reader {
     const std::string_view name = name_of_export(tree_, *exported);
     if (exported->name != kSoleExport) {
       facts_.declares.emplace_back(exported->name);
-      if (name != exported->name) hand_over(name, exported->name, assignment);
+      if (is_declared(tree_, *exported)) hand_over(name, exported->name, assignment);
       return;
     }
     if (is_import(tree_, exported->value)) return;

@@ -74,6 +74,7 @@ class EcmascriptResolver : public Resolver {
       }
       const Found found = find(import.module, file);
       if (!found.file) {
+        bind_outside(import, file, dependencies);
         if (found.local) dependencies.miss();
         continue;
       }
@@ -96,9 +97,23 @@ class EcmascriptResolver : public Resolver {
     dependencies.bind(binding);
   }
 
+  // What a file hands on from outside ends at the file.
+  static void bind_outside(const ImportFact& import, FileId file, Dependencies& dependencies) {
+    for (const ImportedName& name : import.names) {
+      if (name.exported.empty() || name.exported == "*") continue;
+      dependencies.bind(
+          {.local = {}, .target = file, .name = name.exported, .exported = name.exported});
+    }
+  }
+
   static void bind_own(const ImportFact& own, FileId file, Dependencies& dependencies) {
     for (const ImportedName& name : own.names) {
-      hand_on({.local = {}, .target = file, .name = name.name, .exported = name.exported},
+      // "exports.name" is a name of the file, too.
+      const bool dotted = name.name.starts_with("exports.");
+      hand_on({.local = dotted ? std::string_view(name.name) : std::string_view(),
+               .target = file,
+               .name = name.name,
+               .exported = name.exported},
               dependencies);
     }
   }
@@ -209,6 +224,9 @@ class EcmascriptResolver : public Resolver {
     if (specifier.starts_with("@/") || specifier.starts_with("~/")) {
       return find_aliased(specifier.substr(2), folder, dialect);
     }
+    if (specifier.starts_with("$lib/")) {
+      return find_aliased(specifier.substr(1), folder, dialect);
+    }
     const Named named = split_package(specifier);
     const auto* package = packages_.named(named.package, folder);
     if (package == nullptr) return {std::nullopt, candidates.named};
@@ -227,7 +245,7 @@ class EcmascriptResolver : public Resolver {
 
   // NOLINTEND(misc-no-recursion)
 
-  // "@/x" and "~/x" mean a project's sources wherever no configuration says otherwise.
+  // "@/x", "~/x" and "$lib/x" mean a project's sources wherever no configuration says otherwise.
   Found find_aliased(std::string_view path, std::string_view folder, Dialect dialect) const {
     const auto* package = packages_.around(folder);
     if (package == nullptr) return {std::nullopt, true};

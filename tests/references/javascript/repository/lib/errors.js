@@ -1,7 +1,9 @@
 class NotFound extends Error {}
 class Gone extends NotFound {}
+const gone = require('gone');
+
 exports.fail = function (cause) {
-  return new NotFound(cause);
+  return gone(new NotFound(cause)) || exports.gone(exports.later);
 };
 function wrap(fn) {
   return fn;
@@ -9,3 +11,5 @@ function wrap(fn) {
 exports.NotFound = NotFound;
 module.exports.Gone = Gone;
 exports.wrap = wrap;
+exports.gone = () => new Gone();
+exports.later = require('later');

@@ -17,3 +17,4 @@ function list() {
 module.exports = function () {
   return { list, handlers: HANDLERS, 'lib/store.js': Gone };
 };
+module.exports.later = require('../lib/guards').later(createApp.Store);
