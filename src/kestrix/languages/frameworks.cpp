@@ -18,7 +18,7 @@ std::span<const FrameworkName> rust_frameworks();
 
 std::span<const FrameworkName> framework_names(std::string_view language) {
   using Names = std::span<const FrameworkName> (*)();
-  static constexpr std::array<std::pair<std::string_view, Names>, 13> kLanguages{{
+  static constexpr std::array<std::pair<std::string_view, Names>, 15> kLanguages{{
       {"c", c_family_frameworks},
       {"cpp", c_family_frameworks},
       {"csharp", csharp_frameworks},
@@ -30,8 +30,10 @@ std::span<const FrameworkName> framework_names(std::string_view language) {
       {"python", python_frameworks},
       {"ruby", ruby_frameworks},
       {"rust", rust_frameworks},
+      {"svelte", ecmascript_frameworks},
       {"tsx", ecmascript_frameworks},
       {"typescript", ecmascript_frameworks},
+      {"vue", ecmascript_frameworks},
   }};
   for (const auto& [name, names] : kLanguages) {
     if (name == language) return names();

@@ -40,6 +40,8 @@ struct Language {
   /// A copy of the text, of equal length, in which what the grammar cannot read is blank; it is
   /// parsed in the text's stead. None when nothing is in the way; null for a language without need.
   std::optional<std::string> (*mask)(std::string_view text) = nullptr;
+  /// Whether what is masked is no code: no word of it counts as a use.
+  bool masks_words = false;
   const Conventions* conventions = nullptr;  ///< how its files are named; may be null
 };
 

@@ -93,7 +93,8 @@ std::optional<FileFacts> read_facts(const Language& language, std::string_view t
                           options.parse_steps);
   const auto root = parsed.root();
   if (!root) return std::nullopt;
-  Words words = words_of(language, text);
+  const std::string_view code_text = masked && language.masks_words ? *masked : text;
+  Words words = words_of(language, code_text);
   Outline outline = outline_of(*root, query, text, words.hits);
   forget_imports(outline, query, *language.lexis, text, words.counts);
   const SourceTree source(*root, text, *language.lexis, query, std::move(outline),

@@ -39,10 +39,8 @@ constexpr std::array kRows{
     Row{".pyx", &index::python::kConventions},
     Row{".scala", &index::jvm::kConventions},
     Row{".snap", &kSnapshots},
-    Row{".svelte", &index::ecmascript::kConventions},
     Row{".swift", &kDotNet},
     Row{".vb", &kDotNet},
-    Row{".vue", &index::ecmascript::kConventions},
 };
 
 }  // namespace

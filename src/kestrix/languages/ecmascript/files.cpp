@@ -10,10 +10,10 @@ namespace {
 
 using Extensions = std::span<const std::string_view>;
 
-constexpr std::array<std::string_view, 10> kTypeScriptOrder = {
-    ".ts", ".tsx", ".d.ts", ".js", ".jsx", ".mts", ".cts", ".mjs", ".cjs", ".json"};
-constexpr std::array<std::string_view, 10> kJavaScriptOrder = {
-    ".js", ".jsx", ".mjs", ".cjs", ".ts", ".tsx", ".mts", ".cts", ".json", ".d.ts"};
+constexpr std::array<std::string_view, 11> kTypeScriptOrder = {
+    ".ts", ".tsx", ".d.ts", ".js", ".jsx", ".mts", ".cts", ".mjs", ".cjs", ".json", ".vue"};
+constexpr std::array<std::string_view, 11> kJavaScriptOrder = {
+    ".js", ".jsx", ".mjs", ".cjs", ".ts", ".tsx", ".mts", ".cts", ".json", ".d.ts", ".vue"};
 
 // What an extension stands for when the path is that of a compiled file.
 struct Compiled {
