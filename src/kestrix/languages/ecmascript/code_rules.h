@@ -188,7 +188,7 @@ inline constexpr auto kTypeRules = std::to_array<CodeRule>({
 
     {.node = "identifier", .parent = "required_parameter", .field = "pattern", .act = Act::kBind},
     {.node = "identifier", .parent = "optional_parameter", .field = "pattern", .act = Act::kBind},
-    {.node = "type_identifier", .parent = "type_parameter", .field = "name", .act = Act::kBind},
+    {.node = "type_identifier", .parent = "type_parameter", .field = "name", .act = Act::kBindType},
     {.node = "type_identifier", .parent = "mapped_type_clause", .field = "name", .act = Act::kBind},
     {.node = "type_identifier", .parent = "infer_type", .act = Act::kBind},
     {.node = "type_identifier", .parent = "class", .field = "name", .act = Act::kBind},
