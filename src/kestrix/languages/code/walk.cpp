@@ -793,6 +793,12 @@ class CodeWalk {
       locals_.bind(*text);
       return push(frame, node);
     }
+    // Nothing outside of a function without a name knows those in it.
+    if (local && frame.holder == 0 && as.kind == DeclarationKind::kFunction) {
+      locals_.bind(*text);
+      frame.scope = true;
+      return push(frame, node);
+    }
     if (source_.namespaced_names && text->starts_with("::")) as.container = 0;
     if (make_claim(node, as)) return false;
     if (!classify(rule, node, as)) return push(frame, node);
