@@ -37,7 +37,7 @@ void DeclarationTable::order_by_file() const {
       mine[place] = {holder_of(rows, place), place};
     std::ranges::sort(mine, {}, [&](const Named& named) {
       const DeclarationView& row = rows[named.place];
-      return std::tuple(named.holder, row.name, !is_type(row.kind), named.place);
+      return std::tuple(named.holder, row.name, !is_type(row.kind), row.is_abstract, named.place);
     });
   }
 }
@@ -59,6 +59,12 @@ std::optional<DeclarationRef> DeclarationTable::find_top(FileId file, std::strin
   const auto found = named(file, 0, name);
   if (found.empty()) return std::nullopt;
   return DeclarationRef{file, found.front().place};
+}
+
+std::vector<DeclarationRef> DeclarationTable::find_tops(FileId file, std::string_view name) const {
+  std::vector<DeclarationRef> found;
+  for (const Named& row : named(file, 0, name)) found.push_back({file, row.place});
+  return found;
 }
 
 std::optional<DeclarationRef> DeclarationTable::find_member(DeclarationRef holder,
@@ -100,9 +106,26 @@ std::vector<DeclarationRef> DeclarationTable::find_all(std::string_view name,
   for (auto entry = first; entry != last; ++entry) {
     if ((*this)[entry->second].name != name) continue;
     const bool known = !found.empty() && found.back().file == entry->second.file;
-    if (known) continue;
+    if (known) {
+      const bool better = (*this)[found.back()].is_abstract && !(*this)[entry->second].is_abstract;
+      if (better) found.back() = entry->second;
+      continue;
+    }
     if (found.size() == most) return {};
     found.push_back(entry->second);
+  }
+  return found;
+}
+
+std::vector<DeclarationRef> DeclarationTable::find_each(std::string_view name,
+                                                        std::size_t most) const {
+  std::call_once(by_name_once_, [this] { order_by_name(); });
+  const auto entries = std::ranges::equal_range(by_name_, seeded_hash(name), {},
+                                                [](const auto& entry) { return entry.first; });
+  std::vector<DeclarationRef> found;
+  if (entries.size() > most) return found;
+  for (const auto& [hash, at] : entries) {
+    if ((*this)[at].name == name) found.push_back(at);
   }
   return found;
 }

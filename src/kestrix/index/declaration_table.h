@@ -36,13 +36,18 @@ class DeclarationTable {
   const DeclarationView& operator[](DeclarationRef at) const { return of(at.file)[at.place]; }
 
   /// The declaration of that name that stands in no other one but namespaces; types come before
-  /// others of the same name. None when there is none.
+  /// others of the same name, and definitions before what is only declared. None when there is
+  /// none.
   std::optional<DeclarationRef> find_top(FileId file, std::string_view name) const;
+  /// All of them, in that order.
+  std::vector<DeclarationRef> find_tops(FileId file, std::string_view name) const;
   /// The member of that name which the declaration, a type or namespace, holds itself.
   std::optional<DeclarationRef> find_member(DeclarationRef holder, std::string_view name) const;
   /// All that other files can reach under that name at the top of a file, by file; for a name that
   /// more than `most` files declare, none.
   std::vector<DeclarationRef> find_all(std::string_view name, std::size_t most) const;
+  /// The same with all that a file declares under the name; for more than `most` in all, none.
+  std::vector<DeclarationRef> find_each(std::string_view name, std::size_t most) const;
 
  private:
   struct Range {

@@ -1,8 +1,11 @@
 #include "kestrix/index/reference_builder.h"
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 
+#include "kestrix/index/included_names.h"
+#include "kestrix/languages/frameworks.h"
 #include "kestrix/text/paths.h"
 
 namespace kestrix::index {
@@ -30,6 +33,22 @@ bool may_be_built_in(Role role) {
          role == Role::kAnnotates;
 }
 
+// Whether the language's files include each other's texts.
+bool reads_includes(std::string_view name) {
+  const Language* language = language_named(name);
+  return language != nullptr && language->code != nullptr && language->code->defined_elsewhere;
+}
+
+// Where imports bring in no names, of what is called outside that counts which says something.
+bool calls_known(std::string_view language, const Mention& mention) {
+  return mention.role == Role::kCalls &&
+         std::ranges::any_of(framework_names(language), [&](const FrameworkName& row) {
+           return mention.name.ends_with(row.name) &&
+                  (mention.name.size() == row.name.size() ||
+                   mention.name[mention.name.size() - row.name.size() - 1] == '.');
+         });
+}
+
 // What the declaration turns out to be corrects what its mention looked like.
 Role role_towards(DeclarationKind kind, bool partial, Role role) {
   const bool call = role == Role::kCalls || role == Role::kConstructs || role == Role::kThrows;
@@ -49,6 +68,9 @@ ReferenceBuilder::Built ReferenceBuilder::build(FileId file) const {
   Built built;
   NameResolver names(files_, scopes_, table_, file);
   const std::string_view folder = folder_of(files_.path(file));
+  const std::string_view language = files_.language(file);
+  std::optional<IncludedNames> included;
+  if (reads_includes(language)) included.emplace(files_, scopes_, table_, file);
   for (const Mention& mention : files_.mentions(file)) {
     StoredReference to{.role = mention.role,
                        .within = mention.within,
@@ -64,10 +86,12 @@ ReferenceBuilder::Built ReferenceBuilder::build(FileId file) const {
     } else if (mention.role == Role::kReads) {
       thing = {Kind::kOutside, {}, mention.name};
     } else {
-      thing = names.resolve(mention.name, mention.within);
+      thing = included ? included->resolve(mention.name, mention.within)
+                       : names.resolve(mention.name, mention.within);
       const bool made = mention.role == Role::kCalls || mention.role == Role::kConstructs;
       if (thing.kind == Kind::kNothing &&
-          (may_be_built_in(mention.role) || (made && names.looks_outside(mention.name)))) {
+          (may_be_built_in(mention.role) || (made && names.looks_outside(mention.name)) ||
+           (included && calls_known(language, mention)))) {
         thing = {Kind::kOutside, {}, mention.name.substr(mention.name.starts_with('.') ? 1 : 0)};
       }
     }
@@ -80,6 +104,9 @@ ReferenceBuilder::Built ReferenceBuilder::build(FileId file) const {
       if (thing.kind == Kind::kDeclaration) {
         to.declaration = thing.at.place + 1;
         to.role = role_towards(table_[thing.at].kind, !thing.rest.empty(), mention.role);
+        // A function's name that is not called hands the function over.
+        const bool function = table_[thing.at].kind == DeclarationKind::kFunction;
+        if (included && function && to.role == Role::kUses) to.role = Role::kLists;
       } else {
         to.name = std::move(thing.rest);
       }

@@ -253,7 +253,8 @@ std::vector<Mention> decode_mentions(std::string_view bytes, const FactsOrigin& 
 
 bool declare_alike(std::span<const DeclarationView> a, std::span<const DeclarationView> b) {
   const auto identity = [](const DeclarationView& as) {
-    return std::tuple(as.name, as.kind, as.container, as.exported, as.encoded_bases);
+    return std::tuple(as.name, as.kind, as.container, as.exported, as.is_abstract,
+                      as.encoded_bases);
   };
   return std::ranges::equal(a, b, {}, identity, identity);
 }

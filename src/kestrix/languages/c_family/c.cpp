@@ -3,6 +3,7 @@
 #include <array>
 
 #include "kestrix/languages/c_family/c.scm.h"
+#include "kestrix/languages/c_family/code.h"
 #include "kestrix/languages/c_family/conventions.h"
 #include "kestrix/languages/c_family/masking.h"
 #include "kestrix/languages/c_family/reader.h"
@@ -29,6 +30,7 @@ const Language& c_language() {
                                  .keywords = {},
                                  .read = read_c_family,
                                  .resolver = make_include_resolver,
+                                 .code = &c_code,
                                  .mask = mask_macros,
                                  .conventions = &c_family::kConventions};
   return language;

@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "kestrix/languages/c_family/code.h"
 #include "kestrix/languages/c_family/conventions.h"
 #include "kestrix/languages/c_family/cpp.scm.h"
 #include "kestrix/languages/c_family/masking.h"
@@ -32,6 +33,7 @@ const Language& cpp_language() {
                                  .keywords = {},
                                  .read = read_c_family,
                                  .resolver = make_include_resolver,
+                                 .code = &cpp_code,
                                  .mask = mask_macros,
                                  .conventions = &c_family::kConventions};
   return language;

@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "kestrix/languages/c_family/declarators.h"
 #include "kestrix/languages/c_family/includes.h"
 #include "kestrix/languages/c_family/uses.h"
 #include "kestrix/languages/symbols.h"
@@ -23,44 +24,14 @@ constexpr Lexis kLexis = {.line_comments = kComments,
                           .strings = kStrings,
                           .char_literals = true};
 
-// What a declarator declares, below its pointers, references, arrays and initial value.
-struct Declared {
-  TSNode name;
-  bool function = false;
-  std::optional<TSNode> value;
-};
-
 bool is_name(std::string_view type) {
   return type == "identifier" || type == "field_identifier" || type == "type_identifier";
 }
 
-std::optional<TSNode> first_named_child(TSNode node) {
-  if (ts_node_named_child_count(node) == 0) return std::nullopt;
-  return ts_node_named_child(node, 0);
-}
-
-std::optional<Declared> declared_by(TSNode node) {
-  Declared found{node, false, std::nullopt};
-  for (std::optional<TSNode> at = node; at;) {
-    const std::string_view type = type_of(*at);
-    if (is_name(type)) {
-      found.name = *at;
-      return found;
-    }
-    if (type == "qualified_identifier") {
-      at = field_of(*at, "name");
-      continue;
-    }
-    if (type == "init_declarator") found.value = field_of(*at, "value");
-    // A pointer to a function is a value.
-    if (type == "pointer_declarator") found.function = false;
-    if (type == "function_declarator") found.function = true;
-    const auto inner = field_of(*at, "declarator");
-    at = inner ? inner : first_named_child(*at);
-    if (type == "parenthesized_declarator" || inner || type == "reference_declarator") continue;
-    return std::nullopt;
-  }
-  return std::nullopt;
+std::optional<Declarator> declared_by(TSNode node) {
+  auto declarator = declarator_of(node);
+  if (declarator && !is_name(type_of(declarator->name))) declarator.reset();
+  return declarator;
 }
 
 bool is_type_with_body(TSNode node) {

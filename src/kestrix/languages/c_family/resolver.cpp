@@ -71,6 +71,8 @@ class IncludeResolver : public Resolver {
       const auto target = find(folder_of(files_.path(file)), import);
       if (target) {
         found.add(*target, 1 + uses_of(facts.uses, files_.facts(*target).declares));
+        // What a header includes, those who include the header know, too.
+        if (*target != file) found.bind({.local = "*", .target = *target, .exported = "*"});
       } else if (looks_local(import)) {
         found.miss();
       }

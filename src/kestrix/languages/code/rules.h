@@ -38,6 +38,9 @@ enum class Act : std::uint8_t {
   kSubscript,      ///< "base[key]": as a call, but nothing is called
   kFunctionValue,  ///< a lambda: what holds it is a function
   kTypeArguments,  ///< arguments of a type where one stands, else of a value
+  kGeneric,        ///< a name in field `name` with its type arguments in field `value`; it may end
+                   ///< a path that could not be taken as a whole
+  kScope,          ///< names bound below are its own; it is no function
   kLiteral,        ///< a value written with its type in field `name`, its elements in `value`
   kKey,            ///< a key of such a value: names a member of the type, or is an element, too
   kToken,          ///< a word among tokens: one mention with the path that it starts
@@ -101,6 +104,21 @@ struct MacroNotes {
   bool body = false;                       ///< its block is another piece of the type's body
 };
 
+/// What a node declares, where that is more than its fields show. Without any name: that what
+/// stands in it is out of the reach of other files.
+struct Named {
+  TSNode node{};       ///< the name, if it stands directly in the declaration
+  std::string name{};  ///< qualified where it is written so; "": the text of `node`
+  DeclarationKind kind = DeclarationKind::kClass;
+  bool exported = true;
+  bool is_abstract = false;  ///< declared without a body or value; of a field: to be called
+  bool instance = false;     ///< a literal list makes one value rather than a table
+  bool open = false;         ///< of an enumeration: its members stand beside it
+  std::string_view other{};  ///< a second name for it
+  std::vector<std::string_view> words{};  ///< written where names stand, but none
+  std::string_view aliased{};  ///< of an alias: the type that it is just another name for
+};
+
 /// How the declarations and mentions of a language are found in its trees: data, and the few
 /// questions that need code.
 struct CodeRules {
@@ -134,6 +152,12 @@ struct CodeRules {
   bool extensions = false;
   /// Whether a declaration may be written with what it belongs to ("Type::member").
   bool qualified_names = false;
+  /// Whether what a file only declares may be defined in another one.
+  bool defined_elsewhere = false;
+  /// What a node of a rule for `kind` declares; `parent` is the node around it. None: nothing.
+  /// Null: the rule's fields tell.
+  std::optional<Named> (*named)(const SourceTree& tree, TSNode declaration, TSNode parent,
+                                DeclarationKind kind) = nullptr;
   /// Whether a name stands for an error, as the language's habits have it.
   bool (*is_error)(std::string_view name, Role role) = nullptr;
   /// Whether the keys of a literal name members of its type rather than values.

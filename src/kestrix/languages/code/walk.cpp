@@ -57,6 +57,7 @@ bool says_more(const CodeRule& rule, Role known) {
 
 // What holds for the children of a node.
 struct Frame {
+  TSNode node{};
   TSSymbol symbol = 0;
   Act act = Act::kPass;
   Role role = Role::kUses;
@@ -69,7 +70,7 @@ struct Frame {
   Role callee_role = Role::kCalls;
   Role argument_role = Role::kLists;
   bool scope = false;            // names bound in it are its own
-  bool of_type = false;          // and they are parameters of a type
+  bool of_type = false;          // and it is a type's or a block's
   bool ahead = false;            // annotations belong to the declaration that follows
   bool keyed = false;            // keys name members
   bool nameless = false;         // members belong to a type without a name
@@ -81,6 +82,8 @@ struct Frame {
   bool hidden = false;           // members from here on are
   bool body = false;             // its block belongs to the type around
   std::uint32_t around = 0;      // what the macros around say, in `contexts_`
+  std::uint32_t path = 0;        // start of a path that is more than names, from one; 0: none
+  Role path_role = Role::kUses;
 };
 
 // Names that functions bind, by how many of the functions around the place do.
@@ -127,7 +130,7 @@ class CodeWalk {
 
   void run() {
     TreeCursor cursor(tree_.root());
-    frames_.push_back({.symbol = ts_node_symbol(tree_.root())});
+    frames_.push_back({.node = tree_.root(), .symbol = ts_node_symbol(tree_.root())});
     if (!cursor.to_first_child()) return;
     for (;;) {
       if (enter(cursor.node(), cursor.field_id())) {
@@ -146,6 +149,7 @@ class CodeWalk {
   void finish() {
     annotate(0);
     settle();
+    count_slots();
     if (source_.hidden != nullptr) {
       for (const Mention& found : source_.hidden(tree_, facts_.declarations))
         mentions_.add(found.name, found.role, found.within, found.line);
@@ -208,6 +212,10 @@ class CodeWalk {
                 .owner = up.owner,
                 .hidden = up.hidden,
                 .around = up.around};
+    if (is_part_of_path(up)) {
+      frame.path = up.path;
+      frame.path_role = up.path_role;
+    }
     if (up.callee != nullptr && node.id == up.callee) {
       frame.role = called(up.role, up.callee_role);
     } else if (up.arguments != 0 && field == up.arguments) {
@@ -222,10 +230,15 @@ class CodeWalk {
     return frame;
   }
 
+  static bool is_part_of_path(const Frame& up) {
+    return up.path != 0 && (up.act == Act::kPath || up.act == Act::kPass);
+  }
+
   bool push(const Frame& frame, TSNode node) {
     if (ts_node_child_count(node) == 0) return false;
-    if (frame.scope) locals_.enter(true);
+    if (frame.scope) locals_.enter(!frame.of_type);
     frames_.push_back(frame);
+    frames_.back().node = node;
     return true;
   }
 
@@ -299,6 +312,12 @@ class CodeWalk {
       case Act::kConstruct:
       case Act::kSubscript:
         return visit_call(rule, node, frame);
+      case Act::kScope:
+        frame.scope = true;
+        frame.of_type = true;
+        break;
+      case Act::kGeneric:
+        return visit_generic(rule, node, frame);
       case Act::kFunctionValue:
         frame.scope = !frames_.back().body;
         frame.role = Role::kUses;
@@ -348,7 +367,28 @@ class CodeWalk {
     const bool extension = add_extension(node, text, frame);
     if (extension && name_path(text)) return false;
     if (!extension && mention(node, text, frame)) return false;
+    frame.path = ts_node_start_byte(node) + 1;
+    frame.path_role = frame.role;
     frame.role = beyond(frame.role);
+    return push(frame, node);
+  }
+
+  // "a::Name<T>": the path up to the arguments is one mention.
+  bool visit_generic(const Rule& rule, TSNode node, Frame& frame) {
+    const TSNode name = ts_node_child_by_field_id(node, rule.name);
+    if (ts_node_is_null(name)) return push(frame, node);
+    if (frame.path != 0) frame.role = frame.path_role;
+    const std::uint32_t start = frame.path != 0 ? frame.path - 1 : ts_node_start_byte(node);
+    const std::string_view text = tree_.text(start, ts_node_end_byte(name));
+    mention(node, text, frame);
+    frame.name = name.id;
+    frame.arguments = rule.value;
+    frame.argument_role = Role::kUses;
+    if (const auto path = name_path(text)) {
+      if (const CallRule* call = call_rule(*path, false)) frame.argument_role = call->role;
+    }
+    frame.role = Role::kUses;
+    frame.path = 0;
     return push(frame, node);
   }
 
@@ -762,7 +802,96 @@ class CodeWalk {
     return nullptr;
   }
 
+  bool declare_named(const Rule& rule, TSNode node, Frame& frame) {
+    frame.role = Role::kUses;
+    frame.errors.reset();
+    const bool local = is_local(frame.holder);
+    if (local && is_value(rule.rule->kind)) {
+      if (ts_node_child_count(node) == 0) locals_.bind(tree_.text(node));
+      return push(frame, node);
+    }
+    const auto named = source_.named(tree_, node, frames_.back().node, rule.rule->kind);
+    if (!named || facts_.declarations.size() + 2 > kMostDeclarations) {
+      if (named) ++facts_.dropped;
+      frame.role = rule.rule->role.value_or(Role::kUses);
+      return push(frame, node);
+    }
+    const bool nameless = named->node.id == nullptr && named->name.empty();
+    frame.hidden |= nameless;
+    if (nameless) return push(frame, node);
+    // A field of a type that has no name.
+    const bool member = frame.holder > 0 && is_type(facts_.declarations[frame.holder - 1].kind);
+    if (named->kind == DeclarationKind::kField && !member) return push(frame, node);
+    frame.name = named->node.id;
+    Declaration as = declaration_of(*named, rule, node, frame);
+    if (local && named->node.id != nullptr) locals_.bind(tree_.text(named->node));
+    as.exported &= !local;
+    const Declaration other{.kind = DeclarationKind::kAlias,
+                            .name = std::string(named->other),
+                            .line = as.line,
+                            .last_line = as.line,
+                            .container = as.container,
+                            .exported = as.exported,
+                            .bases = {as.name}};
+    // What is written outside of its type has been counted there.
+    const bool inside = as.container == frame.holder;
+    take(std::move(as), frame, inside);
+    if (named->open) open_ = frame.declared;
+    if (!other.name.empty()) facts_.declarations.push_back(other);
+    const bool pushed = push(frame, node);
+    if (pushed && frame.scope) {
+      for (const std::string_view word : named->words) locals_.bind(word);
+    }
+    return pushed;
+  }
+
+  Declaration declaration_of(const Named& named, const Rule& rule, TSNode node,
+                             const Frame& frame) const {
+    const bool written = named.node.id != nullptr;
+    Declaration as{.kind = named.kind,
+                   .name = named.name.empty() ? std::string(tree_.text(named.node)) : named.name,
+                   .line = SourceTree::line(written ? named.node : node),
+                   .last_line = ts_node_end_point(node).row + 1,
+                   .container = frame.holder,
+                   .exported = named.exported && !frame.hidden,
+                   .is_abstract = named.is_abstract};
+    const bool member = as.container > 0 && is_type(facts_.declarations[as.container - 1].kind);
+    if (member && as.kind == DeclarationKind::kFunction) as.kind = DeclarationKind::kMethod;
+    if (member && as.kind == DeclarationKind::kVariable) as.kind = DeclarationKind::kField;
+    if (as.kind == DeclarationKind::kMember && as.container == open_ && open_ > 0)
+      as.container = facts_.declarations[open_ - 1].container;
+    const TSNode value = rule.value == 0 ? TSNode{} : ts_node_child_by_field_id(node, rule.value);
+    if (is_value(as.kind) && value.id != nullptr) {
+      take_value(rules_, tree_, value, ts_node_symbol(node), as);
+      if (named.instance) as.size = 0;
+      if (named.instance) as.shape = ValueShape::kInstance;
+    }
+    if (!named.aliased.empty()) as.bases.emplace_back(named.aliased);
+    if (!member) find_owner(as);
+    if (as.kind == DeclarationKind::kMacro) as.container = 0;  // of no namespace
+    return as;
+  }
+
+  // "Type::member" where the type stands in the file, too.
+  void find_owner(Declaration& as) const {
+    const std::size_t joint = as.name.rfind('.');
+    if (joint == std::string::npos || is_type(as.kind) || as.kind == DeclarationKind::kModule) {
+      return;
+    }
+    if (as.kind == DeclarationKind::kFunction) as.kind = DeclarationKind::kMethod;
+    std::string_view owner = std::string_view(as.name).substr(0, joint);
+    auto type = types_.find(owner);
+    while (type == types_.end() && owner.find('.') != std::string_view::npos) {
+      owner.remove_prefix(owner.find('.') + 1);
+      type = types_.find(owner);
+    }
+    if (type == types_.end()) return;
+    as.container = type->second;
+    as.name.erase(0, joint + 1);
+  }
+
   bool declare(const Rule& rule, TSNode node, Frame& frame) {
+    if (source_.named != nullptr) return declare_named(rule, node, frame);
     const TSNode name = ts_node_child_by_field_id(node, rule.name);
     frame.role = Role::kUses;
     frame.errors.reset();
@@ -862,8 +991,8 @@ class CodeWalk {
            ts_node_is_null(ts_node_child_by_field_id(node, rules_.body()));
   }
 
-  void take(Declaration as, Frame& frame) {
-    if (as.container > 0) {
+  void take(Declaration as, Frame& frame, bool counted = true) {
+    if (as.container > 0 && counted) {
       Declaration& holder = facts_.declarations[as.container - 1];
       if (as.kind == DeclarationKind::kField) ++holder.fields;
       if (as.kind == DeclarationKind::kMethod) ++holder.methods;
@@ -871,7 +1000,7 @@ class CodeWalk {
     }
     frame.scope = is_callable(as.kind);
     frame.nameless = false;
-    const bool type = is_type(as.kind) && as.container == 0;
+    const bool type = is_type(as.kind) && at_top(as);
     facts_.declarations.push_back(std::move(as));
     frame.declared = static_cast<std::uint32_t>(facts_.declarations.size());
     frame.owner = {};
@@ -881,12 +1010,31 @@ class CodeWalk {
     annotate(frame.holder);
   }
 
+  bool at_top(const Declaration& as) const {
+    return as.container == 0 ||
+           (source_.qualified_names &&
+            facts_.declarations[as.container - 1].kind == DeclarationKind::kModule);
+  }
+
+  // A type most of whose fields are there to be called is a contract like one with methods.
+  void count_slots() {
+    std::unordered_map<std::uint32_t, std::uint32_t> slots;
+    for (const Declaration& as : facts_.declarations) {
+      if (as.kind == DeclarationKind::kField && as.is_abstract) ++slots[as.container];
+    }
+    for (const auto& [container, count] : slots) {
+      Declaration& type = facts_.declarations[container - 1];
+      if (2 * count > type.fields) type.abstract_methods += count;
+    }
+  }
+
   const CompiledRules& rules_;
   const CodeRules& source_;
   const SourceTree& tree_;
   FileFacts& facts_;
   std::vector<Frame> frames_;
   std::unordered_set<std::string_view, SeededHash> imported_;  // functions that may be extensions
+  std::uint32_t open_ = 0;  // the enumeration whose members stand beside it
   LocalNames locals_;
   Mentions mentions_{kMostMentions};
   std::unordered_map<std::string, std::uint32_t, SeededHash, std::equal_to<>> types_;  // at the top
