@@ -1,6 +1,7 @@
 #include "kestrix/host/flows/starts.h"
 
 #include <algorithm>
+#include <map>
 #include <set>
 #include <string_view>
 
@@ -19,6 +20,10 @@ constexpr Signal kStart{"framework_start", 2.5, "is where such a product starts,
                         "is where such a product starts, from {} files", "eShopOnWeb, BookStack"};
 constexpr Signal kStartToo{"framework_start", 1.4, "is where such a product starts, from {} file",
                            "is where such a product starts, from {} files", "BookStack, lobsters"};
+constexpr Signal kFollows{"follows_start", 2.0, "is what the start alone hands on to",
+                          "is what {} starts alone hand on to", "umami, eShopOnWeb"};
+// What knows so many files sets something up.
+constexpr std::size_t kSetsUp = 3;
 // So many of the entry points lie below a start that is for a part of them.
 constexpr std::size_t kPartShare = 4;
 constexpr std::string_view kPages = "tsx";
@@ -62,6 +67,8 @@ std::vector<Start> starts_of(const CodeEvidence& evidence, const std::vector<Fil
     if (!may_start(evidence, file) || std::ranges::binary_search(roots, file)) continue;
     const auto matching = std::ranges::find_if(
         patterns, [&](const Pattern& pattern) { return pattern.glob.matches(files[file].path); });
+    // What renders pages starts nothing that does not.
+    if (files[file].language == kPages && files[roots.front()].language != kPages) continue;
     if (matching != patterns.end()) starts.push_back({file, matching->name, matching->framework});
   }
   return starts;
@@ -71,6 +78,21 @@ std::size_t below(const CodeEvidence& evidence, FileId start, const std::vector<
   const std::string_view folder = directory_of(evidence.path(start));
   return static_cast<std::size_t>(std::ranges::count_if(
       roots, [&](FileId root) { return lies_in(evidence.path(root), folder); }));
+}
+
+// Of one name those of the part that the entry points lie in; of the whole where that has none.
+void keep_nearest(const CodeEvidence& evidence, std::string_view folder,
+                  std::vector<Start>& starts) {
+  std::map<std::string_view, std::string_view> nearest;
+  for (;; folder = directory_of(folder)) {
+    for (const Start& start : starts) {
+      if (lies_in(evidence.path(start.file), folder)) nearest.try_emplace(start.name, folder);
+    }
+    if (folder.empty()) break;
+  }
+  std::erase_if(starts, [&](const Start& start) {
+    return !lies_in(evidence.path(start.file), nearest.at(start.name));
+  });
 }
 
 // Where there is one for each part of the product, those of the parts that hold entry points.
@@ -90,32 +112,27 @@ void keep_of_parts(const CodeEvidence& evidence, const std::vector<FileId>& root
 
 void add_starts(ScoreSheet& sheet, const CodeEvidence& evidence, const NamingGraph& graph,
                 const std::vector<FileId>& roots, bool alone) {
-  const auto files = evidence.index().files();
-  const std::string_view language = files[roots.front()].language;
-  const auto add = [&](const Start& start) {
-    // What renders pages starts nothing that does not.
-    if (files[start.file].language == kPages && language != kPages) return;
-    // One that knows the product sets it up; one that knows nothing of it hands on to one that
-    // does.
-    const auto named = std::ranges::count_if(graph.from(start.file), [&](const Naming& naming) {
-      return evidence.is_product(naming.to);
-    });
-    sheet.add(start.file, alone ? kStart : kStartToo,
-              std::max<std::uint64_t>(1, static_cast<std::uint64_t>(named)), {},
-              std::string(start.framework));
-  };
   std::vector<Start> starts = starts_of(evidence, roots);
   keep_of_parts(evidence, roots, starts);
-  // The start of the part that the entry points lie in; of the whole where that has none.
-  bool any = false;
-  for (std::string_view folder = common_folder(evidence, roots); !any;
-       folder = directory_of(folder)) {
-    for (const Start& start : starts) {
-      if (!lies_in(files[start.file].path, folder)) continue;
-      any = true;
-      add(start);
+  keep_nearest(evidence, common_folder(evidence, roots), starts);
+  std::map<FileId, std::vector<Place>> followers;
+  for (const Start& start : starts) {
+    // One that knows the product sets it up; one that knows nothing of it hands on to one that
+    // does.
+    std::uint64_t named = 0;
+    for (const Naming& naming : graph.from(start.file)) {
+      if (!evidence.is_product(naming.to)) continue;
+      ++named;
+      const bool only = graph.to(naming.to).size() == 1 && naming.names;
+      if (!only || graph.from(naming.to).size() < kSetsUp) continue;
+      followers[naming.to].push_back({std::string(evidence.path(start.file)), naming.line, {}});
     }
-    if (folder.empty()) return;
+    const Signal& signal = alone ? kStart : kStartToo;
+    sheet.add(start.file, signal, std::max<std::uint64_t>(1, named), {},
+              std::string(start.framework));
+  }
+  for (auto& [file, at] : followers) {
+    if (alone && !std::ranges::binary_search(roots, file)) sheet.add(file, kFollows, 1, at);
   }
 }
 
