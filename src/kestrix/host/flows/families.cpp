@@ -19,38 +19,41 @@ bool overlap(const Family& a, const Family& b) {
   return both.size() * 2 > std::min(a.files.size(), b.files.size());
 }
 
-// Whether most files of a family name files of another, or are named by them: it is what leads to
-// that one, or what that one makes use of.
-bool is_next_to(const NamingGraph& graph, const Family& family, const Family& other) {
-  const auto is_of = [&other](FileId file) {
-    return file != other.hub && std::ranges::binary_search(other.files, file);
+// Whether most files of a family name files of others, or are named by them: it is what leads to
+// those, or what they make use of.
+bool is_next_to(const NamingGraph& graph, const Family& family, const std::vector<Family>& others) {
+  const auto is_of_another = [&](FileId file) {
+    return std::ranges::any_of(others, [file](const Family& other) {
+      return file != other.hub && std::ranges::binary_search(other.files, file);
+    });
   };
   std::size_t naming = 0;
   std::size_t named = 0;
   for (const FileId file : family.files) {
-    naming += std::ranges::any_of(graph.from(file),
-                                  [&](const Naming& to) { return to.names && is_of(to.to); })
-                  ? 1U
-                  : 0U;
-    named += std::ranges::any_of(graph.to(file),
-                                 [&](const Naming& by) { return by.names && is_of(by.from); })
-                 ? 1U
-                 : 0U;
+    const bool names = std::ranges::any_of(
+        graph.from(file), [&](const Naming& to) { return to.names && is_of_another(to.to); });
+    const bool is_named = std::ranges::any_of(
+        graph.to(file), [&](const Naming& by) { return by.names && is_of_another(by.from); });
+    naming += names ? 1U : 0U;
+    named += is_named ? 1U : 0U;
   }
   return std::max(naming, named) * 2 > family.files.size();
 }
 
-void take_best(std::vector<Family> found, const NamingGraph& graph, double least, double of_best,
-               std::vector<Family>& best) {
-  std::ranges::sort(found, [](const Family& a, const Family& b) {
+void best_first(std::vector<Family>& families) {
+  std::ranges::sort(families, [](const Family& a, const Family& b) {
     return a.score != b.score ? a.score > b.score : a.glob < b.glob;
   });
+}
+
+void take(std::vector<Family> found, const NamingGraph& graph, double least,
+          std::vector<Family>& best) {
   for (Family& family : found) {
-    if (family.score < least || family.score < of_best * found.front().score) break;
-    const auto shares = [&](const Family& other) {
-      return overlap(family, other) || (family.key != 0 && is_next_to(graph, family, other));
-    };
-    if (std::ranges::none_of(best, shares)) best.push_back(family);
+    if (family.score < least) break;
+    const auto overlaps = [&](const Family& other) { return overlap(family, other); };
+    if (std::ranges::any_of(best, overlaps)) continue;
+    if (family.key != 0 && is_next_to(graph, family, best)) continue;
+    best.push_back(std::move(family));
   }
 }
 
@@ -59,11 +62,16 @@ void take_best(std::vector<Family> found, const NamingGraph& graph, double least
 std::vector<Family> families(const FlowEvidence& evidence) {
   const PathPatterns patterns(evidence.code);
   std::vector<Family> best;
-  take_best(handler_families(evidence, patterns), evidence.graph, 0, 0, best);
-  take_best(hub_families(evidence, patterns), evidence.graph, kLeastScore, kLeastOfBest, best);
-  std::ranges::sort(best, [](const Family& a, const Family& b) {
-    return a.score != b.score ? a.score > b.score : a.glob < b.glob;
-  });
+  std::vector<Family> handlers = handler_families(evidence, patterns);
+  std::vector<Family> hubs = hub_families(evidence, patterns);
+  best_first(handlers);
+  best_first(hubs);
+  const double best_handlers = handlers.empty() ? 0 : handlers.front().score / kHandlerWeight;
+  const double best_hub = hubs.empty() ? 0 : hubs.front().score;
+  take(std::move(handlers), evidence.graph, 0, best);
+  take(std::move(hubs), evidence.graph,
+       std::max(kLeastScore, kLeastOfBest * std::max(best_handlers, best_hub)), best);
+  best_first(best);
   return best;
 }
 

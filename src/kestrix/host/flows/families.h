@@ -19,6 +19,9 @@ struct Family {
   std::size_t named = 0;      ///< how many hubs name
 };
 
+/// How much more a framework's word counts than that of the files' use.
+inline constexpr double kHandlerWeight = 2.0;
+
 /// The fewest files that are a family: two alike are chance.
 inline constexpr std::size_t kLeastFamily = 3;
 

@@ -16,20 +16,19 @@ using index::FileId;
 using index::FrameworkName;
 using index::Known;
 
-constexpr double kHandlerWeight = 2.0;
 // A name that one in so many has stands for a class of its own.
 constexpr std::size_t kNameShare = 4;
 
-// What others are made from is called through them.
+// What several others are made from is called through them.
 bool is_base(const CodeEvidence& evidence, FileId file) {
   const auto declarations = evidence.index().declarations(file);
+  std::set<FileId> derived;
   for (std::uint32_t place = 0; place < declarations.size(); ++place) {
     if (!is_type(declarations[place].kind)) continue;
-    for (const auto subtype : evidence.subtypes({file, place})) {
-      if (subtype.file != file) return true;
-    }
+    for (const auto subtype : evidence.subtypes({file, place})) derived.insert(subtype.file);
   }
-  return false;
+  derived.erase(file);
+  return derived.size() > 1;
 }
 
 std::string_view last_folders(std::string_view path, int count) {

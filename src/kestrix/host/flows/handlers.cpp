@@ -18,7 +18,10 @@ using index::IndexedReference;
 using index::Known;
 using index::Role;
 
-constexpr RoleSet kBearing{Role::kAnnotates, Role::kConstructs};
+// A language without annotations marks a handler by the value that it makes.
+bool bears(std::string_view language, Role role) {
+  return role == Role::kAnnotates || (role == Role::kConstructs && language == "go");
+}
 
 class Finder {
  public:
@@ -49,7 +52,7 @@ class Finder {
       } else {
         note(to.source, *row, evidence_.place_of(to));
       }
-    } else if (kBearing.has(to.role)) {
+    } else if (bears(language, to.role)) {
       const FrameworkName* row = index::known_as(language, Known::kHandlerMarker, to.name);
       if (row != nullptr) note(to.source, *row, evidence_.place_of(to));
     }

@@ -34,6 +34,8 @@ constexpr double kServiceFactor = 0.3;
 // A file that only imports them may hand them on to whoever wants one.
 constexpr double kMostHanded = 0.5;
 constexpr double kIndexFactor = 0.5;
+constexpr double kLeastAlike = 0.6;
+constexpr double kAlikeFactor = 1.5;
 constexpr std::size_t kMostCandidates = 400;
 
 struct Claim {
@@ -202,7 +204,12 @@ class HubFamilies {
     family.score = std::log2(1.0 + static_cast<double>(family.files.size())) * share(tally.named) *
                    share(tally.quiet) * share(tally.reaching);
     if (share(tally.held) > kMostHeld) family.score *= kServiceFactor;
-    if (share(tally.handed_on) > kMostHanded) family.score *= kIndexFactor;
+    if (are_alike(family.files)) {
+      family.score *= kAlikeFactor;
+    } else if (share(tally.handed_on) > kMostHanded) {
+      family.score *= kIndexFactor;
+    }
+    if (is_slice(family)) family.score = 0;
     return family;
   }
 
@@ -247,6 +254,43 @@ class HubFamilies {
     const bool defines = data.entities > 0 || data.tables > 0 || data.schema_file;
     tally.data += defines || errors_[file] ? 1U : 0U;
     tally.held += is_field_elsewhere(file, members) || has_own_interface(file, members) ? 1U : 0U;
+  }
+
+  // They derive from, bear, make or call one thing of the product that few others do.
+  bool are_alike(const std::vector<FileId>& members) const {
+    static constexpr RoleSet kSigns{index::Role::kExtends, index::Role::kImplements,
+                                    index::Role::kAnnotates, index::Role::kConstructs,
+                                    index::Role::kCalls};
+    std::map<index::DeclarationRef, std::size_t> signs;
+    for (const FileId file : members) {
+      std::set<index::DeclarationRef> own;
+      for (const auto& to : code_.index().references_from(file)) {
+        if (to.declaration == 0 || to.target == file || !kSigns.has(to.role)) continue;
+        own.insert({to.target, to.declaration - 1});
+      }
+      for (const auto sign : own) ++signs[sign];
+    }
+    return std::ranges::any_of(signs, [&](const auto& entry) {
+      const auto count = static_cast<double>(entry.second);
+      return count >= kLeastAlike * static_cast<double>(members.size()) &&
+             count >=
+                 kLeastAlike * static_cast<double>(code_.files_naming(entry.first, kSigns).size());
+    });
+  }
+
+  // Its hub names more of the same folder: what they have in common is chance.
+  bool is_slice(const Family& family) const {
+    std::size_t beside = 0;
+    std::size_t members = 0;
+    for (const Naming& naming : graph_.from(family.hub)) {
+      if (!leads(naming)) continue;
+      if (std::ranges::binary_search(family.files, naming.to)) {
+        ++members;
+      } else if (patterns_.is_beside(family.key, naming.to)) {
+        ++beside;
+      }
+    }
+    return beside > members;
   }
 
   // Another type has it for a field: it serves that type.

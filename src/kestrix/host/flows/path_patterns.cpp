@@ -100,6 +100,13 @@ bool PathPatterns::matches(FileId file, Key key) const {
          lies_in(evidence_.path(file), folders_[folder_of(key)]);
 }
 
+bool PathPatterns::is_beside(Key key, FileId file) const {
+  const std::string_view folder = folders_[folder_of(key)];
+  const std::string& glob = globs_[pattern_of(key)];
+  return !matches(file, key) && lies_in(evidence_.path(file), folder) &&
+         glob.ends_with(extension_of(name_of_path(evidence_.path(file))));
+}
+
 PathPatterns::Key PathPatterns::above(Key key) const {
   const std::uint32_t folder = parent_[folder_of(key)];
   return folder == 0 ? 0 : key_of(folder, pattern_of(key));

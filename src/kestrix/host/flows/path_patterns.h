@@ -33,6 +33,8 @@ class PathPatterns {
     }
   }
   bool matches(index::FileId file, Key key) const;
+  /// Whether the file lies below the key's folder and has another name and the same extension.
+  bool is_beside(Key key, index::FileId file) const;
   /// The same pattern below the folder above; 0 for the top.
   Key above(Key key) const;
   /// The files below the key's folder: from the first to one past the last.
