@@ -119,6 +119,13 @@ struct Named {
   std::string_view aliased{};  ///< of an alias: the type that it is just another name for
 };
 
+/// How a type says what its values hold, where it has no other way: by what a method gives to the
+/// object itself.
+struct OwnFields {
+  std::string_view object;  ///< "self"
+  std::string_view method;  ///< "__init__"
+};
+
 /// How the declarations and mentions of a language are found in its trees: data, and the few
 /// questions that need code.
 struct CodeRules {
@@ -127,6 +134,7 @@ struct CodeRules {
   /// "this", "super": their members are no names. Where members are in scope, those of the first
   /// one are what its type holds.
   std::span<const std::string_view> self{};
+  std::optional<OwnFields> own_fields{};
   /// Bases through which the environment is read by subscript or member: "process.env", "ENV".
   std::span<const std::string_view> environments{};
   /// Whether what follows a key there is none of it, but something of the text that it holds.
@@ -183,6 +191,9 @@ struct CodeRules {
   /// Notes what the call of `callee` says besides.
   void (*macro)(const SourceTree& tree, TSNode call, std::string_view callee,
                 MacroNotes& notes) = nullptr;
+  /// Whether a bound name is a parameter that is filled with what another file declares under that
+  /// name; null: none is.
+  bool (*injected)(const SourceTree& tree, TSNode bound) = nullptr;
   /// Last look at a declaration before it is taken, to correct its kind or name; false drops it.
   bool (*refine)(const SourceTree& tree, TSNode declaration, Declaration& as) = nullptr;
   /// The initial value of a variable, where it is in no field.

@@ -266,6 +266,10 @@ class CodeWalk {
         mention(node, tree_.text(node).substr(0, tree_.text(node).find('<')), frame);
         return push(frame, node);
       case Act::kBind:
+        if (source_.injected != nullptr && source_.injected(tree_, node)) {
+          frame.role = Role::kUses;
+          mention(node, tree_.text(node), frame);
+        }
         bind(node);
         return false;
       case Act::kBindBehind:
@@ -905,6 +909,7 @@ class CodeWalk {
     const bool qualified = source_.qualified_names || source_.namespaced_names;
     if (!path || (path->find('.') != std::string::npos && !qualified)) {
       frame.scope = is_callable(rule.rule->kind);
+      if (path) count_own_field(*path, frame.holder);
       // "registry[key] = Name" puts it into a table.
       if (!path && is_value(rule.rule->kind)) frame.arguments = rule.value;
       return push(frame, node);
@@ -941,6 +946,18 @@ class CodeWalk {
     if (source_.namespaced_names) nest(as);
     take(std::move(as), frame);
     return push(frame, node);
+  }
+
+  void count_own_field(std::string_view path, std::uint32_t holder) {
+    if (!source_.own_fields || holder == 0) return;
+    const Declaration& method = facts_.declarations[holder - 1];
+    if (method.name != source_.own_fields->method || method.container == 0) return;
+    const auto dot = path.find('.');
+    if (path.substr(0, dot) != source_.own_fields->object) return;
+    const std::string_view name = path.substr(dot + 1);
+    if (name.find('.') != std::string_view::npos) return;
+    const bool first = own_fields_.emplace(method.container, name).second;
+    if (first) ++facts_.declarations[method.container - 1].fields;
   }
 
   // What stands in a function, also in one without a name, but not what stands in a type there.
@@ -1035,6 +1052,7 @@ class CodeWalk {
   std::vector<Frame> frames_;
   std::unordered_set<std::string_view, SeededHash> imported_;  // functions that may be extensions
   std::uint32_t open_ = 0;  // the enumeration whose members stand beside it
+  std::set<std::pair<std::uint32_t, std::string>> own_fields_;  // by type
   LocalNames locals_;
   Mentions mentions_{kMostMentions};
   std::unordered_map<std::string, std::uint32_t, SeededHash, std::equal_to<>> types_;  // at the top

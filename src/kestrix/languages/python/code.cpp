@@ -127,13 +127,30 @@ bool exported(const SourceTree&, TSNode, const Declaration& as) {
   return !as.name.starts_with('_') || as.name.starts_with("__");
 }
 
+// Parameters of tests and of fixtures are filled with the fixtures of those names.
+bool injected(const SourceTree& tree, TSNode bound) {
+  TSNode list = ts_node_parent(bound);
+  if (!ts_node_is_null(list) && type_of(list) == "typed_parameter") list = ts_node_parent(list);
+  if (ts_node_is_null(list) || type_of(list) != "parameters") return false;
+  const TSNode function = ts_node_parent(list);
+  const auto name = field_of(function, "name");
+  if (!name) return false;
+  if (tree.text(*name).starts_with("test")) return true;
+  const TSNode decorated = ts_node_parent(function);
+  if (ts_node_is_null(decorated) || type_of(decorated) != "decorated_definition") return false;
+  const auto head = tree.text(ts_node_start_byte(decorated), ts_node_start_byte(function));
+  return head.find("fixture") != std::string_view::npos;
+}
+
 }  // namespace
 
 constinit const CodeRules python_code = {.rules = kRules,
                                          .calls = kCalls,
                                          .self = kSelf,
+                                         .own_fields = OwnFields{"self", "__init__"},
                                          .environments = kEnvironments,
                                          .exported = exported,
-                                         .is_abstract = is_abstract};
+                                         .is_abstract = is_abstract,
+                                         .injected = injected};
 
 }  // namespace kestrix::index

@@ -86,6 +86,7 @@ class PythonResolver : public Resolver {
         resolve_absolute(roots, import, found);
       }
     }
+    bind_fixtures(file, folder, found);
     return found.take();
   }
 
@@ -139,6 +140,17 @@ class PythonResolver : public Resolver {
       }
     });
     return roots;
+  }
+
+  // Tests know what the conftest.py of their folder and of those above it declare, the nearest
+  // first, without an import.
+  void bind_fixtures(FileId file, std::string_view folder, Dependencies& found) const {
+    const std::string_view name = base_name(without_suffix(files_.path(file)));
+    if (!name.starts_with("test") && !name.ends_with("_test") && name != "conftest") return;
+    for_each_folder_up(folder, [&](std::string_view up) {
+      const auto conftest = files_.find(join(up, "conftest.py"));
+      if (conftest && *conftest != file) found.bind({.local = "*", .target = *conftest});
+    });
   }
 
   std::optional<FileId> find_module(const std::string& path) const {

@@ -1,0 +1,15 @@
+import pytest
+
+
+@pytest.fixture
+def reader(shelf):
+    return shelf
+
+
+@pytest.fixture
+def shelf():
+    return []
+
+
+def plain(shelf):
+    return shelf
