@@ -132,13 +132,14 @@ TEST_F(PageAnswers, SayWhatWasCounted) {
   const auto& host = generator();
   EXPECT_EQ(first_reason(errors_answer(host).files, 0),
             "defines 2 exception types: AppError:1, LateError:4");
-  EXPECT_EQ(first_reason(data_models_answer(host).files, 0), "used by 3 files");
+  EXPECT_EQ(first_reason(data_models_answer(host).files, 0),
+            "declares 1 data type that others name: A:3");
   EXPECT_EQ(first_reason(configuration_answer(host).files, 0), "named settings.py");
   const auto extending = extending_answer(host).files;
   EXPECT_THAT(paths_of(extending), ElementsAre("app/plugins.py", "app/main.py"));
   EXPECT_EQ(first_reason(extending, 0), "registry: PLUGINS:2");
   EXPECT_THAT(first_reason(extending, 1), HasSubstr("wires in app/plugins.py (weight "));
-  EXPECT_EQ(first_reason(examples_answer(host).files, 0), "imported by 2 tests");
+  EXPECT_EQ(first_reason(examples_answer(host).files, 0), "used by 2 tests");
   EXPECT_EQ(first_reason(flows_answer(host).classes.at(0).files, 0), "reaches 3 of 3 entry points");
 }
 

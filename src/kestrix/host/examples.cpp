@@ -1,56 +1,40 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <map>
+#include <span>
 
+#include "kestrix/host/examples/example_host.h"
+#include "kestrix/host/examples/test_support.h"
 #include "kestrix/host/index_evidence.h"
 #include "kestrix/host/pages.h"
+#include "kestrix/workers/wiki/page_sources/recipes.h"
 
 namespace kestrix {
 namespace {
 
-struct TestUse {
-  std::vector<Place> users;    // other tests that import the file
-  std::vector<Place> reached;  // production files that it imports
-};
-
-using TestUses = std::map<std::string_view, TestUse>;
-
-// By test, without test data: what the rule counts, with the files.
-TestUses test_uses(const WikiGenerator& generator, const std::vector<std::string>& tests) {
-  TestUses uses;
-  for (const std::string& path : tests) {
-    if (!is_fixture_path(path)) uses.try_emplace(path);
+std::vector<Place> places_of(const CodeEvidence& code, std::span<const index::FileId> files) {
+  std::vector<Place> places;
+  for (const index::FileId file : files.first(std::min(files.size(), kMostPlaces))) {
+    places.push_back({std::string(code.path(file)), 0, {}});
   }
-  PathSet paths(tests.begin(), tests.end());
-  insert_all(paths, generator._planner_paths());
-  for (const FileEdge& edge : generator._file_edges(paths)) {
-    const auto source = uses.find(edge.source);
-    if (source == uses.end()) continue;
-    if (const auto target = uses.find(edge.target); target != uses.end()) {
-      target->second.users.push_back({std::string(edge.source), 0, {}});
-    } else if (!is_test_path(edge.target)) {
-      source->second.reached.push_back({std::string(edge.target), 0, {}});
-    }
-  }
-  return uses;
+  return places;
 }
 
-Reason counted_files(std::string kind, std::string text, std::vector<Place> files) {
-  Reason reason{std::move(kind), std::move(text), files.size(), std::move(files)};
-  if (reason.at.size() > kMostPlaces) reason.at.resize(kMostPlaces);
-  return reason;
-}
-
-std::vector<Reason> reasons_of(const TestUse& use) {
+std::vector<Reason> reasons_of(const TestEvidence& evidence, const CodeEvidence& code,
+                               index::FileId file) {
+  const auto users = evidence.users(file);
+  const auto reached = evidence.reached(file);
   std::vector<Reason> reasons;
-  add_counted(reasons, counted_files("used_by_tests",
-                                     "imported by " + counted(use.users.size(), "test", "tests"),
-                                     use.users));
-  add_counted(reasons, counted_files("reaches_production",
-                                     "reaches " + counted(use.reached.size(), "production file",
-                                                          "production files"),
-                                     use.reached));
+  add_counted(reasons, {"used_by_tests", "used by " + counted(users.size(), "test", "tests"),
+                        users.size(), places_of(code, users)});
+  add_counted(reasons, {"reaches_production",
+                        fmt::format("reaches {}, {}",
+                                    counted(reached.size(), "production file", "production files"),
+                                    counted(evidence.reach(file), "time", "times")),
+                        evidence.reach(file), places_of(code, reached)});
+  const auto helpers = evidence.helpers();
+  const bool helper = !evidence.is_test(file) || std::ranges::find(helpers, file) != helpers.end();
+  if (!helper) std::ranges::reverse(reasons);
   if (reasons.empty()) reasons.push_back({"test_path", "a test by its path", 0, {}});
   return reasons;
 }
@@ -58,28 +42,32 @@ std::vector<Reason> reasons_of(const TestUse& use) {
 }  // namespace
 
 PageAnswer examples_answer(const WikiGenerator& generator) {
-  const auto tests = generator._test_files();
-  const auto uses = test_uses(generator, tests);
+  const CodeEvidence& code = generator.code_evidence();
+  const TestEvidence evidence(generator, code);
   PageAnswer answer;
-  for (std::string& path : generator._example_files()) {
-    const auto found = uses.find(path);
-    Pick pick{std::move(path), {}};
-    if (found != uses.end()) pick.reasons = reasons_of(found->second);
-    answer.files.push_back(std::move(pick));
+  for (std::string& path : recipes::_example_files(ExampleHost{generator, evidence})) {
+    const auto file = code.index().find(path);
+    answer.files.push_back({std::move(path), {}});
+    if (file) answer.files.back().reasons = reasons_of(evidence, code, *file);
   }
-  answer.total = uses.size();
+  answer.total = evidence.test_count();
+  const std::size_t room = room_for_further(answer.files.size());
+  for (const index::FileId file : test_support(evidence, code)) {
+    if (answer.further.size() == room) break;
+    answer.further.push_back({std::string(code.path(file)), reasons_of(evidence, code, file)});
+  }
   finish(answer, "no tests");
   return answer;
 }
 
 std::string examples_why_not(const WikiGenerator& generator, std::string_view path) {
   if (is_fixture_path(path)) return "data that tests read";
-  const auto tests = generator._test_files();
-  const auto uses = test_uses(generator, tests);
-  const auto found = uses.find(path);
-  if (found == uses.end()) return "no test";
+  const CodeEvidence& code = generator.code_evidence();
+  const TestEvidence evidence(generator, code);
+  const auto file = code.index().find(path);
+  if (!file || !evidence.is_test(*file)) return "no test";
   return fmt::format("{}; the page's files are used or reach more",
-                     reasons_of(found->second).front().text);
+                     reasons_of(evidence, code, *file).front().text);
 }
 
 }  // namespace kestrix

@@ -5,8 +5,10 @@
 
 #include "kestrix/host/data_models/data_evidence.h"
 #include "kestrix/host/evidence/code_evidence.h"
+#include "kestrix/host/examples/example_host.h"
 #include "kestrix/host/extending/extension_signals.h"
 #include "kestrix/utils/path_filter.h"
+#include "kestrix/workers/wiki/page_sources/recipes.h"
 
 namespace kestrix {
 
@@ -78,6 +80,11 @@ std::vector<std::string> WikiGenerator::_data_model_files() const {
   const DataPoints points = DataEvidence(code_evidence()).points();
   const DataPointsScope scope(points);
   return PageSourcesMixin::_data_model_files();
+}
+
+std::vector<std::string> WikiGenerator::_example_files() const {
+  const TestEvidence evidence(*this, code_evidence());
+  return recipes::_example_files(ExampleHost{*this, evidence});
 }
 
 std::vector<std::string> WikiGenerator::_decision_files() const {

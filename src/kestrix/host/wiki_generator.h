@@ -50,6 +50,8 @@ class WikiGenerator : public PageSourcesMixin {
   std::vector<std::string> _test_files() const override;
   /// With what the code says of its types in force.
   std::vector<std::string> _data_model_files() const override;
+  /// With what tests name, where the imports alone would tell less.
+  std::vector<std::string> _example_files() const override;
   /// With what the index knows of the documents in force.
   std::vector<std::string> _decision_files() const override;
   /// With what the index knows of contracts and of those who register with the product in force.

@@ -25,7 +25,8 @@ enum class Known : std::uint8_t {
   kHandlerMarker,  ///< what bears it is
   kHandlerPath,    ///< a glob: files there are, by the framework's convention
   kStartPath,      ///< a glob: where such a product starts
-  kTestBase,       ///< what extends it is a test
+  kTestPath,       ///< a glob: what the tests around have without naming it
+  kTestBase,       ///< what extends or names it is written for tests
 };
 
 /// One name of a framework or of a language's own library. A dotted name means every name that

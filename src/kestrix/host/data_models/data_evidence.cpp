@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <map>
-#include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 
@@ -36,10 +36,13 @@ constexpr Signal kTypes{"data_types", 1.5, "declares {} data type that others na
                         "declares {} data types that others name", "cli, lazygit"};
 constexpr Signal kFamily{"data_folder", 1.2, "in a folder of {} widely named data type",
                          "in a folder of {} widely named data types", "lazygit, netbox"};
-constexpr Signal kTables{"tables", 2.5, "defines {} table", "defines {} tables",
+constexpr Signal kTables{"tables", 3.5, "defines {} table", "defines {} tables",
                          "umami, crates.io"};
-constexpr Signal kSchema{"schema_file", 2.5, "a schema of {} type", "a schema of {} types",
+constexpr Signal kSchema{"schema_file", 3.5, "a schema of {} type", "a schema of {} types",
                          "umami, cli"};
+// A document that describes another one: often what a program wrote, or what it checks.
+constexpr Signal kSchemaDocument{"schema_file", 0.8, "a schema of {} type", "a schema of {} types",
+                                 "polar, netbox"};
 constexpr Signal kEntities{"entities", 1.0, "defines {} class mapped to storage",
                            "defines {} classes mapped to storage", "BookStack, eShopOnWeb"};
 constexpr Signal kSchemas{"schemas", 1.0, "defines {} schema", "defines {} schemas",
@@ -54,9 +57,15 @@ constexpr std::uint32_t kWidely = 2;
 // Half of a data type is enough to be central.
 constexpr double kFullLikeness = 1.5;
 constexpr double kOfMirror = 0.5;
+// A type that is stored and says nothing of its own leads on to others.
+constexpr double kOfBare = 0.7;
+// A type that others name far less than the functions beside it goes with those: their arguments,
+// the properties of a component.
+constexpr std::uint32_t kAccessory = 2;
+constexpr double kOfAccessory = 0.5;
 
 constexpr double kLeastPoints = 2.0;
-constexpr double kLeastShare = 0.25;
+constexpr double kLeastShare = 0.35;
 
 Signal weighed(Signal signal, double factor) {
   signal.weight *= factor;
@@ -65,6 +74,10 @@ Signal weighed(Signal signal, double factor) {
 
 double worth(const Signal& signal, std::uint64_t count) {
   return signal.weight * std::log2(1.0 + static_cast<double>(count));
+}
+
+bool is_document(std::string_view path) {
+  return path.ends_with(".json") || path.ends_with(".yaml") || path.ends_with(".yml");
 }
 
 // What the types of one folder are.
@@ -82,6 +95,7 @@ class Scorer {
   void score() {
     find_families();
     find_mirrors();
+    count_calls();
     for (std::size_t first = 0; first < types_.size();) {
       std::size_t end = first;
       while (end < types_.size() && types_[end].at.file == types_[first].at.file) ++end;
@@ -89,6 +103,9 @@ class Scorer {
       first = end;
     }
     const auto files = code_.index().files();
+    for (FileId file = 0; file < files.size(); ++file) {
+      if (!code_.index().declarations(file).empty()) declaring_.insert(files[file].language);
+    }
     for (FileId file = 0; file < files.size(); ++file) score_text(file);
   }
 
@@ -116,6 +133,23 @@ class Scorer {
     }
   }
 
+  // How many product files name the function of a file that most do.
+  void count_calls() {
+    const auto& index = code_.index();
+    most_called_.resize(index.files().size());
+    for (FileId file = 0; file < most_called_.size(); ++file) {
+      const auto rows = index.declarations(file);
+      for (std::uint32_t place = 0; place < rows.size() && code_.is_product(file); ++place) {
+        const bool function = rows[place].kind == index::DeclarationKind::kFunction &&
+                              (rows[place].container == 0 || rows[rows[place].container - 1].kind ==
+                                                                 index::DeclarationKind::kModule);
+        if (!function) continue;
+        const auto namers = code_.files_naming({file, place}, kEveryRole).size();
+        most_called_[file] = std::max(most_called_[file], static_cast<std::uint32_t>(namers));
+      }
+    }
+  }
+
   // Of types of one name, the most used one is the model and the others are its likenesses.
   void find_mirrors() {
     for (const DataType& type : types_) {
@@ -126,22 +160,25 @@ class Scorer {
   }
 
   // Without what other types make of it.
-  static double centrality(const DataType& type) {
+  double centrality(const DataType& type) const {
     return factor(type) * (worth(kFolders, type.folders) + worth(kUsed, type.users));
   }
 
-  static double factor(const DataType& type) {
-    return type.likeness >= 1 ? type.likeness : std::min(1.0, kFullLikeness * type.likeness);
+  double factor(const DataType& type) const {
+    if (type.likeness < 1) return std::min(1.0, kFullLikeness * type.likeness);
+    const bool bare = type.fields + type.accessors + type.workers == 0;
+    return type.likeness * (bare ? kOfBare : 1.0);
   }
 
-  double factor_among_mirrors(const DataType& type) const {
-    const bool mirror = type.storage != Storage::kStored &&
-                        centrality(type) < best_of_name_.at(code_[type.at].name);
-    return factor(type) * (mirror ? kOfMirror : 1.0);
+  double factor_among_others(const DataType& type) const {
+    if (type.storage == Storage::kStored) return factor(type);
+    const bool mirror = centrality(type) < best_of_name_.at(code_[type.at].name);
+    const bool accessory = type.namers * kAccessory < most_called_[type.at.file];
+    return factor(type) * (mirror ? kOfMirror : 1.0) * (accessory ? kOfAccessory : 1.0);
   }
 
   double points(const DataType& type) const {
-    return factor_among_mirrors(type) *
+    return factor_among_others(type) *
            (worth(kFolders, type.folders) + worth(kUsed, type.users) +
             worth(kHeld, data_among(type.holders)) + worth(kBase, data_among(type.subtypes)) +
             worth(kMade, type.makers));
@@ -179,7 +216,7 @@ class Scorer {
 
   void score_best(const DataType& type) {
     const FileId file = type.at.file;
-    const double factor = factor_among_mirrors(type);
+    const double factor = factor_among_others(type);
     const Place place = code_.place_of(type.at);
     const auto add = [&](const Signal& signal, std::uint64_t count) {
       sheet_.add(file, weighed(signal, factor), count, {place},
@@ -199,28 +236,41 @@ class Scorer {
     sheet_.add(best.at.file, weighed(kFamily, family.data / family.all), family.widely_named);
   }
 
-  // What the text defines counts also where no type is declared: tables, schemas.
+  // What the text defines counts where it is no type that is declared: tables, schemas.
   void score_text(FileId file) {
     const auto& indexed = code_.index().files()[file];
     const DataSignals& data = indexed.data;
-    const bool counts = code_.is_product(file) || is_schema_dump(indexed.path);
-    if (!counts || !data.any()) return;
-    if (data.schema_file) {
+    if (!data.any() || !is_products(file)) return;
+    if (data.schema_file && is_document(indexed.path)) {
+      sheet_.add(file, kSchemaDocument, data.schemas);
+    } else if (data.schema_file) {
       sheet_.add(file, kSchema, std::uint64_t{data.schemas} + data.entities + data.tables);
     } else {
       sheet_.add(file, kTables, data.tables);
       sheet_.add(file, kEntities, data.entities);
       sheet_.add(file, kSchemas, data.schemas);
-      sheet_.add(file, kRecords, data.records);
     }
+    if (declaring_.contains(indexed.language)) return;
+    sheet_.add(file, kRecords, data.records);
     sheet_.add(file, kDependents, code_.product_dependents(file));
+  }
+
+  // A dump of the schema is the product's, though a program wrote it.
+  bool is_products(FileId file) const {
+    if (code_.is_product(file)) return true;
+    const auto& indexed = code_.index().files()[file];
+    Roles roles = indexed.roles;
+    roles.remove(Role::kGenerated);
+    return roles.empty() && is_schema_dump(indexed.path);
   }
 
   const CodeEvidence& code_;
   ScoreSheet& sheet_;
   std::vector<DataType> types_;
   std::map<std::string_view, Family> families_;
+  std::vector<std::uint32_t> most_called_;  // by file
   std::map<std::string_view, double> best_of_name_;
+  std::set<std::string_view> declaring_;  // languages whose declarations are read
 };
 
 }  // namespace

@@ -1,11 +1,15 @@
 #include "kestrix/host/data_models/data_types.h"
 
 #include <algorithm>
+#include <functional>
+#include <map>
+#include <numeric>
 #include <set>
 #include <string_view>
 #include <unordered_map>
 
 #include "kestrix/host/data_models/data_likeness.h"
+#include "kestrix/host/data_models/type_table.h"
 #include "kestrix/host/evidence/error_types.h"
 #include "kestrix/languages/frameworks.h"
 #include "kestrix/text/paths.h"
@@ -22,40 +26,29 @@ using index::Known;
 using index::Role;
 using Storage = DataType::Storage;
 
-// A method of so few lines hands out or sets what the type holds; a longer one does work.
-constexpr std::uint32_t kAccessorLines = 5;
 // What more of the product's folders name, but not fewer than ten, is handed around: a logger, a
 // factory, a table of translations.
 constexpr double kEverywhere = 0.4;
 constexpr std::size_t kFewFolders = 10;
 // So many are no accident: the product has its data in a storage.
 constexpr std::size_t kSeveralStored = 3;
-
-constexpr std::uint32_t kNoType = UINT32_MAX;
-
-bool is_getter(std::string_view name) {
-  for (const std::string_view verb : {"get", "is", "has"}) {
-    if (name.starts_with(verb) && name.size() > verb.size() &&
-        (name[verb.size()] < 'a' || name[verb.size()] > 'z')) {
-      return true;
-    }
-  }
-  return false;
-}
+constexpr std::size_t kMostCentral = 5;
 
 class Gatherer {
  public:
-  explicit Gatherer(const CodeEvidence& evidence) : evidence_(evidence), index_(evidence.index()) {
+  explicit Gatherer(const CodeEvidence& evidence)
+      : evidence_(evidence), index_(evidence.index()), table_(evidence), types_(table_.take()) {
+    seen_.resize(types_.size());
     number_folders();
-    take_types();
   }
 
   std::vector<DataType> gather() {
     for (const IndexedReference& to : index_.references()) look_at(to);
     for (std::size_t at = 0; at < types_.size(); ++at) settle(at);
     inherit_storage();
+    inherit_upward();
     for (const DeclarationRef error : error_types(evidence_)) {
-      if (const auto type = type_of(error.file, error.place + 1); type != kNoType) {
+      if (const auto type = table_.type_of(error.file, error.place + 1); type != TypeTable::kNone) {
         types_[type].is_error = types_[type].at == error;
       }
     }
@@ -86,57 +79,15 @@ class Gatherer {
     product_folders_ = of_product.size();
   }
 
-  void take_types() {
-    const auto files = index_.files();
-    first_.resize(files.size() + 1);
-    for (FileId file = 0; file < files.size(); ++file) {
-      const auto rows = index_.declarations(file);
-      first_[file + 1] = first_[file] + static_cast<std::uint32_t>(rows.size());
-      owner_.resize(first_[file + 1], kNoType);
-      if (!evidence_.is_product(file)) continue;
-      for (std::uint32_t place = 0; place < rows.size(); ++place) take(file, rows, place);
-    }
-    seen_.resize(types_.size());
-  }
-
-  void take(FileId file, std::span<const DeclarationView> rows, std::uint32_t place) {
-    const DeclarationView& row = rows[place];
-    std::uint32_t& owner = owner_[first_[file] + place];
-    const bool inside =
-        row.container != 0 && rows[row.container - 1].kind != DeclarationKind::kModule;
-    if (inside) {
-      owner = owner_[first_[file] + row.container - 1];
-      if (owner != kNoType && types_[owner].at.place + 1 == row.container) count_member(owner, row);
-      return;
-    }
-    const bool value =
-        row.kind == DeclarationKind::kConstant || row.kind == DeclarationKind::kVariable;
-    if (!is_type(row.kind) && !value) return;
-    owner = static_cast<std::uint32_t>(types_.size());
-    types_.push_back({.at = {file, place}, .fields = row.fields});
-  }
-
-  void count_member(std::uint32_t owner, const DeclarationView& row) {
-    if (row.kind != DeclarationKind::kMethod && row.kind != DeclarationKind::kFunction) return;
-    DataType& type = types_[owner];
-    const bool getter = row.is_abstract && is_getter(row.name);
-    if (getter) ++type.getters;
-    ++(row.last_line - row.line < kAccessorLines ? type.accessors : type.workers);
-  }
-
-  // The type that a declaration, counted from one, belongs to.
-  std::uint32_t type_of(FileId file, std::uint32_t declaration) const {
-    return declaration == 0 ? kNoType : owner_[first_[file] + declaration - 1];
-  }
-
   void look_at(const IndexedReference& to) {
-    const std::uint32_t holder = type_of(to.source, to.within);
+    const std::uint32_t holder = table_.type_of(to.source, to.within);
+    if (to.role == Role::kConstructs || to.role == Role::kThrows) look_at_method(to, holder);
     if (to.target == IndexedReference::kOutside) {
-      if (holder != kNoType) look_outside(to, holder);
+      if (holder != TypeTable::kNone) look_outside(to, holder);
       return;
     }
-    const std::uint32_t target = type_of(to.target, to.declaration);
-    if (target == kNoType) return;
+    const std::uint32_t target = table_.type_of(to.target, to.declaration);
+    if (target == TypeTable::kNone) return;
     if (evidence_.is_test(to.source)) {
       if (to.role == Role::kConstructs)
         take_once(seen_[target].maker, to.source, types_[target].makers);
@@ -144,8 +95,21 @@ class Gatherer {
     }
     if (!evidence_.is_product(to.source)) return;
     const bool itself = types_[target].at.place + 1 == to.declaration;
-    if (itself && holder != kNoType && holder != target) look_at_holder(to, holder, target);
+    if (itself && holder != TypeTable::kNone && holder != target)
+      look_at_holder(to, holder, target);
     if (to.source != to.target) look_at_namer(to, target);
+  }
+
+  // A short method that makes something else, or throws, does work all the same.
+  void look_at_method(const IndexedReference& to, std::uint32_t holder) {
+    if (holder == TypeTable::kNone) return;
+    const bool outside = to.target == IndexedReference::kOutside;
+    if (!outside && table_.type_of(to.target, to.declaration) == holder) return;
+    const DeclarationView& row = index_.declarations(to.source)[to.within - 1];
+    if (!is_method(row) || !is_accessor(row) || types_[holder].accessors == 0) return;
+    if (!workers_.emplace(to.source, to.within).second) return;
+    --types_[holder].accessors;
+    ++types_[holder].workers;
   }
 
   void look_outside(const IndexedReference& to, std::uint32_t holder) {
@@ -232,21 +196,72 @@ class Gatherer {
     }
   }
 
+  // A base of which most subtypes are stored is stored with them.
+  void inherit_upward() {
+    for (DataType& type : types_) {
+      const DeclarationKind kind = evidence_[type.at].kind;
+      const bool base = kind == DeclarationKind::kClass || kind == DeclarationKind::kStruct;
+      if (!base || type.storage == Storage::kStored) continue;
+      const auto stored = std::ranges::count_if(
+          type.subtypes, [&](std::uint32_t at) { return types_[at].storage == Storage::kStored; });
+      const auto count = static_cast<std::size_t>(stored);
+      if (count >= 2 && 2 * count >= type.subtypes.size()) type.storage = Storage::kStored;
+    }
+  }
+
+  // Languages that share their types count as one.
+  std::string_view kind_of_language(const DataType& type) const {
+    const std::string_view language = index_.files()[type.at.file].language;
+    if (language == "tsx" || language == "javascript") return "typescript";
+    return language == "kotlin" ? "java" : language;
+  }
+
+  // By language, how many files use the most central of the types that are stored.
+  std::map<std::string_view, double> stored_types() const {
+    std::map<std::string_view, std::vector<double>> users;
+    for (const DataType& type : types_) {
+      if (type.storage == Storage::kStored) users[kind_of_language(type)].push_back(type.users);
+    }
+    std::map<std::string_view, double> means;
+    for (auto& [language, counts] : users) {
+      if (counts.size() < kSeveralStored) continue;
+      std::ranges::sort(counts, std::ranges::greater());
+      counts.resize(std::min(counts.size(), kMostCentral));
+      means[language] = std::reduce(counts.begin(), counts.end()) / kMostCentral;
+    }
+    return means;
+  }
+
   void judge() {
-    const auto stored = std::ranges::count(types_, Storage::kStored, &DataType::storage);
-    const bool beside = static_cast<std::size_t>(stored) >= kSeveralStored;
-    for (DataType& type : types_) type.likeness = likeness_of(type, evidence_[type.at], beside);
+    const auto stored = stored_types();
+    std::vector<double> shapes;
+    for (const DataType& type : types_) {
+      shapes.push_back(type.is_error ? 0 : likeness_by_shape(type, evidence_[type.at]));
+    }
+    for (std::size_t at = 0; at < types_.size(); ++at) {
+      DataType& type = types_[at];
+      double shape = shapes[at];
+      if (is_contract(type, evidence_[type.at])) {
+        std::vector<double> implementers;
+        for (const std::uint32_t subtype : type.subtypes) implementers.push_back(shapes[subtype]);
+        shape = std::max(shape, likeness_of_contract(evidence_[type.at], std::move(implementers)));
+      }
+      const auto found = stored.find(kind_of_language(type));
+      type.likeness =
+          likeness_of(type, shape,
+                      {.any = !stored.empty(), .users = found == stored.end() ? 0 : found->second});
+    }
   }
 
   const CodeEvidence& evidence_;
   const index::RepositoryIndex& index_;
+  TypeTable table_;
+  std::vector<DataType> types_;
   std::vector<std::uint32_t> folders_;  // by file
   std::size_t product_folders_ = 0;
-  std::vector<std::uint32_t> first_;  // by file: where its declarations begin in `owner_`
-  std::vector<std::uint32_t> owner_;  // by declaration: its type
-  std::vector<DataType> types_;
-  std::vector<Seen> seen_;                            // by type
-  std::set<std::pair<FileId, std::uint32_t>> lists_;  // fields whose type arguments are stored
+  std::vector<Seen> seen_;                              // by type
+  std::set<std::pair<FileId, std::uint32_t>> workers_;  // short methods that do work
+  std::set<std::pair<FileId, std::uint32_t>> lists_;    // fields whose type arguments are stored
 };
 
 }  // namespace

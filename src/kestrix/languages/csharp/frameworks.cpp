@@ -52,6 +52,9 @@ constexpr FrameworkName kNames[] = {
     {"aspnet", Known::kStartPath, "**/Program.cs"},
     {"aspnet", Known::kStartPath, "**/Startup.cs"},
     {"dotnet", Known::kSettingsPath, "**/appsettings.json"},
+    {"aspnet", Known::kTestBase, "WebApplicationFactory"},
+    {"xunit", Known::kTestBase, "IClassFixture"},
+    {"xunit", Known::kTestBase, "IAsyncLifetime"},
 };
 
 }  // namespace

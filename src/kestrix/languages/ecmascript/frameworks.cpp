@@ -212,6 +212,15 @@ constexpr FrameworkName kNames[] = {
     {"next", Known::kSettingsPath, "**/next.config.*"},
     {"nuxt", Known::kSettingsPath, "**/nuxt.config.*"},
     {"angular", Known::kSettingsPath, "**/environments/environment.ts"},
+    {"vitest", Known::kTestBase, "vitest.vi"},
+    {"vitest", Known::kTestBase, "vitest.expect"},
+    {"testing-library", Known::kTestBase, "@testing-library/react.render"},
+    {"playwright", Known::kTestBase, "@playwright/test.test"},
+    {"cypress", Known::kTestBase, "Cypress.Commands.add"},
+    {"cypress", Known::kTestPath, "**/support/e2e.ts"},
+    {"cypress", Known::kTestPath, "**/support/e2e.js"},
+    {"cypress", Known::kTestPath, "**/support/commands.ts"},
+    {"cypress", Known::kTestPath, "**/support/commands.js"},
 };
 
 }  // namespace

@@ -29,6 +29,14 @@ constexpr FrameworkName kNames[] = {
     {"go", Known::kStartPath, "**/cmd/*/main.go"},
     {"go", Known::kStartPath, "main.go"},
     {"go", Known::kStartPath, "cmd/**/main.go"},
+    {"testify", Known::kTestBase, "assert.Equal"},
+    {"testify", Known::kTestBase, "assert.EqualValues"},
+    {"testify", Known::kTestBase, "assert.NoError"},
+    {"testify", Known::kTestBase, "assert.True"},
+    {"testify", Known::kTestBase, "require.Equal"},
+    {"testify", Known::kTestBase, "require.NoError"},
+    {"testify", Known::kTestBase, "require.True"},
+    {"testify", Known::kTestBase, "suite.Run"},
 };
 
 }  // namespace

@@ -247,6 +247,10 @@ constexpr FrameworkName kNames[] = {
     {"kotest", Known::kTestBase, "StringSpec"},
     {"kotest", Known::kTestBase, "WordSpec"},
     {"spock", Known::kTestBase, "spock.lang.Specification"},
+    {"junit", Known::kTestBase, "TestRule"},
+    {"junit", Known::kTestBase, "TestWatcher"},
+    {"junit", Known::kTestBase, "BeforeEachCallback"},
+    {"junit", Known::kTestBase, "ParameterResolver"},
 };
 
 }  // namespace

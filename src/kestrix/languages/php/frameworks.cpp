@@ -46,6 +46,8 @@ constexpr FrameworkName kNames[] = {
     {"laravel", Known::kStartPath, "artisan"},
     {"laravel", Known::kStartPath, "**/Kernel.php"},
     {"laravel", Known::kStartPath, "**/RouteServiceProvider.php"},
+    {"phpunit", Known::kTestBase, "PHPUnit.Framework.TestCase"},
+    {"laravel", Known::kTestBase, "Foundation.Testing.TestCase"},
 };
 
 }  // namespace

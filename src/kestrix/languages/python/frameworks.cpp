@@ -67,6 +67,7 @@ constexpr FrameworkName kNames[] = {
     {"python", Known::kTestBase, "LiveServerTestCase"},
     {"django", Known::kSettingsPath, "**/settings.py"},
     {"django", Known::kSettingsPath, "**/settings/*.py"},
+    {"pytest", Known::kTestBase, "pytest.fixture"},
 };
 
 }  // namespace

@@ -126,6 +126,7 @@ constexpr FrameworkName kNames[] = {
     {"minitest", Known::kTestBase, "Minitest.Test"},
     {"minitest", Known::kTestBase, "Minitest.Spec"},
     {"test-unit", Known::kTestBase, "Test.Unit.TestCase"},
+    {"rspec", Known::kTestBase, "RSpec.configure"},
 };
 
 }  // namespace

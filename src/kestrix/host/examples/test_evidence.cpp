@@ -1,0 +1,228 @@
+#include "kestrix/host/examples/test_evidence.h"
+
+#include <algorithm>
+#include <map>
+#include <set>
+
+#include "kestrix/host/page_answer.h"
+#include "kestrix/languages/frameworks.h"
+#include "kestrix/text/paths.h"
+#include "kestrix/text/wildmatch.h"
+#include "kestrix/workers/wiki/page_sources/rules.h"
+
+namespace kestrix {
+namespace {
+
+using index::DeclarationKind;
+using index::FileId;
+using index::IndexedReference;
+
+// What fewer tests use is their own. Among few tests that is one; from sixty on it is two.
+constexpr std::size_t kTestsForOneUserMore = 20;
+constexpr std::size_t kMostLeastUsers = 3;
+// A file of the product that one test alone names is the unit that it tests, not what it goes
+// through.
+constexpr std::size_t kLeastTestsOfInterface = 2;
+// Many tests of one thing show no more than a few do.
+constexpr std::uint32_t kMostOfOneThing = 3;
+// A page shows how tests are written and what they look like: half of it helpers.
+constexpr std::size_t kMostHelpers = kMostPageFiles / 2;
+// Where one file serves so many of the tests, those without it are written another way.
+constexpr double kMostTests = 0.6;
+
+void make_distinct(std::vector<FileId>& files) {
+  std::ranges::sort(files);
+  files.erase(std::unique(files.begin(), files.end()), files.end());
+}
+
+void make_distinct(std::vector<std::pair<FileId, FileId>>& pairs) {
+  std::ranges::sort(pairs);
+  pairs.erase(std::unique(pairs.begin(), pairs.end()), pairs.end());
+}
+
+bool may_be_field(DeclarationKind kind) {
+  return is_type(kind) || kind == DeclarationKind::kField || kind == DeclarationKind::kVariable;
+}
+
+}  // namespace
+
+TestEvidence::TestEvidence(const WikiGenerator& generator, const CodeEvidence& code)
+    : code_(code), index_(code.index()) {
+  const std::size_t files = index_.files().size();
+  tests_.resize(files);
+  std::vector<bool> others(files);
+  for (const std::string& path : generator._test_files()) {
+    const auto file = is_fixture_path(path) ? std::nullopt : index_.find(path);
+    if (file) (is_own(*file) ? tests_ : others)[*file] = true;
+  }
+  if (std::ranges::find(tests_, true) == tests_.end()) tests_ = std::move(others);
+  test_count_ = static_cast<std::size_t>(std::ranges::count(tests_, true));
+  users_.resize(files);
+  reached_.resize(files);
+  reach_.resize(files);
+  names_framework_.resize(files);
+  read_references();
+  read_edges();
+  hand_down();
+  give_by_framework();
+  for (auto& users : users_) make_distinct(users);
+  measure_reach();
+  find_helpers();
+}
+
+void TestEvidence::read_references() {
+  for (const IndexedReference& to : index_.references()) {
+    if (to.target == IndexedReference::kOutside) {
+      const auto language = index_.files()[to.source].language;
+      const bool test = known_as(language, index::Known::kTestBase, to.name) != nullptr;
+      if (test) names_framework_[to.source] = true;
+      continue;
+    }
+    if (!tests_[to.source] || to.source == to.target) continue;
+    users_[to.target].push_back(to.source);
+    if (to.within == 0) continue;
+    const DeclarationKind within = index_.declarations(to.source)[to.within - 1].kind;
+    const bool field = to.role == index::Role::kType && may_be_field(within);
+    const bool made = to.role == index::Role::kConstructs;
+    if (field || made) held_.emplace_back(to.source, to.target);
+    if (kSubtyping.has(to.role)) extends_.emplace_back(to.source, to.target);
+  }
+}
+
+// What declares nothing only hands on, or is data; but of some languages no declarations are read.
+void TestEvidence::read_edges() {
+  std::set<std::string_view> declaring{""};
+  for (FileId file = 0; file < tests_.size(); ++file) {
+    if (!index_.declarations(file).empty()) declaring.insert(index_.files()[file].language);
+  }
+  for (const auto& edge : index_.edges()) {
+    if (!tests_[edge.source]) continue;
+    const bool declares = !index_.declarations(edge.target).empty();
+    if (declares || !declaring.contains(index_.files()[edge.target].language)) {
+      users_[edge.target].push_back(edge.source);
+    }
+  }
+}
+
+// What a base class of tests holds, each test that extends it has.
+void TestEvidence::hand_down() {
+  make_distinct(held_);
+  make_distinct(extends_);
+  for (const auto& [test, base] : extends_) {
+    if (!tests_[base]) continue;
+    const auto first = std::ranges::lower_bound(held_, base, {}, &Pair::first);
+    for (auto at = first; at != held_.end() && at->first == base; ++at) {
+      if (at->second != test && !code_.is_product(at->second)) users_[at->second].push_back(test);
+    }
+  }
+}
+
+void TestEvidence::give_by_framework() {
+  for (FileId file = 0; file < tests_.size(); ++file) {
+    if (!tests_[file]) continue;
+    const auto& indexed = index_.files()[file];
+    const auto names = index::framework_names(indexed.language);
+    const bool given = std::ranges::any_of(names, [&](const index::FrameworkName& row) {
+      return row.known == index::Known::kTestPath &&
+             index::Wildmatch(row.name).matches(indexed.path);
+    });
+    if (!given) continue;
+    const auto around = index::folder_of(index::folder_of(indexed.path));
+    for (FileId test = 0; test < tests_.size(); ++test) {
+      const bool below = tests_[test] && index::is_below(code_.path(test), around);
+      if (below && test != file) users_[file].push_back(test);
+    }
+  }
+}
+
+bool TestEvidence::is_own(FileId file) const {
+  const auto& indexed = index_.files()[file];
+  return !indexed.generated && !indexed.roles.has(Role::kVendored);
+}
+
+std::vector<std::string> TestEvidence::paths() const {
+  std::vector<std::string> paths;
+  for (FileId file = 0; file < tests_.size(); ++file) {
+    if (tests_[file]) paths.emplace_back(code_.path(file));
+  }
+  return paths;
+}
+
+bool TestEvidence::is_one_tests_own(FileId file) const {
+  return test_count_ > kMostPageFiles && users_[file].size() < kLeastTestsOfInterface;
+}
+
+void TestEvidence::measure_reach() {
+  const IndexedReference* last = nullptr;
+  std::uint32_t times = 0;
+  for (const IndexedReference& to : index_.references()) {
+    if (to.target == IndexedReference::kOutside || !tests_[to.source]) continue;
+    if (!code_.is_product(to.target) || is_one_tests_own(to.target)) continue;
+    const bool same = last != nullptr && last->source == to.source && last->target == to.target &&
+                      last->declaration == to.declaration;
+    times = same ? times + 1 : 1;
+    last = &to;
+    if (times > kMostOfOneThing) continue;
+    ++reach_[to.source];
+    auto& reached = reached_[to.source];
+    if (reached.empty() || reached.back() != to.target) reached.push_back(to.target);
+  }
+  // Imports count where no reference tells more.
+  std::vector<Pair> more;
+  for (const auto& edge : index_.edges()) {
+    if (!tests_[edge.source] || !code_.is_product(edge.target)) continue;
+    if (is_one_tests_own(edge.target)) continue;
+    if (std::ranges::binary_search(reached_[edge.source], edge.target)) continue;
+    more.emplace_back(edge.source, edge.target);
+  }
+  for (const auto& [test, file] : more) {
+    ++reach_[test];
+    reached_[test].push_back(file);
+  }
+}
+
+void TestEvidence::find_helpers() {
+  const std::size_t least = std::min(1 + test_count_ / kTestsForOneUserMore, kMostLeastUsers);
+  for (FileId file = 0; file < users_.size(); ++file) {
+    if (tests_[file] && users_[file].size() >= least) helpers_.push_back(file);
+  }
+  std::ranges::stable_sort(helpers_, std::ranges::greater(),
+                           [&](FileId file) { return users_[file].size(); });
+  if (helpers_.size() > kMostHelpers) helpers_.resize(kMostHelpers);
+}
+
+// The tests that are written with what most of them are written with; all where nothing is that.
+std::vector<bool> TestEvidence::written_alike() const {
+  std::vector<bool> alike = tests_;
+  const auto most = kMostTests * static_cast<double>(test_count_);
+  for (FileId file = 0; file < users_.size(); ++file) {
+    const bool shared = static_cast<double>(users_[file].size()) >= most;
+    if (!shared || test_count_ <= kMostPageFiles) continue;
+    std::vector<bool> users(tests_.size());
+    for (const FileId user : users_[file]) users[user] = true;
+    for (FileId test = 0; test < alike.size(); ++test) alike[test] = alike[test] && users[test];
+  }
+  return std::ranges::find(alike, true) == alike.end() ? tests_ : alike;
+}
+
+std::vector<FileEdge> TestEvidence::edges(const PathSet& paths) const {
+  const auto is_asked = [&](FileId file) { return paths.contains(std::string(code_.path(file))); };
+  std::vector<FileEdge> edges;
+  for (const FileId helper : helpers_) {
+    if (!is_asked(helper)) continue;
+    for (const FileId user : users_[helper]) {
+      edges.push_back({code_.path(user), code_.path(helper), 1});
+    }
+  }
+  const std::vector<bool> alike = written_alike();
+  for (FileId test = 0; test < reach_.size(); ++test) {
+    if (!alike[test] || reached_[test].empty()) continue;
+    for (std::uint32_t at = 0; at < reach_[test]; ++at) {
+      const FileId file = reached_[test][at % reached_[test].size()];
+      edges.push_back({code_.path(test), code_.path(file), 1});
+    }
+  }
+  return edges;
+}
+
+}  // namespace kestrix

@@ -1,0 +1,70 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "kestrix/host/evidence/code_evidence.h"
+
+namespace kestrix {
+
+/// What tests name of each other and of the product, by file. Views the index.
+class TestEvidence {
+ public:
+  /// Linear in references and edges. `code` must outlive the object; the tests are the generator's,
+  /// without test data, and without what others wrote unless there are no others.
+  TestEvidence(const WikiGenerator& generator, const CodeEvidence& code);
+
+  bool is_test(index::FileId file) const { return tests_[file]; }
+  std::size_t test_count() const { return test_count_; }
+  /// Their paths, ascending.
+  std::vector<std::string> paths() const;
+
+  /// The tests that name something of the file, that have it from a base class which does, or that
+  /// a framework gives it to; ascending.
+  std::span<const index::FileId> users(index::FileId file) const { return users_[file]; }
+  /// The product's files that a test goes through: it names something of them, as others do.
+  std::span<const index::FileId> reached(index::FileId file) const { return reached_[file]; }
+  /// How much of them it names: each declaration once for each of its own that does, and at most
+  /// three times.
+  std::uint32_t reach(index::FileId file) const { return reach_[file]; }
+  /// Whether a file names what belongs to a framework of tests.
+  bool names_framework(index::FileId file) const { return names_framework_[file]; }
+
+  /// The tests that most other tests share, most shared first, then by path; at most half a page.
+  std::span<const index::FileId> helpers() const { return helpers_; }
+
+  /// What the examples page's rule counts, as edges between `paths`: to the helpers, one from each
+  /// test that uses them; to the product, one for each time that a test names something of it.
+  std::vector<FileEdge> edges(const PathSet& paths) const;
+
+ private:
+  using Pair = std::pair<index::FileId, index::FileId>;
+
+  void read_references();
+  void read_edges();
+  void hand_down();
+  void give_by_framework();
+  void measure_reach();
+  void find_helpers();
+  bool is_own(index::FileId file) const;
+  bool is_one_tests_own(index::FileId file) const;
+  std::vector<bool> written_alike() const;
+
+  const CodeEvidence& code_;
+  const index::RepositoryIndex& index_;
+  std::vector<bool> tests_;
+  std::size_t test_count_ = 0;
+  std::vector<std::vector<index::FileId>> users_;
+  std::vector<std::vector<index::FileId>> reached_;
+  std::vector<std::uint32_t> reach_;
+  std::vector<bool> names_framework_;
+  std::vector<index::FileId> helpers_;
+  std::vector<Pair> held_;     // test, and a file of whose types it has a field
+  std::vector<Pair> extends_;  // test, and the file of its base class
+};
+
+}  // namespace kestrix

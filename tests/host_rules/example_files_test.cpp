@@ -1,0 +1,83 @@
+// The examples page where no import tells what tests use.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "tests/host_rules/answered_repository.h"
+
+namespace kestrix {
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::Not;
+using Files = AnsweredRepository::Files;
+
+TEST(ExampleFiles, StartWithTheFixturesThatTestsTakeByName) {
+  Files files{
+      {"app/shop.py", "def sell(): pass\n\n\ndef buy(): pass\n"},
+      {"tests/conftest.py", "import pytest\n\n\n@pytest.fixture\ndef shop():\n    return 1\n"}};
+  for (const std::string name : {"a", "b", "c"}) {
+    files.emplace_back("tests/test_" + name + ".py",
+                       "from app.shop import buy, sell\n\n\ndef test_sale(shop):\n    sell()\n" +
+                           std::string(name == "b" ? "    buy()\n" : ""));
+  }
+  const AnsweredRepository repository(files);
+  const PageAnswer answer = examples_answer(repository.generator());
+  EXPECT_THAT(paths_of(answer.files), ElementsAre("tests/conftest.py", "tests/test_b.py",
+                                                  "tests/test_a.py", "tests/test_c.py"));
+  EXPECT_EQ(reason_of(answer.files, "tests/conftest.py", "used_by_tests"), "used by 3 tests");
+  EXPECT_EQ(reason_of(answer.files, "tests/test_b.py", "reaches_production"),
+            "reaches 1 production file, 2 times");
+}
+
+// A driver beside the tests, what names a framework of tests, what nothing but tests uses; but not
+// what the product's folders use, too.
+TEST(ExampleFiles, AddWhatServesTestsWhereverItLies) {
+  Files files{{"go.mod", "module shop\n\ngo 1.22\n"},
+              {"check/driver/driver.go", "package driver\n\ntype Driver struct{}\n"},
+              {"stub/stub.go", "package stub\n\ntype Stub struct{}\n"},
+              {"config/config.go", "package config\n\ntype Config struct{}\n"},
+              {"fake/clock.go",
+               "package fake\n\nimport \"x.org/testify/assert\"\n\ntype Clock struct{}\n\n"
+               "func (c Clock) Check() { assert.Equal(1, 2) }\n"}};
+  for (const std::string name : {"a", "b", "c", "d"}) {
+    files.emplace_back(
+        "check/tests/" + name + "/" + name + ".go",
+        "package " + name +
+            "\n\nimport "
+            "(\n\t\"shop/check/driver\"\n\t\"shop/stub\"\n\t\"shop/config\"\n\t\"shop/fake\"\n)\n\n"
+            "func Run(d driver.Driver, s stub.Stub, c config.Config, f fake.Clock) {}\n");
+    files.emplace_back(
+        name + "/" + name + ".go",
+        "package " + name + "\n\nimport \"shop/config\"\n\nfunc Use(c config.Config) {}\n");
+  }
+  const AnsweredRepository repository(files);
+  const auto further = paths_of(examples_answer(repository.generator()).further);
+  EXPECT_THAT(further, Contains("check/driver/driver.go"));
+  EXPECT_THAT(further, Contains("fake/clock.go"));
+  EXPECT_THAT(further, Contains("stub/stub.go"));
+  EXPECT_THAT(further, Not(Contains("config/config.go")));
+}
+
+TEST(ExampleFiles, LeaveOutOthersTestsAndWhatOnlyHandsOn) {
+  Files files{{"app/shop.py", "def sell(): pass\n"},
+              {"tests/help/__init__.py", "from tests.help.desk import desk\n"},
+              {"tests/help/desk.py", "def desk(): pass\n"}};
+  for (const std::string folder : {"tests/", "third_party/tests/"}) {
+    for (const std::string name : {"a", "b", "c"}) {
+      files.emplace_back(folder + "test_" + name + ".py",
+                         "from app.shop import sell\nfrom tests.help import desk\n\n\n"
+                         "def test_sale():\n    desk()\n    sell()\n");
+    }
+  }
+  const AnsweredRepository repository(files);
+  EXPECT_THAT(paths_of(examples_answer(repository.generator()).files),
+              ElementsAre("tests/help/desk.py", "tests/test_a.py", "tests/test_b.py",
+                          "tests/test_c.py", "tests/help/__init__.py"));
+}
+
+}  // namespace
+}  // namespace kestrix
