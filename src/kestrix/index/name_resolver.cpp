@@ -39,6 +39,10 @@ bool is_wildcard(const Binding& binding) {
 }
 bool opens_type(const Binding& binding) { return binding.local == "*" && !is_wildcard(binding); }
 
+bool fits(DeclarationKind kind, bool as_type) {
+  return !as_type || (kind != DeclarationKind::kField && kind != DeclarationKind::kMethod);
+}
+
 }  // namespace
 
 NameResolver::NameResolver(const IndexedFiles& files, const Scopes& scopes,
@@ -57,26 +61,46 @@ bool NameResolver::looks_outside(std::string_view name) const {
                               [&](DeclarationRef at) { return is_type(table_[at].kind); });
 }
 
-NamedThing NameResolver::resolve(std::string_view name, std::uint32_t within) {
+NamedThing NameResolver::resolve(std::string_view name, std::uint32_t within, bool as_type) {
+  if (name.starts_with('@')) return resolve_own(name.substr(1), within);
   std::string_view rest = name;
-  if (const Found root = resolve_root(rest, within)) {
+  if (const Found root = resolve_root(rest, within, as_type)) {
     const NamedThing found = descend(*root, rest);
+    if (found.rest.empty()) return found;
     const bool own = found.kind == Kind::kDeclaration && found.at.file == file_;
-    if (own && !found.rest.empty()) {
+    if (own) {
       if (const Found elsewhere = find_elsewhere(name, found.at)) return *elsewhere;
     }
+    if (members_in_scope_ && !as_type) {
+      // A member may have the name of its type; what follows tells which of them is meant.
+      rest = name;
+      const Found type = resolve_root(rest, within, true);
+      NamedThing other = type ? descend(*type, rest) : NamedThing{};
+      if (other.kind == Kind::kDeclaration && other.rest.empty()) return other;
+    }
     // A namespace of others may be opened here, too.
-    const bool other = capital_types_ && found.kind == Kind::kDeclaration && !found.rest.empty() &&
-                       ascii::is_upper(found.rest.front());
+    const bool other =
+        capital_types_ && found.kind == Kind::kDeclaration && ascii::is_upper(found.rest.front());
     return other ? NamedThing{} : found;
   }
   if (const Found outside = find_outside(name)) return *outside;
   return {};
 }
 
+// A member of the type around the place.
+NamedThing NameResolver::resolve_own(std::string_view name, std::uint32_t within) const {
+  const auto mine = table_.of(file_);
+  while (within > 0 && within <= mine.size() && !is_type(mine[within - 1].kind))
+    within = mine[within - 1].container;
+  if (within == 0 || within > mine.size()) return {};
+  const auto member = find_member({file_, within - 1}, first_part(name));
+  return member ? descend(thing(*member), behind(name, first_part(name).size())) : NamedThing{};
+}
+
 // Takes what it has found the meaning of from the front of `rest`.
-NameResolver::Found NameResolver::resolve_root(std::string_view& rest, std::uint32_t within) {
-  if (const Found known = find_known(rest, within)) return known;
+NameResolver::Found NameResolver::resolve_root(std::string_view& rest, std::uint32_t within,
+                                               bool as_type) {
+  if (const Found known = find_known(rest, within, as_type)) return known;
   const std::string_view root = first_part(rest);
   const Found found = find_through_wildcards(root);
   if (found) rest = behind(rest, root.size());
@@ -84,9 +108,10 @@ NameResolver::Found NameResolver::resolve_root(std::string_view& rest, std::uint
 }
 
 // What the file itself says of a name.
-NameResolver::Found NameResolver::find_known(std::string_view& rest, std::uint32_t within) const {
+NameResolver::Found NameResolver::find_known(std::string_view& rest, std::uint32_t within,
+                                             bool as_type) const {
   const std::string_view root = first_part(rest);
-  Found found = find_among_members(root, within);
+  Found found = find_among_members(root, within, as_type);
   // Where a namespace may be opened anywhere, those that open it are none that declare it.
   const bool anywhere = capital_types_ && !root.empty() && ascii::is_upper(root.front());
   if (!found && anywhere) {
@@ -100,15 +125,16 @@ NameResolver::Found NameResolver::find_known(std::string_view& rest, std::uint32
   return found;
 }
 
-NameResolver::Found NameResolver::find_among_members(std::string_view name,
-                                                     std::uint32_t within) const {
+NameResolver::Found NameResolver::find_among_members(std::string_view name, std::uint32_t within,
+                                                     bool as_type) const {
   if (!members_in_scope_) return std::nullopt;
   const auto mine = table_.of(file_);
   for (std::uint32_t holder = within; holder > 0 && holder <= mine.size();
        holder = mine[holder - 1].container) {
     const DeclarationRef at{file_, holder - 1};
     if (!is_type(mine[holder - 1].kind)) continue;
-    if (const auto member = find_member(at, name)) return thing(*member);
+    const auto member = find_member(at, name);
+    if (member && fits(table_[*member].kind, as_type)) return thing(*member);
   }
   return std::nullopt;
 }
@@ -191,18 +217,38 @@ NameResolver::Found NameResolver::find_in_barrels(FileId file, std::string_view 
   return one;
 }
 
+// A type whose name stands for something of another file, too, has a part there.
+std::optional<DeclarationRef> NameResolver::find_in_parts(DeclarationRef type,
+                                                          std::string_view name) const {
+  if (!members_in_scope_ || table_[type].container > 0) return std::nullopt;
+  const std::string_view own = table_[type].name;
+  const auto& bindings = scopes_.bindings(type.file);
+  auto part = std::ranges::lower_bound(bindings, own, {}, &Binding::local);
+  for (; part != bindings.end() && part->local == own; ++part) {
+    if (part->name != own || part->target == type.file) continue;
+    const auto other = table_.find_top(part->target, own);
+    const auto member = other ? table_.find_member(*other, name) : std::nullopt;
+    if (member) return member;
+  }
+  return std::nullopt;
+}
+
 std::optional<DeclarationRef> NameResolver::find_member(DeclarationRef type,
                                                         std::string_view name) const {
   if (const auto own = find_own_member(type, name)) return own;
+  std::optional<DeclarationRef> promised;
   for (const DeclarationRef ancestor : ancestors_of(type)) {
-    if (const auto member = find_own_member(ancestor, name)) return member;
+    const auto member = find_own_member(ancestor, name);
+    if (member && !table_[*member].is_abstract) return member;
+    if (!promised) promised = member;
   }
-  return std::nullopt;
+  return promised;
 }
 
 std::optional<DeclarationRef> NameResolver::find_own_member(DeclarationRef type,
                                                             std::string_view name) const {
   if (const auto own = table_.find_member(type, name)) return own;
+  if (const auto other = find_in_parts(type, name)) return other;
   const auto companion = table_.find_member(type, kCompanion);
   if (!companion || table_[*companion].kind != DeclarationKind::kObject) return std::nullopt;
   return find_member(*companion, name);

@@ -39,7 +39,8 @@ class NameResolver {
                FileId file);
 
   /// What `name` ("a.b.C") stands for where the declaration `within` (from one, 0: none) holds it.
-  NamedThing resolve(std::string_view name, std::uint32_t within);
+  /// In the place of a type a member of another kind is not meant.
+  NamedThing resolve(std::string_view name, std::uint32_t within, bool as_type = false);
 
   /// The file that an import of this text, as it is written, leads to here.
   std::optional<FileId> module_named(std::string_view specifier) const;
@@ -56,10 +57,12 @@ class NameResolver {
     int depth = 0;
   };
 
-  Found resolve_root(std::string_view& rest, std::uint32_t within);
-  Found find_known(std::string_view& rest, std::uint32_t within) const;
-  Found find_among_members(std::string_view name, std::uint32_t within) const;
+  NamedThing resolve_own(std::string_view name, std::uint32_t within) const;
+  Found resolve_root(std::string_view& rest, std::uint32_t within, bool as_type);
+  Found find_known(std::string_view& rest, std::uint32_t within, bool as_type = false) const;
+  Found find_among_members(std::string_view name, std::uint32_t within, bool as_type) const;
   Found find_elsewhere(std::string_view name, DeclarationRef here) const;
+  std::optional<DeclarationRef> find_in_parts(DeclarationRef type, std::string_view name) const;
   Found find_bound(std::string_view& rest) const;
   Found find_through_wildcards(std::string_view name);
   Found find_in_opened_types(std::string_view name) const;

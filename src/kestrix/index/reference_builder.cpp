@@ -6,6 +6,7 @@
 
 #include "kestrix/index/included_names.h"
 #include "kestrix/languages/frameworks.h"
+#include "kestrix/text/ascii.h"
 #include "kestrix/text/paths.h"
 
 namespace kestrix::index {
@@ -39,14 +40,41 @@ bool reads_includes(std::string_view name) {
   return language != nullptr && language->code != nullptr && language->code->defined_elsewhere;
 }
 
-// Where imports bring in no names, of what is called outside that counts which says something.
-bool calls_known(std::string_view language, const Mention& mention) {
-  return mention.role == Role::kCalls &&
-         std::ranges::any_of(framework_names(language), [&](const FrameworkName& row) {
-           return mention.name.ends_with(row.name) &&
-                  (mention.name.size() == row.name.size() ||
-                   mention.name[mention.name.size() - row.name.size() - 1] == '.');
-         });
+bool names_a_type(Role role) {
+  return role == Role::kExtends || role == Role::kImplements || role == Role::kType ||
+         role == Role::kConstructs || role == Role::kAnnotates;
+}
+
+// What is called of an object tells something only if it is one of a framework's names.
+bool is_framework_name(std::string_view language, std::string_view name) {
+  return std::ranges::any_of(framework_names(language), [&](const FrameworkName& row) {
+    if (!name.ends_with(row.name)) return false;
+    const std::size_t before = name.size() - row.name.size();
+    return before == 0 || std::string_view(":.@").find(name[before - 1]) != std::string_view::npos;
+  });
+}
+
+// "Table<Type>": in the place of a type it says what is stored.
+bool is_list_of_models(std::string_view language, const Mention& mention) {
+  return mention.role == Role::kType &&
+         known_as(language, Known::kModelList, mention.name) != nullptr;
+}
+
+std::string without_mark(const std::string& name) {
+  const bool marked = std::string_view(":.@").find(name.front()) != std::string_view::npos;
+  return marked ? name.substr(1) : name;
+}
+
+// "object.member", whatever the object is.
+bool is_of_value(std::string_view name) {
+  return name.find('.') != std::string_view::npos && ascii::is_lower(name.front());
+}
+
+// A name that nothing declares and no import brings in.
+bool tells_outside(std::string_view language, const Mention& mention) {
+  const bool call = mention.role == Role::kCalls && !is_of_value(mention.name) &&
+                    is_framework_name(language, mention.name);
+  return call || may_be_built_in(mention.role) || is_list_of_models(language, mention);
 }
 
 // What the declaration turns out to be corrects what its mention looked like.
@@ -67,8 +95,8 @@ Role role_towards(DeclarationKind kind, bool partial, Role role) {
 ReferenceBuilder::Built ReferenceBuilder::build(FileId file) const {
   Built built;
   NameResolver names(files_, scopes_, table_, file);
-  const std::string_view folder = folder_of(files_.path(file));
   const std::string_view language = files_.language(file);
+  const std::string_view folder = folder_of(files_.path(file));
   std::optional<IncludedNames> included;
   if (reads_includes(language)) included.emplace(files_, scopes_, table_, file);
   for (const Mention& mention : files_.mentions(file)) {
@@ -87,17 +115,19 @@ ReferenceBuilder::Built ReferenceBuilder::build(FileId file) const {
       thing = {Kind::kOutside, {}, mention.name};
     } else {
       thing = included ? included->resolve(mention.name, mention.within)
-                       : names.resolve(mention.name, mention.within);
+                       : names.resolve(mention.name, mention.within, names_a_type(mention.role));
       const bool made = mention.role == Role::kCalls || mention.role == Role::kConstructs;
+      const bool known = included && mention.role == Role::kCalls &&
+                         is_framework_name(language, mention.name);
       if (thing.kind == Kind::kNothing &&
-          (may_be_built_in(mention.role) || (made && names.looks_outside(mention.name)) ||
-           (included && calls_known(language, mention)))) {
-        thing = {Kind::kOutside, {}, mention.name.substr(mention.name.starts_with('.') ? 1 : 0)};
+          (tells_outside(language, mention) || known ||
+           (made && names.looks_outside(mention.name)))) {
+        thing = {Kind::kOutside, {}, without_mark(mention.name)};
       }
     }
     if (thing.kind == Kind::kNothing) continue;
     if (thing.kind == Kind::kOutside) {
-      if (!counts_outside(mention.role)) continue;
+      if (!counts_outside(mention.role) && !is_list_of_models(language, mention)) continue;
       to.name = std::move(thing.rest);
     } else {
       to.target = files_.row(thing.at.file).id;

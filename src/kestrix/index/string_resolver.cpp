@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "kestrix/text/ascii.h"
 #include "kestrix/text/paths.h"
 #include "kestrix/text/seeded_hash.h"
 
@@ -52,7 +53,12 @@ std::optional<NamedThing> StringResolver::resolve(std::string_view content,
   }
   if (content.starts_with("::")) return find_named(content.substr(2), folder);
   if (content.find('#') != std::string_view::npos) return find_action(content);
-  if (content.find_first_of(".:\\") != std::string_view::npos) return find_dotted(content);
+  if (content.find('@') != std::string_view::npos) return find_method(content);
+  if (content.find_first_of(".:\\") != std::string_view::npos) {
+    auto found = find_dotted(content);
+    if (!found && content.find('\\') != std::string_view::npos) found = find_class(content);
+    return found;
+  }
   return find_type(content);
 }
 
@@ -109,6 +115,31 @@ std::optional<NamedThing> StringResolver::find_dotted(std::string_view content) 
     return NamedThing{NamedThing::Kind::kDeclaration, *top, {}};
   }
   return std::nullopt;
+}
+
+// "Controller@method", where the controller may stand in a namespace.
+std::optional<NamedThing> StringResolver::find_method(std::string_view content) const {
+  const std::size_t mark = content.find('@');
+  const std::string_view type = content.substr(0, mark);
+  auto found = type.find('\\') == std::string_view::npos ? find_type(type) : find_class(type);
+  if (!found) return std::nullopt;
+  const auto method = table_.find_member(found->at, content.substr(mark + 1));
+  if (!method) return std::nullopt;
+  found->at = *method;
+  return found;
+}
+
+// Of "Space\\Type" the only type of that name, if its folder is called like the space.
+std::optional<NamedThing> StringResolver::find_class(std::string_view content) const {
+  const std::size_t last = content.rfind('\\');
+  const auto all = table_.find_all(content.substr(last + 1), 1);
+  if (all.size() != 1 || !is_type(table_[all.front()].kind)) return std::nullopt;
+  std::string_view space = content.substr(0, last);
+  while (space.ends_with('\\')) space.remove_suffix(1);
+  space = space.substr(space.rfind('\\') + 1);  // 0 without one
+  const std::string_view folder = base_name(folder_of(files_.path(all.front().file)));
+  if (!std::ranges::equal(folder, space, {}, ascii::lower, ascii::lower)) return std::nullopt;
+  return NamedThing{NamedThing::Kind::kDeclaration, all.front(), {}};
 }
 
 // Routes of several web frameworks name a controller and its method.

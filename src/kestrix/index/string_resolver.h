@@ -13,9 +13,9 @@
 namespace kestrix::index {
 
 /// Finds what whole strings name: a file by its path or the unambiguous end of one, a dotted module
-/// with what it declares ("a.b.C", "a.b:attr", "A\B\C"), "controller#action", a type whose name is
-/// the repository's only one; behind "::" ("::A::B") what is known to be a type's name. What more
-/// than one thing answers names nothing. Immutable.
+/// with what it declares ("a.b.C", "a.b:attr", "A\B\C"), "controller#action", "Type@method", a type
+/// whose name is the repository's only one; behind "::" ("::A::B") what is known to be a type's
+/// name. What more than one thing answers names nothing. Immutable.
 class StringResolver {
  public:
   StringResolver(const IndexedFiles& files, const DeclarationTable& table);
@@ -26,6 +26,8 @@ class StringResolver {
  private:
   std::optional<FileId> find_path(std::string_view content, std::string_view folder) const;
   std::optional<NamedThing> find_dotted(std::string_view content) const;
+  std::optional<NamedThing> find_method(std::string_view content) const;
+  std::optional<NamedThing> find_class(std::string_view content) const;
   std::optional<NamedThing> find_action(std::string_view content) const;
   std::optional<NamedThing> find_named(std::string_view name, std::string_view folder) const;
   bool stands_in(DeclarationRef at, std::string_view space) const;

@@ -6,10 +6,14 @@
 
 namespace kestrix::index {
 
-std::vector<Mention> Mentions::take() {
-  std::ranges::sort(mentions_, {}, [](const Mention& mention) {
+void order_mentions(std::vector<Mention>& mentions) {
+  std::ranges::sort(mentions, {}, [](const Mention& mention) {
     return std::tie(mention.name, mention.role, mention.within);
   });
+}
+
+std::vector<Mention> Mentions::take() {
+  order_mentions(mentions_);
   places_.clear();
   return std::move(mentions_);
 }

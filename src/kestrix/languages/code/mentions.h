@@ -11,6 +11,9 @@
 
 namespace kestrix::index {
 
+/// By name, role and holder.
+void order_mentions(std::vector<Mention>& mentions);
+
 /// Collects the mentions of one file, each combination of name, role and holder once.
 class Mentions {
  public:

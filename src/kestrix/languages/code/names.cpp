@@ -16,6 +16,8 @@ bool is_name(char c) {
 bool is_joint(char c) { return std::string_view(".:\\?!->").find(c) != std::string_view::npos; }
 bool is_blank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
+constexpr std::size_t kLongestTyped = 1000;  // bytes of a name with its type arguments
+constexpr std::string_view kInTypes = ",[]()&'";
 constexpr std::string_view kInStrings = "_./:#\\@*-$";
 
 }  // namespace
@@ -72,6 +74,42 @@ bool starts_in_lower_case(std::string_view name) {
 bool starts_in_upper_case(std::string_view name) {
   const auto first = std::ranges::find_if_not(name, is_joint);
   return first != name.end() && *first >= 'A' && *first <= 'Z';
+}
+
+std::optional<std::string> without_type_arguments(std::string_view text) {
+  if (text.size() > kLongestTyped || text.find('<') == std::string_view::npos) return std::nullopt;
+  std::string plain;
+  std::size_t depth = 0;
+  for (const char c : text) {
+    if (c == '<') {
+      ++depth;
+    } else if (c == '>') {
+      if (depth == 0) return std::nullopt;
+      --depth;
+    } else if (depth == 0) {
+      plain += c;
+    } else if (!is_name(c) && !is_joint(c) && !is_blank(c) && kInTypes.find(c) == kInTypes.npos) {
+      return std::nullopt;
+    }
+  }
+  return depth == 0 ? std::optional(std::move(plain)) : std::nullopt;
+}
+
+CalledMember called_member(std::string_view callee) {
+  std::size_t end = callee.size();
+  if (callee.ends_with('>')) {
+    std::size_t depth = 0;
+    do {
+      --end;
+      if (callee[end] == '>') ++depth;
+      if (callee[end] == '<') --depth;
+    } while (end > 0 && depth > 0 && callee.size() - end < kLongestTyped);
+    if (depth > 0) return {};
+  }
+  std::size_t start = end;
+  while (start > 0 && is_name(callee[start - 1]) && end - start < kLongestMention) --start;
+  if (start == end || start < 2 || callee[start - 1] != '.') return {};
+  return {callee.substr(0, start - 1), callee.substr(start, end - start)};
 }
 
 std::string_view literal_content(std::string_view literal) {

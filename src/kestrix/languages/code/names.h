@@ -24,6 +24,17 @@ Token token_at(std::string_view text, std::size_t start);
 bool starts_in_lower_case(std::string_view name);
 bool starts_in_upper_case(std::string_view name);  ///< behind what joins names
 
+/// The text without what stands in angle brackets: "a.B<C>.d" as "a.B.d". None without such, or
+/// where more than types stands in them.
+std::optional<std::string> without_type_arguments(std::string_view text);
+
+/// A member that is called, as "name" of "object.name" or "object.name<Type>".
+struct CalledMember {
+  std::string_view object{};
+  std::string_view name{};  ///< "" when the text ends in no member's name
+};
+CalledMember called_member(std::string_view callee);
+
 /// What a string literal says: without its prefix and quotes. Empty when it is not closed.
 std::string_view literal_content(std::string_view literal);
 

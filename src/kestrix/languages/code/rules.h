@@ -37,6 +37,7 @@ enum class Act : std::uint8_t {
   kConstruct,      ///< the like of "new": the type in field `name`, arguments in field `value`
   kSubscript,      ///< "base[key]": as a call, but nothing is called
   kFunctionValue,  ///< a lambda: what holds it is a function
+  kMember,         ///< the name of a member: none itself, but its type arguments count
   kTypeArguments,  ///< arguments of a type where one stands, else of a value
   kGeneric,        ///< a name in field `name` with its type arguments in field `value`; it may end
                    ///< a path that could not be taken as a whole
@@ -135,6 +136,10 @@ struct CodeRules {
   /// one are what its type holds.
   std::span<const std::string_view> self{};
   std::optional<OwnFields> own_fields{};
+  /// Those of them whose members are what the type around the place has, where members are not in
+  /// scope: a call of one mentions "@name".
+  std::span<const std::string_view> own{};
+  char variables = '\0';  ///< what starts each variable's name, so that none hides another's
   /// Bases through which the environment is read by subscript or member: "process.env", "ENV".
   std::span<const std::string_view> environments{};
   /// Whether what follows a key there is none of it, but something of the text that it holds.
@@ -143,6 +148,8 @@ struct CodeRules {
   std::span<const std::string_view> tables{};
   /// Objects whose methods, called without more, read the setting of that name.
   std::span<const std::string_view> settings{};
+  /// Ends of what gives settings by subscript alone: "Configuration".
+  std::span<const std::string_view> keyed_settings{};
   /// Methods that make a value of the type that they are called on: "new".
   std::span<const std::string_view> makers{};
   /// Whether types and constants, and nothing else, start in upper case: only a path of them
@@ -152,6 +159,9 @@ struct CodeRules {
   std::span<const std::string_view> wrappers{};
   /// Whether "A::B" is declared as B in the namespace A.
   bool namespaced_names = false;
+  /// Whether what is called as a member may be declared outside of the type of its object, without
+  /// an import of its name. Such a call mentions ":name".
+  bool open_calls = false;
   /// Whether the members of the type around a place are known there by their names alone.
   bool members_in_scope = false;
   /// Whether a function may be called by a name that a variable nearer by has, too.
@@ -172,6 +182,8 @@ struct CodeRules {
   bool (*keyed_by_member)(TSNode literal) = nullptr;
   /// The type that a method, or the members below a node, belong to; "" for none.
   std::string_view (*owner)(const SourceTree& tree, TSNode node) = nullptr;
+  /// The role of types that are arguments, where `role` is that of what they are given to.
+  Role (*type_arguments)(const SourceTree& tree, TSNode list, Role role) = nullptr;
   /// What a variable without a name says: that a type implements another; null: nothing.
   std::optional<Claim> (*claim)(const SourceTree& tree, TSNode variable) = nullptr;
   /// Whether other files can reach a declaration; null: all but those that sections hide.

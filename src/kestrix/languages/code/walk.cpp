@@ -74,6 +74,7 @@ struct Frame {
   bool ahead = false;            // annotations belong to the declaration that follows
   bool keyed = false;            // keys name members
   bool nameless = false;         // members belong to a type without a name
+  bool member = false;           // names are those of members, but for type arguments
   std::optional<Role> errors{};  // of names that stand for errors
   TSFieldId names = 0;           // of a declaration: the field of its names
   std::uint32_t declared = 0;    // and its place; 0: its names are local
@@ -161,7 +162,9 @@ class CodeWalk {
       if (is_type(type.kind) && type.bases.size() < kMostBases) type.bases.push_back(mention.name);
     }
     facts_.dropped += mentions_.dropped();
-    if (source_.finish != nullptr) source_.finish(facts_);
+    if (source_.finish == nullptr) return;
+    source_.finish(facts_);
+    order_mentions(facts_.mentions);
   }
 
   // Whether the node's children are to be walked over; their frame is pushed then.
@@ -208,6 +211,7 @@ class CodeWalk {
                 .ahead = up.ahead,
                 .keyed = up.keyed,
                 .nameless = up.nameless,
+                .member = up.member,
                 .errors = up.errors,
                 .owner = up.owner,
                 .hidden = up.hidden,
@@ -328,11 +332,11 @@ class CodeWalk {
         frame.errors.reset();
         return push(frame, node);
       case Act::kTypeArguments:
-        if (frame.role == Role::kLists) return push(frame, node);
-        frame.role = is_of(frame.role, {Role::kExtends, Role::kImplements, Role::kType,
-                                        Role::kConstructs, Role::kCalls})
-                         ? Role::kType
-                         : Role::kUses;
+        frame.member = false;
+        frame.role = role_of_type_arguments(node, frame.role);
+        return push(frame, node);
+      case Act::kMember:
+        frame.member = true;
         return push(frame, node);
       case Act::kNameless:
         frame.nameless = true;
@@ -371,6 +375,13 @@ class CodeWalk {
     const bool extension = add_extension(node, text, frame);
     if (extension && name_path(text)) return false;
     if (!extension && mention(node, text, frame)) return false;
+    // Where a grammar has nodes for generic names, they are left to them.
+    const bool whole = extension || source_.defined_elsewhere;
+    const auto plain = whole ? std::nullopt : without_type_arguments(text);
+    if (plain && mention(node, *plain, frame)) {
+      frame.member = true;
+      return push(frame, node);
+    }
     frame.path = ts_node_start_byte(node) + 1;
     frame.path_role = frame.role;
     frame.role = beyond(frame.role);
@@ -394,6 +405,14 @@ class CodeWalk {
     frame.role = Role::kUses;
     frame.path = 0;
     return push(frame, node);
+  }
+
+  Role role_of_type_arguments(TSNode list, Role role) const {
+    if (source_.type_arguments != nullptr) return source_.type_arguments(tree_, list, role);
+    if (role == Role::kLists) return role;
+    const bool type = is_of(
+        role, {Role::kExtends, Role::kImplements, Role::kType, Role::kConstructs, Role::kCalls});
+    return type ? Role::kType : Role::kUses;
   }
 
   // "process.env.KEY"
@@ -432,7 +451,7 @@ class CodeWalk {
     frame.callee = ts_node_is_null(type) ? node.id : type.id;
     frame.callee_role = Role::kConstructs;
     frame.arguments = rule.value;
-    frame.role = Role::kLists;
+    if (frame.role != Role::kThrows) frame.role = Role::kLists;
     frame.keyed = source_.keyed_by_member == nullptr || source_.keyed_by_member(node);
     return push(frame, node);
   }
@@ -477,14 +496,16 @@ class CodeWalk {
     std::string_view text = tree_.text(callee);
     if (member && rule.rule->in_type) frame.role = Role::kUses;
     if (member) text = visit_object(node, object, callee, frame);
-    const auto path = name_path(text);
+    if (source_.open_calls && rule.rule->act == Act::kCall) add_open_call(callee, frame);
+    auto path = name_path(text);
+    if (!path) path = name_path(called_member(text).name);
     if (!path) return push(frame, node);
     if (source_.macro != nullptr && (!member || path->find('.') != std::string::npos) &&
         !note_macro(node, callee, text, frame)) {
       return false;
     }
     if (rule.rule->act == Act::kSubscript) {
-      if (is_environment(*path)) add_key(node, callee, rule.value, frame);
+      if (is_environment(*path) || gives_settings(*path)) add_key(node, callee, rule.value, frame);
     } else if (const CallRule* call = call_rule(*path, text.back(), member)) {
       if (call->role == Role::kReads) {
         add_key(node, callee, rule.value, frame);
@@ -572,6 +593,24 @@ class CodeWalk {
     return rule != nullptr && rule->rule->act == Act::kCall;
   }
 
+  // What is called of a type's name is declared in that type.
+  void add_open_call(TSNode callee, const Frame& frame) {
+    const CalledMember member = called_member(tree_.text(callee));
+    if (member.name.empty()) return;
+    const bool known = std::ranges::find(source_.self, member.object) != source_.self.end();
+    const bool simple = member.object.find_first_of(".(") == std::string_view::npos;
+    if (known || (simple && starts_in_upper_case(member.object))) return;
+    mentions_.add(":" + std::string(member.name), Role::kCalls, frame.holder,
+                  ts_node_end_point(callee).row + 1);
+  }
+
+  bool gives_settings(std::string_view path) const {
+    return std::ranges::any_of(source_.keyed_settings, [&](std::string_view end) {
+      return path.ends_with(end) &&
+             (path.size() == end.size() || path[path.size() - end.size() - 1] == '.');
+    });
+  }
+
   bool is_environment(std::string_view path) const {
     return std::ranges::find(source_.environments, path) != source_.environments.end();
   }
@@ -632,14 +671,17 @@ class CodeWalk {
 
   // Whether the text is a name or path of names; it is taken as a mention unless it is local.
   bool mention(TSNode node, std::string_view text, const Frame& frame) {
+    if (frame.member) return true;
     auto path = name_path(text);
     if (!path) return false;
-    if (source_.capital_types && text.starts_with("::")) path->insert(0, 1, '.');
+    const bool absolute = source_.capital_types && text.starts_with("::");
+    if (absolute || text.starts_with('\\')) path->insert(0, 1, '.');
     const std::string_view root = std::string_view(*path).substr(0, path->find('.'));
     if (std::ranges::find(source_.self, root) != source_.self.end()) {
       add_own_member(*path, root, frame, SourceTree::line(node));
       return true;
     }
+    if (source_.variables != '\0' && root.starts_with(source_.variables)) return true;
     const bool function = frame.role == Role::kCalls && root.size() == path->size();
     if (locals_.contains(root) && !(function && source_.functions_apart)) return true;
     const bool plain = is_of(frame.role, {Role::kUses, Role::kLists, Role::kConstructs});
@@ -651,10 +693,12 @@ class CodeWalk {
   // "this.run()": what is called or handed over by the object itself.
   void add_own_member(std::string_view path, std::string_view self, const Frame& frame,
                       std::uint32_t line) {
-    const bool known = source_.members_in_scope && self == source_.self.front();
-    if (!known || path.size() <= self.size()) return;
-    if (!is_of(frame.role, {Role::kCalls, Role::kLists})) return;
-    add(path.substr(self.size() + 1), frame.role, frame, line);
+    if (path.size() <= self.size() || !is_of(frame.role, {Role::kCalls, Role::kLists})) return;
+    if (std::ranges::find(source_.own, self) != source_.own.end()) {
+      add("@" + std::string(path.substr(self.size() + 1)), frame.role, frame, line);
+    } else if (source_.members_in_scope && self == source_.self.front()) {
+      add(path.substr(self.size() + 1), frame.role, frame, line);
+    }
   }
 
   void add(std::string_view name, Role role, const Frame& frame, std::uint32_t line) {
@@ -669,6 +713,10 @@ class CodeWalk {
     for (const auto& [name, line] : annotations_)
       mentions_.add(name, Role::kAnnotates, declared, line);
     annotations_.clear();
+  }
+
+  void bind_name(std::string_view name) {
+    if (source_.variables == '\0') locals_.bind(name);
   }
 
   // The name, or each of the names that stand directly in the node.
@@ -920,11 +968,11 @@ class CodeWalk {
                    .name = *path,
                    .line = SourceTree::line(ts_node_is_null(name) ? node : name),
                    .last_line = ts_node_end_point(node).row + 1,
-                   .container = frame.holder,
+                   .container = holder_of(rule.rule->kind, frame.holder),
                    .exported = !frame.hidden};
-    const bool local = is_local(frame.holder);
+    const bool local = is_local(as.container);
     if ((local || locals_.in_function()) && is_value(as.kind)) {
-      locals_.bind(*text);
+      bind_name(*text);
       return push(frame, node);
     }
     // Nothing outside of a function without a name knows those in it.
@@ -937,7 +985,7 @@ class CodeWalk {
     if (make_claim(node, as)) return false;
     if (!classify(rule, node, as)) return push(frame, node);
     if (!local) give_to_owner(node, frame, as);
-    if (local) locals_.bind(*text);
+    if (local) bind_name(*text);
     as.exported = !local && as.exported;
     if (facts_.declarations.size() >= kMostDeclarations) {
       ++facts_.dropped;
@@ -958,6 +1006,13 @@ class CodeWalk {
     if (name.find('.') != std::string_view::npos) return;
     const bool first = own_fields_.emplace(method.container, name).second;
     if (first) ++facts_.declarations[method.container - 1].fields;
+  }
+
+  // The head of a method may declare a field of its type.
+  std::uint32_t holder_of(DeclarationKind kind, std::uint32_t holder) const {
+    const bool of_type = kind == DeclarationKind::kField && holder > 0 &&
+                         is_callable(facts_.declarations[holder - 1].kind);
+    return of_type ? facts_.declarations[holder - 1].container : holder;
   }
 
   // What stands in a function, also in one without a name, but not what stands in a type there.
