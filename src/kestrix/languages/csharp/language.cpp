@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "kestrix/languages/csharp/code.h"
 #include "kestrix/languages/csharp/conventions.h"
 #include "kestrix/languages/csharp/directives.h"
 #include "kestrix/languages/csharp/names.h"
@@ -64,10 +65,20 @@ class Reader {
     } else if (const auto directive = match.node("using")) {
       read_using(*directive);
     } else if (const auto method = match.node("method")) {
-      declare(*method, kMethodMark + std::string(csharp::plain(tree_.text(*method))));
+      declare(*method, class_around(*method) + kMethodMark +
+                           std::string(csharp::plain(tree_.text(*method))));
     } else if (const auto name = match.node("name")) {
       read_declaration(match, *name);
     }
+  }
+
+  std::string class_around(TSNode method) const {
+    for (TSNode up = ts_node_parent(method); !ts_node_is_null(up); up = ts_node_parent(up)) {
+      const auto name = field_of(up, "name");
+      if (type_of(up) == "class_declaration" && name)
+        return std::string(csharp::plain(tree_.text(*name)));
+    }
+    return {};
   }
 
   // A namespace with a body ends with it, one without lasts to the end of the file.
@@ -176,6 +187,7 @@ class Reader {
   }
 
   void add_uses(csharp::UsedNames used) {
+    // What each alias stands for.
     std::map<std::string, std::string, std::less<>> aliases;
     for (ImportFact& import : facts_.imports) {
       if (import.names.empty()) continue;
@@ -192,7 +204,8 @@ class Reader {
       facts_.imports.push_back({.module = known ? alias->second + name.substr(first.size()) : name,
                                 .form = static_cast<std::uint16_t>(CSharpImport::kInCode),
                                 .uses = chain.uses,
-                                .line = chain.line});
+                                .line = chain.line,
+                                .local = name});
     }
   }
 
@@ -217,6 +230,7 @@ const Language& csharp_language() {
                                  .keywords = {},
                                  .read = read,
                                  .resolver = make_csharp_resolver,
+                                 .code = &csharp_code,
                                  .mask = csharp::mask,
                                  .conventions = &csharp::kConventions};
   return language;

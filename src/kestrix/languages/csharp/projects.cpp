@@ -1,6 +1,7 @@
 #include "kestrix/languages/csharp/projects.h"
 
 #include <algorithm>
+#include <array>
 #include <optional>
 #include <unordered_set>
 #include <utility>
@@ -13,7 +14,8 @@ namespace kestrix::index {
 namespace {
 
 constexpr std::string_view kProjectFile = ".csproj";
-constexpr std::string_view kSharedFile = "Directory.Build.props";
+constexpr std::array<std::string_view, 2> kSharedFiles = {"Directory.Build.props",
+                                                          "Directory.Build.targets"};
 constexpr std::size_t kMostSteps = 20'000'000;  // from project to project, for all together
 
 std::string_view stem(std::string_view path) {
@@ -65,11 +67,13 @@ DotnetProjects::Id DotnetProjects::containing(std::string_view path) const {
 
 // Files that are shared are read once, however many projects they stand above.
 void DotnetProjects::read_project_files() {
-  std::unordered_map<std::string_view, ProjectFile> shared;
+  std::unordered_map<std::string_view, std::vector<DotnetItem>> shared;
   for (FileId id = 0; id < files_.size(); ++id) {
     const std::string_view path = files_.path(id);
-    if (base_name(path) == kSharedFile)
-      shared.emplace(folder_of(path), read_project_file(files_.read(id)));
+    if (std::ranges::find(kSharedFiles, base_name(path)) == kSharedFiles.end()) continue;
+    auto& items = shared[folder_of(path)];
+    for (DotnetItem& item : read_project_file(files_.read(id)).items)
+      items.push_back(std::move(item));
   }
   for (FileId id = 0; id < files_.size(); ++id) {
     const std::string_view path = files_.path(id);
@@ -79,7 +83,7 @@ void DotnetProjects::read_project_files() {
     take(project, project.folder, own.items);
     for_each_folder_up(project.folder, [&](std::string_view folder) {
       const auto found = shared.find(folder);
-      if (found != shared.end()) take(project, folder, found->second.items);
+      if (found != shared.end()) take(project, folder, found->second);
     });
     project.open = project.referred.empty() && own.imports;
   }

@@ -38,7 +38,7 @@ class DotnetProjects {
   bool sees(Id from, Id to) const;
 
   /// The global directives of a project's C# files, of its project file and of the
-  /// Directory.Build.props above it; at most `kMostUsings`.
+  /// Directory.Build.props and .targets above it; at most `kMostUsings`.
   std::span<const GlobalUsing> global_usings(Id project) const { return projects_[project].usings; }
 
   static constexpr std::size_t kMostUsings = 256;

@@ -2,19 +2,21 @@
 
 #include <algorithm>
 #include <array>
+#include <map>
 #include <string>
 #include <string_view>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
-#include "kestrix/languages/dependencies.h"
 #include "kestrix/languages/csharp/projects.h"
 #include "kestrix/languages/csharp/types.h"
+#include "kestrix/languages/dependencies.h"
 
 namespace kestrix::index {
 namespace {
 
-using Files = std::vector<FileId>;
+using Found = DotnetTypes::Found;
 
 constexpr std::string_view kPlatform = "System";
 // Roots of which a repository holds a part at most: what is missing there is a library's.
@@ -26,6 +28,7 @@ constexpr std::array<std::string_view, 6> kImplicit = {"Microsoft.AspNetCore.Bui
                                                        "Microsoft.Extensions.Configuration",
                                                        "Microsoft.Extensions.DependencyInjection",
                                                        "Microsoft.Extensions.Hosting"};
+constexpr std::string_view kAllMembers = "*";
 constexpr std::size_t kMostSpaces = 256;
 constexpr std::size_t kMostArity = 4;
 
@@ -62,6 +65,8 @@ class CSharpResolver : public Resolver {
       for (const std::string& name : files.facts(id).declares) {
         const Declared declared = parse(name);
         types_.declare(declared.space, declared.name, id, declared.partial);
+        if (!declared.name.starts_with(kMethodMark)) continue;
+        methods_.try_emplace({id, declared.name}, below(declared.holder, declared.name.substr(1)));
       }
     }
   }
@@ -75,7 +80,7 @@ class CSharpResolver : public Resolver {
         resolve_directive(import, file, spaces, found);
       }
     }
-    add_project(file, spaces);
+    add_project(file, spaces, found);
     for (const ImportFact& import : facts.imports) {
       if (static_cast<CSharpImport>(import.form) == CSharpImport::kInCode) {
         resolve_chain(import, file, spaces, found);
@@ -90,45 +95,62 @@ class CSharpResolver : public Resolver {
   struct Declared {
     std::string_view space;
     std::string_view name;
+    std::string_view holder;  // of an extension method: its class
     bool partial;
   };
 
   static Declared parse(std::string_view declared) {
     const bool partial = declared.starts_with(kPartial);
     if (partial) declared.remove_prefix(kPartial.size());
-    return {without_last_part(declared), last_part(declared), partial};
+    const std::string_view name = last_part(declared);
+    const std::size_t mark = name.find(kMethodMark);
+    const bool method = mark != std::string_view::npos;
+    return {without_last_part(declared), method ? name.substr(mark) : name,
+            method ? name.substr(0, mark) : std::string_view(), partial};
   }
 
-  Files find(std::string_view space, std::string_view name, FileId from) const {
+  Found find(std::string_view space, std::string_view name, FileId from) const {
     const bool hidden =
         first_part(space) == kPlatform && first_part(files_.facts(from).package) != kPlatform;
     if (hidden) return {};
-    Files files = types_.find(space, name, from);
+    Found found = types_.find(space, name, from);
     // Which of several methods is called takes a compiler to tell.
-    if (name.starts_with(kMethodMark) && files.size() > 1) files.clear();
-    return files;
+    if (name.starts_with(kMethodMark) && found.files.size() > 1) found.files.clear();
+    return found;
   }
 
   // Looks a dotted name up, whose last parts may be nested types or members.
-  Files find_dotted(std::string_view dotted, std::size_t least_parts, FileId from) const {
+  Found find_dotted(std::string_view dotted, std::size_t least_parts, FileId from) const {
     auto parts = static_cast<std::size_t>(std::ranges::count(dotted, '.')) + 1;
     for (; parts >= least_parts && !dotted.empty(); --parts, dotted = without_last_part(dotted)) {
       const auto space = without_last_part(dotted);
       if (!space.empty() && !types_.has_space(space)) continue;
-      if (Files files = find_any_arity(space, last_part(dotted), from); !files.empty()) {
-        return files;
-      }
+      Found found = find_any_arity(space, last_part(dotted), from);
+      if (!found.empty()) return found;
     }
     return {};
   }
 
-  Files find_any_arity(std::string_view space, std::string_view name, FileId from) const {
-    Files files = find(space, name, from);
-    for (std::size_t arity = 1; files.empty() && arity <= kMostArity; ++arity) {
+  Found find_any_arity(std::string_view space, std::string_view name, FileId from) const {
+    Found found = find(space, name, from);
+    for (std::size_t arity = 1; found.empty() && arity <= kMostArity; ++arity) {
       if (name.find(kArityMark) != name.npos) break;
-      files = find(space, std::string(name) + kArityMark + std::to_string(arity), from);
+      found = find(space, std::string(name) + kArityMark + std::to_string(arity), from);
     }
-    return files;
+    return found;
+  }
+
+  // Makes `local` stand for what was found, if that is one thing.
+  void bind(std::string_view local, const Found& target, Dependencies& found) const {
+    const auto file = types_.main_of(target);
+    if (!file) return;
+    std::string_view name = target.name.substr(0, target.name.find(kArityMark));
+    if (name.starts_with(kMethodMark)) {
+      const auto method = methods_.find({*file, name});
+      if (method == methods_.end()) return;
+      name = method->second;
+    }
+    found.bind({.local = local, .target = *file, .name = name});
   }
 
   Spaces own_spaces(FileId file) const {
@@ -159,9 +181,10 @@ class CSharpResolver : public Resolver {
       return;
     }
     if (!space.empty()) return;  // an alias of a namespace
-    const Files targets = find_named(import, file, spaces);
-    for (const FileId target : targets) found.add(target, 1.0 + import.uses);
+    const Found targets = find_named(import, file, spaces);
+    for (const FileId target : targets.files) found.add(target, 1.0 + import.uses);
     if (targets.empty() && looks_local(import.module, file)) found.miss();
+    bind(import.names.empty() ? kAllMembers : import.names.front().name, targets, found);
   }
 
   // The namespace of the repository that a directive names; "" when it names none. Inside of a
@@ -175,11 +198,11 @@ class CSharpResolver : public Resolver {
     return {};
   }
 
-  Files find_named(const ImportFact& import, FileId file, const Spaces& spaces) const {
+  Found find_named(const ImportFact& import, FileId file, const Spaces& spaces) const {
     for (const std::string_view own : spaces.own) {
       if (import.level == 0 && !own.empty()) continue;
-      Files files = find_dotted(below(own, import.module), 1, file);
-      if (!files.empty()) return files;
+      Found found = find_dotted(below(own, import.module), 1, file);
+      if (!found.empty()) return found;
     }
     return {};
   }
@@ -192,12 +215,14 @@ class CSharpResolver : public Resolver {
     return !shared && !around.empty() && types_.has_space(around);
   }
 
-  void add_project(FileId file, Spaces& spaces) const {
+  void add_project(FileId file, Spaces& spaces, Dependencies& found) const {
     const DotnetProjects& projects = types_.projects();
     for (const GlobalUsing& directive : projects.global_usings(projects.project_of(file))) {
       if (!directive.alias.empty()) {
         spaces.aliases.push_back(&directive);
-      } else if (!directive.type && types_.has_space(directive.name)) {
+      } else if (directive.type) {
+        bind(kAllMembers, find_dotted(directive.name, 1, file), found);
+      } else if (types_.has_space(directive.name)) {
         spaces.import(directive.name);
       }
     }
@@ -212,10 +237,23 @@ class CSharpResolver : public Resolver {
       const auto around = static_cast<std::size_t>(std::ranges::count(own, '.'));
       const std::size_t own_parts = own.empty() ? 0 : around + 1;
       if (!types_.has_space(below(own, first_part(import.module)))) continue;
-      const Files targets = find_dotted(below(own, import.module), own_parts + 2, file);
-      for (const FileId target : targets) found.add(target, import.uses);
-      if (!targets.empty()) return;
+      const std::string whole = below(own, import.module);
+      const Found targets = find_dotted(whole, own_parts + 2, file);
+      for (const FileId target : targets.files) found.add(target, import.uses);
+      if (!targets.empty()) return bind_chain(import, whole, targets, found);
     }
+  }
+
+  // Of what the code spells out the parts up to the type stand for it.
+  void bind_chain(const ImportFact& import, std::string_view whole, const Found& targets,
+                  Dependencies& found) const {
+    const std::string_view type = targets.name.substr(0, targets.name.find(kArityMark));
+    std::string_view written = import.local.empty() ? import.module : import.local;
+    while (!whole.empty() && last_part(whole) != type) {
+      whole = without_last_part(whole);
+      written = without_last_part(written);
+    }
+    if (!written.empty()) bind(written, targets, found);
   }
 
   void resolve_uses(FileId file, const Spaces& spaces, Dependencies& found) const {
@@ -224,18 +262,28 @@ class CSharpResolver : public Resolver {
       std::string_view name = use.name;
       const bool attribute = name.starts_with(kAttributeMark);
       if (attribute) name.remove_prefix(1);
-      if (attribute && resolve_use(attribute_name(name), use.uses, file, spaces, imported, found)) {
-        continue;
+      const std::string_view local = name.substr(0, name.find(kArityMark));
+      Used target;
+      if (attribute) target = find_used(attribute_name(name), file, spaces);
+      if (target.empty()) target = find_used(name, file, spaces);
+      bind(local, target, found);
+      for (const FileId at : target.files) {
+        const bool first = target.imported && imported.insert(at).second;
+        found.add(at, (first ? 1.0 : 0.0) + use.uses);
       }
-      resolve_use(name, use.uses, file, spaces, imported, found);
     }
   }
 
   void add_other_parts(FileId file, Dependencies& found) const {
-    for (const std::string& name : files_.facts(file).declares) {
-      const Declared declared = parse(name);
+    for (const std::string& declared_name : files_.facts(file).declares) {
+      const Declared declared = parse(declared_name);
       if (!declared.partial) continue;
-      for (const FileId part : find(declared.space, declared.name, file)) found.add(part, 1.0);
+      const Found parts = find(declared.space, declared.name, file);
+      for (const FileId part : parts.files) {
+        found.add(part, 1.0);
+        const std::string_view name = parts.name.substr(0, parts.name.find(kArityMark));
+        found.bind({.local = name, .target = part, .name = name});
+      }
     }
   }
 
@@ -244,30 +292,31 @@ class CSharpResolver : public Resolver {
     return std::string(name.substr(0, end)) + "Attribute" + std::string(name.substr(end));
   }
 
-  bool resolve_use(std::string_view name, double uses, FileId file, const Spaces& spaces,
-                   std::unordered_set<FileId>& imported, Dependencies& found) const {
+  struct Used : Found {
+    Used() = default;
+    Used(Found found, bool from_import) : Found(std::move(found)), imported(from_import) {}
+    bool imported = false;
+  };
+
+  Used find_used(std::string_view name, FileId file, const Spaces& spaces) const {
     for (const std::string_view space : spaces.own) {
-      const Files own = find(space, name, file);
-      for (const FileId target : own) found.add(target, uses);
-      if (!own.empty()) return true;
+      Found own = find(space, name, file);
+      if (!own.empty()) return {std::move(own), false};
     }
     for (const GlobalUsing* alias : spaces.aliases) {
-      if (alias->alias != name) continue;
-      for (const FileId target : find_dotted(alias->name, 1, file)) found.add(target, 1.0 + uses);
-      return true;
+      if (alias->alias == name) return {find_dotted(alias->name, 1, file), true};
     }
     for (const std::string_view space : spaces.imported) {
-      const Files targets = find(space, name, file);
-      for (const FileId target : targets) {
-        found.add(target, (imported.insert(target).second ? 1.0 : 0.0) + uses);
-      }
-      if (!targets.empty()) return true;
+      Found targets = find(space, name, file);
+      if (!targets.empty()) return {std::move(targets), true};
     }
-    return false;
+    return {};
   }
 
   const FileTable& files_;
   DotnetTypes types_;
+  // What extension methods are called by those who name their classes, too.
+  std::map<std::pair<FileId, std::string_view>, std::string> methods_;
 };
 
 }  // namespace

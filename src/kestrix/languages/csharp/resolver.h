@@ -24,8 +24,8 @@ enum class CSharpImport : std::uint16_t {
 /// FileFacts::declares holds types by their full names. A generic type ends in "`" and the number
 /// of its parameters ("N.List`1"), here as in FileFacts::uses.
 inline constexpr char kArityMark = '`';
-/// Starts the last part of a declared extension method ("N.:Method"), and the used name of a method
-/// that is called on something.
+/// Stands before the name of a declared extension method ("N.Class:Method"), and starts the used
+/// name of a method that is called on something.
 inline constexpr char kMethodMark = ':';
 /// Starts a used name that is an attribute's, where "Name" may mean the type "NameAttribute".
 inline constexpr char kAttributeMark = '[';
@@ -38,6 +38,8 @@ inline constexpr std::string_view kPartial = "partial ";
 /// ones of its project name. A directive alone leads nowhere. A file sees what its project and
 /// those that this one refers to declare. A partial type leads to all of its parts, and each of
 /// them to the others.
+///
+/// A binding for ":Method" stands for the one extension method of that name.
 ///
 /// What the repository declares in System is seen by files of that namespace only.
 std::unique_ptr<Resolver> make_csharp_resolver(const FileTable& files);

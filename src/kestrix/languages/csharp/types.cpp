@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <utility>
 
 #include "kestrix/languages/csharp/resolver.h"
 #include "kestrix/text/paths.h"
@@ -39,8 +40,8 @@ std::size_t DotnetTypes::nearness(FileId file, FileId from) const {
   return static_cast<std::size_t>(std::ranges::mismatch(a, b).in1 - a.begin());
 }
 
-std::vector<FileId> DotnetTypes::find(std::string_view space, std::string_view name,
-                                      FileId from) const {
+DotnetTypes::Found DotnetTypes::find(std::string_view space, std::string_view name,
+                                     FileId from) const {
   const auto names = declared_.find(space);
   if (names == declared_.end()) return {};
   const auto entry = names->second.find(name);
@@ -64,15 +65,24 @@ std::vector<FileId> DotnetTypes::find(std::string_view space, std::string_view n
     std::erase_if(found, [&](FileId file) { return nearness(file, from) < best; });
   }
   if (found.size() > kMostFound) keep_main_part(found, name);
-  return found;
+  return {std::move(found), entry->first, entry->second.partial};
+}
+
+std::optional<FileId> DotnetTypes::main_of(const Found& found) const {
+  if (found.files.empty() || (found.files.size() > 1 && !found.partial)) return std::nullopt;
+  const auto named = std::ranges::find_if(
+      found.files, [&](FileId file) { return is_named_after(file, found.name); });
+  return named == found.files.end() ? found.files.front() : *named;
+}
+
+bool DotnetTypes::is_named_after(FileId file, std::string_view name) const {
+  const std::string_view base = base_name(files_.path(file));
+  return base.substr(0, base.rfind('.')) == name.substr(0, name.find(kArityMark));
 }
 
 // Of very many parts the one that is named after the type stands for all.
 void DotnetTypes::keep_main_part(std::vector<FileId>& parts, std::string_view name) const {
-  const auto is_main = [&](FileId file) {
-    const std::string_view base = base_name(files_.path(file));
-    return base.substr(0, base.rfind('.')) == name.substr(0, name.find(kArityMark));
-  };
+  const auto is_main = [&](FileId file) { return is_named_after(file, name); };
   if (std::ranges::count_if(parts, is_main) == 1) std::erase_if(parts, std::not_fn(is_main));
   parts.resize(std::min(parts.size(), kMostFound));
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string_view>
 #include <unordered_map>
 #include <unordered_set>
@@ -27,11 +28,23 @@ class DotnetTypes {
   std::string_view space(std::string_view name) const;
   bool has_space(std::string_view name) const { return !space(name).empty(); }
 
+  struct Found {
+    std::vector<FileId> files{};
+    std::string_view name{};  ///< as it was declared
+    bool partial = false;
+
+    bool empty() const { return files.empty(); }
+  };
+
   /// The files that declare the name as `from` sees it: those of its own project, else of the ones
   /// that this one sees; all parts of a partial type, of different ones the nearest. At most
   /// `kMostFound`, ascending; a type of more parts is the file named after it, where there is one.
   /// Looks at a bounded number of candidates.
-  std::vector<FileId> find(std::string_view space, std::string_view name, FileId from) const;
+  Found find(std::string_view space, std::string_view name, FileId from) const;
+
+  /// The one file that stands for what was found: of the parts of a type the one named after it,
+  /// else the first.
+  std::optional<FileId> main_of(const Found& found) const;
 
   static constexpr std::size_t kMostFound = 8;
 
@@ -42,6 +55,7 @@ class DotnetTypes {
   };
 
   std::size_t nearness(FileId file, FileId from) const;
+  bool is_named_after(FileId file, std::string_view name) const;
   void keep_main_part(std::vector<FileId>& parts, std::string_view name) const;
 
   const FileTable& files_;
