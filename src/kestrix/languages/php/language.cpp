@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "kestrix/languages/packaged/reading.h"
+#include "kestrix/languages/php/code.h"
 #include "kestrix/languages/php/conventions.h"
 #include "kestrix/languages/php/query.scm.h"
 #include "kestrix/languages/php/resolver.h"
@@ -172,8 +173,10 @@ class Reader {
     if (name.empty()) return;
     const auto alias = field_of(clause, "alias");
     const std::string_view own = alias ? tree_.text(*alias) : last_word(tree_.text(clause));
-    facts_.imports.push_back(
-        {.module = name, .uses = tree_.uses(own), .line = SourceTree::line(clause)});
+    facts_.imports.push_back({.module = name,
+                              .uses = tree_.uses(own),
+                              .line = SourceTree::line(clause),
+                              .local = std::string(own)});
     own_.add(own);
     aliases_.emplace(own, name);
   }
@@ -194,8 +197,14 @@ class Reader {
       facts_.imports.push_back({.module = full_name(written),
                                 .form = static_cast<std::uint16_t>(PhpImport::kInCode),
                                 .uses = named.uses,
-                                .line = named.line});
+                                .line = named.line,
+                                .local = as_mentioned(written)});
     }
+  }
+
+  // What is written in full keeps a mark of it.
+  static std::string as_mentioned(std::string_view written) {
+    return (written.starts_with('\\') ? "\\" : "") + dotted(written);
   }
 
   void read_inclusion(TSNode node) {
@@ -239,6 +248,7 @@ const Language& php_language() {
                                  .keywords = kKeywords,
                                  .read = read,
                                  .resolver = make_php_resolver,
+                                 .code = &php_code,
                                  .conventions = &php::kConventions};
   return language;
 }

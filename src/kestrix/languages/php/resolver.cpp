@@ -5,6 +5,7 @@
 
 #include "kestrix/languages/dependencies.h"
 #include "kestrix/languages/packaged/packages.h"
+#include "kestrix/text/ascii.h"
 #include "kestrix/text/paths.h"
 
 namespace kestrix::index {
@@ -32,9 +33,12 @@ class PhpResolver : public Resolver {
       }
     }
     for (const NameUse& use : facts.uses) {
-      if (const auto own = packages_.find_one(facts.package, use.name, file)) {
-        found.add(*own, use.uses);
-      }
+      auto own = packages_.find_one(facts.package, use.name, file);
+      // Functions without an import may be those of no namespace.
+      if (!own && ascii::is_lower(use.name.front())) own = packages_.find_one("", use.name, file);
+      if (!own) continue;
+      found.add(*own, use.uses);
+      found.bind({.local = use.name, .target = *own, .name = use.name});
     }
     return found.take();
   }
@@ -47,6 +51,9 @@ class PhpResolver : public Resolver {
     const auto targets = packages_.find(package, name.substr(dot + 1), file);
     const bool stated = static_cast<PhpImport>(import.form) == PhpImport::kUse;
     for (const FileId target : targets) found.add(target, (stated ? 1.0 : 0.0) + import.uses);
+    if (const auto one = packages_.find_one(package, name.substr(dot + 1), file)) {
+      found.bind({.local = import.local, .target = *one, .name = name.substr(dot + 1)});
+    }
     if (stated && targets.empty() && !package.empty() && packages_.contains(package, file))
       found.miss();
   }
@@ -57,6 +64,7 @@ class PhpResolver : public Resolver {
     if (!target && !here) target = find_below("", import.module);
     if (target) {
       found.add(*target, 1.0);
+      found.bind({.local = "*", .target = *target, .exported = "*"});
     } else if (here) {
       found.miss();
     }
