@@ -403,7 +403,8 @@ NameResolver::Found NameResolver::find_through_wildcards(std::string_view name) 
 
 // A name that an import of this file brings in from outside, in full; else nothing.
 NameResolver::Found NameResolver::find_outside(std::string_view name) const {
-  const std::string_view root = first_part(name);
+  const bool absolute = name.starts_with('.');
+  const std::string_view root = name.substr(0, name.find('.', absolute ? 1 : 0));
   const std::string_view rest = name.substr(root.size());
   for (const ImportFact& import : files_.facts(file_).imports) {
     if (import.module.empty()) continue;

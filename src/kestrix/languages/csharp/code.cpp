@@ -379,7 +379,7 @@ void finish(FileFacts& facts) {
 constinit const CodeRules csharp_code = {.rules = kRules,
                                          .calls = kCalls,
                                          .self = kSelf,
-                                         .settings = kSettings,
+                                         .keyed_settings = kSettings,
                                          .open_calls = true,
                                          .members_in_scope = true,
                                          .keyed_by_member = keyed_by_member,

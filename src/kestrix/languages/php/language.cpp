@@ -204,7 +204,7 @@ class Reader {
 
   // What is written in full keeps a mark of it.
   static std::string as_mentioned(std::string_view written) {
-    return (written.starts_with('\\') ? "\\" : "") + dotted(written);
+    return (written.starts_with('\\') ? "." : "") + dotted(written);
   }
 
   void read_inclusion(TSNode node) {
