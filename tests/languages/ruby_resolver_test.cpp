@@ -37,6 +37,11 @@ TEST(RubyResolver, FindsConstants) {
         {"lib/b/http_server.rb", "module B; class HTTPServer; end; end"},
         {"lib/log.rb", "class Log; end"}},
        {"lib/a/client.rb -> lib/a/http_server.rb", "lib/a/client.rb -> lib/log.rb"}},
+      {"not in what adds to others' classes",
+       {{"lib/core_ext/string.rb", "class String; def shout; end; end"},
+        {"lib/active_record_ext.rb", "module ActiveRecord; class Base; end; end"},
+        {"app/models/user.rb", "class User < ActiveRecord::Base; NAME = String.new; end"}},
+       {}},
   });
 }
 

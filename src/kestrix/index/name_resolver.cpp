@@ -1,6 +1,7 @@
 #include "kestrix/index/name_resolver.h"
 
 #include <algorithm>
+#include <array>
 #include <deque>
 #include <utility>
 
@@ -23,6 +24,9 @@ constexpr std::string_view kCompanion = "Companion";
 // A name that more files declare says nothing by itself.
 constexpr std::size_t kMostDeclarers = 64;
 
+// Paths that start so stay in the repository.
+constexpr std::array<std::string_view, 3> kOwnRoots = {"crate", "self", "super"};
+
 std::string_view first_part(std::string_view path) { return path.substr(0, path.find('.')); }
 
 std::string_view behind(std::string_view path, std::size_t length) {
@@ -32,6 +36,17 @@ std::string_view behind(std::string_view path, std::size_t length) {
 NamedThing thing(DeclarationRef at) { return {Kind::kDeclaration, at, {}}; }
 NamedThing whole(FileId file, std::string_view rest = {}) {
   return {Kind::kFile, {file, 0}, std::string(rest)};
+}
+
+// As names are written, whatever the language joins them by.
+std::string with_dots(std::string_view path) {
+  std::string dotted;
+  for (std::size_t at = 0; at < path.size(); ++at) {
+    const bool joint = path.substr(at).starts_with("::");
+    dotted += joint ? '.' : path[at];
+    at += joint ? 1 : 0;
+  }
+  return dotted;
 }
 
 bool is_wildcard(const Binding& binding) {
@@ -52,9 +67,12 @@ NameResolver::NameResolver(const IndexedFiles& files, const Scopes& scopes,
   if (language == nullptr || language->code == nullptr) return;
   members_in_scope_ = language->code->members_in_scope;
   capital_types_ = language->code->capital_types;
+  paths_outside_ = language->code->paths_outside;
 }
 
 bool NameResolver::looks_outside(std::string_view name) const {
+  if (paths_outside_ && name.find('.') != std::string_view::npos && ascii::is_lower(name.front()))
+    return std::ranges::find(kOwnRoots, first_part(name)) == kOwnRoots.end();
   if (name.starts_with('.')) name.remove_prefix(1);
   return capital_types_ && !name.empty() && ascii::is_upper(name.front()) &&
          std::ranges::none_of(table_.find_all(first_part(name), kMostDeclarers),
@@ -410,7 +428,7 @@ NameResolver::Found NameResolver::find_outside(std::string_view name) const {
     if (import.module.empty()) continue;
     for (const ImportedName& named : import.names) {
       if (named.bound() != root) continue;
-      std::string full = import.module;
+      std::string full = with_dots(import.module);
       if (named.name != "*" && named.name != "default") full.append(".").append(named.name);
       return NamedThing{Kind::kOutside, {}, full.append(rest)};
     }

@@ -86,6 +86,7 @@ class NameResolver {
   std::shared_ptr<Lineages> lineages_ = std::make_shared<Lineages>();
   bool members_in_scope_ = false;
   bool capital_types_ = false;
+  bool paths_outside_ = false;
   bool closed_ = false;
   std::vector<FileId> reachable_;       // by wildcards, ascending
   std::vector<FileId> barrels_;         // of those the ones that hand names on

@@ -81,12 +81,15 @@ bool tells_outside(std::string_view language, const Mention& mention) {
 Role role_towards(DeclarationKind kind, bool partial, Role role) {
   const bool call = role == Role::kCalls || role == Role::kConstructs || role == Role::kThrows;
   if (partial && call) return Role::kUses;
+  const bool makes = role == Role::kCalls || role == Role::kConstructs;
+  if (makes && kind == DeclarationKind::kMember) return Role::kConstructs;
   if (role == Role::kCalls && is_type(kind)) return Role::kConstructs;
   if (role == Role::kConstructs && !is_type(kind)) return Role::kCalls;
   const bool contract = kind == DeclarationKind::kInterface || kind == DeclarationKind::kTrait ||
                         kind == DeclarationKind::kProtocol;
   if (role == Role::kExtends && contract) return Role::kImplements;
-  if (role == Role::kImplements && !contract) return Role::kExtends;
+  const bool space = kind == DeclarationKind::kModule;
+  if (role == Role::kImplements && !contract && !space) return Role::kExtends;
   return role;
 }
 

@@ -64,7 +64,8 @@ Token token_at(std::string_view text, std::size_t start) {
   const bool key =
       (follows == ':' && rest != "::") || (follows == '=' && rest != "==" && rest != "=>");
   if (key) return {};
-  return {text.substr(start, end - start), follows};
+  const bool typed = before > 1 && text[before - 1] == ':' && is_name(text[before - 2]);
+  return {text.substr(start, end - start), follows, typed};
 }
 
 bool starts_in_lower_case(std::string_view name) {

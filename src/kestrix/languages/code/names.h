@@ -18,6 +18,7 @@ struct Token {
   std::string_view path{};  ///< "a::b" where the word starts a path; "" where it belongs to
                             ///< something else: a member, a later part of a path, a key
   char next = '\0';
+  bool typed = false;  ///< behind a name and ":"
 };
 Token token_at(std::string_view text, std::size_t start);
 

@@ -78,6 +78,7 @@ struct CallRule {
   Role role;                ///< of its arguments; kReads: its first string is the key
   bool bare = false;        ///< only without an object: a macro of the type around it
   bool first = false;       ///< only of its first argument
+  bool sole = false;        ///< only where there is no second one
 };
 
 /// That a type satisfies another one.
@@ -155,6 +156,12 @@ struct CodeRules {
   /// Whether types and constants, and nothing else, start in upper case: only a path of them
   /// stands before the name of what is called of it, and one that leads nowhere is from outside.
   bool capital_types = false;
+  /// Words that make the string behind them, in what annotates, the key of a setting: "env".
+  std::span<const std::string_view> key_words{};
+  /// Whether of a type and a function of its own that makes what is thrown, the type is thrown.
+  bool thrown_types = false;
+  /// Whether a path that starts in lower case and leads nowhere is one from outside.
+  bool paths_outside = false;
   /// Calls that only wrap a table, of which they are called or which they are given: "freeze".
   std::span<const std::string_view> wrappers{};
   /// Whether "A::B" is declared as B in the namespace A.

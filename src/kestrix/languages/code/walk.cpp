@@ -14,6 +14,7 @@
 #include "kestrix/languages/code/values.h"
 #include "kestrix/languages/symbols.h"
 #include "kestrix/syntax/tree_cursor.h"
+#include "kestrix/text/ascii.h"
 #include "kestrix/text/seeded_hash.h"
 
 namespace kestrix::index {
@@ -328,7 +329,8 @@ class CodeWalk {
         return visit_generic(rule, node, frame);
       case Act::kFunctionValue:
         frame.scope = !frames_.back().body;
-        frame.role = Role::kUses;
+        // What a function throws that is no more than an expression makes what is thrown.
+        if (frame.role != Role::kThrows) frame.role = Role::kUses;
         frame.errors.reset();
         return push(frame, node);
       case Act::kTypeArguments:
@@ -449,7 +451,7 @@ class CodeWalk {
   bool visit_literal(const Rule& rule, TSNode node, Frame& frame) {
     const TSNode type = ts_node_child_by_field_id(node, rule.name);
     frame.callee = ts_node_is_null(type) ? node.id : type.id;
-    frame.callee_role = Role::kConstructs;
+    frame.callee_role = called(frame.role, Role::kConstructs);
     frame.arguments = rule.value;
     if (frame.role != Role::kThrows) frame.role = Role::kLists;
     frame.keyed = source_.keyed_by_member == nullptr || source_.keyed_by_member(node);
@@ -460,12 +462,31 @@ class CodeWalk {
   void visit_token(TSNode node, Frame& frame) {
     const Token token = token_at(tree_.text(), ts_node_start_byte(node));
     if (token.path.empty()) return;
-    if (frame.role == Role::kAnnotates && starts_in_lower_case(token.path)) return;
+    const std::string_view last = token.path.substr(token.path.rfind(':') + 1);
+    if (frame.role == Role::kAnnotates && starts_in_lower_case(last)) return;
+    if (frame.role == Role::kThrows && starts_in_lower_case(last)) frame.role = Role::kUses;
     if (is_of(frame.role, {Role::kUses, Role::kLists})) {
+      if (token.typed && starts_in_upper_case(last)) frame.role = Role::kType;
       if (token.next == '(' || token.next == '!') frame.role = Role::kCalls;
       if (token.next == '{') frame.role = Role::kUses;
+      if (frame.role == Role::kCalls) read_token(node, token, frame);
     }
     mention(node, token.path, frame);
+  }
+
+  // "env::var("KEY")" among tokens.
+  void read_token(TSNode node, const Token& token, const Frame& frame) {
+    const auto path = name_path(token.path);
+    const CallRule* call = path ? call_rule(*path, token.path.back(), false) : nullptr;
+    if (call == nullptr || call->role != Role::kReads) return;
+    std::string_view rest = tree_.text().substr(ts_node_start_byte(node) + token.path.size());
+    rest = rest.substr(0, kLongestMention);
+    const std::size_t open = rest.find('"');
+    const std::size_t close = rest.find('"', open + 1);
+    if (open == std::string_view::npos || close == std::string_view::npos) return;
+    if (rest.substr(0, open).find_first_not_of("!( \t\r\n") != std::string_view::npos) return;
+    const std::string_view key = rest.substr(open + 1, close - open - 1);
+    if (name_path(key)) add(key, Role::kReads, frame, SourceTree::line(node));
   }
 
   void enter_members(TSNode node, Frame& frame) const {
@@ -508,7 +529,8 @@ class CodeWalk {
       if (is_environment(*path) || gives_settings(*path)) add_key(node, callee, rule.value, frame);
     } else if (const CallRule* call = call_rule(*path, text.back(), member)) {
       if (call->role == Role::kReads) {
-        add_key(node, callee, rule.value, frame);
+        if (!call->sole || is_sole_argument(node, callee, rule.value))
+          add_key(node, callee, rule.value, frame);
       } else if (call->role != Role::kExtends || makes_type()) {
         frame.argument_role = call->role;
         if (call->first) frame.first = first_argument(node, rule.value).id;
@@ -568,7 +590,8 @@ class CodeWalk {
     frame.name = callee.id;
     const std::string_view name = tree_.text(callee);
     const std::string_view text = tree_.text(ts_node_start_byte(object), ts_node_end_byte(callee));
-    if (read_setting(object, text, frame)) {
+    if (ts_node_eq(callee, ts_node_child(call, ts_node_child_count(call) - 1)) &&
+        read_setting(object, text, frame)) {
       frame.object = object.id;
       return name;
     }
@@ -633,6 +656,12 @@ class CodeWalk {
     return ts_node_is_null(list) ? list : ts_node_named_child(list, 0);
   }
 
+  static bool is_sole_argument(TSNode call, TSNode callee, TSFieldId arguments) {
+    const TSNode list = arguments == 0 ? ts_node_next_named_sibling(callee)
+                                       : ts_node_child_by_field_id(call, arguments);
+    return !ts_node_is_null(list) && ts_node_named_child_count(list) == 1;
+  }
+
   // The first argument, if it is a string, is what is read.
   void add_key(TSNode call, TSNode callee, TSFieldId arguments, const Frame& frame) {
     TSNode node = arguments == 0 ? ts_node_next_named_sibling(callee)
@@ -657,11 +686,31 @@ class CodeWalk {
     }
   }
 
+  // "env = "KEY"" among the tokens of an attribute.
+  bool is_key(TSNode node) const {
+    std::string_view before = tree_.text().substr(0, ts_node_start_byte(node));
+    const auto trim = [&] {
+      while (!before.empty() && ascii::is_space(before.back())) before.remove_suffix(1);
+    };
+    if (source_.key_words.empty()) return false;
+    trim();
+    if (!before.ends_with('=')) return false;
+    before.remove_suffix(1);
+    trim();
+    return std::ranges::any_of(source_.key_words, [&](std::string_view word) {
+      if (!before.ends_with(word)) return false;
+      const std::size_t start = before.size() - word.size();
+      return start == 0 || !ascii::is_word(before[start - 1]);
+    });
+  }
+
   void add_string(TSNode node, const Frame& frame) {
     const std::string_view content = literal_content(tree_.text(node));
     if (frame.role == Role::kType) {
       if (const auto path = name_path(content))
         add(*path, Role::kType, frame, SourceTree::line(node));
+    } else if (frame.ahead && is_key(node) && name_path(content)) {
+      add(content, Role::kReads, frame, SourceTree::line(node));
     } else if (may_name_something(content)) {
       const bool action = content.find('#') != std::string_view::npos;
       std::string whole = action ? contexts_[frame.around] : std::string();
@@ -685,9 +734,27 @@ class CodeWalk {
     const bool function = frame.role == Role::kCalls && root.size() == path->size();
     if (locals_.contains(root) && !(function && source_.functions_apart)) return true;
     const bool plain = is_of(frame.role, {Role::kUses, Role::kLists, Role::kConstructs});
-    const bool error = frame.errors && plain && source_.is_error(*path, frame.role);
-    add(*path, error ? *frame.errors : frame.role, frame, SourceTree::line(node));
+    Role role = frame.role;
+    if (frame.errors && plain && source_.is_error(*path, frame.role)) role = *frame.errors;
+    if (role == Role::kThrows && source_.thrown_types) role = thrown(*path);
+    if (role == Role::kImplements && !frame.owner.empty()) {
+      claims_.push_back({{frame.owner, text}, SourceTree::line(node)});
+    } else {
+      add(*path, role, frame, SourceTree::line(node));
+    }
     return true;
+  }
+
+  // Of "Type.make" the type; what makes an error by itself is called.
+  static Role thrown(std::string& path) {
+    const std::size_t dot = path.rfind('.');
+    const std::size_t last = dot + 1;  // 0 without a dot
+    if (!starts_in_lower_case(std::string_view(path).substr(last))) return Role::kThrows;
+    if (dot == std::string::npos) return Role::kCalls;
+    const std::string_view type = std::string_view(path).substr(0, dot);
+    if (!starts_in_upper_case(type.substr(type.rfind('.') + 1))) return Role::kCalls;
+    path.erase(dot);
+    return Role::kThrows;
   }
 
   // "this.run()": what is called or handed over by the object itself.
@@ -952,7 +1019,10 @@ class CodeWalk {
       if (rule.rule->role) frame.role = *rule.rule->role;
       return push(frame, node);
     }
-    if (text->empty() && source_.name_of != nullptr) return false;
+    if (text->empty() && source_.name_of != nullptr) {
+      annotations_.clear();
+      return false;
+    }
     const auto path = name_path(*text);
     const bool qualified = source_.qualified_names || source_.namespaced_names;
     if (!path || (path->find('.') != std::string::npos && !qualified)) {

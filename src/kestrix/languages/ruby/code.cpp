@@ -202,14 +202,23 @@ bool is_abstract(const SourceTree& tree, TSNode node, const Declaration& as) {
          ts_node_named_child_count(*body) <= 2;
 }
 
+// What a module does to the classes that include it.
+bool is_for_others(const SourceTree& tree, TSNode call) {
+  const auto method = field_of(call, "method");
+  const std::string_view name = method ? tree.text(*method) : std::string_view();
+  return name == "included" || name == "class_methods" || name == "prepended" ||
+         (name == "extend" && tree.text(call).ends_with("Concern"));
+}
+
 // A module with methods of its own is there to be included or called.
-bool has_methods(TSNode module) {
+bool has_methods(const SourceTree& tree, TSNode module) {
   const auto body = field_of(module, "body");
   if (!body) return false;
   bool any = false;
   for_each_child(*body, [&](TSNode child, std::string_view) {
     const std::string_view type = type_of(child);
-    any |= type == "method" || type == "singleton_method" || type == "singleton_class";
+    any |= type == "method" || type == "singleton_method" || type == "singleton_class" ||
+           (type == "call" && is_for_others(tree, child));
   });
   return any;
 }
@@ -231,7 +240,7 @@ std::optional<DeclarationKind> made(const SourceTree& tree, TSNode value) {
 }
 
 bool refine(const SourceTree& tree, TSNode declaration, Declaration& as) {
-  if (as.kind == DeclarationKind::kModule && has_methods(declaration))
+  if (as.kind == DeclarationKind::kModule && has_methods(tree, declaration))
     as.kind = DeclarationKind::kTrait;
   if (type_of(declaration) != "assignment") return true;
   const auto left = field_of(declaration, "left");
@@ -253,6 +262,7 @@ constinit const CodeRules ruby_code = {.rules = kRules,
                                        .settings = kSettings,
                                        .makers = kMakers,
                                        .capital_types = true,
+                                       .thrown_types = true,
                                        .wrappers = kWrappers,
                                        .namespaced_names = true,
                                        .members_in_scope = true,

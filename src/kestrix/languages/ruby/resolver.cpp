@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "kestrix/languages/dependencies.h"
+#include "kestrix/languages/ruby/others.h"
 #include "kestrix/text/ascii.h"
 #include "kestrix/text/paths.h"
 
@@ -54,7 +55,9 @@ class RubyResolver : public Resolver {
       const auto& names = files.facts(id).declares;
       const bool owns = std::ranges::any_of(
           names, [&](const std::string& name) { return is_named_after(id, name); });
-      for (const std::string& name : names) declare(name, id, owns);
+      for (const std::string& name : names) {
+        if (!ruby::is_of_others(name, files.path(id))) declare(name, id, owns);
+      }
       for (const NameUse& use : files.facts(id).uses) add_dotted(use.name);
     }
     for (const auto& [name, declared] : declared_) add_dotted(name);

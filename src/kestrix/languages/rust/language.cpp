@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "kestrix/languages/rust/code.h"
 #include "kestrix/languages/rust/conventions.h"
 #include "kestrix/languages/rust/macro_items.h"
 #include "kestrix/languages/rust/paths.h"
@@ -59,6 +60,16 @@ std::string_view path_in(std::string_view attribute) {
 // A name without the mark that lets a keyword be one.
 std::string_view plain(std::string_view name) {
   return name.starts_with("r#") ? name.substr(2) : name;
+}
+
+// As mentions write a path.
+std::string with_dots(std::string_view path) {
+  std::string dotted;
+  for (std::size_t at = 0; at < path.size(); ++at) {
+    if (path[at] == ':') ++at;
+    dotted += path[at] == ':' ? '.' : path[at];
+  }
+  return dotted;
 }
 
 class Reader {
@@ -163,7 +174,10 @@ class Reader {
       ImportFact& import =
           import_of(node, from_file(std::move(leaf.prefix), ts_node_start_byte(node)));
       import.names.push_back(
-          {.name = leaf.name, .exported = handed_on ? std::string(bound) : "", .uses = uses});
+          {.name = leaf.name,
+           .exported = handed_on ? std::string(bound) : "",
+           .uses = uses,
+           .local = leaf.alias == leaf.name ? std::string() : std::string(leaf.alias)});
     }
   }
 
@@ -239,12 +253,15 @@ class Reader {
       const std::string_view passed = tree_.text().substr(at, path.offset - at);
       line += static_cast<std::uint32_t>(std::ranges::count(passed, '\n'));
       at = path.offset;
+      const std::string written = path.path;
       const std::string whole = from_file(std::move(path.path), path.offset);
       const std::size_t last = whole.rfind("::");
       if (last == std::string::npos) continue;
       facts_.imports.push_back({.module = whole.substr(0, last),
                                 .form = form(RustImport::kPath),
-                                .names = {{.name = whole.substr(last + 2), .uses = path.count - 1}},
+                                .names = {{.name = whole.substr(last + 2),
+                                           .uses = path.count - 1,
+                                           .local = with_dots(written)}},
                                 .line = line});
     }
   }
@@ -270,6 +287,7 @@ const Language& rust_language() {
                                  .keywords = kKeywords,
                                  .read = read,
                                  .resolver = make_rust_resolver,
+                                 .code = &rust_code,
                                  .conventions = &rust::kConventions};
   return language;
 }

@@ -2,8 +2,8 @@
 
 #include <utility>
 
-#include "kestrix/text/paths.h"
 #include "kestrix/languages/rust/resolver.h"
+#include "kestrix/text/paths.h"
 
 namespace kestrix::index {
 namespace {

@@ -1,6 +1,7 @@
 #include "kestrix/languages/rust/resolver.h"
 
 #include <algorithm>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -72,6 +73,8 @@ class RustResolver : public Resolver {
     const auto target = modules_.file_of_mod(file, imports[at]);
     if (target) {
       found.add(*target, 1 + imports[at].uses);
+      const std::string_view name = module_of(imports[at]);
+      found.bind({.local = name, .target = *target, .exported = name});
     } else if (form_of(imports[at]) == RustImport::kMod &&
                (at == 0 || form_of(imports[at - 1]) != RustImport::kModFile)) {
       found.miss();
@@ -83,7 +86,43 @@ class RustResolver : public Resolver {
     if (place == nullptr) return;
     const auto crate = modules_.crate_named(import.module, place->crate);
     const auto root = crate ? modules_.find(*crate, "") : std::nullopt;
-    if (root) found.add(*root, 1 + import.uses);
+    if (!root) return;
+    found.add(*root, 1 + import.uses);
+    found.bind({.local = import.local.empty() ? import.module : import.local, .target = *root});
+  }
+
+  static std::string_view module_of(const ImportFact& mod) {
+    return form_of(mod) == RustImport::kMod ? mod.module : mod.names.front().name;
+  }
+
+  // A module as a whole, or what it declares or hands on. What stands in the file itself is found
+  // there, but not what the file calls by another name or through its module.
+  void bind(FileId file, const ImportedName& name, const Spot& spot, Dependencies& found) const {
+    if (name.name == "*") {
+      if (!spot.rest.empty() || spot.file != file) {
+        found.bind({.local = "*",
+                    .target = spot.file,
+                    .name = keep(spot.rest),
+                    .exported = name.exported});
+      }
+      return;
+    }
+    const std::string_view local = name.bound();
+    const std::string_view target = spot.rest == name.name ? name.name : keep(spot.rest);
+    if (spot.file == file && (target == local || spot.rest.empty())) return;
+    found.bind({.local = local, .target = spot.file, .name = target, .exported = name.exported});
+  }
+
+  // "A::B" as "A.B", for as long as the resolver lives.
+  std::string_view keep(std::string_view path) const {
+    if (path.empty()) return {};
+    std::string dotted;
+    for (std::size_t at = 0; at < path.size(); ++at) {
+      if (path[at] == ':') ++at;
+      dotted += path[at] == ':' ? '.' : path[at];
+    }
+    const std::lock_guard lock(mutex_);
+    return *kept_.insert(std::move(dotted)).first;
   }
 
   void add_names(FileId file, const ImportFact& import, Dependencies& found) const {
@@ -95,6 +134,7 @@ class RustResolver : public Resolver {
       const auto spot = walk(*place, path, file);
       if (!spot) continue;
       found.add(spot->file, 1 + name.uses);
+      bind(file, name, *spot, found);
       if (spot->rest.empty()) continue;
       int asked = 0;
       const auto source = origin(*spot, kMostHops, asked);
@@ -175,10 +215,16 @@ class RustResolver : public Resolver {
                                  std::optional<FileId> file) const {
     if (!file) return std::nullopt;
     for (const ImportFact& import : files_.facts(*file).imports) {
-      if (form_of(import) != RustImport::kUse || import.module.empty()) continue;
+      if (form_of(import) != RustImport::kUse) continue;
       for (const ImportedName& imported : import.names) {
-        if (imported.name != name) continue;
-        auto spot = walk(place, append(import.module, name), std::nullopt);
+        if (imported.name == "*") {
+          auto spot = walk(place, append(import.module, name), std::nullopt);
+          if (spot && spot->rest.empty()) return spot;
+          continue;
+        }
+        if (imported.bound() != name) continue;
+        if (import.module.empty() && imported.local.empty()) continue;
+        auto spot = walk(place, append(import.module, imported.name), std::nullopt);
         if (spot && spot->rest.empty()) return spot;
       }
     }
@@ -227,6 +273,8 @@ class RustResolver : public Resolver {
 
   const FileTable& files_;
   RustModules modules_;
+  mutable std::mutex mutex_;
+  mutable std::unordered_set<std::string> kept_;
 };
 
 }  // namespace
