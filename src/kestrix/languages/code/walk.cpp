@@ -402,7 +402,8 @@ class CodeWalk {
     frame.arguments = rule.value;
     frame.argument_role = Role::kUses;
     if (const auto path = name_path(text)) {
-      if (const CallRule* call = call_rule(*path, false)) frame.argument_role = call->role;
+      if (const CallRule* call = call_rule(*path, text.back(), false))
+        frame.argument_role = call->role;
     }
     frame.role = Role::kUses;
     frame.path = 0;
