@@ -132,8 +132,7 @@ TEST_F(PageAnswers, SayWhatWasCounted) {
   const auto& host = generator();
   EXPECT_EQ(first_reason(errors_answer(host).files, 0),
             "defines 2 exception types: AppError:1, LateError:4");
-  EXPECT_EQ(first_reason(data_models_answer(host).files, 0),
-            "declares 1 data type that others name: A:3");
+  EXPECT_EQ(first_reason(data_models_answer(host).files, 0), "defines 2 data classes");
   EXPECT_EQ(first_reason(configuration_answer(host).files, 0), "named settings.py");
   const auto extending = extending_answer(host).files;
   EXPECT_THAT(paths_of(extending), ElementsAre("app/plugins.py", "app/main.py"));

@@ -9,6 +9,7 @@
 #include "kestrix/host/evidence/error_types.h"
 #include "kestrix/host/flows/families.h"
 #include "kestrix/host/index_evidence.h"
+#include "kestrix/text/paths.h"
 #include "kestrix/text/sorting.h"
 
 namespace kestrix {
@@ -34,6 +35,8 @@ constexpr double kServiceFactor = 0.3;
 // A file that only imports them may hand them on to whoever wants one.
 constexpr double kMostHanded = 0.5;
 constexpr double kIndexFactor = 0.5;
+// What lies in one folder but for a few is that folder's family.
+constexpr double kLooseFactor = 0.6;
 constexpr double kLeastAlike = 0.6;
 constexpr double kAlikeFactor = 1.5;
 constexpr std::size_t kMostCandidates = 400;
@@ -210,7 +213,18 @@ class HubFamilies {
       family.score *= kIndexFactor;
     }
     if (is_slice(family)) family.score = 0;
+    if (deep && lie_in_one_folder(family.files)) family.score *= kLooseFactor;
     return family;
+  }
+
+  // Whether one folder holds so many of them that its own pattern says it better.
+  bool lie_in_one_folder(const std::vector<FileId>& files) const {
+    std::map<std::string_view, std::size_t> folders;
+    std::size_t most = 0;
+    for (const FileId file : files) {
+      most = std::max(most, ++folders[index::folder_of(code_.path(file))]);
+    }
+    return folders.size() > 1 && 4 * most >= 3 * files.size();
   }
 
   // What is seen of the files of one candidate.
