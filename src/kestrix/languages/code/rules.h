@@ -35,6 +35,7 @@ enum class Act : std::uint8_t {
   kCall,           ///< a call: the callee in field `name`, arguments in field `value`; where what
                    ///< it is a member of stands by itself, in field `object`
   kConstruct,      ///< the like of "new": the type in field `name`, arguments in field `value`
+  kInfix,          ///< "a f b": calls what stands between, its operands are what they are around
   kSubscript,      ///< "base[key]": as a call, but nothing is called
   kFunctionValue,  ///< a lambda: what holds it is a function
   kMember,         ///< the name of a member: none itself, but its type arguments count

@@ -126,7 +126,7 @@ class CodeWalk {
       : rules_(rules), source_(rules.source()), tree_(tree), facts_(facts) {
     if (!source_.extensions) return;
     for (const ImportFact& import : facts.imports) {
-      if (starts_in_lower_case(import.local)) imported_.insert(import.local);
+      if (!import.local.empty()) imported_.insert(import.local);
     }
   }
 
@@ -268,7 +268,11 @@ class CodeWalk {
       case Act::kPath:
         return visit_path(node, frame);
       case Act::kTypePath:
-        mention(node, tree_.text(node).substr(0, tree_.text(node).find('<')), frame);
+        mention(node, text_of_type(node), frame);
+        return push(frame, node);
+      case Act::kInfix:
+        frame.callee = ts_node_named_child(node, 1).id;
+        frame.argument_role = frame.role;
         return push(frame, node);
       case Act::kBind:
         if (source_.injected != nullptr && source_.injected(tree_, node)) {
@@ -359,12 +363,29 @@ class CodeWalk {
     return std::string_view(ts_node_type(next)) == "=" ? label.id : nullptr;
   }
 
-  // "value.run()", where "run" is imported: no member of the value.
+  // The names of a type, without annotations before and arguments behind them.
+  std::string_view text_of_type(TSNode node) const {
+    TSNode name = ts_node_named_child(node, 0);
+    if (!ts_node_is_null(name) && ts_node_child_count(name) > 0) {
+      name = ts_node_next_named_sibling(name);
+    }
+    const TSNode first = ts_node_is_null(name) ? node : name;
+    const auto text = tree_.text(ts_node_start_byte(first), ts_node_end_byte(node));
+    return text.substr(0, text.find('<'));
+  }
+
+  // "value.run()" or "Type::run", where "run" is imported: no member of the value. What starts in
+  // upper case before a "." may be a type that has a member of that name.
   bool add_extension(TSNode node, std::string_view text, const Frame& frame) {
-    if (!source_.extensions || frame.role != Role::kCalls) return false;
-    const std::size_t dot = text.rfind('.');
-    if (dot == std::string_view::npos || !imported_.contains(text.substr(dot + 1))) return false;
-    add(text.substr(dot + 1), frame.role, frame, SourceTree::line(node));
+    if (!source_.extensions || !is_of(frame.role, {Role::kCalls, Role::kLists})) return false;
+    const std::size_t joint = text.find_last_of(".:");
+    if (joint == std::string_view::npos || !imported_.contains(text.substr(joint + 1)))
+      return false;
+    const bool handed = text[joint] == ':';
+    if (!handed && frame.role != Role::kCalls) return false;
+    const std::string_view name = text.substr(joint + 1);
+    if (!handed && starts_in_upper_case(name) && starts_in_upper_case(text)) return false;
+    add(name, frame.role, frame, SourceTree::line(node));
     return true;
   }
 
