@@ -8,7 +8,8 @@ A truth program prints lines of "source<TAB>role<TAB>target<TAB>name", of declar
 repository only; a line says that the file names the declaration in that role at all. Precision is
 the share of the program's lines that the truth has too, recall the share of the truth's lines that
 the program has. On stderr a truth may say "unjudged<TAB>folder" of what it can not follow: what is
-declared there is left out on both sides.
+declared there is left out on both sides, and "unseen<TAB>path" of a file that it does not judge at
+all. A role of which it says nothing is left out.
 """
 
 import argparse
@@ -25,6 +26,7 @@ TRUTHS = {
         ["node", "--max-old-space-size=6000", HERE / "typescript" / "truth.mjs"],
         (".ts", ".tsx", ".mts", ".cts", ".js", ".jsx", ".mjs", ".cjs"),
     ),
+    "java": (["java", HERE / "java" / "java_truth.java"], (".java",)),
 }
 
 
@@ -58,10 +60,14 @@ def main() -> None:
         truth, notes = run([*command, repo])
         unjudged = tuple(line.split("\t")[1] + "/" for line in notes.splitlines()
                          if line.startswith("unjudged\t"))
-        expected = {tuple(line.split("\t")) for line in truth.splitlines()}
-        expected = {line for line in expected if not line[2].startswith(unjudged)}
-        found = {line for line in found_by(arguments.program, repo, suffixes)
-                 if not line[2].startswith(unjudged)}
+        unseen = {line.split("\t")[1] for line in notes.splitlines() if line.startswith("unseen\t")}
+
+        def judged(lines):
+            return {line for line in lines if not line[2].startswith(unjudged)
+                    and line[0] not in unseen and line[2] not in unseen}
+
+        expected = judged(tuple(line.split("\t")) for line in truth.splitlines())
+        found = judged(found_by(arguments.program, repo, suffixes))
         by_role = collections.defaultdict(lambda: (set(), set()))
         for which, lines in enumerate((found, expected)):
             for line in lines:
@@ -70,6 +76,8 @@ def main() -> None:
             if arguments.role not in (None, role):
                 continue
             mine, true = by_role[role]
+            if not true:
+                continue
             both = len(mine & true)
             print(f"{repo.name}\t{role}\t{len(mine)}\t{len(true)}\t"
                   f"{both / max(len(mine), 1):.4f}\t{both / max(len(true), 1):.4f}")
