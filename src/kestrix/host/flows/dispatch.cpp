@@ -23,6 +23,8 @@ constexpr Signal kFellow{"names_its_entry_point", 1.5, "names {} handler of the 
                          "names {} handlers of the class", "netbox, lobsters"};
 constexpr Signal kBase{"entry_point_base", 2.0, "declares what {} entry point extends",
                        "declares what {} entry points extend", "netbox, mockito"};
+constexpr Signal kFarBase{"entry_point_base", 0.8, "declares what {} entry point comes from",
+                          "declares what {} entry points come from", "netbox, lobsters"};
 constexpr Signal kShared{"serves_entry_points", 1.5, "declares what {} entry point calls or bears",
                          "declares what {} entry points call or bear", "netbox, umami"};
 constexpr Signal kHolder{"holds_entry_points", 1.3, "names their base type {} time",
@@ -160,47 +162,64 @@ class DispatchSignals {
     sort_distinct(hubs_);
   }
 
-  // The types of the product that the entry points' own types come from.
-  std::map<DeclarationRef, std::set<FileId>> bases() const {
-    std::map<DeclarationRef, std::set<FileId>> bases;
-    for (const FileId root : roots_) {
-      std::vector<DeclarationRef> open;
-      std::set<DeclarationRef> known;
-      const auto climb = [&](FileId from, std::uint32_t within) {
-        for (const IndexedReference& to : evidence_.index().references_from(from)) {
-          if (to.declaration == 0 || !kSubtyping.has(to.role)) continue;
-          if (within != 0 && to.within != within) continue;
-          const DeclarationRef base{to.target, to.declaration - 1};
-          if (known.insert(base).second) open.push_back(base);
-        }
-      };
-      climb(root, 0);
-      for (std::size_t hop = 0; !open.empty() && hop < kMostBaseHops; ++hop) {
-        for (const DeclarationRef base : std::exchange(open, {})) climb(base.file, base.place + 1);
-      }
-      for (const DeclarationRef base : known) {
-        if (may_dispatch(base.file)) bases[base].insert(root);
-      }
+  struct Base {
+    std::set<FileId> direct;  // the entry points that name it themselves
+    std::set<FileId> all;
+  };
+
+  void take_bases_of(FileId file, std::uint32_t within, std::set<DeclarationRef>& bases) const {
+    for (const IndexedReference& to : evidence_.index().references_from(file)) {
+      if (to.declaration == 0 || !kSubtyping.has(to.role)) continue;
+      if (within == 0 || to.within == within) bases.insert({to.target, to.declaration - 1});
     }
+  }
+
+  // The types of the product that the entry points' own types come from.
+  std::map<DeclarationRef, Base> bases() const {
+    std::map<DeclarationRef, Base> bases;
+    for (const FileId root : roots_) {
+      std::set<DeclarationRef> known;
+      take_bases_of(root, 0, known);
+      for (const DeclarationRef base : known) bases[base].direct.insert(root);
+      std::set<DeclarationRef> open = known;
+      for (std::size_t hop = 0; !open.empty() && hop < kMostBaseHops; ++hop) {
+        std::set<DeclarationRef> next;
+        for (const DeclarationRef base : open) take_bases_of(base.file, base.place + 1, next);
+        open.clear();
+        for (const DeclarationRef base : next) {
+          if (known.insert(base).second) open.insert(base);
+        }
+      }
+      for (const DeclarationRef base : known) bases[base].all.insert(root);
+    }
+    std::erase_if(bases, [this](const auto& entry) { return !may_dispatch(entry.first.file); });
     return bases;
   }
 
   void add_bases(ScoreSheet& sheet) {
     const std::size_t least = std::max<std::size_t>(1, (roots_.size() + 2) / 3);
-    SeenBy by_file;
+    SeenBy direct;
+    SeenBy far;
     SeenBy holders;
     for (const auto& [base, files] : bases()) {
-      if (files.size() < least) continue;
-      Seen& seen = by_file[base.file];
-      seen.files.insert(files.begin(), files.end());
+      if (files.all.size() < least) continue;
+      const bool near = files.direct.size() >= least;
+      Seen& seen = (near ? direct : far)[base.file];
+      const auto& named = near ? files.direct : files.all;
+      seen.files.insert(named.begin(), named.end());
       seen.at.push_back(evidence_.place_of(base));
       note_holders(base, holders);
     }
-    for (auto& [file, seen] : by_file) {
+    for (auto& [file, seen] : direct) {
       sheet.add(file, kBase, seen.files.size(), seen.at, names_and_lines(seen.at));
     }
+    for (auto& [file, seen] : far) {
+      if (direct.contains(file)) continue;
+      sheet.add(file, kFarBase, seen.files.size(), seen.at, names_and_lines(seen.at));
+    }
     for (auto& [file, seen] : holders) {
-      if (!by_file.contains(file)) sheet.add(file, kHolder, seen.declarations, seen.at);
+      if (direct.contains(file) || far.contains(file)) continue;
+      sheet.add(file, kHolder, seen.declarations, seen.at);
     }
   }
 

@@ -23,12 +23,18 @@ constexpr std::size_t kNameShare = 4;
 bool is_base(const CodeEvidence& evidence, FileId file) {
   const auto declarations = evidence.index().declarations(file);
   std::set<FileId> derived;
+  std::size_t types = 0;
+  std::size_t bases = 0;
   for (std::uint32_t place = 0; place < declarations.size(); ++place) {
     if (!is_type(declarations[place].kind)) continue;
-    for (const auto subtype : evidence.subtypes({file, place})) derived.insert(subtype.file);
+    const std::size_t before = derived.size();
+    for (const auto subtype : evidence.subtypes({file, place})) {
+      if (subtype.file != file) derived.insert(subtype.file);
+    }
+    ++types;
+    bases += derived.size() > before ? 1U : 0U;
   }
-  derived.erase(file);
-  return derived.size() > 1;
+  return derived.size() > 1 && bases * 2 >= types;
 }
 
 std::string_view last_folders(std::string_view path, int count) {

@@ -1,6 +1,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <map>
 #include <set>
@@ -40,6 +41,12 @@ constexpr double kLooseFactor = 0.6;
 constexpr double kLeastAlike = 0.6;
 constexpr double kAlikeFactor = 1.5;
 constexpr std::size_t kMostCandidates = 400;
+
+// It declares; what is called lies elsewhere.
+bool is_header(std::string_view path) {
+  static constexpr std::array<std::string_view, 4> kEndings{".h", ".hh", ".hpp", ".hxx"};
+  return std::ranges::any_of(kEndings, [path](auto ending) { return path.ends_with(ending); });
+}
 
 struct Claim {
   Key key;
@@ -112,6 +119,7 @@ class HubFamilies {
   }
 
   bool is_quiet(FileId file) const {
+    if (is_header(code_.path(file))) return false;
     std::size_t namers = 0;
     for (const Naming& naming : graph_.to(file)) namers += leads(naming) ? 1U : 0U;
     return namers > 0 && namers <= kMostNamers;

@@ -24,6 +24,7 @@ constexpr Signal kFollows{"follows_start", 2.0, "is what the start alone hands o
                           "is what {} starts alone hand on to", "umami, eShopOnWeb"};
 // What knows so many files sets something up.
 constexpr std::size_t kSetsUp = 3;
+constexpr std::size_t kMostFollowers = 5;
 // So many of the entry points lie below a start that is for a part of them.
 constexpr std::size_t kPartShare = 4;
 constexpr std::string_view kPages = "tsx";
@@ -98,14 +99,33 @@ void keep_nearest(const CodeEvidence& evidence, std::string_view folder,
 // Where there is one for each part of the product, those of the parts that hold entry points.
 void keep_of_parts(const CodeEvidence& evidence, const std::vector<FileId>& roots,
                    std::vector<Start>& starts) {
+  std::map<std::string_view, std::size_t> of_name;
   std::set<std::string_view> by_part;
   for (const Start& start : starts) {
+    ++of_name[start.name];
     if (below(evidence, start.file, roots) > 0) by_part.insert(start.name);
   }
   std::erase_if(starts, [&](const Start& start) {
     const std::size_t held = below(evidence, start.file, roots);
-    return by_part.contains(start.name) && held * kPartShare < roots.size();
+    return of_name[start.name] > 1 && by_part.contains(start.name) &&
+           held * kPartShare < roots.size();
   });
+}
+
+// What a start alone names, and sets something up. Where that is much, the start is a list.
+void add_followers(ScoreSheet& sheet, const CodeEvidence& evidence, const NamingGraph& graph,
+                   const std::vector<FileId>& roots, FileId start) {
+  std::map<FileId, std::uint32_t> followers;
+  for (const Naming& naming : graph.from(start)) {
+    const bool only = graph.to(naming.to).size() == 1 && naming.names;
+    if (!only || !evidence.is_product(naming.to)) continue;
+    if (std::ranges::binary_search(roots, naming.to)) continue;
+    if (graph.from(naming.to).size() >= kSetsUp) followers.emplace(naming.to, naming.line);
+  }
+  if (followers.size() > kMostFollowers) return;
+  for (const auto& [file, line] : followers) {
+    sheet.add(file, kFollows, 1, {{std::string(evidence.path(start)), line, {}}});
+  }
 }
 
 }  // namespace
@@ -115,24 +135,14 @@ void add_starts(ScoreSheet& sheet, const CodeEvidence& evidence, const NamingGra
   std::vector<Start> starts = starts_of(evidence, roots);
   keep_of_parts(evidence, roots, starts);
   keep_nearest(evidence, common_folder(evidence, roots), starts);
-  std::map<FileId, std::vector<Place>> followers;
   for (const Start& start : starts) {
+    const auto named = static_cast<std::uint64_t>(std::ranges::count_if(
+        graph.from(start.file), [&](const Naming& to) { return evidence.is_product(to.to); }));
     // One that knows the product sets it up; one that knows nothing of it hands on to one that
     // does.
-    std::uint64_t named = 0;
-    for (const Naming& naming : graph.from(start.file)) {
-      if (!evidence.is_product(naming.to)) continue;
-      ++named;
-      const bool only = graph.to(naming.to).size() == 1 && naming.names;
-      if (!only || graph.from(naming.to).size() < kSetsUp) continue;
-      followers[naming.to].push_back({std::string(evidence.path(start.file)), naming.line, {}});
-    }
-    const Signal& signal = alone ? kStart : kStartToo;
-    sheet.add(start.file, signal, std::max<std::uint64_t>(1, named), {},
+    sheet.add(start.file, alone ? kStart : kStartToo, std::max<std::uint64_t>(1, named), {},
               std::string(start.framework));
-  }
-  for (auto& [file, at] : followers) {
-    if (alone && !std::ranges::binary_search(roots, file)) sheet.add(file, kFollows, 1, at);
+    if (alone) add_followers(sheet, evidence, graph, roots, start.file);
   }
 }
 

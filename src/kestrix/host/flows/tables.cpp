@@ -81,6 +81,8 @@ std::vector<FileId> tables_above(const CodeEvidence& evidence, const std::vector
   const auto files = evidence.index().files();
   for (std::string_view folder = common_folder(evidence, roots);; folder = directory_of(folder)) {
     for (const FileId file : files_in(evidence, folder)) {
+      const std::string_view name = files[file].path.substr(files[file].path.rfind('/') + 1);
+      if (name.starts_with('.')) continue;  // of a tool
       const bool data = files[file].language.empty() && !files[file].document;
       if (data && !files[file].generated && tables.size() < kMostTables) tables.push_back(file);
     }
