@@ -77,6 +77,7 @@ struct TopicCommand {
 
 struct IndexCommand {
   CommonOptions common;
+  bool left_out = false;  ///< name what is left out
   Format format = Format::kText;
 };
 

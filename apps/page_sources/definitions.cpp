@@ -310,6 +310,8 @@ void Definitions::add_topic() {
 void Definitions::add_index() {
   auto& app = add("index", "Refresh the index and print its figures", help::kIndexNotes);
   add_repository(app, index_.common);
+  app.add_flag("--left-out", index_.left_out,
+               "Name what is left out, with the reason, instead of figures");
   add_format(app, index_.format, {"text", "json"});
   add_common(app, index_.common);
 }

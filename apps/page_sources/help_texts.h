@@ -77,10 +77,12 @@ Example:
 
 inline constexpr const char* kIndexNotes =
     R"(Every subcommand that reads a repository refreshes its index first. The index can be
-thrown away at any time.
+thrown away at any time. With --left-out, each line names a file, or a folder whose name
+ends in "/", and after a tab why the answers do not take it into account, or not whole.
 
 Examples:
   page-sources index ~/src/app
+  page-sources index --left-out | cut -f2 | sort | uniq -c     how much for which reason
   page-sources index --index /tmp/app.db -j 1 --format json)";
 
 inline constexpr const char* kConfigNotes =

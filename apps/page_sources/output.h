@@ -46,6 +46,10 @@ std::string statistics_as_text(const About& about, std::string_view file,
 std::string statistics_as_json(const About& about, const index::RefreshResult& refresh,
                                const index::Statistics& statistics);
 
+/// What an index leaves out, a row each: path, reason.
+std::string left_out_as_tsv(std::span<const index::LeftOut> left_out);
+std::string left_out_as_json(const About& about, std::span<const index::LeftOut> left_out);
+
 /// What a refresh did, as one line without its end.
 std::string refresh_as_text(const index::RefreshResult& refresh);
 

@@ -88,6 +88,21 @@ std::string edges_as_dot(std::span<const FoundEdge> edges, bool folders) {
   return out += "}\n";
 }
 
+std::string left_out_as_tsv(std::span<const index::LeftOut> left_out) {
+  std::string out;
+  for (const auto& [path, reason] : left_out) {
+    out += fmt::format("{}\t{}\n", c_quoted(path), reason);
+  }
+  return out;
+}
+
+std::string left_out_as_json(const About& about, std::span<const index::LeftOut> left_out) {
+  return list_document(about, "paths", left_out, [](const index::LeftOut& left) {
+    return fmt::format(R"({{"path": {}, "reason": {}}})", json_string(left.path),
+                       json_string(left.reason));
+  });
+}
+
 std::string symbols_as_tsv(std::span<const FoundSymbol> symbols) {
   std::string out;
   for (const FoundSymbol& symbol : symbols) {

@@ -94,6 +94,11 @@ class Commands {
   std::string operator()(const IndexCommand& command) const {
     const Opened opened = opener_.open(command.common);
     const auto statistics = opened.index->statistics();
+    if (command.left_out) {
+      const auto left_out = opener_.left_out(command.common);
+      return command.format == Format::kJson ? left_out_as_json(opened.about(), left_out)
+                                             : left_out_as_tsv(left_out);
+    }
     if (command.format == Format::kJson) {
       return statistics_as_json(opened.about(), opened.refresh, statistics);
     }

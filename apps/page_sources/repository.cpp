@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <system_error>
+#include <utility>
 
 #include "apps/page_sources/escape.h"
 #include "apps/page_sources/warnings.h"
@@ -35,7 +36,9 @@ About Opened::about() const {
   about.repository = root.native();
   about.left_out = index->statistics().skipped;
   about.warnings = warnings_of(root, about.left_out);
-  about.revision = revision_of(root);
+  auto revision = revision_of(root, *index);
+  about.revision = std::move(revision.commit);
+  about.clean = revision.clean;
   return about;
 }
 
@@ -45,19 +48,30 @@ std::unique_ptr<Steering> steering_of(const CommonOptions& common) {
   return std::make_unique<Steering>(std::move(settings));
 }
 
+index::IndexOptions Opener::options_of(const CommonOptions& common,
+                                       const Steering& steering) const {
+  index::IndexOptions options;
+  options.root = common.repository;
+  options.file = common.index;
+  if (!steering.takes_all()) {
+    options.takes = [&steering](std::string_view path) { return steering.takes(path); };
+    options.choice = steering.choice();
+  }
+  options.threads = common.threads;
+  options.stop = &stop_;
+  return options;
+}
+
+std::vector<index::LeftOut> Opener::left_out(const CommonOptions& common) const {
+  const auto steering = steering_of(common);
+  return index::find_left_out(options_of(common, *steering));
+}
+
 Opened Opener::open(const CommonOptions& common) const {
   set_log_quiet(common.quiet);
   auto steering = steering_of(common);
   ProgressLine progress(console_, common.progress && !common.quiet);
-  index::IndexOptions options;
-  options.root = common.repository;
-  options.file = common.index;
-  if (!steering->takes_all()) {
-    options.takes = [&steering](std::string_view path) { return steering->takes(path); };
-    options.choice = steering->choice();
-  }
-  options.threads = common.threads;
-  options.stop = &stop_;
+  index::IndexOptions options = options_of(common, *steering);
   options.progress = [&progress](std::size_t done, std::size_t total) {
     progress.update("indexing", done, total);
   };

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "apps/page_sources/answers.h"
 #include "apps/page_sources/arguments.h"
@@ -36,10 +37,14 @@ class Opener {
   /// Refreshes the index. Throws `Error`, which names the path.
   Opened open(const CommonOptions& common) const;
 
+  /// Names what the index leaves out. Throws as `open` does.
+  std::vector<index::LeftOut> left_out(const CommonOptions& common) const;
+
   /// A line for the user, unless they asked for quiet.
   void tell(const CommonOptions& common, std::string_view line) const;
 
  private:
+  index::IndexOptions options_of(const CommonOptions& common, const Steering& steering) const;
   void tell_top(const CommonOptions& common, const std::filesystem::path& root) const;
 
   Console& console_;

@@ -21,13 +21,21 @@ struct Cause {
 
 constexpr std::array kCauses{
     Cause{index::skipped::kSubmodule, "submodule is not looked at", "submodules are not looked at"},
-    Cause{index::skipped::kMissing, "tracked file is not in the work tree (a sparse checkout?)",
-          "tracked files are not in the work tree (a sparse checkout?)"},
+    Cause{index::skipped::kMissing,
+          "tracked file or folder is not in the work tree (a sparse checkout?)",
+          "tracked files or folders are not in the work tree (a sparse checkout?)"},
     Cause{index::skipped::kUnreadable, "file cannot be read", "files cannot be read"},
     Cause{index::skipped::kUnreadableDirectory, "directory cannot be read",
           "directories cannot be read"},
     Cause{index::skipped::kGitUnreadable, "part of git's data cannot be read",
           "parts of git's data cannot be read"},
+    Cause{index::skipped::kGitForeign,
+          "folder above holds git data of another user, which is not obeyed",
+          "folders above hold git data of another user, which is not obeyed"},
+    Cause{index::skipped::kVanished, "file vanished while it was to be read",
+          "files vanished while they were to be read"},
+    Cause{index::skipped::kParseBudget, "file takes too much to parse",
+          "files take too much to parse"},
 };
 
 bool is_bare(const fs::path& root) {

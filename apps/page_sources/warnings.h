@@ -9,7 +9,7 @@
 namespace kestrix::program {
 
 /// Why an answer about the repository may be incomplete, a line each, by what was left out of its
-/// index: a bare repository, submodules, files that are not checked out or cannot be read.
+/// index: a bare repository, submodules, files that are not checked out, cannot be read or parsed.
 std::vector<std::string> warnings_of(const std::filesystem::path& root,
                                      const index::SkipCounts& left_out);
 

@@ -28,7 +28,17 @@ Paths paths_of(const WalkResult& result) {
   return paths;
 }
 
-WalkResult walk_in(const std::filesystem::path& path) { return walk(RootDirectory(path)); }
+// Whatever is left out is named as often as it is counted.
+WalkResult walk_in(const std::filesystem::path& path) {
+  WalkResult result = walk(RootDirectory(path));
+  SkipCounts counts;
+  for (const LeftOut& left : walk(RootDirectory(path), {.name_left_out = true}).left_out) {
+    EXPECT_FALSE(left.path.empty());
+    counts.add(left.reason);
+  }
+  EXPECT_EQ(counts, result.skipped);
+  return result;
+}
 
 // The paths that git itself lists, in the order of their bytes.
 Paths listed_by_git(const Scratch& scratch, const std::string& directory) {

@@ -67,6 +67,7 @@ def commands(repository):
     yield "references", ["references", "repo"]
     yield "symbols", ["symbols", "repo"]
     yield "index", ["index", "repo"]
+    yield "left_out", ["index", "repo", "--left-out"]
     yield "config", ["config", "repo", "--exclude", "nowhere"]
     yield "cache", ["cache", "list"]
     yield "cache", ["cache", "clean"]
@@ -77,6 +78,7 @@ def main():
         with tempfile.TemporaryDirectory() as place:
             directory = pathlib.Path(place)
             shutil.copytree(fixture / "repository", directory / "repo")
+            (directory / "repo" / "blob\udce9").write_bytes(b"\0")
             (directory / "repo" / "odd\t\udce9\u202e.py").write_text("class OddError(Exception): pass\n")
             for name, arguments in commands(directory / "repo"):
                 check(name, answer(directory, *arguments))

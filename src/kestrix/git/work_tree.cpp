@@ -89,15 +89,22 @@ bool read_config(const RootDirectory& holder, const GitDirectories& git, GitConf
          config.read(git.own.path() / "config.worktree");
 }
 
-bool read_index(const GitDirectories& git, const GitConfig& config, WorkTree& tree) {
-  const FileBytes content = read_file(git.own, "index", kMaxIndexBytes);
+bool read_index(const GitDirectories& git, const GitConfig& config, bool with_states,
+                WorkTree& tree) {
+  FileBytes content = read_file(git.own, "index", kMaxIndexBytes);
   if (content.status == ReadStatus::kVanished) return true;  // nothing was ever added
   const std::string below = tree.prefix.empty() ? "" : tree.prefix + "/";
   const bool long_ids = config.value("extensions.objectformat") == "sha256";
-  auto paths = read_git_index(whole_text(content), below, long_ids ? 32 : 20);
+  tree.index_stamp = content.stamp;
+  tree.has_short_ids = !long_ids;
+  auto paths =
+      read_git_index(whole_text(std::move(content)), below, long_ids ? 32 : 20, with_states);
   if (!paths) return false;
   tree.tracked = std::move(paths->files);
   tree.submodules = std::move(paths->submodules);
+  tree.left_out = std::move(paths->left_out);
+  tree.states = std::move(paths->states);
+  tree.index_is_a_tree = paths->is_a_tree;
   return true;
 }
 
@@ -144,7 +151,7 @@ bool is_of_another_user(const RootDirectory& holder, const GitDirectories& git) 
 }
 
 WorkTreeLookup read_work_tree(const RootDirectory& holder, const GitDirectories& git,
-                              const fs::path& directory) {
+                              const fs::path& directory, bool with_states) {
   using enum WorkTreeLookup::Problem;
   GitConfig config(git.own.path());
   if (!config.read_user_files()) return {{}, kDamaged};
@@ -161,10 +168,12 @@ WorkTreeLookup read_work_tree(const RootDirectory& holder, const GitDirectories&
   tree.prefix = *std::move(prefix);
   tree.commit = head_commit(git.own, git.common);
   tree.ignore_case = config.is_true("core.ignorecase");
+  tree.may_convert = config.value("core.autocrlf").has_value() ||
+                     is_there(*top, ".gitattributes") || is_there(git.common, "info/attributes");
   tree.info_exclude = whole_text(read_file(git.common, "info/exclude", kMaxIgnoreBytes));
   tree.global_excludes = global_excludes(users_excludes, config, top->path());
   tree.top = std::make_shared<const RootDirectory>(*std::move(top));
-  if (!read_index(git, config, tree)) return {{}, kDamaged};
+  if (!read_index(git, config, with_states, tree)) return {{}, kDamaged};
   return {std::move(tree), kNone};
 }
 
@@ -186,13 +195,13 @@ std::size_t WorkTree::count_tracked_below(std::string_view directory) const {
 }
 
 // Like git, the search for a work tree does not leave the file system.
-WorkTreeLookup find_work_tree(const RootDirectory& directory) {
+WorkTreeLookup find_work_tree(const RootDirectory& directory, bool with_states) {
   using enum WorkTreeLookup::Problem;
   const auto device = status_of(directory, "").st_dev;
   auto holder = directory.below("");
   while (holder && status_of(*holder, "").st_dev == device) {
     if (const auto git = git_directories(*holder)) {
-      return read_work_tree(*holder, *git, directory.path());
+      return read_work_tree(*holder, *git, directory.path(), with_states);
     }
     const fs::path parent = holder->path().parent_path();
     holder = parent == holder->path() ? std::nullopt : RootDirectory::find(parent);

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "kestrix/files/root_directory.h"
+#include "kestrix/git/git_index.h"
 
 namespace kestrix::index {
 
@@ -24,10 +25,18 @@ struct WorkTree {
   std::vector<std::string> tracked;
   /// … and the places of submodules.
   std::vector<std::string> submodules;
+  /// Folders, ending in "/", that a sparse checkout leaves out as a whole.
+  std::vector<std::string> left_out;
+  /// What git's index knows of the tracked files, one each; none unless asked for.
+  std::vector<TrackedState> states;
+  bool index_is_a_tree = false;  ///< as `GitIndexPaths` has it
+  FileStamp index_stamp{};
+  bool has_short_ids = true;  ///< ids are those of SHA-1
   /// Text of the ignore files that stand outside the work tree.
   std::string info_exclude;
   std::string global_excludes;
   bool ignore_case = false;
+  bool may_convert = false;  ///< files may stand otherwise in the work tree than git keeps them
   /// The commit that it is at, in hexadecimal; "" before the first one.
   std::string commit;
 
@@ -48,6 +57,6 @@ struct WorkTreeLookup {
 };
 
 /// The work tree that holds `directory`.
-WorkTreeLookup find_work_tree(const RootDirectory& directory);
+WorkTreeLookup find_work_tree(const RootDirectory& directory, bool with_states = false);
 
 }  // namespace kestrix::index

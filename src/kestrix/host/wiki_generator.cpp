@@ -14,21 +14,11 @@ namespace kestrix {
 
 namespace {
 
-bool is_test(const Steering* steering, std::string_view path) {
-  const auto role = steering == nullptr ? std::nullopt : steering->role_of(path);
-  return role ? *role == GivenRole::kTest : is_test_path(path);
-}
-
 std::vector<index::DeclarationRef> contract_types(const std::vector<Contract>& contracts) {
   std::vector<index::DeclarationRef> types;
   types.reserve(contracts.size());
   for (const Contract& contract : contracts) types.push_back(contract.type);
   return types;
-}
-
-bool is_production(const Steering* steering, std::string_view path) {
-  const bool given = steering != nullptr && steering->role_of(path).has_value();
-  return !given && !is_test_path(path);
 }
 
 }  // namespace
@@ -38,11 +28,10 @@ WikiGenerator::WikiGenerator(const index::RepositoryIndex& index, const std::fil
     : index_(index),
       handle_(index, [this] { return contract_types(contracts()); }),
       steering_(steering),
+      parts_(index, steering),
       root_(root, &index) {
-  for (const auto& file : index_.files()) {
-    if (file.document) continue;
-    std::string path = _norm(file.path);
-    if (is_production(steering_, path)) planner_paths_.push_back(std::move(path));
+  for (index::FileId file = 0; file < index_.files().size(); ++file) {
+    if (parts_.is_production(file)) planner_paths_.push_back(_norm(index_.files()[file].path));
   }
 }
 
@@ -54,16 +43,16 @@ bool WikiGenerator::is_planned(std::string_view path) const {
 
 std::vector<SourceFileRecord> WikiGenerator::_source_files() const {
   std::vector<SourceFileRecord> records;
-  for (const auto& file : index_.files()) {
-    if (!file.document) records.push_back({std::string(file.path)});
+  for (index::FileId file = 0; file < index_.files().size(); ++file) {
+    if (parts_.is_configuring(file)) records.push_back({std::string(index_.files()[file].path)});
   }
   return records;
 }
 
 std::vector<std::string> WikiGenerator::_test_files() const {
   std::vector<std::string> tests;
-  for (const auto& file : index_.files()) {
-    if (!file.document && is_test(steering_, file.path)) tests.push_back(_norm(file.path));
+  for (index::FileId file = 0; file < index_.files().size(); ++file) {
+    if (parts_.is_test(file)) tests.push_back(_norm(index_.files()[file].path));
   }
   return tests;
 }

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "kestrix/host/document_evidence.h"
+#include "kestrix/host/repository/file_parts.h"
 #include "kestrix/host/repository/repository_handle.h"
 #include "kestrix/host/repository/repository_root.h"
 #include "kestrix/host/settings/steering.h"
@@ -21,10 +22,10 @@ struct Contract;
 
 /// The generator of a repository on disk: the object that the native host mixes the detectors into.
 ///
-/// Its planner gives exactly the indexed source files that are no tests, so that each source file
-/// is either one of `_planner_paths` or one of `_test_files`, but for files that settings call
-/// generated or samples, which are neither. Immutable; safe to use from several
-/// threads.
+/// Its planner gives the indexed source files that are no tests. No detector is given another
+/// project's files, and none that would come before the product: generated code, samples,
+/// documentation's code, data that tests read (`FileParts` says which). They take part in edges.
+/// Immutable; safe to use from several threads.
 class WikiGenerator : public PageSourcesMixin {
  public:
   /// `index` and `steering`, which may be none, must outlive the generator; `root` is the directory
@@ -40,13 +41,16 @@ class WikiGenerator : public PageSourcesMixin {
   const index::RepositoryIndex& indexed() const { return index_; }
   /// The settings in force; null when there are none.
   const Steering* steering() const { return steering_; }
+  /// What the files are to the pages.
+  const FileParts& parts() const { return parts_; }
   /// Whether a path is one of `_planner_paths`.
   bool is_planned(std::string_view path) const;
   const RepoRoot& repo_root() const override { return root_; }
+  /// What can configure the product; tests are `_test_files`.
   std::vector<SourceFileRecord> _source_files() const override;
   std::vector<std::string> _planner_paths() const override { return planner_paths_; }
   std::vector<DocumentRecord> _indexed_documents() const override;
-  /// Settings may make a file a test that its path does not show.
+  /// Settings may make a file a test that its path does not show. Without data that tests read.
   std::vector<std::string> _test_files() const override;
   /// With what the code says of its types in force.
   std::vector<std::string> _data_model_files() const override;
@@ -67,6 +71,7 @@ class WikiGenerator : public PageSourcesMixin {
   const index::RepositoryIndex& index_;
   RepositoryHandle handle_;
   const Steering* steering_;
+  FileParts parts_;
   RepositoryRoot root_;
   mutable std::once_flag documents_gathered_;
   mutable std::unique_ptr<const DocumentEvidence> documents_;

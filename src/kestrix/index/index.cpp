@@ -8,6 +8,7 @@
 #include <tuple>
 #include <utility>
 
+#include "kestrix/index/left_out.h"
 #include "kestrix/index/name_pattern.h"
 #include "kestrix/languages/language.h"
 #include "kestrix/store/content_hash.h"
@@ -52,7 +53,7 @@ class RepositoryIndex::Loader {
           {index_.texts_.keep(row.path), language_name(row.language),
            row.traits.has(Trait::kDocument),
            row.traits.has(Trait::kGenerated) || row.traits.has(Trait::kMinified), Roles(row.roles),
-           row.data});
+           row.stamp, row.data});
       if (!row.language.empty()) count_language(row);
     }
   }
@@ -96,15 +97,7 @@ class RepositoryIndex::Loader {
   }
 
   void count_traits(const Traits& traits) {
-    constexpr std::pair<Trait, std::string_view> kReasons[] = {
-        {Trait::kBinary, skipped::kBinary},
-        {Trait::kUnreadable, skipped::kUnreadable},
-        {Trait::kMinified, skipped::kMinified},
-        {Trait::kGaveUp, skipped::kParseBudget}};
-    for (const auto& [trait, reason] : kReasons) {
-      if (traits.has(trait)) file_skips_.add(reason);
-    }
-    if (traits.has(Trait::kLarge) && traits.is_text()) file_skips_.add(skipped::kLarge);
+    for (const auto reason : reasons_of(traits)) file_skips_.add(reason);
   }
 
   FileId id_of(std::int64_t row) const {

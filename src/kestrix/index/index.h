@@ -13,6 +13,7 @@
 
 #include "kestrix/facts/data_signals.h"
 #include "kestrix/facts/file_notes.h"
+#include "kestrix/files/root_directory.h"
 #include "kestrix/files/skip_counts.h"
 #include "kestrix/index/declaration_table.h"
 #include "kestrix/index/repository.h"
@@ -34,6 +35,7 @@ struct IndexedFile {
   bool document = false;      ///< prose; all other files are source
   bool generated = false;     ///< made by a program, or minified
   Roles roles{};              ///< what it is to the repository; none: the product
+  FileStamp stamp{};          ///< when it was read; a size below zero: not to be trusted
   DataSignals data{};         ///< what its first `kMostScannedChars` characters define
 };
 

@@ -2,7 +2,10 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+
 #include "kestrix/files/root_directory.h"
+#include "kestrix/index/left_out.h"
 #include "kestrix/index/refresher.h"
 #include "kestrix/store/cache_path.h"
 #include "kestrix/store/corrupt_index.h"
@@ -65,6 +68,21 @@ std::unique_ptr<RepositoryIndex> open(const IndexOptions& options) {
                                      {options.lock_timeout, options.stop});
   store.begin_read();
   return open_stored(store);
+}
+
+std::vector<LeftOut> find_left_out(const IndexOptions& options) {
+  const RootDirectory root(options.root);
+  const auto place = place_of(options, root.path()).file;
+  std::vector<LeftOut> left_out = list_files(options, root, place, true).left_out;
+  Store store = Store::open_existing(place, {options.lock_timeout, options.stop});
+  store.begin_read();
+  for (const FileRow& row : store.files()) {
+    for (const auto reason : reasons_of(row.traits)) {
+      left_out.push_back({row.path, std::string(reason)});
+    }
+  }
+  std::ranges::sort(left_out);
+  return left_out;
 }
 
 RefreshedIndex refresh_and_open(const IndexOptions& options) {

@@ -8,9 +8,11 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "kestrix/index/index.h"
 #include "kestrix/utils/stop.h"
+#include "kestrix/walk/walker.h"
 
 namespace kestrix::index {
 
@@ -57,6 +59,10 @@ RefreshResult refresh(const IndexOptions& options);
 /// Opens the last complete state of the index without looking at the repository's files. Throws
 /// `Error` when there is none that this version reads.
 std::unique_ptr<RepositoryIndex> open(const IndexOptions& options);
+
+/// Names all that the index leaves out, as its counts have it, ascending. Looks at the files anew
+/// and reads the index, which must be up to date. Throws as `open` does.
+std::vector<LeftOut> find_left_out(const IndexOptions& options);
 
 struct RefreshedIndex {
   std::unique_ptr<RepositoryIndex> index;

@@ -28,11 +28,13 @@ const std::string kDigestSetting = "digest";
 // Set where a resolver could not read a text: the next refresh resolves all anew.
 const std::string kUnreadSetting = "unread";
 
-void leave_out_others(WalkResult& walked, const IndexOptions& options) {
+void leave_out_others(WalkResult& walked, const IndexOptions& options, bool named) {
   if (!options.takes) return;
-  const auto excluded = std::erase_if(
-      walked.files, [&](const WalkedFile& file) { return !options.takes(file.path); });
-  walked.skipped.add(skipped::kExcluded, excluded);
+  std::erase_if(walked.files, [&](const WalkedFile& file) {
+    const bool other = !options.takes(file.path);
+    if (other) walked.leave_out(file.path, skipped::kExcluded, named);
+    return other;
+  });
 }
 
 std::unique_ptr<RepositoryIndex> load_checked(Store& store, std::span<const FileRow> rows) {
@@ -66,9 +68,7 @@ RefreshedIndex Refresher::refresh_and_open() {
 
 std::unique_ptr<RepositoryIndex> Refresher::run() {
   result_.file = store_.path();
-  const auto own_files = own_files_below(root_.path(), store_.path());
-  WalkResult walked = walk(root_, {.excluded = own_files, .stop = options_.stop});
-  leave_out_others(walked, options_);
+  const WalkResult walked = list_files(options_, root_, store_.path(), false);
   store_.begin_read();
   RefreshPlan plan = make_plan(walked);
   if (plan.is_done() || holds_what_differs(plan)) {
@@ -265,6 +265,15 @@ void Refresher::give_roles(RepositoryIndex& index) {
 
 void Refresher::note_unread(const IndexedFiles& files) {
   store_.set_setting(kUnreadSetting, files.has_unread() ? "yes" : "");
+}
+
+WalkResult list_files(const IndexOptions& options, const RootDirectory& root, const fs::path& index,
+                      bool name_left_out) {
+  WalkResult walked = walk(root, {.excluded = own_files_below(root.path(), index),
+                                  .name_left_out = name_left_out,
+                                  .stop = options.stop});
+  leave_out_others(walked, options, name_left_out);
+  return walked;
 }
 
 std::unique_ptr<RepositoryIndex> open_stored(Store& store) {

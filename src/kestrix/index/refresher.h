@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <filesystem>
 #include <memory>
 #include <string>
 #include <utility>
@@ -56,6 +57,10 @@ class Refresher {
   bool all_resolve_anew_ = false;
   std::vector<std::string> resolve_anew_;
 };
+
+/// The files that count, by the choice of the options.
+WalkResult list_files(const IndexOptions& options, const RootDirectory& root,
+                      const std::filesystem::path& index, bool name_left_out);
 
 /// Opens the store's state within the caller's transaction. Throws when another version wrote it,
 /// or when it is not what was written.

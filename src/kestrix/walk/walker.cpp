@@ -11,6 +11,7 @@
 #include <optional>
 #include <string_view>
 #include <system_error>
+#include <unordered_set>
 #include <utility>
 
 #include "kestrix/files/directory_listing.h"
@@ -40,7 +41,7 @@ class Policy {
   virtual std::string_view reject_directory(const DirectoryListing& parent,
                                             const DirectoryEntry& entry,
                                             const std::string& path) = 0;
-  virtual void finish(SkipCounts& skipped) const = 0;
+  virtual void finish(WalkResult& result, bool named) const = 0;
 };
 
 class Walk {
@@ -56,8 +57,9 @@ class Walk {
       pending_.pop_back();
       visit(path);
     }
-    policy_.finish(result_.skipped);
     std::ranges::sort(result_.files, {}, &WalkedFile::path);
+    policy_.finish(result_, options_.name_left_out);
+    std::ranges::sort(result_.left_out);
     return std::move(result_);
   }
 
@@ -73,7 +75,7 @@ class Walk {
   }
 
   void refuse(const std::string& path) {
-    if (!path.empty()) return result_.skipped.add(skipped::kUnreadableDirectory);
+    if (!path.empty()) return leave_out(path + "/", skipped::kUnreadableDirectory);
     throw Error(
         fmt::format("{}: {}", root_.path().native(), std::generic_category().message(errno)));
   }
@@ -86,14 +88,18 @@ class Walk {
     const std::string_view reason =
         is_directory ? policy_.reject_directory(directory, entry, path) : policy_.reject_file(path);
     if (!reason.empty())
-      result_.skipped.add(reason);
+      leave_out(is_directory ? path + "/" : path, reason);
     else if (is_directory)
       pending_.push_back(std::move(path));
     else if (entry.kind == EntryKind::kFile)
       result_.files.push_back({std::move(path), entry.stamp});
     else
-      result_.skipped.add(entry.kind == EntryKind::kSymbolicLink ? skipped::kSymbolicLink
-                                                                 : skipped::kSpecial);
+      leave_out(path, entry.kind == EntryKind::kSymbolicLink ? skipped::kSymbolicLink
+                                                             : skipped::kSpecial);
+  }
+
+  void leave_out(const std::string& path, std::string_view reason) {
+    result_.leave_out(path, reason, options_.name_left_out);
   }
 
   const RootDirectory& root_;
@@ -152,8 +158,21 @@ class GitPolicy : public Policy {
     return is_repository(root_, path) ? skipped::kNestedRepository : std::string_view();
   }
 
-  void finish(SkipCounts& skipped) const override {
-    skipped.add(skipped::kMissing, tree_.tracked.size() - tracked_seen_);
+  void finish(WalkResult& result, bool named) const override {
+    for (const std::string& folder : tree_.left_out) {
+      result.leave_out(folder, skipped::kMissing, named);
+    }
+    const auto missing = tree_.tracked.size() - tracked_seen_;
+    if (!named || missing == 0) return result.skipped.add(skipped::kMissing, missing);
+    std::unordered_set<std::string> seen;
+    for (const LeftOut& left : result.left_out) {
+      const bool folder = left.path.ends_with('/');
+      if (!folder || left.reason == skipped::kThirdParty) seen.insert(left.path);
+    }
+    for (const std::string& path : tree_.tracked) {
+      const bool listed = std::ranges::binary_search(result.files, path, {}, &WalkedFile::path);
+      if (!listed && !lies_in(seen, path)) result.leave_out(path, skipped::kMissing, true);
+    }
   }
 
  private:
@@ -162,6 +181,15 @@ class GitPolicy : public Policy {
     std::shared_ptr<const IgnoreScope> rules;  // may be none
     std::optional<bool> ignored;  // all in it, but for tracked files; found out when asked
   };
+
+  // Whether the path or a folder of it is one of `left`.
+  static bool lies_in(const std::unordered_set<std::string>& left, const std::string& path) {
+    if (left.contains(path)) return true;
+    for (auto end = path.find('/'); end != path.npos; end = path.find('/', end + 1)) {
+      if (left.contains(path.substr(0, end + 1))) return true;
+    }
+    return false;
+  }
 
   static bool covers(std::string_view directory, std::string_view path) {
     return directory.empty() || (path.starts_with(directory) && path.size() > directory.size() &&
@@ -230,7 +258,7 @@ class PlainPolicy : public Policy {
     return left_out ? skipped::kFolder : std::string_view();
   }
 
-  void finish(SkipCounts&) const override {}
+  void finish(WalkResult& /*result*/, bool /*named*/) const override {}
 
  private:
   // "target" may also be a package's name, deeper down.
@@ -287,13 +315,20 @@ WalkResult walk_plainly(const RootDirectory& root, const WalkOptions& options) {
 
 }  // namespace
 
+void WalkResult::leave_out(const std::string& path, std::string_view reason, bool named) {
+  skipped.add(reason);
+  if (named) left_out.push_back({path, std::string(reason)});
+}
+
 WalkResult walk(const RootDirectory& root, const WalkOptions& options) {
   using enum WorkTreeLookup::Problem;
   const WorkTreeLookup found = find_work_tree(root);
   if (!found.work_tree) {
     WalkResult result = walk_plainly(root, options);
-    if (found.problem == kDamaged) result.skipped.add(skipped::kGitUnreadable);
-    if (found.problem == kForeign) result.skipped.add(skipped::kGitForeign);
+    const bool named = options.name_left_out;
+    if (found.problem == kDamaged) result.leave_out("./", skipped::kGitUnreadable, named);
+    if (found.problem == kForeign) result.leave_out("./", skipped::kGitForeign, named);
+    std::ranges::sort(result.left_out);
     return result;
   }
   const WorkTree& tree = *found.work_tree;

@@ -12,6 +12,8 @@ namespace kestrix::index {
 struct WalkOptions {
   /// Paths below the root that are not looked at: the index's own files when they lie there.
   std::vector<std::string> excluded;
+  /// Whether the result names what was left out, not only counts it.
+  bool name_left_out = false;
   /// Ends the walk by `StopRequest`; none by default.
   const StopFlag* stop = nullptr;
 };
@@ -21,9 +23,20 @@ struct WalkedFile {
   FileStamp stamp;
 };
 
+/// Something that was left out.
+struct LeftOut {
+  std::string path;  ///< a folder's ends in "/"; "./" for the repository as a whole
+  std::string reason;
+
+  friend auto operator<=>(const LeftOut&, const LeftOut&) = default;
+};
+
 struct WalkResult {
   std::vector<WalkedFile> files;  ///< regular files, ascending by the bytes of their paths
   SkipCounts skipped;             ///< whatever was left out
+  std::vector<LeftOut> left_out;  ///< the same by name, one for each that is counted; ascending
+
+  void leave_out(const std::string& path, std::string_view reason, bool named);
 };
 
 /// Lists the files of a repository without reading them.

@@ -8,7 +8,6 @@
 #include "kestrix/host/path_glob.h"
 #include "kestrix/languages/frameworks.h"
 #include "kestrix/languages/language.h"
-#include "kestrix/roles/path_roles.h"
 #include "kestrix/text/paths.h"
 
 namespace kestrix {
@@ -164,7 +163,7 @@ class Signals {
     const auto& index = evidence_.index();
     index.for_each_noted([&](FileId file) {
       const index::FileNotes notes = index.notes(file);
-      if (notes.keys.empty() || !path_roles(evidence_.path(file)).empty()) return;
+      if (notes.keys.empty() || !evidence_.roles(file).empty()) return;
       std::vector<Place> places;
       for (const std::string& key : notes.keys) {
         if (keys_.reads(key)) places.push_back({std::string(evidence_.path(file)), 0, key});
@@ -223,7 +222,7 @@ class Signals {
     for (FileId file = 0; file < evidence_.index().files().size(); ++file) {
       const std::string_view path = evidence_.path(file);
       const auto matches = [path](const PathGlob& glob) { return glob.matches(path); };
-      if (std::ranges::any_of(globs, matches) && path_roles(path).empty())
+      if (std::ranges::any_of(globs, matches) && evidence_.roles(file).empty())
         sheet_.add(file, kPlace, 1);
     }
   }

@@ -3,30 +3,22 @@
 #include <algorithm>
 #include <numeric>
 
-#include "kestrix/roles/path_roles.h"
-
 namespace kestrix {
 
 using index::DeclarationRef;
 using index::FileId;
 using index::IndexedReference;
 
-CodeEvidence::CodeEvidence(const WikiGenerator& generator) : index_(generator.indexed()) {
+CodeEvidence::CodeEvidence(const WikiGenerator& generator)
+    : index_(generator.indexed()), parts_(generator.parts()) {
   const auto files = index_.files();
-  product_.resize(files.size());
-  test_.resize(files.size());
-  for (FileId file = 0; file < files.size(); ++file) {
-    const Roles roles = path_roles(files[file].path);
-    test_[file] = roles.has(Role::kTest);
-    product_[file] = roles.empty() && !files[file].generated && !files[file].document;
-    product_count_ += product_[file] ? 1U : 0U;
-  }
+  for (FileId file = 0; file < files.size(); ++file) product_count_ += is_product(file) ? 1U : 0U;
   order_references();
   product_dependents_.resize(files.size());
   test_dependents_.resize(files.size());
   for (const auto& edge : index_.edges()) {
-    if (product_[edge.source]) ++product_dependents_[edge.target];
-    if (test_[edge.source]) ++test_dependents_[edge.target];
+    if (is_product(edge.source)) ++product_dependents_[edge.target];
+    if (is_test(edge.source)) ++test_dependents_[edge.target];
   }
 }
 
@@ -40,7 +32,9 @@ void CodeEvidence::order_references() {
   }
   first_.assign(slots_.back() + 1, 0);
   const auto references = index_.references();
-  const auto slot_of = [&](const IndexedReference& to) { return slots_[to.target] + to.declaration; };
+  const auto slot_of = [&](const IndexedReference& to) {
+    return slots_[to.target] + to.declaration;
+  };
   for (const IndexedReference& to : references) {
     if (to.target != IndexedReference::kOutside) ++first_[slot_of(to) + 1];
   }

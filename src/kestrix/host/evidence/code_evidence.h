@@ -46,8 +46,10 @@ class CodeEvidence {
 
   /// Whether the file is the product itself: no test, sample, tool, migration, documentation, and
   /// neither generated nor another project's.
-  bool is_product(index::FileId file) const { return product_[file]; }
-  bool is_test(index::FileId file) const { return test_[file]; }
+  bool is_product(index::FileId file) const { return parts_.is_product(file); }
+  bool is_test(index::FileId file) const { return parts_.is_test(file); }
+  /// What else it is.
+  Roles roles(index::FileId file) const { return parts_.roles(file); }
   std::size_t product_count() const { return product_count_; }
 
   const index::DeclarationView& operator[](index::DeclarationRef at) const {
@@ -76,11 +78,10 @@ class CodeEvidence {
   void order_references();
 
   const index::RepositoryIndex& index_;
-  std::vector<bool> product_;
-  std::vector<bool> test_;
+  const FileParts& parts_;
   std::size_t product_count_ = 0;
-  std::vector<std::uint32_t> slots_;   // by file: the first of its declarations' slots
-  std::vector<std::uint32_t> first_;   // by slot: where its references begin
+  std::vector<std::uint32_t> slots_;  // by file: the first of its declarations' slots
+  std::vector<std::uint32_t> first_;  // by slot: where its references begin
   std::vector<std::uint32_t> by_target_;
   std::vector<std::uint32_t> product_dependents_;
   std::vector<std::uint32_t> test_dependents_;

@@ -51,19 +51,28 @@ std::string outside_of_scope(const WikiGenerator& generator, PageScope scope,
                              std::string_view path) {
   const auto file = generator.indexed().find(path);
   if (!file) return "not in the index: the repository's ignore rules or its content leave it out";
+  const FileParts& parts = generator.parts();
   const bool document = generator.indexed().files()[*file].document;
-  const bool test = !document && !generator.is_planned(path);
   switch (scope) {
     case PageScope::kDocuments:
       return document ? "" : "no document, and the page lists documents";
     case PageScope::kTests:
       if (document) return "a document, and the page lists tests";
-      return test ? "" : "a production file by its path, and the page lists tests";
+      if (parts.is_test(*file)) return "";
+      if (parts.is_production(*file)) {
+        return "a production file by its path, and the page lists tests";
+      }
+      return parts.explain(*file) + ", and the page lists tests";
     case PageScope::kSource:
-      return document ? "a document, and the page lists source files" : "";
+      if (document) return "a document, and the page lists source files";
+      return parts.is_configuring(*file) ? "" : parts.explain(*file);
     case PageScope::kProduction:
       if (document) return "a document, and the page lists production files";
-      return test ? "a test file by its path, and the page lists production files" : "";
+      if (parts.is_production(*file)) return "";
+      if (parts.is_test(*file)) {
+        return "a test file by its path, and the page lists production files";
+      }
+      return parts.explain(*file) + ", and the page lists production files";
   }
   return "";
 }
