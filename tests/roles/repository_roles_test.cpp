@@ -127,6 +127,24 @@ TEST(RepositoryRoles, AreNotMisledByOtherLicences) {
       << "nobody to tell it from";
 }
 
+TEST(RepositoryRoles, KnowOtherProjectsByTheirNeighbours) {
+  World world = shop().code("deps/list/list.py").code("deps/glue/glue.py").code("deps/top.py");
+  world.edge("deps/glue/glue.py", "shop/tax.py").edge("shop/tax.py", "deps/glue/glue.py");
+  world.edge("shop/tax.py", "deps/list/list.py").code("deps/main/main.py");
+  world.edge("tests/main.py", "deps/main/main.py").code("tests/main.py");
+  for (const auto* name : {"jpeg", "lua", "zip"}) {
+    world.code(fmt::format("deps/{}/a.py", name));
+    world.licence(fmt::format("deps/{}/LICENSE", name), {name});
+  }
+  EXPECT_EQ(world.explained("deps/list/list.py"),
+            "vendored: below deps/list/: it stands among 3 other projects");
+  EXPECT_EQ(world.explained("deps/glue/glue.py"), "");
+  EXPECT_EQ(world.explained("deps/top.py"), "");
+  EXPECT_EQ(world.explained("deps/main/main.py"), "") << "nothing but tests needs it";
+  world.code("deps/b/b.py");
+  EXPECT_EQ(world.explained("deps/list/list.py"), "") << "fewer than half";
+}
+
 TEST(RepositoryRoles, KnowOtherProjectsByTheirVersions) {
   World world = shop().file("lib/zip-1.2.11/README").code("lib/zip-1.2.11/zip.py");
   EXPECT_EQ(world.explained("lib/zip-1.2.11/zip.py"),

@@ -73,7 +73,7 @@ std::vector<EntryPointClass> classes_that_show(const FlowEvidence& evidence) {
 std::vector<EntryPointClass> named_classes(const WikiGenerator& generator) {
   std::vector<EntryPointClass> classes;
   if (generator.steering() == nullptr) return classes;
-  const auto paths = generator._planner_paths();
+  const auto paths = generator.nameable_paths();
   for (const EntryPointSetting& named : generator.steering()->settings().entry_points) {
     EntryPointClass all{named.name, {}, fmt::format("named by {}", named.from)};
     for (const std::string& glob : named.globs) {
@@ -105,7 +105,7 @@ FlowsAnswer flows_answer(const WikiGenerator& generator, std::span<const std::st
     answer.total = classes.size();
     classes.resize(std::min(classes.size(), most_classes(generator)));
   } else {
-    const auto paths = generator._planner_paths();
+    const auto paths = generator.nameable_paths();
     for (const std::string& pattern : patterns) {
       classes.push_back(entry_points_matching(pattern, paths));
     }

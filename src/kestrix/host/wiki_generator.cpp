@@ -41,11 +41,17 @@ bool WikiGenerator::is_planned(std::string_view path) const {
   return std::ranges::binary_search(planner_paths_, path);
 }
 
+std::vector<std::string> WikiGenerator::nameable_paths() const {
+  std::vector<std::string> paths;
+  for (index::FileId file = 0; file < index_.files().size(); ++file) {
+    if (parts_.is_nameable(file)) paths.push_back(_norm(index_.files()[file].path));
+  }
+  return paths;
+}
+
 std::vector<SourceFileRecord> WikiGenerator::_source_files() const {
   std::vector<SourceFileRecord> records;
-  for (index::FileId file = 0; file < index_.files().size(); ++file) {
-    if (parts_.is_configuring(file)) records.push_back({std::string(index_.files()[file].path)});
-  }
+  for (const std::string& path : planner_paths_) records.push_back({path});
   return records;
 }
 

@@ -45,8 +45,10 @@ class WikiGenerator : public PageSourcesMixin {
   const FileParts& parts() const { return parts_; }
   /// Whether a path is one of `_planner_paths`.
   bool is_planned(std::string_view path) const;
+  /// The paths among which users may name entry points: also samples, generated code.
+  std::vector<std::string> nameable_paths() const;
   const RepoRoot& repo_root() const override { return root_; }
-  /// What can configure the product; tests are `_test_files`.
+  /// Those of the planner: what can configure the product. Tests are `_test_files`.
   std::vector<SourceFileRecord> _source_files() const override;
   std::vector<std::string> _planner_paths() const override { return planner_paths_; }
   std::vector<DocumentRecord> _indexed_documents() const override;

@@ -12,6 +12,7 @@
 
 #include "kestrix/roles/folder_names.h"
 #include "kestrix/roles/licence.h"
+#include "kestrix/roles/path_roles.h"
 #include "kestrix/text/paths.h"
 
 namespace kestrix {
@@ -31,6 +32,8 @@ constexpr auto kScripts = std::to_array<std::string_view>({".js", ".css", ".mjs"
 constexpr Place kForeignShare = 10;
 // A holder whom this many licences name, and half of all, is one of the project's own.
 constexpr std::size_t kOwnLicences = 3;
+// So many other projects side by side make a folder of other projects.
+constexpr std::size_t kFewestNeighbours = 3;
 // Folders within each other would be looked through again and again.
 constexpr std::size_t kMostLookedThrough = 16;
 
@@ -96,6 +99,58 @@ Bundles candidates(const JudgedRepository& repository) {
   return found;
 }
 
+// The folders directly below one, each with its files.
+std::map<std::string_view, JudgedRepository::Range> folders_in(const JudgedRepository& repository,
+                                                               std::string_view parent) {
+  std::map<std::string_view, JudgedRepository::Range> folders;
+  const auto all = repository.below(parent);
+  for (Place file = all.first; file < all.last;) {
+    const auto path = repository.files[file].path;
+    const auto end = path.find('/', parent.size() + 1);
+    if (end == path.npos) {
+      ++file;
+      continue;
+    }
+    const auto folder = path.substr(0, end);
+    file = folders.emplace(folder, repository.below(folder)).first->second.last;
+  }
+  return folders;
+}
+
+// Which files below a folder the product elsewhere depends on.
+std::vector<bool> used_from_outside(const JudgedRepository& repository,
+                                    JudgedRepository::Range folder) {
+  std::vector<bool> used(folder.size());
+  for (Place source = 0; source < repository.files.size(); ++source) {
+    if (folder.holds(source) || is_test_by_path(repository.files[source].path)) continue;
+    for (const Place target : repository.targets[source]) {
+      if (folder.holds(target)) used[target - folder.first] = true;
+    }
+  }
+  return used;
+}
+
+// A folder that stands among other projects is one, if it needs nothing of the rest, either, and
+// the rest needs it: the product itself may stand there, too.
+void add_neighbours(const JudgedRepository& repository, Bundles& bundles) {
+  std::map<std::string_view, std::size_t> parents;
+  for (const auto& [folder, evidence] : bundles) ++parents[folder_of(folder)];
+  std::size_t looked_through = 0;
+  for (const auto& [parent, count] : parents) {
+    if (parent.empty() || count < kFewestNeighbours) continue;
+    const auto folders = folders_in(repository, parent);
+    if (count * 2 < folders.size() || ++looked_through > kMostLookedThrough) continue;
+    const auto all = repository.below(parent);
+    const auto used = used_from_outside(repository, all);
+    for (const auto& [folder, range] : folders) {
+      const auto first = used.begin() + (range.first - all.first);
+      const bool is_used = std::find(first, first + range.size(), true) != first + range.size();
+      if (!is_used || depends_on_the_rest(repository, range)) continue;
+      bundles.try_emplace(folder, fmt::format("it stands among {} other projects", count));
+    }
+  }
+}
+
 }  // namespace
 
 bool depends_on_the_rest(const JudgedRepository& repository, JudgedRepository::Range folder) {
@@ -126,6 +181,7 @@ Bundles bundled_folders(const JudgedRepository& repository) {
     else
       bundles.emplace(folder, std::move(evidence));
   }
+  add_neighbours(repository, bundles);
   return bundles;
 }
 

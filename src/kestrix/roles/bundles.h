@@ -10,8 +10,8 @@ namespace kestrix {
 
 /// The folders of a repository that hold another project, each with what shows it: a licence that
 /// names nobody whom the repository's own names, a version in the name of a folder that stands for
-/// itself. Third-party code knows nothing of the product: a folder whose files depend on it is
-/// none, nor is one that holds half of the repository's code.
+/// itself, a place among such folders. Third-party code knows nothing of the product: a folder
+/// whose files depend on it is none, nor is one that holds half of the repository's code.
 ///
 /// Linear in the files and edges, but for folders within each other, of which a bounded number is
 /// looked at. Views the repository.

@@ -65,7 +65,8 @@ std::string outside_of_scope(const WikiGenerator& generator, PageScope scope,
       return parts.explain(*file) + ", and the page lists tests";
     case PageScope::kSource:
       if (document) return "a document, and the page lists source files";
-      return parts.is_configuring(*file) ? "" : parts.explain(*file);
+      if (parts.is_production(*file)) return "";
+      return parts.explain(*file) + ", and the page lists what configures the product";
     case PageScope::kProduction:
       if (document) return "a document, and the page lists production files";
       if (parts.is_production(*file)) return "";

@@ -75,20 +75,16 @@ FileParts::FileParts(const index::RepositoryIndex& index, const Steering* steeri
     if (given) roles = Roles();
     if (given) roles.add(role_of(*given));
     roles_.push_back(roles);
-    parts_.push_back(file.document ? 0 : parts_of(file.path, roles));
+    parts_.push_back(file.document ? 0U : parts_of(file.path, roles));
   }
 }
 
-unsigned char FileParts::parts_of(std::string_view path, Roles roles) const {
-  if (roles.has(Role::kVendored)) return 0;
+unsigned char FileParts::parts_of(std::string_view path, Roles roles) {
   const bool test = roles.has(Role::kTest);
-  const bool aside = has_any(roles, {Role::kGenerated, Role::kSample, Role::kDocumentation}) ||
-                     serves_developers(path);
-  unsigned char parts = kSource;
-  if (!roles.has(Role::kTestData) && (test || !aside)) parts |= kConfiguring;
-  if (!test && !aside) parts |= kProduction;
-  if (test && !has_any(roles, {Role::kTestData, Role::kGenerated})) parts |= kTests;
-  return parts;
+  const bool aside = serves_developers(path) || has_any(roles, {Role::kVendored, Role::kGenerated});
+  if (test) return aside || roles.has(Role::kTestData) ? 0 : kTests;
+  const bool shown = has_any(roles, {Role::kSample, Role::kDocumentation});
+  return aside || shown ? kNameable : kNameable | kProduction;
 }
 
 std::string FileParts::explain(index::FileId file) const {

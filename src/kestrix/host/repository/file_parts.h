@@ -24,12 +24,11 @@ class FileParts {
   /// The roles but those that stand for the product here.
   Roles roles(index::FileId file) const { return roles_[file]; }
 
-  /// Whether pages may be written from the file at all, tests included.
-  bool is_source(index::FileId file) const { return is_in(file, kSource); }
-  /// Whether it can configure the product: neither data of tests nor what only serves developers,
-  /// documentation or samples.
-  bool is_configuring(index::FileId file) const { return is_in(file, kConfiguring); }
+  /// Whether a user may name it as an entry point: a source that is no test.
+  bool is_nameable(index::FileId file) const { return is_in(file, kNameable); }
+  /// Whether pages about the product may be written from it.
   bool is_production(index::FileId file) const { return is_in(file, kProduction); }
+  /// Whether it is a test that can show how the product is used: no data that tests read.
   bool is_test(index::FileId file) const { return is_in(file, kTests); }
   /// Whether it is the product itself, without its migrations, tools and archives.
   bool is_product(index::FileId file) const {
@@ -41,11 +40,10 @@ class FileParts {
   std::string explain(index::FileId file) const;
 
  private:
-  enum Part : unsigned char { kSource = 1, kConfiguring = 2, kProduction = 4, kTests = 8 };
+  enum Part : unsigned char { kNameable = 1, kProduction = 2, kTests = 4 };
 
+  static unsigned char parts_of(std::string_view path, Roles roles);
   bool is_in(index::FileId file, Part part) const { return (parts_[file] & part) != 0; }
-  unsigned char parts_of(std::string_view path, Roles roles) const;
-
   const index::RepositoryIndex& index_;
   const Steering* steering_;
   std::vector<Roles> roles_;
