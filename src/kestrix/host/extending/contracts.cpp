@@ -5,6 +5,7 @@
 #include <map>
 
 #include "kestrix/host/evidence/error_types.h"
+#include "kestrix/languages/frameworks.h"
 #include "kestrix/text/paths.h"
 
 namespace kestrix {
@@ -52,9 +53,10 @@ class Finder {
   Contract look_at(DeclarationRef type) const {
     Contract contract{.type = type, .implementers = {}, .files = {}};
     const auto& declared = evidence_[type];
-    const bool members = declared.methods + declared.fields > 0;
-    contract.open = declared.abstract_methods > 0 || (members && declared.is_abstract) ||
-                    (members && declared.kind == DeclarationKind::kInterface);
+    // An interface may be made of others alone; a class says by what it leaves open that it is one.
+    const bool members = declared.methods + declared.fields > 0 || !declared.bases().empty();
+    contract.open =
+        declared.abstract_methods > 0 || (members && declared.kind == DeclarationKind::kInterface);
     contract.implementers = descendants(type);
     std::set<std::string_view> folders;
     for (const DeclarationRef implementer : contract.implementers) {
@@ -105,7 +107,19 @@ class Finder {
                   folder_of(evidence_.path(contract.type.file)));
     }
     if (is_interface(declared.kind)) return false;
-    return contract.files.size() >= kPlainBase && contract.folders >= kPlainFolders;
+    return contract.files.size() >= kPlainBase && contract.folders >= kPlainFolders &&
+           !is_called_by_framework(contract.type);
+  }
+
+  // What derives from it is an entry point, however many there are.
+  bool is_called_by_framework(DeclarationRef type) const {
+    const std::string_view language = evidence_.index().files()[type.file].language;
+    return std::ranges::any_of(
+        evidence_.index().references_from(type.file), [&](const IndexedReference& to) {
+          return to.within == type.place + 1 && kSubtyping.has(to.role) &&
+                 to.target == IndexedReference::kOutside &&
+                 index::known_as(language, index::Known::kHandlerBase, to.name) != nullptr;
+        });
   }
 
   const CodeEvidence& evidence_;
