@@ -40,7 +40,8 @@ constexpr Signal kTable{"table_of_declarations", 1.3, "its table lists what {} f
 constexpr Signal kLoads{"loads_by_name", 2.6, "loads code by name", "loads code by name, {} times",
                         "flask, netbox"};
 
-constexpr RoleSet kNaming{Role::kConstructs, Role::kCalls, Role::kLists, Role::kString};
+constexpr RoleSet kNaming{Role::kConstructs, Role::kCalls, Role::kLists, Role::kString,
+                          Role::kType};
 constexpr std::size_t kSeveral = 3;
 
 class Signals {
