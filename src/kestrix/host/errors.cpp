@@ -41,13 +41,13 @@ constexpr Signal kTold{"tells_errors_apart", 2.2, "tells {} error type apart",
                        "tells {} error types apart", "eShopOnWeb, flask"};
 constexpr Signal kMakes{"makes_errors", 1.6, "makes {} kind of error", "makes {} kinds of errors",
                         "mockito, crates.io"};
-constexpr Signal kHandler{"error_handler", 4.0, "is a framework's handler of errors",
+constexpr Signal kHandler{"error_handler", 7.0, "is a framework's handler of errors",
                           "is {} of a framework's handlers of errors", "BookStack, umami"};
 constexpr Signal kNamed{"errors_named", 0.8, "its errors are named in {} file",
                         "its errors are named in {} files", "lazygit, crates.io"};
 
-constexpr double kLeastScore = 3.0;
-constexpr double kLeastShare = 0.22;
+constexpr double kLeastScore = 1.8;
+constexpr double kLeastShare = 0.1;
 constexpr std::size_t kSeveral = 2;  // so many types are told apart, or made, by design
 
 // What is seen of one file.
@@ -116,7 +116,7 @@ class ErrorSignals {
     for (auto& [file, use] : uses) {
       const std::string told = names_and_lines(use.told_at);
       const std::string made = names_and_lines(use.made_at);
-      if (use.told.size() >= kSeveral) sheet.add(file, kTold, use.told.size(), use.told_at, told);
+      if (!use.told.empty()) sheet.add(file, kTold, use.told.size(), use.told_at, told);
       if (use.made.size() > kSeveral) sheet.add(file, kMakes, use.made.size(), use.made_at, made);
     }
   }
@@ -125,7 +125,8 @@ class ErrorSignals {
   void add_handlers(ScoreSheet& sheet) {
     std::map<FileId, std::vector<Place>> handlers;
     for (const auto& to : evidence_.index().references()) {
-      if (to.target != index::IndexedReference::kOutside || !evidence_.is_product(to.source)) continue;
+      if (to.target != index::IndexedReference::kOutside || !evidence_.is_product(to.source))
+        continue;
       const auto language = evidence_.index().files()[to.source].language;
       if (known_as(language, index::Known::kErrorHandler, to.name) == nullptr) continue;
       handlers[to.source].push_back(evidence_.place_of(to));
@@ -171,7 +172,8 @@ PageAnswer errors_answer(const WikiGenerator& generator) {
   const CodeEvidence& code = generator.code_evidence();
   const ScoreSheet sheet = ErrorSignals(code).sheet();
   add_reasons(sheet, code, answer.files);
-  answer.further = sheet.further(answer.files, room_for_further(answer.files.size()), kLeastScore, kLeastShare);
+  answer.further =
+      sheet.further(answer.files, room_for_further(answer.files.size()), kLeastScore, kLeastShare);
   finish(answer, *answer.has_material ? "no exception class in a production file, only in others"
                                       : "no class named …Error or …Exception");
   return answer;
