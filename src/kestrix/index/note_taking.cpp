@@ -6,6 +6,7 @@
 
 #include "kestrix/documents/document_reader.h"
 #include "kestrix/formats/scalars.h"
+#include "kestrix/languages/language.h"
 #include "kestrix/roles/licence.h"
 #include "kestrix/store/content_hash.h"
 #include "kestrix/text/paths.h"
@@ -25,7 +26,8 @@ std::optional<Format> settings_format(std::string_view path) {
   if (const auto format = format_of(path)) return format;
   const std::string_view name = base_name(path);
   const bool environment = name.starts_with("env.") || name.find(".env.") != std::string_view::npos;
-  return environment ? std::optional(Format::kEnv) : std::nullopt;
+  const bool code = language_of(path) != nullptr;
+  return environment && !code ? std::optional(Format::kEnv) : std::nullopt;
 }
 
 std::vector<std::string> keys_of(Format format, std::string_view text) {

@@ -151,7 +151,26 @@ ReferenceBuilder::Built ReferenceBuilder::build(FileId file) const {
     }
     built.references.push_back(std::move(to));
   }
+  add_satisfied(file, built);
   return built;
+}
+
+// Nothing in the text names these, so they make no edges.
+void ReferenceBuilder::add_satisfied(FileId file, Built& built) const {
+  const auto rows = table_.of(file);
+  for (const auto& [type, contract] : method_sets_.of(file)) {
+    const std::int64_t target = files_.row(contract.file).id;
+    const bool said = std::ranges::any_of(built.references, [&](const StoredReference& to) {
+      return to.role == Role::kImplements && to.within == type + 1 && to.target == target &&
+             to.declaration == contract.place + 1;
+    });
+    if (said) continue;
+    StoredReference to{
+        .role = Role::kImplements, .within = type + 1, .line = rows[type].line, .count = 1};
+    to.target = target;
+    to.declaration = contract.place + 1;
+    built.references.push_back(std::move(to));
+  }
 }
 
 }  // namespace kestrix::index

@@ -4,6 +4,7 @@
 
 #include "kestrix/index/declaration_table.h"
 #include "kestrix/index/indexed_files.h"
+#include "kestrix/index/method_sets.h"
 #include "kestrix/index/scopes.h"
 #include "kestrix/index/string_resolver.h"
 #include "kestrix/store/reference_codec.h"
@@ -14,7 +15,11 @@ namespace kestrix::index {
 class ReferenceBuilder {
  public:
   ReferenceBuilder(const IndexedFiles& files, const Scopes& scopes, const DeclarationTable& table)
-      : files_(files), scopes_(scopes), table_(table), strings_(files, table) {}
+      : files_(files),
+        scopes_(scopes),
+        table_(table),
+        strings_(files, table),
+        method_sets_(files, table) {}
 
   struct Use {
     FileId target;
@@ -32,7 +37,10 @@ class ReferenceBuilder {
   const IndexedFiles& files_;
   const Scopes& scopes_;
   const DeclarationTable& table_;
+  void add_satisfied(FileId file, Built& built) const;
+
   StringResolver strings_;
+  MethodSets method_sets_;
 };
 
 }  // namespace kestrix::index

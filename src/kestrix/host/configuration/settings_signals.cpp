@@ -117,12 +117,28 @@ class Signals {
   void add_access(FileId file) {
     if (!accessed_.insert(file).second) return;
     std::set<FileId> users;
-    const auto declared = evidence_.index().declarations(file);
-    for (std::uint32_t place = 0; place < declared.size(); ++place) {
+    for (const std::uint32_t place : readers_in(file)) {
       const auto naming = evidence_.files_naming(DeclarationRef{file, place}, kEveryRole);
       users.insert(naming.begin(), naming.end());
     }
     if (users.size() >= kShared) sheet_.add(file, kAccess, users.size());
+  }
+
+  // The places of what reads settings in a file, of what holds that, and of types filled from them.
+  std::set<std::uint32_t> readers_in(FileId file) const {
+    std::set<std::uint32_t> places;
+    const auto declared = evidence_.index().declarations(file);
+    for (const IndexedReference& to : evidence_.index().references_from(file)) {
+      if (to.role != Role::kReads) continue;
+      for (std::uint32_t at = to.within; at > 0; at = declared[at - 1].container) {
+        places.insert(at - 1);
+      }
+    }
+    for (std::uint32_t place = 0; place < declared.size(); ++place) {
+      const DeclarationRef at{file, place};
+      if (types_.contains(at) || readers_.contains(at)) places.insert(place);
+    }
+    return places;
   }
 
   // Functions that are told the name of what they read.

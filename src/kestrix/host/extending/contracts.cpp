@@ -98,6 +98,8 @@ class Finder {
 
   bool counts(const Contract& contract) const {
     const auto& declared = evidence_[contract.type];
+    // What only its own package can name is for nobody else to implement.
+    if (!declared.exported && contract.folders < kPlainFolders) return false;
     if (contract.open) {
       if (contract.files.size() >= 2) return true;
       const bool tried = contract.test_implementers > 0 || contract.users >= 2;

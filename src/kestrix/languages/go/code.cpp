@@ -257,7 +257,26 @@ bool exported(const SourceTree&, TSNode, const Declaration& as) {
   return is_upper(as.name.front()) || static_cast<unsigned char>(as.name.front()) >= 0x80;
 }
 
+// Names that share a type are parameters each.
+std::uint32_t parameters_of(TSNode method) {
+  const auto parameters = field_of(method, "parameters");
+  if (!parameters) return 0;
+  std::uint32_t count = 0;
+  TreeCursor cursor(*parameters);
+  for (bool more = cursor.to_first_child(); more; more = cursor.to_next_sibling()) {
+    if (!ts_node_is_named(cursor.node()) || ts_node_is_extra(cursor.node())) continue;
+    std::uint32_t names = 0;
+    TreeCursor name(cursor.node());
+    for (bool next = name.to_first_child(); next; next = name.to_next_sibling()) {
+      if (type_of(name.node()) == "identifier") ++names;
+    }
+    count += std::max(names, 1U);
+  }
+  return count;
+}
+
 bool refine(const SourceTree&, TSNode declaration, Declaration& as) {
+  if (as.kind == DeclarationKind::kMethod) as.size = parameters_of(declaration);
   if (as.name == "_" || (as.name == "init" && as.kind == DeclarationKind::kFunction)) return false;
   if (as.kind == DeclarationKind::kConstant && type_of(declaration) == "var_spec") {
     as.kind = DeclarationKind::kVariable;  // its habits of writing do not tell constants
