@@ -46,8 +46,16 @@ constexpr Signal kHandler{"error_handler", 7.0, "is a framework's handler of err
 constexpr Signal kNamed{"errors_named", 0.8, "its errors are named in {} file",
                         "its errors are named in {} files", "lazygit, crates.io"};
 
+constexpr Signal kAnswers{"makes_answers", 0.9, "{} file answers requests through its functions",
+                          "{} files answer requests through its functions", "umami, netbox"};
+constexpr Signal kEnds{"ends_program", 0.8, "{} file ends the program through its functions",
+                       "{} files end the program through its functions", "redis, lazygit"};
+
 constexpr double kLeastScore = 1.8;
 constexpr double kLeastShare = 0.1;
+constexpr std::uint32_t kShort = 25;   // lines of a function that does one thing
+constexpr std::size_t kAnswerers = 3;  // so many functions of a file make answers by design
+constexpr std::size_t kManyUsers = 5;
 constexpr std::size_t kSeveral = 2;  // so many types are told apart, or made, by design
 
 // What is seen of one file.
@@ -68,6 +76,8 @@ class ErrorSignals {
     add_definitions(sheet);
     add_uses(sheet);
     add_handlers(sheet);
+    add_short_functions(sheet, kAnswers, index::Known::kResponse, kAnswerers);
+    add_short_functions(sheet, kEnds, index::Known::kEndsProgram, 1);
     return sheet;
   }
 
@@ -134,6 +144,34 @@ class ErrorSignals {
     for (auto& [file, places] : handlers) {
       const std::string names = names_and_lines(places);
       sheet.add(file, kHandler, 1, std::move(places), names);
+    }
+  }
+
+  // Files of short functions around a call that is known, by who uses them.
+  void add_short_functions(ScoreSheet& sheet, const Signal& signal, index::Known known,
+                           std::size_t least) const {
+    std::map<FileId, std::set<DeclarationRef>> functions;
+    for (const auto& to : evidence_.index().references()) {
+      if (to.target != index::IndexedReference::kOutside || to.within == 0) continue;
+      if (!evidence_.is_product(to.source)) continue;
+      if (to.role != Role::kCalls && to.role != Role::kConstructs) continue;
+      const DeclarationRef holder{to.source, to.within - 1};
+      const auto& declared = evidence_[holder];
+      if (declared.kind != index::DeclarationKind::kFunction || !declared.exported) continue;
+      if (declared.last_line > declared.line + kShort) continue;
+      const auto language = evidence_.index().files()[to.source].language;
+      if (known_as(language, known, to.name) != nullptr) functions[to.source].insert(holder);
+    }
+    for (const auto& [file, holders] : functions) {
+      if (holders.size() < least) continue;
+      std::set<FileId> users;
+      for (const DeclarationRef function : holders) {
+        const auto naming = evidence_.files_naming(function, {Role::kCalls});
+        users.insert(naming.begin(), naming.end());
+      }
+      if (users.size() < kManyUsers) continue;
+      const auto places = places_of(holders);
+      sheet.add(file, signal, users.size(), places, names_and_lines(places));
     }
   }
 

@@ -11,6 +11,9 @@ enum class Known : std::uint8_t {
   kErrorBase,      ///< what extends it can be thrown
   kErrorHandler,   ///< what extends it, or bears it, is asked about errors that nobody caught
   kErrorValue,     ///< calling it makes an error value
+  kErrorMethod,    ///< a type with a method of that name, without parameters, is an error
+  kResponse,       ///< calling or making it answers a request
+  kEndsProgram,    ///< calling it ends the program
   kModelBase,      ///< what extends it is stored
   kModelMarker,    ///< what bears it is stored
   kModelList,      ///< its type arguments are stored, or calling it describes what is

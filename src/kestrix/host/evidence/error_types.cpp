@@ -24,6 +24,9 @@ class Finder {
     for (const IndexedReference& to : evidence_.index().references()) {
       if (evidence_.is_product(to.source)) look_at(to);
     }
+    for (index::FileId file = 0; file < evidence_.index().files().size(); ++file) {
+      if (evidence_.is_product(file)) look_for_methods(file);
+    }
     while (!open_.empty()) {
       const DeclarationRef type = open_.front();
       open_.pop_front();
@@ -49,6 +52,18 @@ class Finder {
     const DeclarationRef thrown{to.target, to.declaration - 1};
     const DeclarationKind kind = evidence_[thrown].kind;
     if (evidence_.is_product(to.target) && (is_type(kind) || is_value(kind))) take(thrown);
+  }
+
+  // Types that are errors because of what they can do.
+  void look_for_methods(index::FileId file) {
+    const std::string_view language = evidence_.index().files()[file].language;
+    const auto declared = evidence_.index().declarations(file);
+    for (const auto& row : declared) {
+      if (row.kind != DeclarationKind::kMethod || row.container == 0 || row.size > 0) continue;
+      if (known_as(language, Known::kErrorMethod, row.name) == nullptr) continue;
+      if (declared[row.container - 1].kind == DeclarationKind::kInterface) continue;
+      take({file, row.container - 1});
+    }
   }
 
   // Libraries call their error types so, and what derives from one is one.

@@ -7,6 +7,10 @@ std::span<const FrameworkName> c_family_frameworks();
 namespace {
 
 constexpr FrameworkName kNames[] = {
+    {"c", Known::kEndsProgram, "abort"},
+    {"c", Known::kEndsProgram, "exit"},
+    {"c", Known::kEndsProgram, "_exit"},
+    {"c++", Known::kEndsProgram, "std.terminate"},
     {"cpp", Known::kErrorBase, "std.exception"},
     {"cpp", Known::kErrorBase, "exception"},
     {"cpp", Known::kErrorBase, "std.runtime_error"},

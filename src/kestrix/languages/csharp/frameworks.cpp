@@ -7,6 +7,9 @@ std::span<const FrameworkName> csharp_frameworks();
 namespace {
 
 constexpr FrameworkName kNames[] = {
+    {"aspnet", Known::kResponse, "Results.Problem"},
+    {"aspnet", Known::kResponse, "ProblemDetails"},
+    {"dotnet", Known::kEndsProgram, "Environment.Exit"},
     {"dotnet", Known::kErrorBase, "Exception"},
     {"dotnet", Known::kErrorBase, "ApplicationException"},
     {"dotnet", Known::kErrorBase, "SystemException"},

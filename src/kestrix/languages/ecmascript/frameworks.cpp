@@ -7,6 +7,10 @@ std::span<const FrameworkName> ecmascript_frameworks();
 namespace {
 
 constexpr FrameworkName kNames[] = {
+    {"web", Known::kResponse, "Response.json"},
+    {"web", Known::kResponse, "Response"},
+    {"next", Known::kResponse, "NextResponse.json"},
+    {"node", Known::kEndsProgram, "process.exit"},
     {"javascript", Known::kErrorBase, "Error"},
     {"javascript", Known::kErrorBase, "TypeError"},
     {"javascript", Known::kErrorBase, "RangeError"},

@@ -7,6 +7,11 @@ std::span<const FrameworkName> go_frameworks();
 namespace {
 
 constexpr FrameworkName kNames[] = {
+    {"go", Known::kErrorMethod, "Error"},
+    {"go", Known::kEndsProgram, "os.Exit"},
+    {"go", Known::kEndsProgram, "log.Fatal"},
+    {"go", Known::kEndsProgram, "log.Fatalf"},
+    {"go", Known::kResponse, "http.Error"},
     {"go", Known::kErrorValue, "errors.New"},
     {"go", Known::kErrorValue, "fmt.Errorf"},
     {"go", Known::kErrorValue, "errors.Wrap"},

@@ -7,6 +7,9 @@ std::span<const FrameworkName> jvm_frameworks();
 namespace {
 
 constexpr FrameworkName kNames[] = {
+    {"spring", Known::kResponse, "ResponseEntity"},
+    {"spring", Known::kResponse, "ProblemDetail"},
+    {"java", Known::kEndsProgram, "System.exit"},
     {"java", Known::kErrorBase, "AssertionError"},
     {"java", Known::kErrorBase, "Error"},
     {"java", Known::kErrorBase, "Exception"},

@@ -7,6 +7,8 @@ std::span<const FrameworkName> php_frameworks();
 namespace {
 
 constexpr FrameworkName kNames[] = {
+    {"laravel", Known::kResponse, "JsonResponse"},
+    {"symfony", Known::kResponse, "Response"},
     {"php", Known::kErrorBase, "Exception"},
     {"php", Known::kErrorBase, "RuntimeException"},
     {"php", Known::kErrorBase, "Error"},

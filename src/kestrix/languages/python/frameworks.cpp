@@ -7,6 +7,12 @@ std::span<const FrameworkName> python_frameworks();
 namespace {
 
 constexpr FrameworkName kNames[] = {
+    {"python", Known::kEndsProgram, "sys.exit"},
+    {"django", Known::kResponse, "JsonResponse"},
+    {"django", Known::kResponse, "HttpResponse"},
+    {"flask", Known::kResponse, "jsonify"},
+    {"fastapi", Known::kResponse, "JSONResponse"},
+    {"rest_framework", Known::kResponse, "response.Response"},
     {"python", Known::kErrorBase, "Exception"},
     {"python", Known::kErrorBase, "BaseException"},
     {"python", Known::kErrorBase, "Warning"},

@@ -7,6 +7,11 @@ std::span<const FrameworkName> rust_frameworks();
 namespace {
 
 constexpr FrameworkName kNames[] = {
+    {"rust", Known::kEndsProgram, "process.exit"},
+    {"rust", Known::kEndsProgram, "process.abort"},
+    {"axum", Known::kResponse, "IntoResponse"},
+    {"http", Known::kResponse, "Response.builder"},
+    {"actix", Known::kResponse, "HttpResponse"},
     {"rust", Known::kErrorBase, "std.error.Error"},
     {"rust", Known::kErrorBase, "core.error.Error"},
     {"rust", Known::kErrorBase, "Error"},
