@@ -51,7 +51,7 @@ constexpr Signal kAnswers{"makes_answers", 0.9, "{} file answers requests throug
 constexpr Signal kEnds{"ends_program", 0.8, "{} file ends the program through its functions",
                        "{} files end the program through its functions", "redis, lazygit"};
 
-constexpr double kLeastScore = 1.8;
+constexpr double kLeastScore = 2.3;
 constexpr double kLeastShare = 0.1;
 constexpr std::uint32_t kShort = 25;   // lines of a function that does one thing
 constexpr std::size_t kAnswerers = 3;  // so many functions of a file make answers by design
