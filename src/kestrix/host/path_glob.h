@@ -1,5 +1,6 @@
 #pragma once
 
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -33,7 +34,14 @@ class PathGlob {
   bool matches(std::string_view path) const;
 
  private:
-  std::vector<index::Wildmatch> ways_;
+  struct Way {
+    std::string end;  ///< of every path that it matches
+    index::Wildmatch match;
+  };
+
+  void add(const std::string& pattern);
+
+  std::vector<Way> ways_;
 };
 
 }  // namespace kestrix
