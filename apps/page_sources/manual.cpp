@@ -139,13 +139,13 @@ std::string zsh_option(const OptionDefinition& option) {
     help += c;
   }
   for (const std::string& flag : option.flags) {
-    std::string spec = fmt::format("*{}[{}]", flag, help);
+    std::string argument = fmt::format("*{}[{}]", flag, help);
     if (!option.choices.empty()) {
-      spec += fmt::format(":value:({})", fmt::join(option.choices, " "));
+      argument += fmt::format(":value:({})", fmt::join(option.choices, " "));
     } else if (!option.value.empty()) {
-      spec += ":value:_files";
+      argument += ":value:_files";
     }
-    out += fmt::format("        {} \\\n", quoted(spec, "'\\''"));
+    out += fmt::format("        {} \\\n", quoted(argument, "'\\''"));
   }
   return out;
 }

@@ -53,33 +53,33 @@ class Truth:
 
     # Names without dots: the finder would look a parent up among the modules that are loaded.
     @functools.lru_cache(maxsize=None)
-    def spec(self, name: str, path: tuple[str, ...]):
+    def locate(self, name: str, path: tuple[str, ...]):
         return importlib.machinery.PathFinder.find_spec(name, list(path))
 
-    def file_of(self, spec) -> str | None:
-        if spec is None or not spec.origin or spec.origin in ("built-in", "frozen"):
+    def file_of(self, located) -> str | None:
+        if located is None or not located.origin or located.origin in ("built-in", "frozen"):
             return None
-        relative = os.path.relpath(spec.origin, self.repo)
+        relative = os.path.relpath(located.origin, self.repo)
         return relative if relative in self.known else None
 
     def top(self, name: str, path: str):
         first, rest = self.search_path(path)
         if name in sys.stdlib_module_names and name != "test":
             # Only a repository that is that module itself shadows the standard library.
-            found = self.spec(name, (str(self.repo), f"{self.repo}/src", f"{self.repo}/lib"))
+            found = self.locate(name, (str(self.repo), f"{self.repo}/src", f"{self.repo}/lib"))
             return found if found is not None and found.origin else None
-        return self.spec(name, tuple(first + rest))
+        return self.locate(name, tuple(first + rest))
 
     def module(self, dotted: str, path: str):
-        spec = None
+        located = None
         for i, part in enumerate(dotted.split(".")):
             if i == 0:
-                spec = self.top(part, path)
-            elif spec is not None and spec.submodule_search_locations is not None:
-                spec = self.spec(part, tuple(spec.submodule_search_locations))
+                located = self.top(part, path)
+            elif located is not None and located.submodule_search_locations is not None:
+                located = self.locate(part, tuple(located.submodule_search_locations))
             else:
                 return None
-        return spec
+        return located
 
     def relative(self, level: int, dotted: str, path: str):
         folder = (self.repo / path).parent
@@ -91,16 +91,16 @@ class Truth:
         if not parts:
             init = folder / "__init__.py"
             loader = importlib.machinery.SourceFileLoader("_", str(init))
-            spec = importlib.machinery.ModuleSpec("_", loader, is_package=True)
-            spec.origin = str(init) if init.exists() else None
-            spec.submodule_search_locations = [str(folder)]
-            return spec
-        spec = self.spec(parts[0], (str(folder),))
+            located = importlib.machinery.ModuleSpec("_", loader, is_package=True)
+            located.origin = str(init) if init.exists() else None
+            located.submodule_search_locations = [str(folder)]
+            return located
+        located = self.locate(parts[0], (str(folder),))
         for part in parts[1:]:
-            if spec is None or spec.submodule_search_locations is None:
+            if located is None or located.submodule_search_locations is None:
                 return None
-            spec = self.spec(part, tuple(spec.submodule_search_locations))
-        return spec
+            located = self.locate(part, tuple(located.submodule_search_locations))
+        return located
 
     def targets(self, node: ast.AST, path: str):
         if isinstance(node, ast.Import):
@@ -108,16 +108,16 @@ class Truth:
                 yield self.file_of(self.module(alias.name, path))
         elif isinstance(node, ast.ImportFrom):
             if node.level:
-                spec = self.relative(node.level, node.module or "", path)
+                located = self.relative(node.level, node.module or "", path)
             else:
-                spec = self.module(node.module, path)
-            if spec is None:
+                located = self.module(node.module, path)
+            if located is None:
                 return
             for alias in node.names:
                 sub = None
-                if spec.submodule_search_locations is not None and alias.name != "*":
-                    sub = self.spec(alias.name, tuple(spec.submodule_search_locations))
-                yield self.file_of(sub) or self.file_of(spec)
+                if located.submodule_search_locations is not None and alias.name != "*":
+                    sub = self.locate(alias.name, tuple(located.submodule_search_locations))
+                yield self.file_of(sub) or self.file_of(located)
 
     def edges(self):
         warnings.simplefilter("ignore")
