@@ -1,5 +1,6 @@
 # The folders are layers: what a folder's files include lies in folders above it in this table, and
-# only in those that its row names. As each row names rows above it alone, there are no circles.
+# only in those that its row names. As each row names rows above it alone, there are no circles. The
+# index has folders of its own, with rows of their own.
 #
 # Included, this adds a test that runs the file as a script.
 
@@ -32,22 +33,30 @@ set(table
   "python: workers contract utils"
   "capi: host workers contract index roles facts files text utils"
   "apps: capi host workers contract index store roles facts files text utils")
+set(table_index
+  "tables:"
+  "names: tables"
+  "edges: names tables"
+  "index: tables"
+  "refresh: index edges names tables")
 
 # The headers of the contract that stand in the folders of those who fulfil it.
 set(contract "^(index/repository\\.h|facts/(data_signals|symbol_kind)\\.h)$")
 
-set(known "")
 set(found "")
-foreach(row IN LISTS table)
-  string(REGEX MATCH "^[a-z]+" folder "${row}")
-  string(REGEX MATCHALL "[a-z]+" allowed "${row}")
-  foreach(name IN LISTS allowed)
-    if(NOT name STREQUAL folder AND NOT name IN_LIST known)
-      string(APPEND found "\n  the row of ${folder} names ${name}, which is not above it")
-    endif()
+foreach(rows IN ITEMS table table_index)
+  set(known "")
+  foreach(row IN LISTS ${rows})
+    string(REGEX MATCH "^[a-z]+" folder "${row}")
+    string(REGEX MATCHALL "[a-z]+" allowed "${row}")
+    foreach(name IN LISTS allowed)
+      if(NOT name STREQUAL folder AND NOT name IN_LIST known)
+        string(APPEND found "\n  the row of ${folder} names ${name}, which is not above it")
+      endif()
+    endforeach()
+    list(APPEND known ${folder})
+    set(allowed_${rows}_${folder} ${allowed})
   endforeach()
-  list(APPEND known ${folder})
-  set(allowed_${folder} ${allowed})
 endforeach()
 
 file(GLOB_RECURSE files RELATIVE ${SOURCE_DIR}
@@ -62,10 +71,13 @@ endif()
 foreach(file IN LISTS files)
   string(REGEX REPLACE "^src/kestrix/" "" within "${file}")
   string(REGEX REPLACE "/.*" "" folder "${within}")
+  string(REGEX MATCH "^index/([a-z]+/)?" part "${within}")
+  get_filename_component(part "${part}x" DIRECTORY)
+  get_filename_component(part "${part}" NAME)
   if(within MATCHES "${contract}")
     set(folder contract)
   endif()
-  if(NOT DEFINED allowed_${folder})
+  if(NOT DEFINED allowed_table_${folder} OR (part AND NOT DEFINED allowed_table_index_${part}))
     string(APPEND found "\n  ${file} lies in no layer")
     continue()
   endif()
@@ -76,8 +88,15 @@ foreach(file IN LISTS files)
     if(header MATCHES "${contract}")
       set(target contract)
     endif()
-    if(NOT target IN_LIST allowed_${folder})
+    if(NOT target IN_LIST allowed_table_${folder})
       string(APPEND found "\n  ${file} includes ${header}")
+    endif()
+    if(folder STREQUAL "index" AND target STREQUAL "index")
+      get_filename_component(other "${header}" DIRECTORY)
+      get_filename_component(other "${other}" NAME)
+      if(NOT other IN_LIST allowed_table_index_${part})
+        string(APPEND found "\n  ${file} includes ${header}")
+      endif()
     endif()
   endforeach()
 endforeach()

@@ -15,7 +15,7 @@
 
 #include "fuzz/require.h"
 #include "fuzz/scratch_directory.h"
-#include "kestrix/index/indexer.h"
+#include "kestrix/index/refresh/indexer.h"
 #include "kestrix/store/content_hash.h"
 #include "kestrix/store/corrupt_index.h"
 #include "kestrix/store/facts_codec.h"

@@ -11,7 +11,7 @@
 #include "apps/page_sources/answers.h"
 #include "kestrix/host/queries/edge_query.h"
 #include "kestrix/host/queries/why.h"
-#include "kestrix/index/indexer.h"
+#include "kestrix/index/refresh/indexer.h"
 
 namespace kestrix::program {
 

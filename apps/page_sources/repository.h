@@ -8,7 +8,7 @@
 #include "apps/page_sources/answers.h"
 #include "apps/page_sources/arguments.h"
 #include "apps/page_sources/console.h"
-#include "kestrix/index/indexer.h"
+#include "kestrix/index/refresh/indexer.h"
 #include "kestrix/utils/stop.h"
 
 namespace kestrix::program {

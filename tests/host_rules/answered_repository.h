@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "kestrix/host/pages.h"
-#include "kestrix/index/indexer.h"
+#include "kestrix/index/refresh/indexer.h"
 #include "tests/index/scratch.h"
 
 namespace kestrix {

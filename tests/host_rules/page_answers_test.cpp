@@ -9,7 +9,7 @@
 
 #include "kestrix/host/components.h"
 #include "kestrix/host/pages.h"
-#include "kestrix/index/indexer.h"
+#include "kestrix/index/refresh/indexer.h"
 #include "tests/index/scratch.h"
 
 namespace kestrix {

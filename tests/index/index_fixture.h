@@ -6,7 +6,7 @@
 #include <string>
 #include <thread>
 
-#include "kestrix/index/indexer.h"
+#include "kestrix/index/refresh/indexer.h"
 #include "tests/index/dump.h"
 #include "tests/index/scratch.h"
 

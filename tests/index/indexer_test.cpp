@@ -1,4 +1,4 @@
-#include "kestrix/index/indexer.h"
+#include "kestrix/index/refresh/indexer.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>

@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "kestrix/index/indexer.h"
+#include "kestrix/index/refresh/indexer.h"
 #include "tests/index/scratch.h"
 
 namespace kestrix::program {

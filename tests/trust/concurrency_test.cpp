@@ -13,7 +13,7 @@
 #include "apps/page_sources/output.h"
 #include "kestrix/host/components.h"
 #include "kestrix/host/wiki_generator.h"
-#include "kestrix/index/indexer.h"
+#include "kestrix/index/refresh/indexer.h"
 #include "kestrix/utils/best_effort.h"
 #include "kestrix/utils/error.h"
 #include "kestrix/utils/path_filter.h"
@@ -80,8 +80,7 @@ TEST_F(Concurrency, RulesAndDetectorsShareAGenerator) {
       text += source + std::to_string(is_archived_path(source)) +
               std::to_string(is_config_path(source)) + std::to_string(is_registry_name(source));
     }
-    for (const FoundSymbol& symbol : find_symbols(*opened.index, {}, "*e*"))
-      text += symbol.name;
+    for (const FoundSymbol& symbol : find_symbols(*opened.index, {}, "*e*")) text += symbol.name;
     return text;
   });
   EXPECT_GT(results.front().size(), 1000U);

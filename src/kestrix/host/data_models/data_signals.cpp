@@ -1,6 +1,6 @@
 #include "kestrix/host/data_models/data_signals.h"
 
-#include "kestrix/index/data_definitions.h"
+#include "kestrix/index/refresh/data_definitions.h"
 #include "kestrix/languages/data_languages.h"
 
 namespace kestrix {

@@ -10,10 +10,10 @@
 
 #include "kestrix/files/root_directory.h"
 #include "kestrix/files/skip_counts.h"
-#include "kestrix/index/file_scan.h"
-#include "kestrix/index/indexed_files.h"
-#include "kestrix/index/indexer.h"
-#include "kestrix/index/refresh_plan.h"
+#include "kestrix/index/refresh/file_scan.h"
+#include "kestrix/index/refresh/indexer.h"
+#include "kestrix/index/refresh/refresh_plan.h"
+#include "kestrix/index/tables/indexed_files.h"
 #include "kestrix/store/store.h"
 #include "kestrix/walk/walker.h"
 

@@ -1,4 +1,4 @@
-#include "kestrix/index/refresher.h"
+#include "kestrix/index/refresh/refresher.h"
 
 #include <fmt/format.h>
 
@@ -8,15 +8,15 @@
 #include <system_error>
 #include <utility>
 
-#include "kestrix/index/edge_builder.h"
+#include "kestrix/index/edges/edge_builder.h"
 #include "kestrix/index/file_roles.h"
-#include "kestrix/index/indexed_files.h"
 #include "kestrix/index/settings.h"
 #include "kestrix/index/sources_digest.h"
-#include "kestrix/index/workers.h"
+#include "kestrix/index/tables/indexed_files.h"
 #include "kestrix/store/content_hash.h"
 #include "kestrix/store/corrupt_index.h"
 #include "kestrix/store/facts_codec.h"
+#include "kestrix/utils/workers.h"
 
 namespace kestrix::index {
 namespace {

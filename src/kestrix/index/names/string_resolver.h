@@ -6,9 +6,9 @@
 #include <string_view>
 #include <unordered_map>
 
-#include "kestrix/index/declaration_table.h"
-#include "kestrix/index/indexed_files.h"
-#include "kestrix/index/name_resolver.h"
+#include "kestrix/index/names/name_resolver.h"
+#include "kestrix/index/tables/declaration_table.h"
+#include "kestrix/index/tables/indexed_files.h"
 
 namespace kestrix::index {
 

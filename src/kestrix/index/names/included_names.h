@@ -7,10 +7,10 @@
 #include <unordered_map>
 #include <vector>
 
-#include "kestrix/index/declaration_table.h"
-#include "kestrix/index/indexed_files.h"
-#include "kestrix/index/name_resolver.h"
-#include "kestrix/index/scopes.h"
+#include "kestrix/index/names/name_resolver.h"
+#include "kestrix/index/names/scopes.h"
+#include "kestrix/index/tables/declaration_table.h"
+#include "kestrix/index/tables/indexed_files.h"
 
 namespace kestrix::index {
 

@@ -1,10 +1,10 @@
-#include "kestrix/index/reference_builder.h"
+#include "kestrix/index/edges/reference_builder.h"
 
 #include <algorithm>
 #include <optional>
 #include <utility>
 
-#include "kestrix/index/included_names.h"
+#include "kestrix/index/names/included_names.h"
 #include "kestrix/languages/frameworks.h"
 #include "kestrix/text/ascii.h"
 #include "kestrix/text/paths.h"
@@ -120,11 +120,10 @@ ReferenceBuilder::Built ReferenceBuilder::build(FileId file) const {
       thing = included ? included->resolve(mention.name, mention.within)
                        : names.resolve(mention.name, mention.within, names_a_type(mention.role));
       const bool made = mention.role == Role::kCalls || mention.role == Role::kConstructs;
-      const bool known = included && mention.role == Role::kCalls &&
-                         is_framework_name(language, mention.name);
-      if (thing.kind == Kind::kNothing &&
-          (tells_outside(language, mention) || known ||
-           (made && names.looks_outside(mention.name)))) {
+      const bool known =
+          included && mention.role == Role::kCalls && is_framework_name(language, mention.name);
+      if (thing.kind == Kind::kNothing && (tells_outside(language, mention) || known ||
+                                           (made && names.looks_outside(mention.name)))) {
         thing = {Kind::kOutside, {}, without_mark(mention.name)};
       }
     }

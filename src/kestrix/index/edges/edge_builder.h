@@ -3,7 +3,7 @@
 #include <optional>
 #include <span>
 
-#include "kestrix/index/indexed_files.h"
+#include "kestrix/index/tables/indexed_files.h"
 #include "kestrix/store/store.h"
 #include "kestrix/utils/stop.h"
 

@@ -7,8 +7,8 @@
 #include <utility>
 #include <vector>
 
-#include "kestrix/index/declaration_table.h"
-#include "kestrix/index/indexed_files.h"
+#include "kestrix/index/tables/declaration_table.h"
+#include "kestrix/index/tables/indexed_files.h"
 
 namespace kestrix::index {
 

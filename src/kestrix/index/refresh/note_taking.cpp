@@ -1,4 +1,4 @@
-#include "kestrix/index/note_taking.h"
+#include "kestrix/index/refresh/note_taking.h"
 
 #include <algorithm>
 #include <optional>

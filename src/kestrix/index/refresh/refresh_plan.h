@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "kestrix/files/skip_counts.h"
-#include "kestrix/index/file_scan.h"
+#include "kestrix/index/refresh/file_scan.h"
 #include "kestrix/store/store.h"
 #include "kestrix/walk/walker.h"
 

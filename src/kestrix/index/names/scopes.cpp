@@ -1,4 +1,4 @@
-#include "kestrix/index/scopes.h"
+#include "kestrix/index/names/scopes.h"
 
 #include <algorithm>
 #include <unordered_set>

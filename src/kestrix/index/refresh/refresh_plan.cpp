@@ -1,4 +1,4 @@
-#include "kestrix/index/refresh_plan.h"
+#include "kestrix/index/refresh/refresh_plan.h"
 
 #include <algorithm>
 #include <utility>

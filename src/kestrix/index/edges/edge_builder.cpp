@@ -1,4 +1,4 @@
-#include "kestrix/index/edge_builder.h"
+#include "kestrix/index/edges/edge_builder.h"
 
 #include <algorithm>
 #include <map>
@@ -10,12 +10,12 @@
 #include <utility>
 #include <vector>
 
-#include "kestrix/index/declaration_table.h"
-#include "kestrix/index/reference_builder.h"
-#include "kestrix/index/scopes.h"
-#include "kestrix/index/workers.h"
+#include "kestrix/index/edges/reference_builder.h"
+#include "kestrix/index/names/scopes.h"
+#include "kestrix/index/tables/declaration_table.h"
 #include "kestrix/store/corrupt_index.h"
 #include "kestrix/store/edge_codec.h"
+#include "kestrix/utils/workers.h"
 
 namespace kestrix::index {
 namespace {

@@ -8,9 +8,9 @@
 #include <unordered_set>
 #include <vector>
 
-#include "kestrix/index/declaration_table.h"
-#include "kestrix/index/indexed_files.h"
-#include "kestrix/index/scopes.h"
+#include "kestrix/index/names/scopes.h"
+#include "kestrix/index/tables/declaration_table.h"
+#include "kestrix/index/tables/indexed_files.h"
 
 namespace kestrix::index {
 

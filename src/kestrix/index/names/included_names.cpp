@@ -1,4 +1,4 @@
-#include "kestrix/index/included_names.h"
+#include "kestrix/index/names/included_names.h"
 
 #include <algorithm>
 #include <deque>
@@ -7,7 +7,7 @@
 #include <unordered_set>
 #include <utility>
 
-#include "kestrix/index/namespaces.h"
+#include "kestrix/index/names/namespaces.h"
 #include "kestrix/text/paths.h"
 
 namespace kestrix::index {

@@ -17,7 +17,7 @@
 #include "kestrix/utils/error.h"
 #include "kestrix/utils/stop.h"
 
-namespace kestrix::index {
+namespace kestrix {
 
 /// The number of threads to use when `asked` is zero: one a core.
 inline unsigned thread_count(unsigned asked) {
@@ -127,4 +127,4 @@ class Workers {
   bool closed_ = false;
 };
 
-}  // namespace kestrix::index
+}  // namespace kestrix

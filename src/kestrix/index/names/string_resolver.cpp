@@ -1,4 +1,4 @@
-#include "kestrix/index/string_resolver.h"
+#include "kestrix/index/names/string_resolver.h"
 
 #include <algorithm>
 

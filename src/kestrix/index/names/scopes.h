@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "kestrix/index/indexed_files.h"
+#include "kestrix/index/tables/indexed_files.h"
 #include "kestrix/languages/language.h"
 
 namespace kestrix::index {

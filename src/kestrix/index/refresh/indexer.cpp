@@ -1,4 +1,4 @@
-#include "kestrix/index/indexer.h"
+#include "kestrix/index/refresh/indexer.h"
 
 #include <fmt/format.h>
 
@@ -6,7 +6,7 @@
 
 #include "kestrix/files/root_directory.h"
 #include "kestrix/index/left_out.h"
-#include "kestrix/index/refresher.h"
+#include "kestrix/index/refresh/refresher.h"
 #include "kestrix/store/cache_path.h"
 #include "kestrix/store/corrupt_index.h"
 #include "kestrix/store/store.h"

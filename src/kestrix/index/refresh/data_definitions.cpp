@@ -1,4 +1,4 @@
-#include "kestrix/index/data_definitions.h"
+#include "kestrix/index/refresh/data_definitions.h"
 
 #include "kestrix/languages/data_languages.h"
 #include "kestrix/roles/generated.h"

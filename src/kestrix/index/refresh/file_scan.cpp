@@ -1,4 +1,4 @@
-#include "kestrix/index/file_scan.h"
+#include "kestrix/index/refresh/file_scan.h"
 
 #include <algorithm>
 #include <chrono>
@@ -9,8 +9,8 @@
 #include "kestrix/documents/document_reader.h"
 #include "kestrix/files/classification.h"
 #include "kestrix/files/file_reading.h"
-#include "kestrix/index/data_definitions.h"
-#include "kestrix/index/note_taking.h"
+#include "kestrix/index/refresh/data_definitions.h"
+#include "kestrix/index/refresh/note_taking.h"
 #include "kestrix/languages/data_languages.h"
 #include "kestrix/languages/language.h"
 #include "kestrix/languages/reading.h"

@@ -1,4 +1,4 @@
-#include "kestrix/index/indexed_files.h"
+#include "kestrix/index/tables/indexed_files.h"
 
 #include <utility>
 

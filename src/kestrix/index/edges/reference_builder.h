@@ -2,11 +2,11 @@
 
 #include <vector>
 
-#include "kestrix/index/declaration_table.h"
-#include "kestrix/index/indexed_files.h"
-#include "kestrix/index/method_sets.h"
-#include "kestrix/index/scopes.h"
-#include "kestrix/index/string_resolver.h"
+#include "kestrix/index/names/method_sets.h"
+#include "kestrix/index/names/scopes.h"
+#include "kestrix/index/names/string_resolver.h"
+#include "kestrix/index/tables/declaration_table.h"
+#include "kestrix/index/tables/indexed_files.h"
 #include "kestrix/store/reference_codec.h"
 
 namespace kestrix::index {

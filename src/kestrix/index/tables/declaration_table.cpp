@@ -1,4 +1,4 @@
-#include "kestrix/index/declaration_table.h"
+#include "kestrix/index/tables/declaration_table.h"
 
 #include <algorithm>
 #include <tuple>

@@ -4,7 +4,7 @@
 #include <string_view>
 #include <vector>
 
-#include "kestrix/index/declaration_table.h"
+#include "kestrix/index/tables/declaration_table.h"
 
 namespace kestrix::index {
 

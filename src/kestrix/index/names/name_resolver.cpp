@@ -1,4 +1,4 @@
-#include "kestrix/index/name_resolver.h"
+#include "kestrix/index/names/name_resolver.h"
 
 #include <algorithm>
 #include <array>

@@ -1,4 +1,4 @@
-#include "kestrix/index/method_sets.h"
+#include "kestrix/index/names/method_sets.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "kestrix/index/namespaces.h"
+#include "kestrix/index/names/namespaces.h"
 
 #include <algorithm>
 
