@@ -29,6 +29,8 @@ TEST(Wildmatch, FollowsGit) {
       {"a[/]b", "a/b", false},     {"[!x]", "/", false},        {"\\*", "*", true},
       {"\\*", "x", false},         {"a\\", "a", false},         {"", "", true},
       {"**/**/c", "a/b/c", true},  {"a/**/**/c", "a/c", true},  {"*.t?t", "x.txt", true},
+      {"a*aa", "aaa", true},       {"a*aa", "aa", false},       {"**/a/**/a.c", "a/a.c", true},
+      {"*ab*b", "abab", true},     {"ab*ab", "ab", false},      {"**/app/**/x.ts", "x.ts", false},
   };
   for (const auto& [pattern, path, matches] : kCases) {
     EXPECT_EQ(Wildmatch(pattern).matches(path), matches) << pattern << " on " << path;

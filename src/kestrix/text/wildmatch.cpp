@@ -95,10 +95,34 @@ class SetReader {
 
 Wildmatch::Wildmatch(std::string_view pattern, bool ignore_case) : ignore_case_(ignore_case) {
   parse(pattern);
+  if (!ignore_case_) find_words();
+}
+
+void Wildmatch::find_words() {
+  bool open = false;
+  for (const Token& token : tokens_) {
+    const bool byte = token.kind == Kind::kByte;
+    if (byte && !open) words_.emplace_back();
+    if (byte) words_.back() += static_cast<char>(token.byte);
+    open = byte;
+  }
+  ends_with_word_ = open;
+}
+
+// Most paths lack a word, and that is seen at once.
+bool Wildmatch::has_words(std::string_view path) const {
+  if (ends_with_word_ && !path.ends_with(words_.back())) return false;
+  std::size_t at = 0;
+  for (const std::string& word : words_) {
+    const std::size_t found = path.find(word, at);
+    if (found == std::string_view::npos) return false;
+    at = found + word.size();
+  }
+  return true;
 }
 
 bool Wildmatch::matches(std::string_view path) const {
-  if (!valid_) return false;
+  if (!valid_ || !has_words(path)) return false;
   States states(tokens_.size() + 1);
   States next(tokens_.size() + 1);
   enter(states, 0);

@@ -2,6 +2,7 @@
 
 #include <bitset>
 #include <cstdint>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -42,6 +43,8 @@ class Wildmatch {
   using States = std::vector<bool>;
 
   void parse(std::string_view pattern);
+  void find_words();
+  bool has_words(std::string_view path) const;
   std::size_t parse_stars(std::string_view pattern, std::size_t at);
   std::size_t parse_set(std::string_view pattern, std::size_t at);
   void push_byte(char byte);
@@ -51,6 +54,8 @@ class Wildmatch {
 
   std::vector<Token> tokens_;
   std::vector<ByteSet> sets_;
+  std::vector<std::string> words_;  // bytes in a row that a path must have, in their order
+  bool ends_with_word_ = false;     // whether the last of them ends the path
   bool ignore_case_;
   bool valid_ = true;
 };
