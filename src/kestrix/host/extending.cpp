@@ -115,7 +115,7 @@ PageAnswer extending_answer(const WikiGenerator& generator) {
   });
   answer.total = places.contracts.size() + static_cast<std::size_t>(found + wiring);
   const CodeEvidence& code = generator.code_evidence();
-  const ScoreSheet sheet = extension_sheet(code, generator.contracts());
+  const ScoreSheet& sheet = generator.extensions();
   add_reasons(sheet, code, answer.files);
   answer.further =
       sheet.further(answer.files, room_for_further(answer.files.size()), kLeastScore, kLeastShare);

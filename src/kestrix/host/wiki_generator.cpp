@@ -105,8 +105,24 @@ const std::vector<Contract>& WikiGenerator::contracts() const {
   return *contracts_;
 }
 
+const ScoreSheet& WikiGenerator::extensions() const {
+  std::call_once(extensions_found_, [this] {
+    extensions_ = std::make_unique<const ScoreSheet>(extension_sheet(code_evidence(), contracts()));
+  });
+  return *extensions_;
+}
+
+std::vector<FileEdge> WikiGenerator::_file_edges(const PathSet& paths) const {
+  const auto is_asked = [&](const std::string& path) { return paths.contains(path); };
+  if (paths.size() != planner_paths_.size() || !std::ranges::all_of(planner_paths_, is_asked)) {
+    return PageSourcesMixin::_file_edges(paths);
+  }
+  std::call_once(edges_gathered_, [&] { planner_edges_ = PageSourcesMixin::_file_edges(paths); });
+  return planner_edges_;
+}
+
 std::vector<std::string> WikiGenerator::_extension_files() const {
-  const ScoreSheet sheet = extension_sheet(code_evidence(), contracts());
+  const ScoreSheet& sheet = extensions();
   ExtensionRankingScope::Scores scores;
   for (index::FileId file = 0; file < index_.files().size(); ++file) {
     const double score = sheet.score(file);

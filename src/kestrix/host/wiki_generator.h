@@ -18,6 +18,7 @@
 namespace kestrix {
 
 class CodeEvidence;
+class ScoreSheet;
 struct Contract;
 
 /// The generator of a repository on disk: the object that the native host mixes the detectors into.
@@ -60,6 +61,7 @@ class WikiGenerator : public PageSourcesMixin {
   std::vector<std::string> _example_files() const override;
   /// With what the index knows of the documents in force.
   std::vector<std::string> _decision_files() const override;
+  std::vector<FileEdge> _file_edges(const PathSet& paths) const override;
   /// With what the index knows of contracts and of those who register with the product in force.
   std::vector<std::string> _extension_files() const override;
   /// What the index knows of the documents; gathered when it is first asked for.
@@ -68,6 +70,8 @@ class WikiGenerator : public PageSourcesMixin {
   const CodeEvidence& code_evidence() const;
   /// The types that one adds to the product by implementing them, by type.
   const std::vector<Contract>& contracts() const;
+  /// What shows that one extends the product in a file.
+  const ScoreSheet& extensions() const;
 
  private:
   const index::RepositoryIndex& index_;
@@ -81,7 +85,11 @@ class WikiGenerator : public PageSourcesMixin {
   mutable std::unique_ptr<const CodeEvidence> code_;
   mutable std::once_flag contracts_found_;
   mutable std::unique_ptr<const std::vector<Contract>> contracts_;
-  std::vector<std::string> planner_paths_;  // ascending; asked for by nearly every detector
+  mutable std::once_flag extensions_found_;
+  mutable std::unique_ptr<const ScoreSheet> extensions_;
+  mutable std::once_flag edges_gathered_;
+  mutable std::vector<FileEdge> planner_edges_;  // asked for again with each class of entry points
+  std::vector<std::string> planner_paths_;       // ascending; asked for by nearly every detector
 };
 
 }  // namespace kestrix

@@ -176,7 +176,7 @@ class Signals {
   }
 
   void look_at(FileId file) {
-    std::map<std::uint32_t, std::vector<const IndexedReference*>> lines;
+    Lines lines;
     std::map<std::uint32_t, std::set<FileId>> tables;
     std::vector<Place> loads;
     const auto language = evidence_.index().files()[file].language;
@@ -187,12 +187,13 @@ class Signals {
         continue;
       }
       if (to.declaration == 0 && to.role != Role::kString) continue;
-      lines[to.line].push_back(&to);
+      lines.push_back(&to);
       if (to.role == Role::kLists && to.within > 0 && to.target != file &&
           is_table(file, to.within)) {
         tables[to.within].insert(to.target);
       }
     }
+    std::ranges::stable_sort(lines, {}, &IndexedReference::line);
     sheet_.add(file, kLoads, loads.empty() ? 0 : 1, loads, names_and_lines(loads));
     add_pairs(file, lines);
     add_registrations(file, lines);
@@ -207,20 +208,30 @@ class Signals {
             holder.shape == index::ValueShape::kRecords);
   }
 
-  using Lines = std::map<std::uint32_t, std::vector<const IndexedReference*>>;
+  using Lines = std::vector<const IndexedReference*>;
+  using Line = std::span<const IndexedReference* const>;
+
+  // By line.
+  template <class Look>
+  static void for_each_line(const Lines& all, Look look) {
+    for (std::size_t at = 0, next = 0; at < all.size(); at = next) {
+      while (next < all.size() && all[next]->line == all[at]->line) ++next;
+      look(Line(all).subspan(at, next - at));
+    }
+  }
 
   // A contract and what implements it, on one line.
   void add_pairs(FileId file, const Lines& lines) {
     std::set<DeclarationRef> paired;
     std::vector<Place> places;
-    for (const auto& [line, references] : lines) {
+    for_each_line(lines, [&](Line references) {
       std::set<DeclarationRef> contracts;
       for (const IndexedReference* to : references) {
         const DeclarationRef type{to->target, to->declaration - 1};
         if (to->declaration > 0 && to->target != file && types_.contains(type))
           contracts.insert(type);
       }
-      if (contracts.empty()) continue;
+      if (contracts.empty()) return;
       for (const IndexedReference* to : references) {
         if (to->declaration == 0 || kSubtyping.has(to->role) || to->target == file) continue;
         const auto found = implements_.find(DeclarationRef{to->target, to->declaration - 1});
@@ -231,14 +242,14 @@ class Signals {
           }
         }
       }
-    }
+    });
     const std::string names = names_and_lines(places);
     sheet_.add(file, kPairs, paired.size(), std::move(places), names);
   }
 
   // A call that hands over a function or type, or a decorator: registration with what it calls.
   void add_registrations(FileId file, const Lines& lines) {
-    for (const auto& [line, references] : lines) {
+    for_each_line(lines, [&](Line references) {
       // Handed over is what the file declares, or at the top of the file anything.
       const bool hands_over = std::ranges::any_of(references, [&](const IndexedReference* to) {
         return to->role == Role::kLists && to->declaration > 0 &&
@@ -260,7 +271,7 @@ class Signals {
           }
         }
       }
-    }
+    });
   }
 
   bool is_code(DeclarationRef at) const {
