@@ -165,5 +165,39 @@ TEST(JvmResolver, WeighsByUse) {
       ElementsAre("A.java -> B.java *3", "A.java -> C.java *1", "A.java -> D.java *4"));
 }
 
+TEST(JvmResolver, FollowsScalaFromPackageToPackage) {
+  check({
+      {"by names that start in a package around, and from the top of all of them",
+       {{"A.scala", "package p\npackage q\nimport r.B\nimport _root_.p.C\nclass A"},
+        {"B.scala", "package p.r\nclass B"},
+        {"C.scala", "package p\nclass C"},
+        {"D.scala", "package r\nclass B"}},
+       {"A.scala -> B.scala", "A.scala -> C.scala"}},
+      {"to what packages around declare, the nearest first",
+       {{"A.scala", "package p.q\nclass A(b: B, c: C)"},
+        {"B.scala", "package p\nclass B"},
+        {"C.scala", "package p\nclass C"},
+        {"D.scala", "package p.q\nclass C"}},
+       {"A.scala -> B.scala", "A.scala -> D.scala"}},
+      {"to what a package object holds, when it is called",
+       {{"A.scala", "package p\nimport q._\nimport q.other\nclass A { val a = help(1) }"},
+        {"package.scala", "package p\npackage object q { def help(x: Int) = x }"},
+        {"q/Other.scala", "package p.q\nobject other"}},
+       {"A.scala -> package.scala", "A.scala -> q/Other.scala"}},
+      {"several names of one import, renamed or left out",
+       {{"A.scala", "import p.{B, C => D, E => _}, p.F\nclass A"},
+        {"p/B.scala", "package p\nclass B"},
+        {"p/C.scala", "package p\nclass C"},
+        {"p/E.scala", "package p\nclass E"},
+        {"p/F.scala", "package p\nclass F"}},
+       {"A.scala -> p/B.scala", "A.scala -> p/C.scala", "A.scala -> p/F.scala"}},
+      {"Java and Scala see each other; scripts declare nothing",
+       {{"A.java", "package p; class A { B b; }"},
+        {"B.scala", "package p\nclass B(a: A, c: C)"},
+        {"build.sbt", "class C"}},
+       {"A.java -> B.scala", "B.scala -> A.java"}},
+  });
+}
+
 }  // namespace
 }  // namespace kestrix::index

@@ -26,6 +26,7 @@ const DataLanguage& proto_data();
 const DataLanguage& python_data();
 const DataLanguage& ruby_data();
 const DataLanguage& rust_data();
+const DataLanguage& scala_data();
 const DataLanguage& sql_data();
 const DataLanguage& swift_data();
 const DataLanguage& thrift_data();
@@ -46,10 +47,10 @@ bool is_among(std::span<const std::string_view> names, std::string_view name) {
 auto scans() {
   std::vector<std::unique_ptr<const DefinitionScan>> made;
   for (const auto* language :
-       {&avro_data(), &csharp_data(), &ecmascript_data(), &elixir_data(), &go_data(),
-        &graphql_data(), &java_data(), &json_data(), &kotlin_data(), &php_data(), &prisma_data(),
-        &proto_data(), &python_data(), &ruby_data(), &rust_data(), &sql_data(), &swift_data(),
-        &thrift_data(), &yaml_data()}) {
+       {&avro_data(),    &csharp_data(), &ecmascript_data(), &elixir_data(), &go_data(),
+        &graphql_data(), &java_data(),   &json_data(),       &kotlin_data(), &php_data(),
+        &prisma_data(),  &proto_data(),  &python_data(),     &ruby_data(),   &rust_data(),
+        &scala_data(),   &sql_data(),    &swift_data(),      &thrift_data(), &yaml_data()}) {
     made.push_back(std::make_unique<const DefinitionScan>(*language));
   }
   return made;

@@ -18,11 +18,12 @@ std::span<const FrameworkName> php_frameworks();
 std::span<const FrameworkName> python_frameworks();
 std::span<const FrameworkName> ruby_frameworks();
 std::span<const FrameworkName> rust_frameworks();
+std::span<const FrameworkName> scala_frameworks();
 
 namespace {
 
 using Names = std::span<const FrameworkName> (*)();
-constexpr std::array<std::pair<std::string_view, Names>, 15> kLanguages{{
+constexpr std::array<std::pair<std::string_view, Names>, 16> kLanguages{{
     {"c", c_family_frameworks},
     {"cpp", c_family_frameworks},
     {"csharp", csharp_frameworks},
@@ -34,6 +35,7 @@ constexpr std::array<std::pair<std::string_view, Names>, 15> kLanguages{{
     {"python", python_frameworks},
     {"ruby", ruby_frameworks},
     {"rust", rust_frameworks},
+    {"scala", scala_frameworks},
     {"svelte", ecmascript_frameworks},
     {"tsx", ecmascript_frameworks},
     {"typescript", ecmascript_frameworks},

@@ -22,6 +22,7 @@ const Language& php_language();
 const Language& python_language();
 const Language& ruby_language();
 const Language& rust_language();
+const Language& scala_language();
 const Language& svelte_language();
 const Language& tsx_language();
 const Language& typescript_language();
@@ -33,10 +34,10 @@ constexpr std::size_t kLongestName = 32;
 
 auto sorted_languages() {
   std::array rows{
-      &c_language(),      &cpp_language(),        &csharp_language(), &go_language(),
-      &java_language(),   &javascript_language(), &kotlin_language(), &php_language(),
-      &python_language(), &ruby_language(),       &rust_language(),   &svelte_language(),
-      &tsx_language(),    &typescript_language(), &vue_language(),
+      &c_language(),      &cpp_language(),        &csharp_language(),     &go_language(),
+      &java_language(),   &javascript_language(), &kotlin_language(),     &php_language(),
+      &python_language(), &ruby_language(),       &rust_language(),       &scala_language(),
+      &svelte_language(), &tsx_language(),        &typescript_language(), &vue_language(),
   };
   std::ranges::sort(rows, {}, &Language::name);
   return rows;

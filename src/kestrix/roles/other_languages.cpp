@@ -37,7 +37,6 @@ constexpr std::array kRows{
     Row{".fs", &kDotNet},
     Row{".groovy", &index::jvm::kConventions},
     Row{".pyx", &index::python::kConventions},
-    Row{".scala", &index::jvm::kConventions},
     Row{".snap", &kSnapshots},
     Row{".swift", &kDotNet},
     Row{".vb", &kDotNet},

@@ -213,7 +213,7 @@ class Gatherer {
   std::string_view kind_of_language(const DataType& type) const {
     const std::string_view language = index_.files()[type.at.file].language;
     if (language == "tsx" || language == "javascript") return "typescript";
-    return language == "kotlin" ? "java" : language;
+    return language == "kotlin" || language == "scala" ? "java" : language;
   }
 
   // By language, how many files use the most central of the types that are stored.

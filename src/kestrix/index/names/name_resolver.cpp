@@ -235,11 +235,16 @@ NameResolver::Found NameResolver::find_in_barrels(FileId file, std::string_view 
   return one;
 }
 
-// A type whose name stands for something of another file, too, has a part there.
+// A type whose name stands for something of another file, too, has a part there; and a type may
+// share its name with the object that holds what is no value's.
 std::optional<DeclarationRef> NameResolver::find_in_parts(DeclarationRef type,
                                                           std::string_view name) const {
   if (!members_in_scope_ || table_[type].container > 0) return std::nullopt;
   const std::string_view own = table_[type].name;
+  for (const DeclarationRef twin : table_.find_tops(type.file, own)) {
+    if (twin == type || table_[twin].kind != DeclarationKind::kObject) continue;
+    if (const auto member = table_.find_member(twin, name)) return member;
+  }
   const auto& bindings = scopes_.bindings(type.file);
   auto part = std::ranges::lower_bound(bindings, own, {}, &Binding::local);
   for (; part != bindings.end() && part->local == own; ++part) {

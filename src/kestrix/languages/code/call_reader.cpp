@@ -42,6 +42,7 @@ bool CallReader::visit_call(const Rule& rule, TSNode node, Frame& frame) {
   if (walk_.source.open_calls && rule.rule->act == Act::kCall)
     mentions_.add_open_call(callee, frame);
   auto path = name_path(text);
+  if (!path) path = name_path(without_arguments(callee, node));
   if (!path) path = name_path(called_member(text).name);
   if (!path) return walk_.push(frame, node);
   if (walk_.source.macro != nullptr && (!member || path->find('.') != std::string::npos) &&
@@ -61,6 +62,14 @@ bool CallReader::visit_call(const Rule& rule, TSNode node, Frame& frame) {
     }
   }
   return walk_.push(frame, node);
+}
+
+// Of "name[Type]" the name, where the grammar has a node for that; "" for anything else.
+std::string_view CallReader::without_arguments(TSNode callee, TSNode call) const {
+  const Rule* rule = walk_.rules.find(ts_node_symbol(callee), ts_node_symbol(call), 0);
+  if (rule == nullptr || rule->rule->act != Act::kGeneric) return {};
+  const TSNode name = ts_node_child_by_field_id(callee, rule->name);
+  return ts_node_is_null(name) ? std::string_view() : walk_.tree.text(name);
 }
 
 // Whether anything else in the call counts.

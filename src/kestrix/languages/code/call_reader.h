@@ -28,6 +28,8 @@ class CallReader {
   // name alone says what is called. Returns what the call is known by.
   std::string_view visit_object(TSNode call, TSNode object, TSNode callee, Frame& frame);
   bool is_call(TSNode node, TSSymbol parent) const;
+  // Of "name[Type]" the name, where the grammar has a node for that; "" for anything else.
+  std::string_view without_arguments(TSNode callee, TSNode call) const;
   // Whether anything else in the call counts.
   bool note_macro(TSNode call, TSNode callee, std::string_view name, Frame& frame);
   void add_member(const MacroNotes::Member& member, const Frame& frame);

@@ -70,10 +70,10 @@ bool PathReader::visit_generic(const Rule& rule, TSNode node, Frame& frame) {
   const std::uint32_t start = frame.path != 0 ? frame.path - 1 : ts_node_start_byte(node);
   const std::string_view text = walk_.tree.text(start, ts_node_end_byte(name));
   mentions_.mention(node, text, frame);
-  frame.name = name.id;
   frame.arguments = rule.value;
   frame.argument_role = Role::kUses;
   if (const auto path = name_path(text)) {
+    frame.name = name.id;
     if (const CallRule* call = call_rule(walk_.source, *path, text.back(), false))
       frame.argument_role = call->role;
   }

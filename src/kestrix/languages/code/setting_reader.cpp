@@ -57,7 +57,7 @@ void SettingReader::add_key(TSNode call, TSNode callee, TSFieldId arguments, con
   TSNode node = arguments == 0 ? ts_node_next_named_sibling(callee)
                                : ts_node_child_by_field_id(call, arguments);
   TSSymbol parent = ts_node_symbol(call);
-  for (int depth = 0; depth < 3 && !ts_node_is_null(node); ++depth) {
+  for (int depth = 0; depth < 4 && !ts_node_is_null(node); ++depth) {
     const Rule* rule =
         walk_.rules.find(ts_node_symbol(node), parent, depth == 0 ? arguments : TSFieldId{0});
     if (rule != nullptr && rule->rule->act == Act::kString) {

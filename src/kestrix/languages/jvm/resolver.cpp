@@ -9,6 +9,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 #include "kestrix/languages/dependencies.h"
@@ -22,6 +23,12 @@ namespace kestrix::index {
 namespace {
 
 constexpr std::array<std::string_view, 2> kPlatform = {"java", "kotlin"};
+
+constexpr std::size_t kMostPackages = 32;  // around one file
+
+std::string below(std::string_view package, std::string_view name) {
+  return package.empty() ? std::string(name) : std::string(package).append(".").append(name);
+}
 
 std::string_view first_part(std::string_view dotted) { return dotted.substr(0, dotted.find('.')); }
 
@@ -51,6 +58,7 @@ class JvmResolver : public Resolver {
   explicit JvmResolver(const FileTable& files) : files_(files), sets_(files), packages_(files) {
     for (FileId id = 0; id < files.size(); ++id) {
       const std::string_view language = files.language(id);
+      if (language == "scala") add_scala_file(id);
       if (language == "java" || language == "kotlin") add_file(id, language == "kotlin");
     }
   }
@@ -58,12 +66,13 @@ class JvmResolver : public Resolver {
   Resolution resolve(FileId file) const override {
     const FileFacts& facts = files_.facts(file);
     Dependencies found(file);
-    std::vector<std::string_view> wildcards;
+    std::vector<std::string> wildcards;
     for (const ImportFact& import : facts.imports) {
       if (is_platform(import.module, facts.package)) continue;
-      if (static_cast<JvmImport>(import.form) == JvmImport::kEverything &&
-          packages_.contains(import.module, file)) {
-        wildcards.push_back(import.module);
+      const bool all = static_cast<JvmImport>(import.form) == JvmImport::kEverything;
+      auto package = all ? package_named(import.module, file) : std::nullopt;
+      if (package) {
+        wildcards.push_back(std::move(*package));
       } else {
         resolve_name(import, file, found);
       }
@@ -92,8 +101,48 @@ class JvmResolver : public Resolver {
       functions |= !packaged::is_type_like(name);
     }
     if (!kotlin || !functions) return;
-    facades_.push_back(facade_of(files_.path(id)));
-    packages_.declare(facts.package, facades_.back(), id);
+    names_.push_back(facade_of(files_.path(id)));
+    packages_.declare(facts.package, names_.back(), id);
+  }
+
+  // "inner.name" is what a package object holds; scripts declare nothing for others.
+  void add_scala_file(FileId id) {
+    if (!files_.path(id).ends_with(".scala")) return;
+    const FileFacts& facts = files_.facts(id);
+    for (const std::string_view name : facts.declares) {
+      const std::size_t dot = name.rfind('.');
+      if (dot == std::string_view::npos) {
+        packages_.declare(facts.package, name, id);
+      } else {
+        names_.push_back(below(facts.package, name.substr(0, dot)));
+        packages_.declare(names_.back(), name.substr(dot + 1), id);
+      }
+    }
+  }
+
+  // The packages that a file's names are looked up in, inner first: in Scala also those around the
+  // one that it belongs to, and where a name is spelled out, none.
+  std::vector<std::string_view> own_packages(FileId file) const {
+    std::vector<std::string_view> own{files_.facts(file).package};
+    if (files_.language(file) != "scala") return own;
+    while (own.back().find('.') != std::string_view::npos && own.size() < kMostPackages)
+      own.push_back(own.back().substr(0, own.back().rfind('.')));
+    return own;
+  }
+
+  std::vector<std::string_view> packages_around(FileId file) const {
+    std::vector<std::string_view> around;
+    if (files_.language(file) == "scala") around = own_packages(file);
+    if (around.empty() || !around.back().empty()) around.emplace_back();
+    return around;
+  }
+
+  std::optional<std::string> package_named(std::string_view name, FileId file) const {
+    for (const std::string_view around : packages_around(file)) {
+      std::string package = below(around, name);
+      if (packages_.contains(package, file)) return package;
+    }
+    return std::nullopt;
   }
 
   static bool is_platform(std::string_view module, std::string_view package) {
@@ -104,11 +153,17 @@ class JvmResolver : public Resolver {
   void resolve_name(const ImportFact& import, FileId file, Dependencies& found) const {
     const std::string_view module = import.module;
     std::string_view name;  // what the module names in its package
-    const Targets targets =
-        find_longest(module, [&](std::string_view package, std::string_view first) {
-          name = module.substr(package.empty() ? 0 : package.size() + 1);
-          return find(package, first, file);
-        });
+    Targets targets;
+    for (const std::string_view around : packages_around(file)) {
+      targets = find_longest(below(around, module),
+                             [&](std::string_view package, std::string_view first) {
+                               if (package.size() < around.size()) return Targets();
+                               const std::size_t own = package.size() - around.size();
+                               name = module.substr(own > 0 && around.empty() ? own + 1 : own);
+                               return find(package, first, file);
+                             });
+      if (!targets.empty()) break;
+    }
     const bool in_code = static_cast<JvmImport>(import.form) == JvmImport::kInCode;
     for (const FileId target : targets) found.add(target, (in_code ? 0.0 : 1.0) + import.uses);
     const bool looks_local = packages_.contains(likely_package(module), file);
@@ -145,13 +200,14 @@ class JvmResolver : public Resolver {
            !std::ranges::binary_search(files_.facts(target).declares, name);
   }
 
-  void resolve_uses(FileId file, const std::vector<std::string_view>& wildcards,
+  void resolve_uses(FileId file, const std::vector<std::string>& wildcards,
                     Dependencies& found) const {
     const FileFacts& facts = files_.facts(file);
+    const auto own = own_packages(file);
     std::unordered_set<FileId> imported;
     for (const NameUse& use : facts.uses) {
       const bool type = packaged::is_type_like(use.name);
-      auto targets = type ? find_type(facts.package, use.name, file) : Targets();
+      auto targets = type ? find_own(own, use.name, file) : Targets();
       for (const FileId target : targets) found.add(target, use.uses);
       if (targets.empty()) {
         targets = find_imported(wildcards, use.name, file);
@@ -161,13 +217,23 @@ class JvmResolver : public Resolver {
       }
       // Functions of the own package go before those of wildcards; being called says too little of
       // them to depend on them.
-      if (const auto own = type ? Targets() : find(facts.package, use.name, file); !own.empty()) {
-        targets = own;
+      if (auto mine = type ? Targets() : find_own(own, use.name, file); !mine.empty()) {
+        targets = std::move(mine);
       }
       if (const auto target = the_one(targets, use.name)) {
         found.bind({.local = use.name, .target = *target, .name = use.name});
       }
     }
+  }
+
+  Targets find_own(const std::vector<std::string_view>& packages, std::string_view name,
+                   FileId file) const {
+    for (const std::string_view package : packages) {
+      auto found =
+          packaged::is_type_like(name) ? find_type(package, name, file) : find(package, name, file);
+      if (!found.empty()) return found;
+    }
+    return {};
   }
 
   // A platform's file sees what the platform declares besides what all platforms share, and in the
@@ -191,13 +257,13 @@ class JvmResolver : public Resolver {
 
   // A type has one file, but in Kotlin functions that make one may share its name.
   Targets find_type(std::string_view package, std::string_view name, FileId file) const {
-    if (files_.language(file) == "kotlin") return find(package, name, file);
+    if (files_.language(file) != "java") return find(package, name, file);
     const auto one = packages_.find_one(package, name, file);
     return one ? Targets{*one} : Targets{};
   }
 
   // The overloads of a function may come from several files and several packages.
-  Targets find_imported(const std::vector<std::string_view>& wildcards, std::string_view name,
+  Targets find_imported(const std::vector<std::string>& wildcards, std::string_view name,
                         FileId file) const {
     const bool type = packaged::is_type_like(name);
     Targets targets;
@@ -212,7 +278,7 @@ class JvmResolver : public Resolver {
 
   const FileTable& files_;
   SourceSets sets_;
-  std::deque<std::string> facades_;  // what packages_ views
+  std::deque<std::string> names_;  // what packages_ views
   Packages packages_;
   std::map<std::string_view, Packages> platforms_;
 };

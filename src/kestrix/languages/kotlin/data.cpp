@@ -8,7 +8,7 @@ namespace {
 
 using enum EvidenceKind;
 
-constexpr auto kKotlinExtensions = std::to_array<std::string_view>({"kt", "kts", "scala"});
+constexpr auto kKotlinExtensions = std::to_array<std::string_view>({"kt", "kts"});
 constexpr std::array kKotlin{
     Evidence{kEntity, R"(^[ \t]*@(?:Entity|Document|Embeddable|MappedSuperclass)\b)"},
     Evidence{kColumn,
@@ -16,7 +16,7 @@ constexpr std::array kKotlin{
              R"(ManyToOne|OneToOne|ManyToMany)\b)"},
     Evidence{kEntity, R"(\bobject\s+\w+\s*:\s*(?:Int|Long|UUID)?(?:Id)?Table\s*\()"},
     Evidence{kRecord, R"(^[ \t]*(?:(?:public|private|internal|protected|sealed|final|)"
-                      R"(@\w+(?:\([^)\n]*\))?)\s+)*(?:data|case)\s+class\s+\w)"},
+                      R"(@\w+(?:\([^)\n]*\))?)\s+)*data\s+class\s+\w)"},
 };
 
 }  // namespace

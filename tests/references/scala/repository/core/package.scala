@@ -1,0 +1,5 @@
+package shop.core
+
+package object util {
+  def label(text: String): String = s"order.$text"
+}
