@@ -65,21 +65,70 @@ World globs_and_packages(std::size_t n) {
   return world;
 }
 
-TEST(ProjectFiles, CostNoMoreThanTheirSize) {
-  using MakeWorld = World (*)(std::size_t);
-  const std::vector<std::pair<const char*, MakeWorld>> cases = {
-      {"setup.py", setup_requires},
-      {"configurations of one base", configs_of_one_base},
-      {"configurations that extend each other", configs_in_a_graph},
-      // Beyond what is read of patterns, which are tried on each package.
-      {"patterns of a workspace", [](std::size_t n) { return globs_and_packages(4 * n); }},
-  };
+using MakeWorld = World (*)(std::size_t);
+
+void expect_linear(const std::vector<std::pair<const char*, MakeWorld>>& cases) {
   constexpr std::size_t kSize = 300;
   for (const auto& [name, world] : cases) {
     const auto once = static_cast<double>(cost_of(world(kSize)));
     const auto twice = static_cast<double>(cost_of(world(2 * kSize)));
     EXPECT_LT(twice, 2.6 * once) << name;
   }
+}
+
+TEST(ProjectFiles, CostNoMoreThanTheirSize) {
+  expect_linear({
+      {"setup.py", setup_requires},
+      {"configurations of one base", configs_of_one_base},
+      {"configurations that extend each other", configs_in_a_graph},
+      // Beyond what is read of patterns, which are tried on each package.
+      {"patterns of a workspace", [](std::size_t n) { return globs_and_packages(4 * n); }},
+  });
+}
+
+std::string mod_twice(std::size_t file) {
+  return fmt::format("#[path = \"f{0}.rs\"] mod x;\n#[path = \"f{0}.rs\"] mod y;\n", file);
+}
+
+// Two ways to each next module: as many places as there are ways.
+World modules_by_two_ways(std::size_t n) {
+  World world = {{"src/lib.rs", "#[path = \"f0.rs\"] mod start;"}};
+  for (std::size_t i = 0; i < n; ++i) world[fmt::format("src/f{}.rs", i)] = mod_twice(i + 1);
+  return world;
+}
+
+World modules_in_a_circle(std::size_t n) {
+  return {{"src/lib.rs", "#[path = \"f0.rs\"] mod start;"},
+          {"src/f0.rs", mod_twice(1) + std::string(n, ' ')},
+          {"src/f1.rs", mod_twice(0)}};
+}
+
+World uses_of_all_names(std::size_t n) {
+  std::string text = "mod m;\n";
+  for (std::size_t i = 0; i < 10 * n; ++i)
+    text += fmt::format("use self::m::*;\nuse q{0}::r{0};\n", i);
+  return {{"src/lib.rs", text}, {"src/m.rs", "pub fn f() {}"}};
+}
+
+World programs_of_one_module(std::size_t n) {
+  std::string manifest = "[package]\nname = \"a\"\n";
+  World world = {{"src/s.rs", ""}};
+  for (std::size_t i = 0; i < n; ++i) {
+    manifest += fmt::format("[[bin]]\nname = \"b{0}\"\npath = \"src/main.rs\"\n", i);
+    world["src/s.rs"] += fmt::format("mod t{};\n", i);
+  }
+  world["Cargo.toml"] = manifest;
+  world["src/main.rs"] = "mod s;";
+  return world;
+}
+
+TEST(Imports, CostNoMoreThanTheirNumber) {
+  expect_linear({
+      {"modules by two ways each", modules_by_two_ways},
+      {"modules in a circle", modules_in_a_circle},
+      {"uses of all names of a module", uses_of_all_names},
+      {"programs of one module", programs_of_one_module},
+  });
 }
 
 TEST(ProjectFiles, CostALookUpNoMoreThanTheLimit) {

@@ -57,6 +57,9 @@ inline constexpr std::string_view kBinary = "binary file";
 inline constexpr std::string_view kLarge = "larger than 2 MiB (recorded, not parsed)";
 inline constexpr std::string_view kMinified = "minified (recorded, not parsed)";
 inline constexpr std::string_view kParseBudget = "parse took too much (recorded, not parsed)";
+inline constexpr std::string_view kCrowded = "declares or names too much (the rest is left out)";
+// While resolving.
+inline constexpr std::string_view kEntangled = "leads too far (imports or names are left out)";
 }  // namespace skipped
 
 }  // namespace kestrix::index

@@ -11,7 +11,9 @@ std::vector<std::string_view> reasons_of(const Traits& traits) {
       {Trait::kBinary, skipped::kBinary},
       {Trait::kUnreadable, skipped::kUnreadable},
       {Trait::kMinified, skipped::kMinified},
-      {Trait::kGaveUp, skipped::kParseBudget}};
+      {Trait::kGaveUp, skipped::kParseBudget},
+      {Trait::kCrowded, skipped::kCrowded},
+      {Trait::kEntangled, skipped::kEntangled}};
   std::vector<std::string_view> reasons;
   for (const auto& [trait, reason] : kReasons) {
     if (traits.has(trait)) reasons.push_back(reason);

@@ -19,6 +19,8 @@ class Dependencies {
   void bind(const Binding& binding) { resolution_.bindings.push_back(binding); }
   /// An import that looked local and led nowhere.
   void miss() { ++resolution_.unresolved; }
+  /// Something is left out, for it would take too much.
+  void limit() { resolution_.limited = true; }
 
   Resolution take() { return std::move(resolution_); }
 

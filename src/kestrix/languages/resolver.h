@@ -62,6 +62,7 @@ struct Resolution {
   std::vector<Dependency> dependencies;  ///< any order, a target may repeat: weights are summed
   std::vector<Binding> bindings;         ///< any order; of several for one name the first counts
   std::uint32_t unresolved = 0;          ///< imports that looked local and led nowhere
+  bool limited = false;                  ///< something was left out, for it would take too much
 };
 
 /// Turns the imports of one file into files. Built once for each refresh from the whole table

@@ -28,11 +28,13 @@ enum class Trait : std::uint32_t {
   kGenerated = 1U << 1U,   ///< made by a program
   kMinified = 1U << 2U,    ///< not parsed for that
   kLarge = 1U << 3U,       ///< not parsed for that
-  kGaveUp = 1U << 4U,      ///< parsing took too long
+  kGaveUp = 1U << 4U,      ///< parsing took too much
   kBinary = 1U << 5U,      ///< seen, but not part of the index
   kUnreadable = 1U << 6U,  ///< seen, but not part of the index
   kParsed = 1U << 7U,      ///< there are facts of it
   kConsulted = 1U << 8U,   ///< resolvers read its text: a project file
+  kCrowded = 1U << 9U,     ///< it declares or names more than is kept
+  kEntangled = 1U << 10U,  ///< not all is found of what its imports and names lead to
 };
 
 class Traits {
@@ -41,7 +43,8 @@ class Traits {
   explicit Traits(std::uint32_t bits) : bits_(bits) {}
 
   void set(Trait trait, bool on = true) {
-    if (on) bits_ |= static_cast<std::uint32_t>(trait);
+    const auto bit = static_cast<std::uint32_t>(trait);
+    bits_ = on ? bits_ | bit : bits_ & ~bit;
   }
   bool has(Trait trait) const { return (bits_ & static_cast<std::uint32_t>(trait)) != 0; }
   bool is_text() const { return !has(Trait::kBinary) && !has(Trait::kUnreadable); }

@@ -27,6 +27,7 @@ struct FileEdges {
   std::string edges;  // encoded, ascending by target
   std::string references;
   std::uint32_t unresolved;
+  bool limited;
 };
 
 // An import says more than a name, and a name more than a string: the weight is that of the best
@@ -130,15 +131,18 @@ class EdgeBuild {
       const Resolution& found = scopes_.of(ids[at]);
       auto built = builder_->build(ids[at]);
       resolved.push_back({ids[at], merge(files_, ids[at], found.dependencies, built.uses),
-                          encode_references(std::move(built.references)), found.unresolved});
+                          encode_references(std::move(built.references)), found.unresolved,
+                          found.limited || built.limited});
     }
     return resolved;
   }
 
   void take(const FileEdges& file) {
     FileRow& row = files_.row(file.file);
-    if (row.unresolved != file.unresolved) {
+    const bool limited = row.traits.has(Trait::kEntangled);
+    if (row.unresolved != file.unresolved || limited != file.limited) {
       row.unresolved = file.unresolved;
+      row.traits.set(Trait::kEntangled, file.limited);
       store_.put_file(row);
     }
     const auto edges = old_.extract(row.id);

@@ -29,6 +29,7 @@ class ReferenceBuilder {
   struct Built {
     std::vector<StoredReference> references;
     std::vector<Use> uses;  ///< of other files, in no order
+    bool limited = false;   ///< names were left out, for they would take too much
   };
 
   Built build(FileId file) const;

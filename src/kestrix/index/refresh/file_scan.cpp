@@ -69,6 +69,7 @@ void take_facts(ScannedFile& file, const Language& language, std::string_view te
   const auto facts = parse(language, text);
   row.traits.set(facts ? Trait::kParsed : Trait::kGaveUp);
   if (!facts) return;
+  row.traits.set(Trait::kCrowded, facts->dropped > 0);
   const FactsOrigin origin{row.path, row.hash};
   file.facts = {.facts = encode_facts(*facts, origin),
                 .symbols = encode_symbols(facts->symbols),

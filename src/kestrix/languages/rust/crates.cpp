@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <optional>
+#include <set>
 #include <span>
 #include <unordered_set>
 #include <utility>
@@ -118,7 +119,9 @@ class Collector {
   }
 
   void add_other(std::string_view folder, std::string_view relative) {
-    if (const auto root = find(folder, relative)) others_.push_back({*root, std::string(folder)});
+    const auto root = find(folder, relative);
+    if (root && roots_.emplace(*root, folder).second)
+      others_.push_back({*root, std::string(folder)});
   }
 
   void add_bare() {
@@ -157,6 +160,7 @@ class Collector {
   const FileTable& files_;
   RustCrates found_;
   std::vector<RustCrate> others_;
+  std::set<std::pair<FileId, std::string>> roots_;              // of others, with their packages
   std::unordered_set<std::string> packages_;                    // folders
   std::vector<std::pair<std::string, std::string>> inherited_;  // folder and name
 };

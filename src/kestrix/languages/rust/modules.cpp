@@ -8,8 +8,12 @@
 namespace kestrix::index {
 namespace {
 
-// Modules may nest as deep as folders do; a file that includes itself would nest for ever.
 constexpr std::size_t kLongestPath = 1000;
+// A file may be one module for each place that names it, and what it names as often again.
+constexpr int kMostPlaces = 8;
+// Bytes of paths, for all mod declarations of all modules of all crates.
+constexpr std::size_t kMostPathBytes = std::size_t{32} << 20U;
+constexpr std::size_t kBytesPerModule = 32;
 
 std::string below(const std::string& module, std::string_view name) {
   return module.empty() ? std::string(name) : module + "::" + std::string(name);
@@ -31,30 +35,45 @@ std::string as_folders(std::string_view path) {
 }  // namespace
 
 RustModules::RustModules(const FileTable& files)
-    : files_(files), crates_(rust_crates_of(files)), roots_(files.size()) {
+    : files_(files), crates_(rust_crates_of(files)), roots_(files.size()), left_(kMostPathBytes) {
   for (const RustCrate& crate : crates_.crates) roots_[crate.root] = true;
   modules_.resize(crates_.crates.size());
   for (std::size_t crate = 0; crate < crates_.crates.size(); ++crate) add_tree(crate);
 }
 
 void RustModules::add_tree(std::size_t crate) {
-  std::vector<std::pair<FileId, std::string>> pending = {{crates_.crates[crate].root, ""}};
-  auto& modules = modules_[crate];
+  std::unordered_map<FileId, int> places;
+  std::vector<Pending> pending = {{crates_.crates[crate].root, ""}};
   while (!pending.empty()) {
-    const auto [file, path] = std::move(pending.back());
+    const Pending at = std::move(pending.back());
     pending.pop_back();
-    if (path.size() > kLongestPath || !modules.try_emplace(path, file).second) continue;
-    places_.try_emplace(file, Place{crate, path});
-    for (const ImportFact& import : files_.facts(file).imports) {
-      const auto form = static_cast<RustImport>(import.form);
-      if (form == RustImport::kInline) {
-        modules.try_emplace(below(path, import.module), file);
-      } else if (form == RustImport::kMod || form == RustImport::kModFile) {
-        const std::string& name =
-            form == RustImport::kMod ? import.module : import.names.front().name;
-        const auto target = file_of_mod(file, import);
-        if (target && target != file) pending.emplace_back(*target, below(path, name));
-      }
+    if (!modules_[crate].try_emplace(at.path, at.file).second) continue;
+    places_.try_emplace(at.file, Place{crate, at.path});
+    if (at.path.size() > kLongestPath || ++places[at.file] > kMostPlaces) {
+      limited_.insert(at.file);
+    } else {
+      add_modules(crate, at, pending);
+    }
+  }
+}
+
+void RustModules::add_modules(std::size_t crate, const Pending& at, std::vector<Pending>& pending) {
+  for (const ImportFact& import : files_.facts(at.file).imports) {
+    const auto form = static_cast<RustImport>(import.form);
+    const bool inner = form == RustImport::kInline;
+    if (!inner && form != RustImport::kMod && form != RustImport::kModFile) continue;
+    const std::string& name =
+        form == RustImport::kModFile ? import.names.front().name : import.module;
+    const std::size_t cost = at.path.size() + name.size() + kBytesPerModule;
+    if (cost > left_) {
+      limited_.insert(at.file);
+      return;
+    }
+    left_ -= cost;
+    if (inner) {
+      modules_[crate].try_emplace(below(at.path, name), at.file);
+    } else if (const auto target = file_of_mod(at.file, import); target && target != at.file) {
+      pending.push_back({*target, below(at.path, name)});
     }
   }
 }

@@ -10,6 +10,8 @@
 
 #include "kestrix/languages/dependencies.h"
 #include "kestrix/languages/rust/modules.h"
+#include "kestrix/languages/rust/uses.h"
+#include "kestrix/text/seeded_hash.h"
 
 namespace kestrix::index {
 namespace {
@@ -17,6 +19,8 @@ namespace {
 // How often a name may be handed on, and how many modules are asked for it, before it is given up.
 constexpr int kMostHops = 4;
 constexpr int kMostAsked = 64;
+// Declarations of one file that are tried to find where a name comes from.
+constexpr std::size_t kMostTried = 64;
 
 std::string_view take_first(std::string_view& path) {
   const std::size_t at = path.find("::");
@@ -33,10 +37,11 @@ RustImport form_of(const ImportFact& import) { return static_cast<RustImport>(im
 
 class RustResolver : public Resolver {
  public:
-  explicit RustResolver(const FileTable& files) : files_(files), modules_(files) {}
+  explicit RustResolver(const FileTable& files) : files_(files), modules_(files), uses_(files) {}
 
   Resolution resolve(FileId file) const override {
     Dependencies found(file);
+    if (modules_.is_limited(file)) found.limit();
     const auto& imports = files_.facts(file).imports;
     for (std::size_t i = 0; i < imports.size(); ++i) {
       switch (form_of(imports[i])) {
@@ -214,19 +219,18 @@ class RustResolver : public Resolver {
   std::optional<Spot> brought_in(const RustModules::Place& place, std::string_view name,
                                  std::optional<FileId> file) const {
     if (!file) return std::nullopt;
-    for (const ImportFact& import : files_.facts(*file).imports) {
-      if (form_of(import) != RustImport::kUse) continue;
-      for (const ImportedName& imported : import.names) {
-        if (imported.name == "*") {
-          auto spot = walk(place, append(import.module, name), std::nullopt);
-          if (spot && spot->rest.empty()) return spot;
-          continue;
-        }
-        if (imported.bound() != name) continue;
-        if (import.module.empty() && imported.local.empty()) continue;
-        auto spot = walk(place, append(import.module, imported.name), std::nullopt);
-        if (spot && spot->rest.empty()) return spot;
-      }
+    const auto named = uses_.binding(*file, name);
+    const auto all = uses_.binding(*file, "*");
+    std::size_t tried = 0;
+    auto one = named.begin();
+    auto some = all.begin();
+    while ((one != named.end() || some != all.end()) && tried++ < kMostTried) {
+      const bool wildcard = one == named.end() || (some != all.end() && some->place < one->place);
+      const auto& [import, imported, at] = wildcard ? *some++ : *one++;
+      if (!wildcard && import->module.empty() && imported->local.empty()) continue;
+      const std::string_view wanted = wildcard ? name : imported->name;
+      auto spot = walk(place, append(import->module, wanted), std::nullopt);
+      if (spot && spot->rest.empty()) return spot;
     }
     return std::nullopt;
   }
@@ -247,14 +251,11 @@ class RustResolver : public Resolver {
     const std::string_view name = take_first(rest);
     const auto* place = modules_.place_of(spot.file);
     if (hops == 0 || place == nullptr) return std::nullopt;
-    for (const ImportFact& import : files_.facts(spot.file).imports) {
-      if (form_of(import) != RustImport::kUse) continue;
-      for (const ImportedName& imported : import.names) {
-        if (imported.exported != (all ? "*" : name)) continue;
-        const std::string path = all ? append(import.module, spot.rest)
-                                     : append(append(import.module, imported.name), rest);
-        if (const auto source = declared_at(*place, path, all, hops - 1, asked)) return source;
-      }
+    const auto uses = uses_.handing_on(spot.file, all ? "*" : name);
+    for (const auto& [import, imported, at] : uses.first(std::min(uses.size(), kMostTried))) {
+      const std::string path = all ? append(import->module, spot.rest)
+                                   : append(append(import->module, imported->name), rest);
+      if (const auto source = declared_at(*place, path, all, hops - 1, asked)) return source;
     }
     return std::nullopt;
   }
@@ -273,8 +274,9 @@ class RustResolver : public Resolver {
 
   const FileTable& files_;
   RustModules modules_;
+  RustUses uses_;
   mutable std::mutex mutex_;
-  mutable std::unordered_set<std::string> kept_;
+  mutable std::unordered_set<std::string, SeededHash> kept_;
 };
 
 }  // namespace
