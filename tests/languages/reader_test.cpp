@@ -71,7 +71,8 @@ TEST(Reader, GivesUpAfterTheSameStepsInEveryRun) {
 }
 
 // Each opens brackets or strings that never close, for which the parser goes back, or leaves open
-// what they are, for which one step of it takes ever more memory.
+// what they are, for which one step of it takes ever more memory, or are one error after the other,
+// for which each step copies all before it.
 TEST(Reader, BoundsWhatAParseTakes) {
   struct Case {
     std::string_view language, text;
@@ -79,7 +80,9 @@ TEST(Reader, BoundsWhatAParseTakes) {
   };
   for (const Case& c :
        {Case{"java", "a<", 16'384}, Case{"java", "a<", 500'000}, Case{"ruby", "<<A\n#{", 100'000},
-        Case{"cpp", "a<b(", 200'000}, Case{"csharp", "a<b(", 100'000}}) {
+        Case{"cpp", "a<b(", 200'000}, Case{"csharp", "a<b(", 100'000},
+        Case{"csharp", "''\n", 9'000}, Case{"csharp", "record A(*", 20'000},
+        Case{"javascript", "/[=/[=/[=/[=\n", 20'000}}) {
     SCOPED_TRACE(c.language);
     const std::string text = repeated(c.text, c.times);
     EXPECT_FALSE(read_facts(language(c.language), text).has_value());

@@ -20,6 +20,15 @@
 namespace kestrix::index {
 namespace {
 
+// Code takes a step for some hundred bytes, the most tangled file of many repositories one for ten.
+constexpr std::uint64_t kLeastSteps = 4'000;
+constexpr std::uint64_t kMostSteps = 50'000;
+constexpr std::uint64_t kBytesPerStep = 16;
+
+std::uint64_t steps_for(std::size_t bytes) {
+  return std::min(kLeastSteps + bytes / kBytesPerStep, kMostSteps);
+}
+
 // What a language's row says, bound to its grammar.
 struct Compiled {
   explicit Compiled(const Language& language)
@@ -90,7 +99,7 @@ std::optional<FileFacts> read_facts(const Language& language, std::string_view t
   const auto& [query, code] = compiled(language);
   const auto masked = language.mask == nullptr ? std::nullopt : language.mask(text);
   const ParsedText parsed(language.grammar(), masked ? std::string_view(*masked) : text,
-                          options.parse_steps);
+                          options.parse_steps.value_or(steps_for(text.size())));
   const auto root = parsed.root();
   if (!root) return std::nullopt;
   const std::string_view code_text = masked && language.masks_words ? *masked : text;

@@ -11,9 +11,10 @@ namespace kestrix::index {
 struct Language;
 
 struct ReadOptions {
-  /// A file whose parse takes more is given up; see ParsedText. About a second of work for
-  /// code, which reaches ParserMemory::kLimit before; hostile texts may take several.
-  std::uint64_t parse_steps = 50'000;
+  /// A file whose parse takes more is given up; see ParsedText. Unless it is set, what a text may
+  /// take grows with its size, to several times what code takes, so that a repository never takes
+  /// more than its bytes and files allow.
+  std::optional<std::uint64_t> parse_steps{};
 };
 
 /// Parses `text` (UTF-8, may hold invalid bytes) and returns its facts; none when its parse would

@@ -10,7 +10,7 @@ namespace {
 // Hands the text to the lexer in pieces and counts what the parse has cost.
 class Meter {
  public:
-  Meter(std::string_view text, std::uint64_t steps) : text_(text), left_(steps) {}
+  Meter(std::string_view text, std::uint64_t steps) : text_(text), most_(steps) {}
 
   TSInput input() { return {this, read, TSInputEncodingUTF8, nullptr}; }
   TSParseOptions options() { return {this, is_over}; }
@@ -18,10 +18,11 @@ class Meter {
 
  private:
   static constexpr std::size_t kPiece = std::size_t{16} << 10U;
+  static constexpr std::size_t kCopied = std::size_t{4} << 10U;
 
   bool take_step() {
-    if (left_ == 0) exhausted_ = true;
-    if (!exhausted_) --left_;
+    ++taken_;
+    if (taken_ + ParserMemory::large_bytes() / kCopied > most_) exhausted_ = true;
     return !exhausted_;
   }
 
@@ -39,7 +40,8 @@ class Meter {
   }
 
   std::string_view text_;
-  std::uint64_t left_;
+  std::uint64_t most_;
+  std::uint64_t taken_ = 0;
   bool exhausted_ = false;
 };
 

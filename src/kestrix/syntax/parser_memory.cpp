@@ -25,7 +25,8 @@ constexpr std::size_t kUnit = 16;
 #else
 #define KESTRIX_ADDRESS_SANITIZER 0
 #endif
-constexpr std::size_t kSmallUnits = KESTRIX_ADDRESS_SANITIZER ? 0 : 64;
+constexpr std::size_t kLargestSmall = 64;
+constexpr std::size_t kSmallUnits = KESTRIX_ADDRESS_SANITIZER ? 0 : kLargestSmall;
 constexpr std::size_t kSlab = std::size_t{256} << 10;
 constexpr std::size_t kSlabsKept = 32;
 
@@ -64,7 +65,7 @@ class Arena {
       std::free(link);
     }
     free_.fill(nullptr);
-    held_ = 0;
+    held_ = large_bytes_ = 0;
     if (slabs_.size() > kSlabsKept) slabs_.resize(kSlabsKept);
     slab_ = at_ = 0;
   }
@@ -77,6 +78,7 @@ class Arena {
   }
 
   void guard(bool on) { guarded_ = on; }
+  std::size_t large_bytes() const { return large_bytes_; }
 
   [[noreturn]] void give_up() const {
     if (guarded_) throw ParserMemory::Exhausted();
@@ -133,6 +135,7 @@ class Arena {
     Link* const link = ::new (memory) Link{large_, nullptr};
     if (large_ != nullptr) large_->previous = link;
     large_ = link;
+    if (size > kLargestSmall * kUnit) large_bytes_ += size;
     hold(size);
     return mark(memory + sizeof(Link), Kind::kLarge, size);
   }
@@ -155,6 +158,7 @@ class Arena {
   std::array<void*, kSmallUnits + 1> free_{};  // by units
   Link* large_ = nullptr;
   std::size_t held_ = 0;  // by slabs in use and large blocks
+  std::size_t large_bytes_ = 0;
   bool guarded_ = false;
 };
 
@@ -196,6 +200,8 @@ ParserMemory::ParserMemory() {
 }
 
 ParserMemory::~ParserMemory() { arena.end(); }
+
+std::size_t ParserMemory::large_bytes() { return arena.large_bytes(); }
 
 ParserMemory::Guard::Guard() { arena.guard(true); }
 ParserMemory::Guard::~Guard() { arena.guard(false); }

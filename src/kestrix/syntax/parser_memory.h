@@ -35,6 +35,10 @@ class ParserMemory {
     return true;
   }
 
+  /// Bytes of all large blocks that were asked for on this thread since it began. Where a text
+  /// makes the parser copy long lists at each of its steps, they tell so; else there are few.
+  static std::size_t large_bytes();
+
   /// Several times what the largest files that are parsed need.
   static constexpr std::size_t kLimit = std::size_t{128} << 20U;
 
