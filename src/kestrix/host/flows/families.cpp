@@ -11,7 +11,7 @@ using index::FileId;
 // Three files that one file names and nobody else.
 constexpr double kLeastScore = 2.0;
 // What falls this far behind the best of its sort is a part of something.
-constexpr double kLeastOfBest = 0.4;
+constexpr double kLeastOfBest = 0.25;
 
 bool overlap(const Family& a, const Family& b) {
   std::vector<FileId> both;
@@ -63,14 +63,15 @@ std::vector<Family> families(const FlowEvidence& evidence) {
   const PathPatterns patterns(evidence.code);
   std::vector<Family> best;
   std::vector<Family> handlers = handler_families(evidence, patterns);
-  std::vector<Family> hubs = hub_families(evidence, patterns);
+  std::vector<Family> others = hub_families(evidence, patterns);
+  std::ranges::move(type_families(evidence, patterns), std::back_inserter(others));
   best_first(handlers);
-  best_first(hubs);
+  best_first(others);
   const double best_handlers = handlers.empty() ? 0 : handlers.front().score / kHandlerWeight;
-  const double best_hub = hubs.empty() ? 0 : hubs.front().score;
+  const double best_other = others.empty() ? 0 : others.front().score;
   take(std::move(handlers), evidence.graph, 0, best);
-  take(std::move(hubs), evidence.graph,
-       std::max(kLeastScore, kLeastOfBest * std::max(best_handlers, best_hub)), best);
+  take(std::move(others), evidence.graph,
+       std::max(kLeastScore, kLeastOfBest * std::max(best_handlers, best_other)), best);
   best_first(best);
   return best;
 }

@@ -31,7 +31,11 @@ std::vector<Family> hub_families(const FlowEvidence& evidence, const PathPattern
 /// Families that a framework finds by itself: by base type, annotation, place.
 std::vector<Family> handler_families(const FlowEvidence& evidence, const PathPatterns& patterns);
 
-/// Of both the best, none of which shares half of its files with another, best first.
+/// Families of the files that have one thing in common which they are called through: a base type,
+/// a decorator, a table to fill, a function to define.
+std::vector<Family> type_families(const FlowEvidence& evidence, const PathPatterns& patterns);
+
+/// Of all the best, none of which shares half of its files with another, best first.
 std::vector<Family> families(const FlowEvidence& evidence);
 
 }  // namespace kestrix

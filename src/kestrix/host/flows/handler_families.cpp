@@ -6,7 +6,10 @@
 #include <set>
 
 #include "kestrix/host/flows/families.h"
+#include "kestrix/host/flows/family_signs.h"
+#include "kestrix/host/flows/folders.h"
 #include "kestrix/host/index_evidence.h"
+#include "kestrix/text/sorting.h"
 #include "kestrix/workers/wiki/page_sources/path_text.h"
 
 namespace kestrix {
@@ -18,24 +21,9 @@ using index::Known;
 
 // A name that one in so many has stands for a class of its own.
 constexpr std::size_t kNameShare = 4;
-
-// What several others are made from is called through them.
-bool is_base(const CodeEvidence& evidence, FileId file) {
-  const auto declarations = evidence.index().declarations(file);
-  std::set<FileId> derived;
-  std::size_t types = 0;
-  std::size_t bases = 0;
-  for (std::uint32_t place = 0; place < declarations.size(); ++place) {
-    if (!is_type(declarations[place].kind)) continue;
-    const std::size_t before = derived.size();
-    for (const auto subtype : evidence.subtypes({file, place})) {
-      if (subtype.file != file) derived.insert(subtype.file);
-    }
-    ++types;
-    bases += derived.size() > before ? 1U : 0U;
-  }
-  return derived.size() > 1 && bases * 2 >= types;
-}
+constexpr std::size_t kTwo = 2;
+constexpr std::size_t kLeastArea = 20;
+constexpr std::size_t kAreaShare = 6;
 
 std::string_view last_folders(std::string_view path, int count) {
   std::size_t at = path.size();
@@ -69,6 +57,33 @@ Named by_name(const CodeEvidence& evidence, const std::vector<FileId>& files) {
   return parts;
 }
 
+// Where a product has a few large parts, the handlers of each are a class.
+std::vector<std::vector<FileId>> areas_of(const CodeEvidence& evidence,
+                                          const std::vector<FileId>& files) {
+  if (files.size() < kLeastArea) return {files};
+  const std::string_view folder = common_folder(evidence, files);
+  const std::size_t below = folder.empty() ? 0 : folder.size() + 1;
+  std::map<std::string_view, std::vector<FileId>> areas;
+  for (const FileId file : files) {
+    const std::string_view rest = evidence.path(file).substr(below);
+    areas[rest.substr(0, rest.find('/'))].push_back(file);
+  }
+  std::vector<std::vector<FileId>> split;
+  std::vector<FileId> others;
+  for (auto& [name, area] : areas) {
+    // Folders right above the files are a part's own order, not parts.
+    const bool is_part = common_folder(evidence, area).size() > below + name.size();
+    if (is_part && area.size() >= std::max(kLeastArea, files.size() / kAreaShare)) {
+      split.push_back(std::move(area));
+    } else {
+      std::ranges::move(area, std::back_inserter(others));
+    }
+  }
+  if (split.size() < 2 || others.size() * 3 > files.size()) return {files};
+  split.push_back(std::move(others));
+  return split;
+}
+
 std::string sign_of(const FrameworkName& row, std::size_t count) {
   const std::string files = counted(count, "file", "files");
   switch (row.known) {
@@ -98,6 +113,19 @@ void join(Part& part, std::vector<FileId> files, const FrameworkName* row) {
   std::ranges::move(files, std::back_inserter(part.files));
 }
 
+// What one pattern says is one class, however many signs its files bear.
+void join_alike(std::vector<Family>& families, Family family) {
+  const auto same = std::ranges::find(families, family.glob, &Family::glob);
+  if (same == families.end()) {
+    families.push_back(std::move(family));
+    return;
+  }
+  if (family.files.size() > same->files.size()) same->sign = std::move(family.sign);
+  std::ranges::move(family.files, std::back_inserter(same->files));
+  sort_distinct(same->files);
+  same->score = kHandlerWeight * std::log2(1.0 + static_cast<double>(same->files.size()));
+}
+
 }  // namespace
 
 std::vector<Family> handler_families(const FlowEvidence& evidence, const PathPatterns& patterns) {
@@ -117,12 +145,17 @@ std::vector<Family> handler_families(const FlowEvidence& evidence, const PathPat
   }
   std::vector<Family> families;
   for (auto& [name, part] : parts) {
-    if (part.files.size() < kLeastFamily) continue;
+    if (part.files.empty()) continue;
     std::ranges::sort(part.files);
-    Family family{.glob = patterns.glob_of(part.files), .sign = sign_of(*part.row, part.told)};
-    family.score = kHandlerWeight * std::log2(1.0 + static_cast<double>(part.files.size()));
-    family.files = std::move(part.files);
-    families.push_back(std::move(family));
+    for (std::vector<FileId>& files : areas_of(evidence.code, part.files)) {
+      const bool told = part.row->known == Known::kHandlerBase && files.size() == kTwo;
+      if (files.size() < kLeastFamily && !told) continue;
+      Family family{.glob = patterns.glob_of(files),
+                    .sign = sign_of(*part.row, std::min(part.told, files.size()))};
+      family.score = kHandlerWeight * std::log2(1.0 + static_cast<double>(files.size()));
+      family.files = std::move(files);
+      join_alike(families, std::move(family));
+    }
   }
   return families;
 }

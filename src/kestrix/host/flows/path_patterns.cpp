@@ -130,6 +130,20 @@ std::string PathPatterns::glob(Key key, bool deep) const {
   return below(folders_[folder_of(key)], deep, globs_[pattern_of(key)]);
 }
 
+double PathPatterns::likeness(const std::vector<FileId>& files) const {
+  std::unordered_map<std::uint32_t, std::size_t> counts;
+  std::size_t most = 0;
+  for (const FileId file : files) {
+    for (std::size_t at = 1; at < patterns_[file].size(); ++at) {
+      const std::uint32_t pattern = patterns_[file][at];
+      if (pattern != 0) most = std::max(most, ++counts[pattern]);
+    }
+  }
+  std::unordered_map<std::uint32_t, std::size_t> folders;
+  for (const FileId file : files) most = std::max(most, ++folders[folder_[file]]);
+  return static_cast<double>(most) / static_cast<double>(files.size());
+}
+
 std::string PathPatterns::glob_of(const std::vector<FileId>& files) const {
   std::string_view folder = directory_of(evidence_.path(files.front()));
   std::set<std::string_view> folders;

@@ -44,6 +44,8 @@ class PathPatterns {
   /// A glob for files that the framework or a type tells: their folder, with what their names have
   /// in common.
   std::string glob_of(const std::vector<index::FileId>& files) const;
+  /// The share of the files that have the commonest folder, name, last or first word of a name.
+  double likeness(const std::vector<index::FileId>& files) const;
   bool is_deep(Key key, index::FileId file) const { return folder_[file] != folder_of(key); }
 
  private:

@@ -90,7 +90,6 @@ constexpr FrameworkName kNames[] = {
     {"wordpress", Known::kHandlerBase, "WP_Widget"},
     {"laravel", Known::kHandlerBase, "Routing.Controller"},
     {"laravel", Known::kHandlerBase, "ShouldQueue"},
-    {"laravel", Known::kHandlerBase, "FormRequest"},
     {"laravel", Known::kHandlerBase, "Mailable"},
     {"laravel", Known::kHandlerBase, "Notification"},
     {"symfony", Known::kHandlerBase, "AbstractController"},
