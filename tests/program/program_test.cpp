@@ -277,7 +277,7 @@ TEST(Program, WhyTellsReasonsRanksAndWhatIsMissing) {
                          "  used by 1 file\n"
                          "    app/main.py\n"));
   EXPECT_THAT(program.run({"why", "repo", "errors", "app/main.py"}).out,
-              StartsWith("app/main.py is not on the page errors\n  defines no class named"));
+              StartsWith("app/main.py is not on the page errors\n  defines no error type"));
   EXPECT_THAT(program.run({"why", "repo", "decisions", "app/main.py"}).out,
               HasSubstr("no document, and the page lists documents"));
 }

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "kestrix/host/configuration/settings_signals.h"
+#include "kestrix/host/evidence/score_sheet.h"
 #include "kestrix/host/index_evidence.h"
 #include "kestrix/host/pages.h"
 #include "kestrix/text/ascii.h"
@@ -11,14 +11,15 @@ namespace kestrix {
 namespace {
 
 constexpr double kLeastScore = 2.4;
-constexpr double kLeastShare = 0.2;
+constexpr double kLeastShare = 0.15;
 
 // What `is_config_path` saw in a path that it accepts.
 Reason sign_of(std::string_view path) {
   const std::string name(path.substr(path.rfind('/') + 1));
   std::string lower = name;
   std::ranges::transform(lower, lower.begin(), ascii::lower);
-  if (CONFIG_BASENAMES.contains(lower)) return {"named", fmt::format("named {}", name), 0, {}};
+  if (CONFIG_BASENAMES.contains(lower) || lower.starts_with(".env"))
+    return {"named", fmt::format("named {}", name), 0, {}};
   return {"config_directory", "in a directory named config", 0, {}};
 }
 
@@ -34,7 +35,7 @@ PageAnswer configuration_answer(const WikiGenerator& generator) {
     answer.files.push_back(std::move(pick));
   }
   const CodeEvidence& code = generator.code_evidence();
-  const ScoreSheet sheet = settings_sheet(code);
+  const ScoreSheet& sheet = generator.settings_evidence();
   add_reasons(sheet, code, answer.files);
   answer.further =
       sheet.further(answer.files, room_for_further(answer.files.size()), kLeastScore, kLeastShare);

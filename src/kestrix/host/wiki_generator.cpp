@@ -3,7 +3,10 @@
 #include <algorithm>
 #include <utility>
 
+#include "kestrix/host/configuration/settings_host.h"
+#include "kestrix/host/configuration/settings_signals.h"
 #include "kestrix/host/data_models/data_evidence.h"
+#include "kestrix/host/errors/error_host.h"
 #include "kestrix/host/evidence/code_evidence.h"
 #include "kestrix/host/examples/example_host.h"
 #include "kestrix/host/extending/extension_signals.h"
@@ -98,6 +101,20 @@ const CodeEvidence& WikiGenerator::code_evidence() const {
   return *code_;
 }
 
+const ScoreSheet& WikiGenerator::settings_evidence() const {
+  std::call_once(settings_gathered_, [this] {
+    settings_ = std::make_unique<const ScoreSheet>(settings_sheet(code_evidence()));
+  });
+  return *settings_;
+}
+
+const ErrorEvidence& WikiGenerator::error_evidence() const {
+  std::call_once(errors_gathered_, [this] {
+    errors_ = std::make_unique<const ErrorEvidence>(error_evidence_of(code_evidence()));
+  });
+  return *errors_;
+}
+
 const std::vector<Contract>& WikiGenerator::contracts() const {
   std::call_once(contracts_found_, [this] {
     contracts_ = std::make_unique<const std::vector<Contract>>(contracts_of(code_evidence()));
@@ -119,6 +136,14 @@ std::vector<FileEdge> WikiGenerator::_file_edges(const PathSet& paths) const {
   }
   std::call_once(edges_gathered_, [&] { planner_edges_ = PageSourcesMixin::_file_edges(paths); });
   return planner_edges_;
+}
+
+std::vector<std::string> WikiGenerator::_config_files() const {
+  return recipes::_config_files(SettingsHost(*this, settings_evidence()));
+}
+
+std::vector<std::string> WikiGenerator::_exception_files() const {
+  return recipes::_exception_files(ErrorHost(*this, error_evidence()));
 }
 
 std::vector<std::string> WikiGenerator::_extension_files() const {

@@ -19,6 +19,7 @@ namespace kestrix {
 
 class CodeEvidence;
 class ScoreSheet;
+struct ErrorEvidence;
 struct Contract;
 
 /// The generator of a repository on disk: the object that the native host mixes the detectors into.
@@ -62,12 +63,20 @@ class WikiGenerator : public PageSourcesMixin {
   /// With what the index knows of the documents in force.
   std::vector<std::string> _decision_files() const override;
   std::vector<FileEdge> _file_edges(const PathSet& paths) const override;
+  /// With what the code knows as settings, the best files only.
+  std::vector<std::string> _config_files() const override;
+  /// With what the code knows as errors, the most central files only.
+  std::vector<std::string> _exception_files() const override;
   /// With what the index knows of contracts and of those who register with the product in force.
   std::vector<std::string> _extension_files() const override;
   /// What the index knows of the documents; gathered when it is first asked for.
   const DocumentEvidence& document_evidence() const;
   /// Who names what in the repository; gathered when it is first asked for, once for all pages.
   const CodeEvidence& code_evidence() const;
+  /// What shows that files are settings; gathered when it is first asked for.
+  const ScoreSheet& settings_evidence() const;
+  /// What is about errors; gathered when it is first asked for.
+  const ErrorEvidence& error_evidence() const;
   /// The types that one adds to the product by implementing them, by type.
   const std::vector<Contract>& contracts() const;
   /// What shows that one extends the product in a file.
@@ -83,6 +92,10 @@ class WikiGenerator : public PageSourcesMixin {
   mutable std::unique_ptr<const DocumentEvidence> documents_;
   mutable std::once_flag code_gathered_;
   mutable std::unique_ptr<const CodeEvidence> code_;
+  mutable std::once_flag settings_gathered_;
+  mutable std::unique_ptr<const ScoreSheet> settings_;
+  mutable std::once_flag errors_gathered_;
+  mutable std::unique_ptr<const ErrorEvidence> errors_;
   mutable std::once_flag contracts_found_;
   mutable std::unique_ptr<const std::vector<Contract>> contracts_;
   mutable std::once_flag extensions_found_;

@@ -10,8 +10,11 @@ namespace kestrix::index {
 enum class Known : std::uint8_t {
   kErrorBase,      ///< what extends it can be thrown
   kErrorHandler,   ///< what extends it, or bears it, is asked about errors that nobody caught
+  kErrorHook,      ///< a function of that name is called with errors, or a value names who is
   kErrorValue,     ///< calling it makes an error value
   kErrorMethod,    ///< a type with a method of that name, without parameters, is an error
+  kStatusMethod,   ///< a type with a method of that name is one, if functions return it everywhere
+  kErrorTest,      ///< what calls it with errors tells them apart
   kResponse,       ///< calling or making it answers a request
   kEndsProgram,    ///< calling it ends the program
   kModelBase,      ///< what extends it is stored

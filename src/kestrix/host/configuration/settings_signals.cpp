@@ -1,9 +1,11 @@
 #include "kestrix/host/configuration/settings_signals.h"
 
 #include <algorithm>
+#include <array>
 #include <set>
 
 #include "kestrix/host/configuration/read_keys.h"
+#include "kestrix/host/evidence/name_words.h"
 #include "kestrix/host/index_evidence.h"
 #include "kestrix/host/path_glob.h"
 #include "kestrix/languages/frameworks.h"
@@ -30,7 +32,7 @@ constexpr Signal kBound{"settings_type", 3.0, "{} type of it is filled from sett
                         "{} types of it are filled from settings", "eShopOnWeb, crates.io"};
 constexpr Signal kCalls{"settings_calls", 1.2, "takes in settings: {} call",
                         "takes in settings: {} calls", "eShopOnWeb, lazygit"};
-constexpr Signal kAccess{"settings_access", 0.7, "{} file asks it for settings",
+constexpr Signal kAccess{"settings_access", 0.6, "{} file asks it for settings",
                          "{} files ask it for settings", "netbox, BookStack"};
 constexpr Signal kKeys{"keys_read", 1.7, "holds {} key that the code reads",
                        "holds {} keys that the code reads", "crates.io, BookStack"};
@@ -39,6 +41,14 @@ constexpr Signal kPlace{"settings_path", 3.2, "is where a framework looks for se
 constexpr Signal kTemplate{"environment_template", 0.9, "a template of {} variable",
                            "a template of {} variables", "BookStack, crates.io"};
 
+constexpr Signal kSample{"settings_sample", 4.0, "is a sample to be copied", "",
+                         "netbox, lobsters"};
+constexpr Signal kDirective{"directives", 0.8, "holds {} directive", "holds {} directives",
+                            "redis, nowinandroid"};
+
+constexpr std::array<std::string_view, 4> kTextFolders{"locales/", "locale/", "lang/", "i18n/"};
+constexpr std::size_t kDirectives = 10;
+constexpr std::ptrdiff_t kDeepest = 2;
 constexpr std::size_t kShared = 3;  // so many files that ask make an accessor
 
 bool is_callable(DeclarationKind kind) {
@@ -59,6 +69,8 @@ class Signals {
     add_types();
     add_settings_files();
     add_places();
+    add_settings_names(evidence_, sheet_);
+    take_texts_off();
     return std::move(sheet_);
   }
 
@@ -82,6 +94,7 @@ class Signals {
     std::set<std::uint32_t> lines;
     for (const IndexedReference& to : evidence_.index().references_from(file)) {
       if (to.target != IndexedReference::kOutside) continue;
+      if (to.role == Role::kReads && to.within > 0) reads_fixed_.insert({file, to.within - 1});
       if (to.role == Role::kExtends || to.role == Role::kImplements ||
           to.role == Role::kAnnotates) {
         if (to.within > 0 && known_as(language, Known::kSettingsBase, to.name) != nullptr) {
@@ -109,7 +122,7 @@ class Signals {
   void add_reads() {
     for (const auto& [file, places] : keys_.by_file()) {
       sheet_.add(file, kReads, places.size(), places, names_and_lines(places));
-      if (places.size() > 1) add_access(file);
+      if (places.size() >= kShared) add_access(file);
     }
   }
 
@@ -150,7 +163,7 @@ class Signals {
         const IndexedReference& to = evidence_.reference(at);
         if (to.role != Role::kCalls || to.source == reader.file) continue;
         if (!evidence_.is_product(to.source)) continue;
-        users[reader.file].insert(to.source);
+        if (!reads_fixed_.contains(reader)) users[reader.file].insert(to.source);
         calls[to.source] += to.count;
       }
     }
@@ -192,10 +205,12 @@ class Signals {
       const std::size_t count = places.size();
       sheet_.add(file, kKeys, count, std::move(places), names);
       const std::string_view name = index::base_name(evidence_.path(file));
-      const bool environment = name.starts_with(".env") || name.starts_with("env.") ||
-                               name.find(".env.") != std::string_view::npos;
-      if (environment && notes.keys.size() >= kShared) {
+      if (names_environment(name) && notes.keys.size() >= kShared) {
         sheet_.add(file, kTemplate, notes.keys.size());
+      }
+      const auto depth = std::ranges::count(evidence_.path(file), '/');
+      if (name.ends_with(".conf") && depth <= kDeepest && notes.keys.size() >= kDirectives) {
+        sheet_.add(file, kDirective, notes.keys.size());
       }
     });
     add_keyed_files();
@@ -215,6 +230,34 @@ class Signals {
     for (const auto& [folder, files] : folders) {
       if (files.size() < kShared) continue;
       for (const auto& [file, keys] : files) sheet_.add(file, kKeys, keys);
+    }
+  }
+
+  static bool names_environment(std::string_view name) {
+    return name.starts_with(".env") || name.starts_with("env.") || name.starts_with("env-") ||
+           name.find(".env.") != std::string_view::npos;
+  }
+
+  // What one copies to make one's own settings.
+  bool is_sample(FileId file) const {
+    const std::string_view name = index::base_name(evidence_.path(file));
+    if (name.ends_with(".sample") || name.ends_with(".example")) return true;
+    constexpr std::array<std::string_view, 2> kMade{"example", "sample"};
+    constexpr std::array<std::string_view, 6> kOf{"config",   "configuration", "conf",
+                                                  "settings", "env",           "options"};
+    return has_word(name, kMade) && has_word(name, kOf);
+  }
+
+  // Texts of messages are read by keys, too.
+  void take_texts_off() {
+    for (FileId file = 0; file < evidence_.index().files().size(); ++file) {
+      const std::string_view path = evidence_.path(file);
+      const auto lies_in = [path](std::string_view folder) {
+        return path.starts_with(folder) || path.find(std::string("/").append(folder)) != path.npos;
+      };
+      const std::string_view name = index::base_name(path);
+      const bool for_tests = names_environment(name) && name.find("test") != name.npos;
+      if (for_tests || std::ranges::any_of(kTextFolders, lies_in)) sheet_.scale(file, 0);
     }
   }
 
@@ -238,16 +281,18 @@ class Signals {
     for (FileId file = 0; file < evidence_.index().files().size(); ++file) {
       const std::string_view path = evidence_.path(file);
       const auto matches = [path](const PathGlob& glob) { return glob.matches(path); };
-      if (std::ranges::any_of(globs, matches) && evidence_.roles(file).empty())
-        sheet_.add(file, kPlace, 1);
+      if (!evidence_.roles(file).empty() || evidence_.index().files()[file].document) continue;
+      if (std::ranges::any_of(globs, matches)) sheet_.add(file, kPlace, 1);
+      if (is_sample(file)) sheet_.add(file, kSample, 1);
     }
   }
 
   const CodeEvidence& evidence_;
   const ReadKeys keys_;
   ScoreSheet sheet_;
-  std::set<DeclarationRef> types_;    // filled from settings
-  std::set<DeclarationRef> readers_;  // functions that read settings
+  std::set<DeclarationRef> types_;        // filled from settings
+  std::set<DeclarationRef> readers_;      // functions that read settings
+  std::set<DeclarationRef> reads_fixed_;  // functions that say themselves what they read
   std::set<FileId> accessed_;
 };
 

@@ -8,4 +8,8 @@ namespace kestrix {
 /// functions that are filled from the environment, a file or flags, and who hands them on.
 ScoreSheet settings_sheet(const CodeEvidence& evidence);
 
+/// Adds what the names of declarations say of settings, by who uses them: types with fields, what
+/// gives them, tables of options.
+void add_settings_names(const CodeEvidence& evidence, ScoreSheet& sheet);
+
 }  // namespace kestrix

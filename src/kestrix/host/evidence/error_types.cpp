@@ -1,6 +1,8 @@
 #include "kestrix/host/evidence/error_types.h"
 
+#include <algorithm>
 #include <deque>
+#include <span>
 
 #include "kestrix/languages/frameworks.h"
 
@@ -15,6 +17,9 @@ using index::Known;
 bool is_value(DeclarationKind kind) {
   return kind == DeclarationKind::kConstant || kind == DeclarationKind::kVariable;
 }
+
+constexpr std::size_t kFewFiles = 5;
+constexpr std::size_t kOneOf = 8;
 
 class Finder {
  public:
@@ -59,11 +64,34 @@ class Finder {
     const std::string_view language = evidence_.index().files()[file].language;
     const auto declared = evidence_.index().declarations(file);
     for (const auto& row : declared) {
-      if (row.kind != DeclarationKind::kMethod || row.container == 0 || row.size > 0) continue;
-      if (known_as(language, Known::kErrorMethod, row.name) == nullptr) continue;
+      if (row.container == 0 || row.size > 0) continue;
+      const DeclarationRef holder{file, row.container - 1};
+      if (is_failure(row, declared[row.container - 1])) take({file, place_in(declared, row)});
+      if (row.kind != DeclarationKind::kMethod) continue;
       if (declared[row.container - 1].kind == DeclarationKind::kInterface) continue;
-      take({file, row.container - 1});
+      const bool error = known_as(language, Known::kErrorMethod, row.name) != nullptr;
+      const bool status = known_as(language, Known::kStatusMethod, row.name) != nullptr;
+      if (error || (status && is_everywhere(holder))) take(holder);
     }
+  }
+
+  // "Error" with what went wrong, of a type whose other values are none.
+  static bool is_failure(const index::DeclarationView& row, const index::DeclarationView& holder) {
+    if (!is_type(row.kind) || row.fields == 0 || !is_type(holder.kind)) return false;
+    const auto bases = row.bases();
+    const auto extends = [&holder](std::string_view base) { return base.starts_with(holder.name); };
+    return (row.name == "Error" || row.name == "Failure") && std::ranges::any_of(bases, extends);
+  }
+
+  static std::uint32_t place_in(std::span<const index::DeclarationView> all,
+                                const index::DeclarationView& row) {
+    return static_cast<std::uint32_t>(&row - all.data());
+  }
+
+  // Whether much of the product has it in the position of a type, as what functions return.
+  bool is_everywhere(DeclarationRef type) const {
+    const auto naming = evidence_.files_naming(type, {index::Role::kType});
+    return naming.size() >= std::max(kFewFiles, evidence_.product_count() / kOneOf);
   }
 
   // Libraries call their error types so, and what derives from one is one.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <set>
 #include <vector>
 
 #include "kestrix/documents/document_reader.h"
@@ -9,6 +10,7 @@
 #include "kestrix/languages/language.h"
 #include "kestrix/roles/licence.h"
 #include "kestrix/store/content_hash.h"
+#include "kestrix/text/ascii.h"
 #include "kestrix/text/paths.h"
 
 namespace kestrix::index {
@@ -18,6 +20,7 @@ constexpr std::size_t kMostAttributes = std::size_t{64} << 10U;
 
 // What is larger, or has longer keys, is data.
 constexpr std::size_t kMostSettings = std::size_t{64} << 10U;
+constexpr std::size_t kMostDirectives = std::size_t{256} << 10U;
 constexpr std::size_t kMostKeys = 200;
 constexpr std::size_t kLongestKey = 100;
 
@@ -25,7 +28,8 @@ constexpr std::size_t kLongestKey = 100;
 std::optional<Format> settings_format(std::string_view path) {
   if (const auto format = format_of(path)) return format;
   const std::string_view name = base_name(path);
-  const bool environment = name.starts_with("env.") || name.find(".env.") != std::string_view::npos;
+  const bool environment = name.starts_with("env.") || name.starts_with("env-") ||
+                           name.find(".env.") != std::string_view::npos;
   const bool code = language_of(path) != nullptr;
   return environment && !code ? std::optional(Format::kEnv) : std::nullopt;
 }
@@ -46,6 +50,20 @@ std::vector<std::string> keys_of(Format format, std::string_view text) {
   std::ranges::sort(keys);
   keys.erase(std::unique(keys.begin(), keys.end()), keys.end());
   return keys;
+}
+
+// The first words of lines: "port 6379".
+std::vector<std::string> directives_of(std::string_view text) {
+  std::set<std::string_view> words;
+  for (std::size_t at = 0; at < text.size() && words.size() < kMostKeys;) {
+    const std::size_t end = std::min(text.find('\n', at), text.size());
+    const std::string_view line = text.substr(at, end - at);
+    at = end + 1;
+    const std::size_t word = line.find_first_of(" \t=");
+    if (word == std::string_view::npos || word == 0 || word > kLongestKey) continue;
+    if (ascii::is_alpha(line.front())) words.insert(line.substr(0, word));
+  }
+  return {words.begin(), words.end()};
 }
 
 // A line that is cut would say something else.
@@ -69,6 +87,9 @@ FileNotes take_notes(std::string_view path, std::string_view text, bool is_docum
   } else {
     const auto format = text.size() > kMostSettings ? std::nullopt : settings_format(path);
     if (format && *format != Format::kXml) notes.keys = keys_of(*format, text);
+    if (!format && path.ends_with(".conf") && text.size() <= kMostDirectives) {
+      notes.keys = directives_of(text);
+    }
     notes.documents = documents_named_in(text);
   }
   return notes;

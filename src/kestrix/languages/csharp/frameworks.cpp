@@ -16,6 +16,8 @@ constexpr FrameworkName kNames[] = {
     {"dotnet", Known::kErrorBase, "InvalidOperationException"},
     {"dotnet", Known::kErrorBase, "ArgumentException"},
     {"aspnet", Known::kErrorHandler, "IExceptionHandler"},
+    {"aspnet", Known::kErrorHook, "OnException"},
+    {"aspnet", Known::kErrorHook, "OnExceptionAsync"},
     {"aspnet", Known::kErrorHandler, "IExceptionFilter"},
     {"aspnet", Known::kErrorHandler, "ExceptionFilterAttribute"},
     {"aspnet", Known::kErrorHandler, "IAsyncExceptionFilter"},

@@ -7,6 +7,9 @@ std::span<const FrameworkName> go_frameworks();
 namespace {
 
 constexpr FrameworkName kNames[] = {
+    {"go", Known::kErrorTest, "errors.As"},
+    {"go", Known::kErrorTest, "errors.AsType"},
+    {"go", Known::kErrorTest, "errors.Is"},
     {"go", Known::kErrorMethod, "Error"},
     {"go", Known::kEndsProgram, "os.Exit"},
     {"go", Known::kEndsProgram, "log.Fatal"},

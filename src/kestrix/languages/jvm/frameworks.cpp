@@ -29,6 +29,7 @@ constexpr FrameworkName kNames[] = {
     {"gradle", Known::kErrorBase, "GradleException"},
     {"kotlin", Known::kErrorBase, "CancellationException"},
     {"java", Known::kErrorHandler, "UncaughtExceptionHandler"},
+    {"java", Known::kErrorHook, "uncaughtException"},
     {"jaxrs", Known::kErrorHandler, "ExceptionMapper"},
     {"kotlin", Known::kErrorHandler, "CoroutineExceptionHandler"},
     {"micronaut", Known::kErrorHandler, "server.exceptions.ExceptionHandler"},

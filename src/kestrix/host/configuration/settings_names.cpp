@@ -1,0 +1,158 @@
+#include <algorithm>
+#include <array>
+#include <map>
+#include <set>
+
+#include "kestrix/host/configuration/settings_signals.h"
+#include "kestrix/host/evidence/name_words.h"
+#include "kestrix/host/index_evidence.h"
+
+namespace kestrix {
+namespace {
+
+using index::DeclarationKind;
+using index::DeclarationRef;
+using index::DeclarationView;
+using index::FileId;
+using index::Role;
+
+constexpr Signal kNamed{"settings_named", 0.8, "{} file uses its settings",
+                        "{} files use its settings", "lazygit, leveldb"};
+constexpr Signal kOptions{"options_named", 0.5, "{} file uses its options",
+                          "{} files use its options", "Polly, jellyfin"};
+constexpr Signal kFields{"settings_fields", 0.6, "{} member of settings", "{} members of settings",
+                         "lazygit, leveldb"};
+constexpr Signal kTable{"settings_table", 0.9, "a table of {} setting", "a table of {} settings",
+                        "netbox, redis"};
+constexpr Signal kBase{"settings_base", 1.4, "{} settings type extends one of it",
+                       "{} settings types extend one of it", "Polly, mockito"};
+constexpr Signal kKind{"settings_kind", 1.0, "is settings by what it extends, as {} type",
+                       "is settings by what it extends, as {} types", "Polly, solidus"};
+
+constexpr std::array<std::string_view, 10> kTypeWords{
+    "config",   "configs", "configuration", "configurations", "conf",
+    "settings", "setting", "preferences",   "prefs",          "properties"};
+// What is handed to one function is called so, too.
+constexpr std::array<std::string_view, 1> kOptionWords{"options"};
+constexpr std::array<std::string_view, 16> kTails{
+    "base",   "builder", "default",   "factory", "fetcher",  "impl",   "interface", "item",
+    "loader", "manager", "parameter", "parser",  "provider", "reader", "service",   "store"};
+constexpr std::array<std::string_view, 10> kValueWords{
+    "config",      "configuration", "conf",  "settings", "setting",
+    "preferences", "env",           "prefs", "options",  "option"};
+constexpr std::array<std::string_view, 15> kTableWords{
+    "config", "configs", "configuration", "conf",   "settings",   "setting",  "options", "option",
+    "opts",   "prefs",   "preferences",   "params", "parameters", "defaults", "flags"};
+
+constexpr std::size_t kShared = 2;
+constexpr std::uint32_t kSmallTable = 5;
+constexpr std::uint32_t kFewFields = 3;
+
+class Names {
+ public:
+  Names(const CodeEvidence& evidence, ScoreSheet& sheet) : evidence_(evidence), sheet_(sheet) {}
+
+  void add() {
+    for (FileId file = 0; file < evidence_.index().files().size(); ++file) {
+      if (!evidence_.is_product(file)) continue;
+      look_at(file);
+    }
+    for (const DeclarationRef type : types_) {
+      std::set<DeclarationRef> kinds;
+      for (const DeclarationRef subtype : evidence_.subtypes(type)) {
+        if (is_settings_type(evidence_[subtype])) kinds.insert(subtype);
+      }
+      bases_[type.file].insert(kinds.begin(), kinds.end());
+      for (const DeclarationRef kind : kinds) {
+        auto& most = kinds_[kind.file];
+        most = std::max(most, kinds.size());
+      }
+    }
+    for (const auto& [file, subtypes] : bases_) add_types(file, kBase, subtypes);
+    for (const auto& [file, alike] : kinds_) {
+      if (evidence_.is_product(file)) sheet_.add(file, kKind, alike + 1);
+    }
+  }
+
+ private:
+  static bool is_settings_type(const DeclarationView& row) {
+    return is_type(row.kind) && (ends_with_word(row.name, kTypeWords, kTails) || is_options(row));
+  }
+
+  static bool is_options(const DeclarationView& row) {
+    return ends_with_word(row.name, kOptionWords, kTails);
+  }
+
+  static bool is_table(const DeclarationView& row) {
+    const bool value = row.kind == DeclarationKind::kConstant ||
+                       row.kind == DeclarationKind::kVariable ||
+                       row.kind == DeclarationKind::kField;
+    return value && row.size >= kSmallTable && has_word(row.name, kTableWords);
+  }
+
+  static bool is_offer(const DeclarationView& row) {
+    if (is_settings_type(row)) return true;
+    const bool value = row.container == 0 && (row.kind == DeclarationKind::kFunction ||
+                                              row.kind == DeclarationKind::kConstant ||
+                                              row.kind == DeclarationKind::kVariable);
+    return value && has_word(row.name, kValueWords);
+  }
+
+  void look_at(FileId file) {
+    const auto declared = evidence_.index().declarations(file);
+    std::set<FileId> users;
+    std::vector<std::pair<std::size_t, Place>> used;
+    std::vector<Place> tables;
+    std::uint32_t entries = 0;
+    std::uint32_t fields = 0;
+    bool options = true;
+    for (std::uint32_t place = 0; place < declared.size(); ++place) {
+      const DeclarationView& row = declared[place];
+      const DeclarationRef at{file, place};
+      if (is_settings_type(row)) types_.push_back(at);
+      if (is_table(row)) {
+        tables.push_back(evidence_.place_of(at));
+        entries += row.size;
+      }
+      if (!is_offer(row)) continue;
+      const auto naming = evidence_.files_naming(at, kEveryRole);
+      if (naming.empty()) continue;
+      users.insert(naming.begin(), naming.end());
+      used.emplace_back(naming.size(), evidence_.place_of(at));
+      options = options && is_options(row) && row.name.size() > kOptionWords[0].size();
+      if (is_type(row.kind)) fields += row.fields + row.abstract_methods;
+    }
+    const std::string named = names_and_lines(tables);
+    sheet_.add(file, kTable, entries, std::move(tables), named);
+    if (users.size() < kShared) return;
+    std::ranges::stable_sort(used, std::ranges::greater(), &std::pair<std::size_t, Place>::first);
+    std::vector<Place> places;
+    for (auto& [count, place] : used) places.push_back(std::move(place));
+    const std::string names = names_and_lines(places);
+    sheet_.add(file, options ? kOptions : kNamed, users.size(), std::move(places), names);
+    if (fields >= kFewFields) sheet_.add(file, kFields, fields);
+  }
+
+  void add_types(FileId file, const Signal& signal, const std::set<DeclarationRef>& types) {
+    if (!evidence_.is_product(file)) return;
+    std::vector<Place> places;
+    places.reserve(types.size());
+    for (const DeclarationRef type : types) places.push_back(evidence_.place_of(type));
+    const std::string names = names_and_lines(places);
+    sheet_.add(file, signal, types.size(), std::move(places), names);
+  }
+
+  const CodeEvidence& evidence_;
+  ScoreSheet& sheet_;
+  std::vector<DeclarationRef> types_;
+  std::map<FileId, std::set<DeclarationRef>> bases_;
+  std::map<FileId, std::size_t> kinds_;  // how many are alike, at most
+};
+
+}  // namespace
+
+void add_settings_names(const CodeEvidence& evidence, ScoreSheet& sheet) {
+  Names(evidence, sheet).add();
+}
+
+}  // namespace kestrix
