@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstddef>
+#include <cstring>
 #include <random>
 #include <string>
 #include <thread>
@@ -7,6 +10,12 @@
 
 #include "kestrix/languages/language.h"
 #include "kestrix/languages/reading.h"
+#include "kestrix/syntax/parser_memory.h"
+
+extern "C" {
+extern void* (*ts_current_malloc)(std::size_t size);
+extern void* (*ts_current_calloc)(std::size_t count, std::size_t size);
+}
 
 namespace kestrix::index {
 namespace {
@@ -103,6 +112,19 @@ TEST(Reader, FindsTheSameOnEveryThread) {
   }
   for (std::thread& thread : threads) thread.join();
   EXPECT_EQ(same, std::vector<int>(8, 1));
+}
+
+// A grammar's scanner asks for no bytes, and keeps a number there that it expects to be zero: what
+// was read before must not be found in it.
+TEST(ParserMemory, HoldsNothingOfTheParseBefore) {
+  constexpr std::size_t kScanner = 16;
+  {
+    const ParserMemory before;
+    std::memset(ts_current_malloc(kScanner), 0xff, kScanner);
+  }
+  const ParserMemory memory;
+  const auto* scanner = static_cast<const unsigned char*>(ts_current_calloc(0, kScanner));
+  EXPECT_TRUE(std::all_of(scanner, scanner + kScanner, [](auto byte) { return byte == 0; }));
 }
 
 TEST(Reader, CutsLongSignaturesBetweenCharacters) {
