@@ -19,11 +19,12 @@ std::span<const FrameworkName> python_frameworks();
 std::span<const FrameworkName> ruby_frameworks();
 std::span<const FrameworkName> rust_frameworks();
 std::span<const FrameworkName> scala_frameworks();
+std::span<const FrameworkName> swift_frameworks();
 
 namespace {
 
 using Names = std::span<const FrameworkName> (*)();
-constexpr std::array<std::pair<std::string_view, Names>, 16> kLanguages{{
+constexpr std::array<std::pair<std::string_view, Names>, 17> kLanguages{{
     {"c", c_family_frameworks},
     {"cpp", c_family_frameworks},
     {"csharp", csharp_frameworks},
@@ -37,6 +38,7 @@ constexpr std::array<std::pair<std::string_view, Names>, 16> kLanguages{{
     {"rust", rust_frameworks},
     {"scala", scala_frameworks},
     {"svelte", ecmascript_frameworks},
+    {"swift", swift_frameworks},
     {"tsx", ecmascript_frameworks},
     {"typescript", ecmascript_frameworks},
     {"vue", ecmascript_frameworks},

@@ -24,6 +24,7 @@ const Language& ruby_language();
 const Language& rust_language();
 const Language& scala_language();
 const Language& svelte_language();
+const Language& swift_language();
 const Language& tsx_language();
 const Language& typescript_language();
 const Language& vue_language();
@@ -34,10 +35,11 @@ constexpr std::size_t kLongestName = 32;
 
 auto sorted_languages() {
   std::array rows{
-      &c_language(),      &cpp_language(),        &csharp_language(),     &go_language(),
-      &java_language(),   &javascript_language(), &kotlin_language(),     &php_language(),
-      &python_language(), &ruby_language(),       &rust_language(),       &scala_language(),
-      &svelte_language(), &tsx_language(),        &typescript_language(), &vue_language(),
+      &c_language(),      &cpp_language(),        &csharp_language(), &go_language(),
+      &java_language(),   &javascript_language(), &kotlin_language(), &php_language(),
+      &python_language(), &ruby_language(),       &rust_language(),   &scala_language(),
+      &svelte_language(), &swift_language(),      &tsx_language(),    &typescript_language(),
+      &vue_language(),
   };
   std::ranges::sort(rows, {}, &Language::name);
   return rows;

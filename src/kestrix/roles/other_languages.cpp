@@ -38,7 +38,6 @@ constexpr std::array kRows{
     Row{".groovy", &index::jvm::kConventions},
     Row{".pyx", &index::python::kConventions},
     Row{".snap", &kSnapshots},
-    Row{".swift", &kDotNet},
     Row{".vb", &kDotNet},
 };
 

@@ -33,6 +33,10 @@ std::string_view behind(std::string_view path, std::size_t length) {
   return path.size() <= length ? std::string_view() : path.substr(length + 1);
 }
 
+std::string joined(std::string_view holder, std::string_view name) {
+  return std::string(holder).append(".").append(name);
+}
+
 NamedThing thing(DeclarationRef at) { return {Kind::kDeclaration, at, {}}; }
 NamedThing whole(FileId file, std::string_view rest = {}) {
   return {Kind::kFile, {file, 0}, std::string(rest)};
@@ -154,7 +158,27 @@ NameResolver::Found NameResolver::find_among_members(std::string_view name, std:
     const auto member = find_member(at, name);
     if (member && fits(table_[*member].kind, as_type)) return thing(*member);
   }
-  return std::nullopt;
+  return find_in_extended(name, within, as_type);
+}
+
+// A member of the type whose members a file declares by their full names ("Type.member").
+NameResolver::Found NameResolver::find_in_extended(std::string_view name, std::uint32_t within,
+                                                   bool as_type) const {
+  const auto mine = table_.of(file_);
+  while (within > 0 && within <= mine.size() && mine[within - 1].container > 0)
+    within = mine[within - 1].container;
+  if (within == 0 || within > mine.size()) return std::nullopt;
+  std::string_view owner = mine[within - 1].name;
+  if (owner.find('.') == std::string_view::npos) return std::nullopt;
+  owner = owner.substr(0, owner.rfind('.'));
+  if (const auto here = table_.find_top(file_, joined(owner, name))) return thing(*here);
+  const Found type = find_bound(owner);
+  if (!type || !owner.empty() || type->kind != Kind::kDeclaration ||
+      !is_type(table_[type->at].kind))
+    return std::nullopt;
+  const auto member = find_member(type->at, name);
+  if (!member || !fits(table_[*member].kind, as_type)) return std::nullopt;
+  return thing(*member);
 }
 
 // What a namespace or type holds that this file declares, too, but not with all that it holds.
@@ -250,7 +274,8 @@ std::optional<DeclarationRef> NameResolver::find_in_parts(DeclarationRef type,
   for (; part != bindings.end() && part->local == own; ++part) {
     if (part->name != own || part->target == type.file) continue;
     const auto other = table_.find_top(part->target, own);
-    const auto member = other ? table_.find_member(*other, name) : std::nullopt;
+    const auto member =
+        other ? table_.find_member(*other, name) : table_.find_top(part->target, joined(own, name));
     if (member) return member;
   }
   return std::nullopt;
@@ -317,7 +342,7 @@ std::optional<DeclarationRef> NameResolver::find_assigned(DeclarationRef holder,
       row.kind != DeclarationKind::kVariable) {
     return std::nullopt;
   }
-  return table_.find_top(holder.file, std::string(row.name).append(".").append(name));
+  return table_.find_top(holder.file, joined(row.name, name));
 }
 
 NamedThing NameResolver::descend(NamedThing from, std::string_view rest) const {

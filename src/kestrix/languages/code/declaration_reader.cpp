@@ -15,6 +15,7 @@ bool DeclarationReader::declare(const Rule& rule, TSNode node, Frame& frame) {
   const auto text = declared_name(rule, node, name, frame);
   if (!text) {
     if (rule.rule->role) frame.role = *rule.rule->role;
+    if (walk_.source.extends_types) enter_members(node, frame);
     return walk_.push(frame, node);
   }
   if (text->empty() && walk_.source.name_of != nullptr) {
@@ -62,6 +63,14 @@ bool DeclarationReader::declare(const Rule& rule, TSNode node, Frame& frame) {
   if (walk_.source.namespaced_names) nest(as);
   take(std::move(as), frame);
   return walk_.push(frame, node);
+}
+
+void DeclarationReader::enter_members(TSNode node, Frame& frame) const {
+  frame.owner = walk_.source.owner(walk_.tree, node);
+  if (const auto type = walk_.types.find(frame.owner); type != walk_.types.end()) {
+    frame.holder = type->second;
+    frame.owner = {};
+  }
 }
 
 std::optional<std::string_view> DeclarationReader::declared_name(const Rule& rule, TSNode node,

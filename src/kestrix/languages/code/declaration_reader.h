@@ -25,6 +25,8 @@ class DeclarationReader {
       : walk_(walk), mentions_(mentions), settings_(settings) {}
 
   bool declare(const Rule& rule, TSNode node, Frame& frame);
+  /// Makes what stands below a node members of the type that its language says.
+  void enter_members(TSNode node, Frame& frame) const;
   /// "var a, b": what is declared like the name before.
   bool is_further_name(const Frame& up, TSNode node, TSFieldId field);
   void take(Declaration as, Frame& frame, bool counted = true);

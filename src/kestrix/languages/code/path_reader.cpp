@@ -28,7 +28,9 @@ std::string_view PathReader::text_of_type(TSNode node) const {
 
 bool PathReader::visit_path(TSNode node, Frame& frame) {
   std::string_view text = walk_.tree.text(node);
-  if (text.ends_with("::class")) text.remove_suffix(7);
+  for (const std::string_view end : {"::class", ".self"}) {
+    if (text.ends_with(end)) text.remove_suffix(end.size());
+  }
   if (frame.role != Role::kCalls || walk_.source.flat_environments) {
     if (settings_.read_member(node, text, frame)) return false;
   }

@@ -180,6 +180,8 @@ struct CodeRules {
   bool qualified_names = false;
   /// Whether what a file only declares may be defined in another one.
   bool defined_elsewhere = false;
+  /// Whether a declaration without a name holds members of the type that `owner` tells.
+  bool extends_types = false;
   /// What a node of a rule for `kind` declares; `parent` is the node around it. None: nothing.
   /// Null: the rule's fields tell.
   std::optional<Named> (*named)(const SourceTree& tree, TSNode declaration, TSNode parent,

@@ -176,7 +176,7 @@ class CodeWalk {
   void set_below(const Rule& rule, TSNode node, Frame& frame) const {
     switch (rule.rule->act) {
       case Act::kMembers:
-        return enter_members(node, frame);
+        return declarations_.enter_members(node, frame);
       case Act::kEntry:
         frame.name = label_of(node);
         [[fallthrough]];
@@ -210,14 +210,6 @@ class CodeWalk {
         return;
       default:
         return;
-    }
-  }
-
-  void enter_members(TSNode node, Frame& frame) const {
-    frame.owner = walk_.source.owner(walk_.tree, node);
-    if (const auto type = walk_.types.find(frame.owner); type != walk_.types.end()) {
-      frame.holder = type->second;
-      frame.owner = {};
     }
   }
 
