@@ -47,6 +47,11 @@ constexpr auto kSignals = std::to_array<SignalName>({
 // A page that is full already is lengthened only by what is as central as what is on it.
 constexpr double kLeastFurther = 3.0;
 constexpr double kLeastShareOfFurther = 0.5;
+// One that is short, and of a repository that stores nothing, is filled up to so many files by what
+// is less so.
+constexpr std::size_t kFewFiles = 8;
+constexpr double kLeastOfFew = 1.5;
+constexpr double kLeastShareOfFew = 0.2;
 
 std::vector<Reason> reasons_of(const DataSignals& signals) {
   std::vector<Reason> reasons;
@@ -69,15 +74,22 @@ PageAnswer data_models_answer(const WikiGenerator& generator) {
   const DataPointsScope scope(points);
   const DataRanking ranking = recipes::_data_model_files(RankingHost{generator});
   PageAnswer answer;
+  bool stores = false;
   for (DataFile& file : ranking.best()) {
+    stores |= file.signals.tables + file.signals.entities > 0 || file.signals.schema_file;
     answer.files.push_back({std::move(file.path), {}});
     if (file.points == 0) answer.files.back().reasons = reasons_of(file.signals);
   }
   add_reasons(evidence.sheet(), code, answer.files);
   answer.total = ranking.found();
   if (!points.empty()) {
-    answer.further = evidence.sheet().further(answer.files, room_for_further(answer.files.size()),
-                                              kLeastFurther, kLeastShareOfFurther);
+    const std::size_t room = room_for_further(answer.files.size());
+    answer.further =
+        evidence.sheet().further(answer.files, room, kLeastFurther, kLeastShareOfFurther);
+    if (!stores && answer.files.size() + answer.further.size() < kFewFiles) {
+      answer.further = evidence.sheet().further(answer.files, kFewFiles - answer.files.size(),
+                                                kLeastOfFew, kLeastShareOfFew);
+    }
   }
   finish(answer,
          "no type that others name as data, no table, no class mapped to storage, no schema");

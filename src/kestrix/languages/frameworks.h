@@ -31,6 +31,7 @@ enum class Known : std::uint8_t {
   kHandlerMarker,  ///< what bears it is
   kHandlerPath,    ///< a glob: files there are, by the framework's convention
   kStartPath,      ///< a glob: where such a product starts
+  kMain,           ///< a function of that name at the top of a file is where a program starts
   kTestPath,       ///< a glob: what the tests around have without naming it
   kTestBase,       ///< what extends or names it is written for tests
 };

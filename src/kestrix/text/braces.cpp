@@ -9,7 +9,7 @@ namespace {
 
 // A pattern may come from a repository: together these bound the work of expanding it.
 constexpr std::size_t kMostAlternatives = 256;
-constexpr std::size_t kLongestWithBraces = 1024;
+constexpr std::size_t kLongestWithBraces = 4096;
 
 // Where the group that opens at `open` splits: its commas and, last, its closing brace. Empty when
 // nothing closes it or it holds no comma, which makes it plain text.

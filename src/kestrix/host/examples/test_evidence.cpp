@@ -20,6 +20,8 @@ using index::IndexedReference;
 // What fewer tests use is their own. Among few tests that is one; from sixty on it is two.
 constexpr std::size_t kTestsForOneUserMore = 20;
 constexpr std::size_t kMostLeastUsers = 3;
+// Where something serves nearly all tests, what serves a few of one kind is theirs.
+constexpr double kShareOfMostUsed = 0.04;
 // A file of the product that one test alone names is the unit that it tests, not what it goes
 // through.
 constexpr std::size_t kLeastTestsOfInterface = 2;
@@ -64,6 +66,7 @@ TestEvidence::TestEvidence(const WikiGenerator& generator, const CodeEvidence& c
   read_references();
   read_edges();
   hand_down();
+  hand_on();
   give_by_framework();
   for (auto& users : users_) make_distinct(users);
   measure_reach();
@@ -80,6 +83,7 @@ void TestEvidence::read_references() {
     }
     if (!tests_[to.source] || to.source == to.target) continue;
     users_[to.target].push_back(to.source);
+    if (to.role == index::Role::kLists) handed_on_.emplace_back(to.source, to.target);
     if (to.within == 0) continue;
     const DeclarationKind within = index_.declarations(to.source)[to.within - 1].kind;
     const bool field = to.role == index::Role::kType && may_be_field(within);
@@ -114,6 +118,18 @@ void TestEvidence::hand_down() {
     for (auto at = first; at != held_.end() && at->first == base; ++at) {
       if (at->second != test && !code_.is_product(at->second)) users_[at->second].push_back(test);
     }
+  }
+}
+
+// What nearly all tests ask for hands on what it registers: modules that are mixed into each test.
+void TestEvidence::hand_on() {
+  make_distinct(handed_on_);
+  for (auto& users : users_) make_distinct(users);
+  for (const auto& [shared, file] : handed_on_) {
+    const bool by_most =
+        static_cast<double>(users_[shared].size()) >= kMostTests * static_cast<double>(test_count_);
+    if (!by_most || shared == file || code_.is_product(file)) continue;
+    users_[file].insert(users_[file].end(), users_[shared].begin(), users_[shared].end());
   }
 }
 
@@ -182,7 +198,11 @@ void TestEvidence::measure_reach() {
 }
 
 void TestEvidence::find_helpers() {
-  const std::size_t least = std::min(1 + test_count_ / kTestsForOneUserMore, kMostLeastUsers);
+  std::size_t most = 0;
+  for (const auto& users : users_) most = std::max(most, users.size());
+  const auto share = static_cast<std::size_t>(kShareOfMostUsed * static_cast<double>(most));
+  const std::size_t least =
+      std::max(std::min(1 + test_count_ / kTestsForOneUserMore, kMostLeastUsers), share);
   for (FileId file = 0; file < users_.size(); ++file) {
     if (tests_[file] && users_[file].size() >= least) helpers_.push_back(file);
   }

@@ -47,6 +47,7 @@ class TestEvidence {
   void read_references();
   void read_edges();
   void hand_down();
+  void hand_on();
   void give_by_framework();
   void measure_reach();
   void find_helpers();
@@ -63,8 +64,9 @@ class TestEvidence {
   std::vector<std::uint32_t> reach_;
   std::vector<bool> names_framework_;
   std::vector<index::FileId> helpers_;
-  std::vector<Pair> held_;     // test, and a file of whose types it has a field
-  std::vector<Pair> extends_;  // test, and the file of its base class
+  std::vector<Pair> held_;       // test, and a file of whose types it has a field
+  std::vector<Pair> extends_;    // test, and the file of its base class
+  std::vector<Pair> handed_on_;  // test, and a file of which it hands something over
 };
 
 }  // namespace kestrix

@@ -5,6 +5,7 @@
 #include <set>
 #include <string_view>
 
+#include "kestrix/languages/frameworks.h"
 #include "kestrix/text/paths.h"
 
 namespace kestrix {
@@ -19,6 +20,13 @@ constexpr std::size_t kLeastUsers = 3;
 constexpr std::size_t kLeastFoldersOfUsers = 4;
 // Of code that stands among tests, this share is tests.
 constexpr double kAmongTests = 0.75;
+// What is declared for tests alone: so many of them name it, and this share of all.
+constexpr std::size_t kLeastUsersAlone = 5;
+constexpr double kLeastShareAlone = 0.04;
+constexpr std::size_t kTestsForOneOfProduct = 20;
+// A program starts somewhere and reaches so much of its code from there. The tests of a library
+// stand for those who use it: they alone name what it is there for.
+constexpr double kOfProgram = 0.5;
 // Support may be wired into the product's start; what more folders use is the product's.
 constexpr std::size_t kFewFolders = 2;
 
@@ -28,15 +36,21 @@ class Finder {
       : tests_(tests), code_(code), index_(code.index()) {
     count_namers();
     count_tests();
+    alone_.resize(index_.files().size());
+    if (is_program()) count_alone();
   }
 
   std::vector<FileId> find() const {
     std::vector<FileId> files;
     for (FileId file = 0; file < index_.files().size(); ++file) {
-      if (may_serve(file) && serves(file)) files.push_back(file);
+      const bool serves_alone = alone_[file] > 0 && may_serve(file);
+      if (serves_alone || (may_serve(file) && is_little_named(file) && serves(file))) {
+        files.push_back(file);
+      }
     }
-    std::ranges::stable_sort(files, std::ranges::greater(),
-                             [&](FileId file) { return tests_.users(file).size(); });
+    std::ranges::stable_sort(files, std::ranges::greater(), [&](FileId file) {
+      return alone_[file] > 0 ? alone_[file] : tests_.users(file).size();
+    });
     return files;
   }
 
@@ -67,6 +81,78 @@ class Finder {
     for (const auto& [up, count] : counts) share_of_tests_[up] = count.first / count.second;
   }
 
+  static bool is_made_or_called(index::DeclarationKind kind, index::Role role) {
+    if (is_type(kind)) return role == index::Role::kConstructs || kSubtyping.has(role);
+    return kind == index::DeclarationKind::kFunction || kind == index::DeclarationKind::kMethod;
+  }
+
+  bool starts(FileId file) const {
+    const auto language = index_.files()[file].language;
+    return code_.is_product(file) &&
+           std::ranges::any_of(index_.declarations(file), [&](const auto& row) {
+             return row.kind == index::DeclarationKind::kFunction && row.container == 0 &&
+                    index::known_as(language, index::Known::kMain, row.name) != nullptr;
+           });
+  }
+
+  bool is_program() const {
+    std::vector<std::vector<FileId>> targets(index_.files().size());
+    for (const auto& edge : index_.edges()) targets[edge.source].push_back(edge.target);
+    std::vector<bool> reached(targets.size());
+    std::vector<FileId> open;
+    for (FileId file = 0; file < targets.size(); ++file) {
+      reached[file] = starts(file);
+      if (reached[file]) open.push_back(file);
+    }
+    while (!open.empty()) {
+      const FileId file = open.back();
+      open.pop_back();
+      for (const FileId target : targets[file]) {
+        if (!reached[target]) open.push_back(target);
+        reached[target] = true;
+      }
+    }
+    double all = 0;
+    double from_start = 0;
+    for (FileId file = 0; file < targets.size(); ++file) {
+      if (!code_.is_product(file) || index_.declarations(file).empty()) continue;
+      ++all;
+      from_start += reached[file] ? 1 : 0;
+    }
+    return from_start > kOfProgram * all;
+  }
+
+  // By file, the tests that name what most of them do of what the product itself never names.
+  void count_alone() {
+    struct Count {
+      FileId last = IndexedReference::kOutside;
+      std::size_t tests = 0;
+      std::size_t product = 0;
+    };
+    std::map<std::pair<FileId, std::uint32_t>, Count> counts;
+    for (const IndexedReference& to : index_.references()) {
+      if (to.target == IndexedReference::kOutside || to.declaration == 0) continue;
+      if (to.source == to.target || tests_.is_test(to.target)) continue;
+      const auto& row = index_.declarations(to.target)[to.declaration - 1];
+      if (tests_.is_test(to.source) && !is_made_or_called(row.kind, to.role)) continue;
+      Count& count = counts[{to.target, to.declaration}];
+      if (count.last == to.source) continue;
+      count.last = to.source;
+      if (tests_.is_test(to.source)) {
+        ++count.tests;
+      } else if (code_.is_product(to.source)) {
+        ++count.product;
+      }
+    }
+    const auto share = kLeastShareAlone * static_cast<double>(tests_.test_count());
+    const auto least = std::max(kLeastUsersAlone, static_cast<std::size_t>(share));
+    for (const auto& [at, count] : counts) {
+      if (count.tests < least || !code_.is_product(at.first)) continue;
+      if (count.product * kTestsForOneOfProduct > count.tests) continue;
+      alone_[at.first] = std::max(alone_[at.first], count.tests);
+    }
+  }
+
   static std::size_t count_of(const auto& folders, const auto& key) {
     const auto found = folders.find(key);
     return found == folders.end() ? 0 : found->second.size();
@@ -79,8 +165,10 @@ class Finder {
     using enum Role;
     const bool aside = roles.has(kVendored) || roles.has(kSample) || roles.has(kMigration) ||
                        roles.has(kDocumentation) || roles.has(kArchived);
-    return !aside && count_of(namers_, file) <= kFewFolders;
+    return !aside;
   }
+
+  bool is_little_named(FileId file) const { return count_of(namers_, file) <= kFewFolders; }
 
   bool serves(FileId file) const {
     if (!code_.is_product(file) || tests_.names_framework(file)) return true;
@@ -105,6 +193,7 @@ class Finder {
   std::map<FileId, Folders> namers_;
   std::map<std::string_view, Folders> namers_of_folder_;
   std::map<std::string_view, double> share_of_tests_;
+  std::vector<std::size_t> alone_;  // by file
 };
 
 }  // namespace

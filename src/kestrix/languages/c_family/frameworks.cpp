@@ -7,6 +7,7 @@ std::span<const FrameworkName> c_family_frameworks();
 namespace {
 
 constexpr FrameworkName kNames[] = {
+    {"C", Known::kMain, "main"},
     {"c", Known::kEndsProgram, "abort"},
     {"c", Known::kEndsProgram, "exit"},
     {"c", Known::kEndsProgram, "_exit"},

@@ -14,8 +14,8 @@ constexpr std::array kScript{
     Evidence{kEntity,
              R"(^[ \t]*@(?:Entity|ViewEntity|ChildEntity|Schema|Table|modelOptions)\s*\()"},
     Evidence{kSchema, R"(^[ \t]*@(?:ObjectType|InputType)\s*\()"},
-    Evidence{kEntity, R"(\bnew\s+EntitySchema\b|=\s*(?:pg|mysql|sqlite)Table\s*\(|)"
-                      R"(=\s*sequelize\.define\s*\()"},
+    Evidence{kEntity, R"(\bnew\s+EntitySchema\b|=\s*sequelize\.define\s*\()"},
+    Evidence{kTable, R"(=\s*(?:pg|mysql|sqlite)Table\s*\()"},
     Evidence{kMongoose, R"(\bnew\s+(?:mongoose\.)?Schema\s*(?:<[^()]*>\s*)?\()"},
     Evidence{kSchema, R"(=\s*(?:z\s*\.\s*(?:strictObject|looseObject|object)|)"
                       R"((?:yup|Yup|Joi)\s*\.\s*object)\s*\()"},

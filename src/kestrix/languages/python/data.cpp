@@ -18,7 +18,7 @@ constexpr std::array kPython{
     Evidence{kMapping,
              R"(^[ \t]+\w+(?:\s*:[^=\n]+)?\s+=\s+(?:(?:\w+\.)*(?:mapped_column|Column)\(|)"
              R"(models\.(?:\w+Field|ForeignKey)\())"},
-    Evidence{kEntity, R"(^[ \t]*\w+\s*=\s*(?:sa\.|sqlalchemy\.|db\.)?Table\(\s*["'])"},
+    Evidence{kTable, R"(^[ \t]*\w+\s*=\s*(?:sa\.|sqlalchemy\.|db\.)?Table\(\s*["'])"},
     Evidence{kRecord, R"(^[ \t]*\w+\s*=\s*(?:collections\.)?namedtuple\()"},
 };
 

@@ -18,6 +18,7 @@ constexpr std::size_t kMostArguments = 200;
 enum class Does : std::uint8_t {
   kNothing,
   kBody,       // its block is one more piece of the class
+  kFactory,    // makes what the factory of that name does, which lies in a file called so
   kField,      // its first argument is a field
   kFields,     // each argument is
   kFunction,   // its first argument is a method
@@ -51,8 +52,13 @@ constexpr std::array kMacros = std::to_array<Macro>({
     {"attr_writer", Does::kFields},
     {"attribute", Does::kField},
     {"attributes", Does::kFields},
+    {"attributes_for", Does::kFactory},
     {"autoload", Does::kImport},
     {"belongs_to", Does::kOne},
+    {"build", Does::kFactory},
+    {"build_list", Does::kFactory},
+    {"build_pair", Does::kFactory},
+    {"build_stubbed", Does::kFactory},
     {"cattr_accessor", Does::kFields},
     {"cattr_reader", Does::kFields},
     {"class_attribute", Does::kFields},
@@ -60,6 +66,9 @@ constexpr std::array kMacros = std::to_array<Macro>({
     {"class_methods", Does::kBody},
     {"concerning", Does::kBody},
     {"const", Does::kField},
+    {"create", Does::kFactory},
+    {"create_list", Does::kFactory},
+    {"create_pair", Does::kFactory},
     {"define_method", Does::kFunction},
     {"delegate", Does::kFunctions},
     {"devise_for", Does::kMany},
@@ -203,6 +212,15 @@ void route(const SourceTree& tree, const Arguments& arguments, bool many, MacroN
   }
 }
 
+// By FactoryBot's convention one of a model's factories lies in a file that is called like it.
+void make_by_factory(const SourceTree& tree, const Arguments& arguments, MacroNotes& notes) {
+  if (arguments.names.empty() || type_of(arguments.names.front()) != "simple_symbol") return;
+  const auto name = word(tree, arguments.names.front());
+  if (name.empty() || name.size() > kLongestMention / 2) return;
+  for (const std::string& file : {std::string(name), plural(name)})
+    notes.mentions.emplace_back("factories/" + file, Role::kString);
+}
+
 void enter_folder(std::string_view folder, MacroNotes& notes) {
   if (folder.empty() || folder.size() + notes.around.size() > kLongestMention / 2) return;
   notes.inside = std::string(notes.around).append(folder) + "/";
@@ -247,6 +265,8 @@ void note_macro(const SourceTree& tree, TSNode call, std::string_view callee, Ma
       return add_members(arguments, DeclarationKind::kMethod, 0, 1, notes);
     case Does::kFunctions:
       return add_members(arguments, DeclarationKind::kMethod, 0, kAll, notes);
+    case Does::kFactory:
+      return make_by_factory(tree, arguments, notes);
     case Does::kHide:
       return hide(tree, arguments, notes);
     case Does::kImport:

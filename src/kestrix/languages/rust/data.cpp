@@ -11,7 +11,7 @@ using enum EvidenceKind;
 constexpr auto kRustExtensions = std::to_array<std::string_view>({"rs"});
 constexpr std::array kRust{
     Evidence{kDerive, R"(\bderive\s*\()"},
-    Evidence{kEntity, R"(^[ \t]*(?:diesel::)?table!\s*[{(])"},
+    Evidence{kTable, R"(^[ \t]*(?:diesel::)?table!\s*[{(])"},
 };
 
 }  // namespace

@@ -7,6 +7,7 @@ std::span<const FrameworkName> rust_frameworks();
 namespace {
 
 constexpr FrameworkName kNames[] = {
+    {"Rust", Known::kMain, "main"},
     {"rust", Known::kEndsProgram, "process.exit"},
     {"rust", Known::kEndsProgram, "process.abort"},
     {"axum", Known::kResponse, "IntoResponse"},
