@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 
 #include "tests/host_rules/answered_repository.h"
@@ -60,6 +61,51 @@ TEST(ExampleFiles, AddWhatServesTestsWhereverItLies) {
   EXPECT_THAT(further, Contains("fake/clock.go"));
   EXPECT_THAT(further, Contains("stub/stub.go"));
   EXPECT_THAT(further, Not(Contains("config/config.go")));
+}
+
+// The product knows the streams, but only tests know how to make them up; a library's tests name
+// what it is there for, and that is no support.
+TEST(ExampleFiles, AddWhatAProgramDeclaresForItsTestsAlone) {
+  for (const bool program : {true, false}) {
+    Files files{
+        {"go.mod", "module shop\n\ngo 1.22\n"},
+        {"streams/streams.go",
+         "package streams\n\ntype Streams struct{}\n\nfunc Test() Streams { return Streams{} }\n"},
+        {"main.go", std::string("package main\n\nimport \"shop/a\"\n\nfunc ") +
+                        (program ? "main" : "other") + "() { a.Run() }\n"}};
+    for (const std::string name : {"a", "b", "c", "d", "e", "f"}) {
+      const std::string head = "package " + name + "\n\nimport \"shop/streams\"\n\n";
+      const std::string next(1, static_cast<char>(name.front() + 1));
+      files.emplace_back(
+          name + "/" + name + ".go",
+          name == "f" ? head + "func Run(s streams.Streams) {}\n"
+                      : "package " + name + "\n\nimport (\n\t\"shop/streams\"\n\t\"shop/" + next +
+                            "\"\n)\n\nfunc Run(s streams.Streams) { " + next + ".Run(s) }\n");
+      files.emplace_back(name + "/" + name + "_test.go",
+                         head + "func TestRun() { Run(streams.Test()) }\n");
+    }
+    const AnsweredRepository repository(files);
+    const auto further = paths_of(examples_answer(repository.generator()).further);
+    EXPECT_EQ(std::ranges::count(further, "streams/streams.go"), program ? 1 : 0);
+  }
+}
+
+TEST(ExampleFiles, KnowFactoriesByTheirFilesAndWhatIsMixedIntoAllTests) {
+  Files files{
+      {"app/models/user.rb", "class User < ApplicationRecord\nend\n"},
+      {"spec/factories/users.rb", "FactoryBot.define do\n  factory(:user) { name { 'A' } }\nend\n"},
+      {"spec/support/sign_in.rb", "module SignIn\n  def sign_in(user) = nil\nend\n"},
+      {"spec/rails_helper.rb",
+       "RSpec.configure do |config|\n  config.include SignIn, type: :request\nend\n"}};
+  for (const std::string name : {"a", "b", "c", "d", "e"}) {
+    files.emplace_back("spec/requests/" + name + "_spec.rb",
+                       "require 'rails_helper'\n\nRSpec.describe 'it' do\n"
+                       "  it('works') { create(:user) }\nend\n");
+  }
+  const AnsweredRepository repository(files);
+  const auto answer = examples_answer(repository.generator()).files;
+  EXPECT_EQ(reason_of(answer, "spec/factories/users.rb", "used_by_tests"), "used by 5 tests");
+  EXPECT_EQ(reason_of(answer, "spec/support/sign_in.rb", "used_by_tests"), "used by 5 tests");
 }
 
 TEST(ExampleFiles, LeaveOutOthersTestsAndWhatOnlyHandsOn) {

@@ -101,6 +101,7 @@ void TestEvidence::read_edges() {
   }
   for (const auto& edge : index_.edges()) {
     if (!tests_[edge.source]) continue;
+    asked_for_.emplace_back(edge.target, edge.source);
     const bool declares = !index_.declarations(edge.target).empty();
     if (declares || !declaring.contains(index_.files()[edge.target].language)) {
       users_[edge.target].push_back(edge.source);
@@ -124,12 +125,13 @@ void TestEvidence::hand_down() {
 // What nearly all tests ask for hands on what it registers: modules that are mixed into each test.
 void TestEvidence::hand_on() {
   make_distinct(handed_on_);
-  for (auto& users : users_) make_distinct(users);
+  make_distinct(asked_for_);
   for (const auto& [shared, file] : handed_on_) {
+    const auto askers = std::ranges::equal_range(asked_for_, shared, {}, &Pair::first);
     const bool by_most =
-        static_cast<double>(users_[shared].size()) >= kMostTests * static_cast<double>(test_count_);
+        static_cast<double>(askers.size()) >= kMostTests * static_cast<double>(test_count_);
     if (!by_most || shared == file || code_.is_product(file)) continue;
-    users_[file].insert(users_[file].end(), users_[shared].begin(), users_[shared].end());
+    for (const auto& [target, test] : askers) users_[file].push_back(test);
   }
 }
 

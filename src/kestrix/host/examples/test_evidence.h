@@ -66,6 +66,7 @@ class TestEvidence {
   std::vector<index::FileId> helpers_;
   std::vector<Pair> held_;       // test, and a file of whose types it has a field
   std::vector<Pair> extends_;    // test, and the file of its base class
+  std::vector<Pair> asked_for_;  // file, and a test that has an edge to it
   std::vector<Pair> handed_on_;  // test, and a file of which it hands something over
 };
 
