@@ -7,6 +7,7 @@
 #include <thread>
 
 #include "kestrix/host/wiki_generator.h"
+#include "tests/host_rules/answered_repository.h"
 #include "tests/index/index_fixture.h"
 
 namespace kestrix {
@@ -149,6 +150,23 @@ TEST_F(DesignDocuments, AreInForceOnOneThreadForOneScope) {
     std::thread([] { EXPECT_EQ(DocumentEvidenceScope::current(), nullptr); }).join();
   }
   EXPECT_EQ(DocumentEvidenceScope::current(), nullptr);
+}
+
+// The root page of a part tells of the code beside it; a manual's page that names the same does
+// not.
+TEST(HintingDocuments, AreFilledUpWithProseBesideTheCodeThatItNames) {
+  std::string prose =
+      "# Parts\n\nThe `Engine` asks the `Ledger` for what it owes.\n\n## Why two\n\n";
+  for (int line = 0; line < 40; ++line) prose += "One of them keeps what the other forgets.\n";
+  const AnsweredRepository repository({{"parts/engine.py", "class Engine:\n    pass\n"},
+                                       {"parts/ledger.py", "class Ledger:\n    pass\n"},
+                                       {"parts/README.md", prose},
+                                       {"guide/upgrading.md", prose + "Again.\n"}});
+  const PageAnswer answer = decisions_answer(repository.generator());
+  EXPECT_THAT(answer.files, testing::IsEmpty());
+  EXPECT_THAT(paths_of(answer.further), testing::ElementsAre("parts/README.md"));
+  EXPECT_EQ(reason_of(answer.further, "parts/README.md", "design_document"),
+            "prose about the code beside it, names 2 types");
 }
 
 }  // namespace

@@ -105,7 +105,7 @@ TEST(ExampleFiles, KnowFactoriesByTheirFilesAndWhatIsMixedIntoAllTests) {
   const AnsweredRepository repository(files);
   const auto answer = examples_answer(repository.generator()).files;
   EXPECT_EQ(reason_of(answer, "spec/factories/users.rb", "used_by_tests"), "used by 5 tests");
-  EXPECT_EQ(reason_of(answer, "spec/support/sign_in.rb", "used_by_tests"), "used by 5 tests");
+  EXPECT_EQ(reason_of(answer, "spec/support/sign_in.rb", "used_by_tests"), "used by 6 tests");
 }
 
 TEST(ExampleFiles, LeaveOutOthersTestsAndWhatOnlyHandsOn) {

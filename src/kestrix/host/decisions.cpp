@@ -3,19 +3,34 @@
 #include <algorithm>
 
 #include "kestrix/host/design_documents.h"
+#include "kestrix/host/evidence/code_evidence.h"
 #include "kestrix/host/index_evidence.h"
 #include "kestrix/host/pages.h"
 
 namespace kestrix {
 namespace {
 
-// All that the rule would take, the current ones first, as the detector orders them.
-std::vector<Pick> all_design_documents(const WikiGenerator& generator) {
+// A page with fewer documents is filled up with so much prose that hints at designs.
+constexpr std::size_t kFewDocuments = 4;
+constexpr std::size_t kMostHints = 2;
+
+std::vector<std::string> all_documents(const WikiGenerator& generator) {
   std::vector<std::string> documents;
   for (const DocumentRecord& record : generator._indexed_documents()) {
     documents.push_back(_norm(required_path(record)));
   }
-  auto picks = rank_design_documents(documents, &generator.document_evidence());
+  return documents;
+}
+
+bool is_others(const WikiGenerator& generator, std::string_view path) {
+  const auto& index = generator.code_evidence().index();
+  const auto file = index.find(path);
+  return file && index.files()[*file].roles.has(Role::kVendored);
+}
+
+// All that the rule would take, the current ones first, as the detector orders them.
+std::vector<Pick> all_design_documents(const WikiGenerator& generator) {
+  auto picks = rank_design_documents(all_documents(generator), &generator.document_evidence());
   std::ranges::stable_partition(picks,
                                 [](const Pick& pick) { return !is_archived_path(pick.path); });
   return picks;
@@ -39,6 +54,12 @@ PageAnswer decisions_answer(const WikiGenerator& generator) {
     std::vector<Reason> reasons;
     if (found != all.end()) reasons = reasons_of(*found);
     answer.files.push_back({std::move(path), std::move(reasons)});
+  }
+  if (answer.files.size() < kFewDocuments) {
+    answer.further = hinting_documents(all_documents(generator), generator.document_evidence());
+    std::erase_if(answer.further,
+                  [&](const Pick& pick) { return is_others(generator, pick.path); });
+    if (answer.further.size() > kMostHints) answer.further.resize(kMostHints);
   }
   finish(answer, "no decision records, no design documents");
   return answer;

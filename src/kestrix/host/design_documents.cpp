@@ -38,7 +38,14 @@ constexpr std::size_t kFewestNames = 4;
 constexpr std::size_t kNamesOfARootPage = 8;
 constexpr std::uint32_t kStub = 5;
 
-enum class Rank { kEntry, kEntryFolder, kOwnName, kOverviewFolder, kEvidence };
+// Of one that may tell why beside what it is for, and stands only for want of better ones.
+constexpr std::uint32_t kProseOfCodeOfHint = 2;
+constexpr std::uint32_t kMostCommandsOfHint = 8;
+constexpr std::uint32_t kMostAddressedOfHint = 25;
+constexpr std::size_t kNamesOfHint = 2;
+constexpr std::size_t kWeightOfNamed = 3;
+
+enum class Rank { kEntry, kEntryFolder, kOwnName, kOverviewFolder, kEvidence, kHint };
 
 struct DesignDocument {
   Rank rank;
@@ -151,6 +158,15 @@ bool is_explanation(const index::DocumentFacts& facts) {
          links_few_sites(facts);
 }
 
+bool may_explain(const index::DocumentFacts& facts) {
+  return facts.words >= kFewestWords && facts.code_lines * kProseOfCodeOfHint <= facts.lines &&
+         facts.commands <= kMostCommandsOfHint && facts.numbered_headings <= kMostSteps &&
+         facts.headings.size() >= kFewestHeadings &&
+         std::uint64_t{facts.addressed} * 1000 <=
+             std::uint64_t{kMostAddressedOfHint} * facts.words &&
+         links_few_sites(facts);
+}
+
 bool is_at_top(std::string_view path) { return path.find('/') == path.npos; }
 
 // The root page, or the index of what is written for developers.
@@ -202,6 +218,23 @@ class Judge {
     if (!is_known_document(path, view) || is_copy(path)) return std::nullopt;
     auto found = by_name(path, view);
     return found || view == nullptr ? found : by_evidence(path, *view);
+  }
+
+  // What `judge` does not take, and a reader may still look into.
+  std::optional<DesignDocument> hint(std::string_view path) const {
+    const auto* view = view_of(path);
+    if (view == nullptr || path.empty() || is_foreign(path) || is_copy(path)) return std::nullopt;
+    if (is_aside(path) || judge(path)) return std::nullopt;
+    const auto name = name_without_ending(path);
+    const bool of_part = !is_at_top(path) && ascii::equals(name, "readme");
+    if ((is_common_page(name) && !of_part) || is_template(name, entry_name(name))) {
+      return std::nullopt;
+    }
+    const bool known = !view->named_in.empty() || (of_part && view->names() >= kNamesOfHint);
+    if (!known || !may_explain(view->facts)) return std::nullopt;
+    const auto weight = view->names() + kWeightOfNamed * view->named_in.size();
+    return DesignDocument{Rank::kHint, weight, path,
+                          of_part ? "prose about the code beside it" : "prose"};
   }
 
   Pick pick(const DesignDocument& document) const {
@@ -256,9 +289,9 @@ class Judge {
 
   DesignDocument entry_of(std::string_view path, const EntryName& entry) const {
     const auto numbered = series_.of(index::folder_of(path)).numbered;
-    auto sign = numbered > 1
-                    ? fmt::format("{}, one of {}", entry.digits, counted(numbered, "entry", "entries"))
-                    : fmt::format("entry {}", entry.digits);
+    auto sign = numbered > 1 ? fmt::format("{}, one of {}", entry.digits,
+                                           counted(numbered, "entry", "entries"))
+                             : fmt::format("entry {}", entry.digits);
     return {Rank::kEntry, entry.number, path, std::move(sign)};
   }
 
@@ -270,10 +303,17 @@ class Judge {
       return DesignDocument{Rank::kEvidence, view.names(), path,
                             "the root page describes the code"};
     }
-    if (is_common_page(name) || is_aside(path) || !is_explanation(view.facts)) return std::nullopt;
+    if (is_aside(path) || !is_explanation(view.facts)) return std::nullopt;
     const auto found = [&](std::string_view sign) {
       return DesignDocument{Rank::kEvidence, view.names(), path, std::string(sign)};
     };
+    if (is_common_page(name)) {
+      // Of a part of the product its own root page may tell more than any other text.
+      const bool of_part = !is_at_top(path) && ascii::equals(name, "readme");
+      const bool tells =
+          of_part && view.names() >= kFewestNames && view.facts.words >= kWordsOfAnEssay;
+      return tells ? std::optional(found("prose about the code beside it")) : std::nullopt;
+    }
     if (is_at_top(path) && view.facts.code_lines == 0 && view.facts.words >= kWordsOfAnEssay) {
       return found("an essay at the top of the repository");
     }
@@ -317,6 +357,19 @@ class Judge {
 
 }  // namespace
 
+namespace {
+
+std::vector<Pick> ranked(const Judge& judge, std::vector<DesignDocument> found) {
+  std::ranges::sort(found, {}, &DesignDocument::key);
+  found.erase(std::unique(found.begin(), found.end()), found.end());
+  std::vector<Pick> picks;
+  picks.reserve(found.size());
+  for (const auto& document : found) picks.push_back(judge.pick(document));
+  return picks;
+}
+
+}  // namespace
+
 std::vector<Pick> rank_design_documents(const std::vector<std::string>& documents,
                                         const DocumentEvidence* evidence) {
   const Judge judge(documents, evidence);
@@ -324,12 +377,17 @@ std::vector<Pick> rank_design_documents(const std::vector<std::string>& document
   for (const auto& path : documents) {
     if (auto document = judge.judge(path)) found.push_back(std::move(*document));
   }
-  std::ranges::sort(found, {}, &DesignDocument::key);
-  found.erase(std::unique(found.begin(), found.end()), found.end());
-  std::vector<Pick> picks;
-  picks.reserve(found.size());
-  for (const auto& document : found) picks.push_back(judge.pick(document));
-  return picks;
+  return ranked(judge, std::move(found));
+}
+
+std::vector<Pick> hinting_documents(const std::vector<std::string>& documents,
+                                    const DocumentEvidence& evidence) {
+  const Judge judge(documents, &evidence);
+  std::vector<DesignDocument> found;
+  for (const auto& path : documents) {
+    if (auto document = judge.hint(path)) found.push_back(std::move(*document));
+  }
+  return ranked(judge, std::move(found));
 }
 
 }  // namespace kestrix
