@@ -10,7 +10,7 @@ constexpr FrameworkName kNames[] = {
     {"go", Known::kErrorTest, "errors.As"},
     {"go", Known::kErrorTest, "errors.AsType"},
     {"go", Known::kErrorTest, "errors.Is"},
-    {"Go", Known::kMain, "main"},
+    {"go", Known::kMain, "main"},
     {"go", Known::kErrorMethod, "Error"},
     {"go", Known::kEndsProgram, "os.Exit"},
     {"go", Known::kEndsProgram, "log.Fatal"},
