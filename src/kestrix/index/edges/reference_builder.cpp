@@ -127,7 +127,8 @@ ReferenceBuilder::Built ReferenceBuilder::build(FileId file) const {
         thing = {Kind::kOutside, {}, without_mark(mention.name)};
       }
     }
-    if (thing.kind == Kind::kNothing) continue;
+    const bool own_file = thing.kind == Kind::kFile && thing.at.file == file;
+    if (thing.kind == Kind::kNothing || own_file) continue;
     if (thing.kind == Kind::kOutside) {
       if (!counts_outside(mention.role) && !is_list_of_models(language, mention)) continue;
       to.name = std::move(thing.rest);

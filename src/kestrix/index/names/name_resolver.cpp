@@ -106,6 +106,7 @@ NamedThing NameResolver::resolve(std::string_view name, std::uint32_t within, bo
     return other ? NamedThing{} : found;
   }
   if (const Found outside = find_outside(name)) return *outside;
+  if (const Found inherited = find_in_nameless(name, within)) return *inherited;
   return {};
 }
 
@@ -159,6 +160,23 @@ NameResolver::Found NameResolver::find_among_members(std::string_view name, std:
     if (member && fits(table_[*member].kind, as_type)) return thing(*member);
   }
   return find_in_extended(name, within, as_type);
+}
+
+// What a type without a name inherits: its bases are those of the function or variable around it.
+NameResolver::Found NameResolver::find_in_nameless(std::string_view name,
+                                                   std::uint32_t within) const {
+  if (!members_in_scope_) return std::nullopt;
+  const auto mine = table_.of(file_);
+  const std::string_view root = first_part(name);
+  for (std::uint32_t holder = within; holder > 0 && holder <= mine.size();
+       holder = mine[holder - 1].container) {
+    if (is_type(mine[holder - 1].kind)) continue;
+    for (const DeclarationRef base : ancestors_of({file_, holder - 1})) {
+      const auto member = find_own_member(base, root);
+      if (member) return descend(thing(*member), behind(name, root.size()));
+    }
+  }
+  return std::nullopt;
 }
 
 // A member of the type whose members a file declares by their full names ("Type.member").

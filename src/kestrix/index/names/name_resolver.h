@@ -61,6 +61,7 @@ class NameResolver {
   Found resolve_root(std::string_view& rest, std::uint32_t within, bool as_type);
   Found find_known(std::string_view& rest, std::uint32_t within, bool as_type = false) const;
   Found find_among_members(std::string_view name, std::uint32_t within, bool as_type) const;
+  Found find_in_nameless(std::string_view name, std::uint32_t within) const;
   Found find_in_extended(std::string_view name, std::uint32_t within, bool as_type) const;
   Found find_elsewhere(std::string_view name, DeclarationRef here) const;
   std::optional<DeclarationRef> find_in_parts(DeclarationRef type, std::string_view name) const;

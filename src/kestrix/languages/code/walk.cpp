@@ -261,7 +261,9 @@ class CodeWalk {
     for (const Mention& mention : walk_.facts.mentions) {
       if (mention.role > Role::kImplements || mention.within == 0) continue;
       Declaration& type = walk_.facts.declarations[mention.within - 1];
-      if (is_type(type.kind) && type.bases.size() < kMostBases) type.bases.push_back(mention.name);
+      // Of what is no type: those of the types without a name in it.
+      const bool kept = is_type(type.kind) || walk_.source.members_in_scope;
+      if (kept && type.bases.size() < kMostBases) type.bases.push_back(mention.name);
     }
   }
 

@@ -168,7 +168,12 @@ class JvmResolver : public Resolver {
     for (const FileId target : targets) found.add(target, (in_code ? 0.0 : 1.0) + import.uses);
     const bool looks_local = packages_.contains(likely_package(module), file);
     if (targets.empty() && !in_code && looks_local) found.miss();
-    if (const auto target = the_one(targets, first_part(name))) bind(import, name, *target, found);
+    if (const auto target = the_one(targets, first_part(name))) {
+      bind(import, name, *target, found);
+    } else if (!targets.empty() && !import.local.empty()) {
+      // Nothing for certain, but nothing from outside either.
+      found.bind({.local = import.local, .target = file});
+    }
   }
 
   // Of several files that declare a name the one that is named after it.

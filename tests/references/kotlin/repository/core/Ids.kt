@@ -9,3 +9,5 @@ fun round(count: Int) = count
 fun Order.total(): Int = price
 
 fun <T> provide(make: Any): T = TODO()
+
+fun pick(id: String): Order? = null
