@@ -9,7 +9,7 @@
 namespace kestrix {
 namespace {
 
-constexpr double kLeastScore = 1.9;
+constexpr double kLeastScore = 1.65;
 constexpr double kLeastShare = 0.06;
 
 std::string defines(std::size_t count) {

@@ -16,7 +16,8 @@ namespace {
 
 constexpr double kLeastPoints = 1.2;
 constexpr std::size_t kMostGiven = 9;
-constexpr std::size_t kFew = 4;
+constexpr double kGoodPoints = 2.4;
+constexpr std::size_t kFew = 5;
 
 // Settings of tools lie in hidden folders, and caches in hidden files.
 bool is_hidden(std::string_view path) {
@@ -26,8 +27,9 @@ bool is_hidden(std::string_view path) {
                                : path.find("/.") < path.size() - name.size() - 1;
 }
 
-bool is_for_tests(std::string_view path) {
+bool is_for_developers(std::string_view path) {
   const std::string_view name = index::base_name(path);
+  if (name == ".envrc") return true;  // of the developers' shells
   return name.starts_with(".env") && name.find("test") != std::string_view::npos;
 }
 
@@ -50,7 +52,7 @@ SettingsHost::SettingsHost(const WikiGenerator& generator, const ScoreSheet& she
   };
   std::vector<Candidate> all;
   for (std::string& path : generator._planner_paths()) {
-    if (!is_config_path(path) || is_hidden(path) || is_for_tests(path)) continue;
+    if (!is_config_path(path) || is_hidden(path) || is_for_developers(path)) continue;
     const auto file = index.find(path);
     if (!file) continue;
     const bool environment = index::base_name(path).starts_with(".env");
@@ -64,11 +66,11 @@ SettingsHost::SettingsHost(const WikiGenerator& generator, const ScoreSheet& she
   std::ranges::sort(all, {}, [](const Candidate& each) {
     return std::tuple(!each.named, -each.score, std::string_view(each.path));
   });
-  // Where nothing shows that it is read, a file is only better than none.
-  const auto shown = [](const Candidate& each) { return each.named || each.score > 0; };
+  // What shows little of being read is only better than nothing.
+  const auto shown = [](const Candidate& each) { return each.named || each.score >= kGoodPoints; };
   const auto last = std::ranges::find_if_not(all, shown);
   const auto enough = static_cast<std::size_t>(last - all.begin());
-  const std::size_t most = enough >= kFew ? std::min(enough, kMostGiven) : kFew;
+  const std::size_t most = std::clamp(enough, kFew, kMostGiven);
   if (all.size() > most) all.resize(most);
   for (Candidate& each : all) records_.push_back({std::move(each.path)});
   std::ranges::sort(records_, {}, &SourceFileRecord::path);

@@ -6,6 +6,7 @@
 #include "kestrix/host/configuration/settings_signals.h"
 #include "kestrix/host/evidence/name_words.h"
 #include "kestrix/host/index_evidence.h"
+#include "kestrix/text/ascii.h"
 
 namespace kestrix {
 namespace {
@@ -22,6 +23,10 @@ constexpr Signal kOptions{"options_named", 0.5, "{} file uses its options",
                           "{} files use its options", "Polly, jellyfin"};
 constexpr Signal kFields{"settings_fields", 0.6, "{} member of settings", "{} members of settings",
                          "lazygit, leveldb"};
+constexpr Signal kOptionFields{"option_fields", 0.4, "{} member of options",
+                               "{} members of options", "Polly, jellyfin"};
+constexpr Signal kItself{"settings_itself", 1.6, "a type of it is called settings and no more", "",
+                         "flask, leveldb"};
 constexpr Signal kTable{"settings_table", 0.9, "a table of {} setting", "a table of {} settings",
                         "netbox, redis"};
 constexpr Signal kBase{"settings_base", 1.4, "{} settings type extends one of it",
@@ -83,6 +88,15 @@ class Names {
     return ends_with_word(row.name, kOptionWords, kTails);
   }
 
+  // "Config", "Options": without a word of what for.
+  static bool is_itself(const DeclarationView& row) {
+    const auto same = [&row](std::string_view word) {
+      return std::ranges::equal(row.name, word, {}, ascii::lower);
+    };
+    return is_type(row.kind) &&
+           (std::ranges::any_of(kTypeWords, same) || std::ranges::any_of(kOptionWords, same));
+  }
+
   static bool is_table(const DeclarationView& row) {
     const bool value = row.kind == DeclarationKind::kConstant ||
                        row.kind == DeclarationKind::kVariable ||
@@ -106,6 +120,7 @@ class Names {
     std::uint32_t entries = 0;
     std::uint32_t fields = 0;
     bool options = true;
+    bool itself = false;
     for (std::uint32_t place = 0; place < declared.size(); ++place) {
       const DeclarationView& row = declared[place];
       const DeclarationRef at{file, place};
@@ -114,12 +129,17 @@ class Names {
         tables.push_back(evidence_.place_of(at));
         entries += row.size;
       }
+      if (row.container > 0 && is_settings_type(declared[row.container - 1])) {
+        const auto naming = evidence_.files_naming(at, kEveryRole);
+        users.insert(naming.begin(), naming.end());
+      }
       if (!is_offer(row)) continue;
       const auto naming = evidence_.files_naming(at, kEveryRole);
       if (naming.empty()) continue;
       users.insert(naming.begin(), naming.end());
       used.emplace_back(naming.size(), evidence_.place_of(at));
       options = options && is_options(row) && row.name.size() > kOptionWords[0].size();
+      itself = itself || is_itself(row);
       if (is_type(row.kind)) fields += row.fields + row.abstract_methods;
     }
     const std::string named = names_and_lines(tables);
@@ -130,7 +150,8 @@ class Names {
     for (auto& [count, place] : used) places.push_back(std::move(place));
     const std::string names = names_and_lines(places);
     sheet_.add(file, options ? kOptions : kNamed, users.size(), std::move(places), names);
-    if (fields >= kFewFields) sheet_.add(file, kFields, fields);
+    if (itself) sheet_.add(file, kItself, 1);
+    if (fields >= kFewFields) sheet_.add(file, options ? kOptionFields : kFields, fields);
   }
 
   void add_types(FileId file, const Signal& signal, const std::set<DeclarationRef>& types) {

@@ -36,7 +36,7 @@ constexpr Signal kAccess{"settings_access", 0.6, "{} file asks it for settings",
                          "{} files ask it for settings", "netbox, BookStack"};
 constexpr Signal kKeys{"keys_read", 1.7, "holds {} key that the code reads",
                        "holds {} keys that the code reads", "crates.io, BookStack"};
-constexpr Signal kPlace{"settings_path", 3.2, "is where a framework looks for settings", "",
+constexpr Signal kPlace{"settings_path", 4.5, "is where a framework looks for settings", "",
                         "eShopOnWeb, umami"};
 constexpr Signal kTemplate{"environment_template", 0.9, "a template of {} variable",
                            "a template of {} variables", "BookStack, crates.io"};

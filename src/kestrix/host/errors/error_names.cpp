@@ -19,7 +19,7 @@ using index::Role;
 
 constexpr Signal kSpeaks{"speaks_of_errors", 1.0, "{} file uses what it offers for errors",
                          "{} files use what it offers for errors", "flask, umami"};
-constexpr Signal kDevoted{"devoted_to_errors", 1.2, "{} of what it declares is about errors",
+constexpr Signal kDevoted{"devoted_to_errors", 1.5, "{} of what it declares is about errors",
                           "{} of what it declares are about errors", "lazygit, netbox"};
 constexpr Signal kHub{"handles_for_many", 0.4, "handles errors for {} file",
                       "handles errors for {} files", "umami, polar"};
@@ -74,7 +74,8 @@ class Names {
   // A type called like an error that extends something else.
   static bool is_no_error(const index::DeclarationView& row) {
     const bool called = row.name.ends_with("Error") || row.name.ends_with("Exception");
-    return called && is_type(row.kind) && !row.bases().empty();
+    const bool made = row.kind == DeclarationKind::kClass || row.kind == DeclarationKind::kRecord;
+    return called && made && !row.bases().empty();
   }
 
   void add_named(FileId file) {

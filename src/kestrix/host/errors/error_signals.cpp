@@ -23,13 +23,15 @@ constexpr Signal kBase{"error_base", 2.0, "{} error type extends one of it",
                        "{} error types extend one of it", "BookStack, mockito"};
 constexpr Signal kThrown{"errors_thrown", 1.2, "its errors are thrown in {} file",
                          "its errors are thrown in {} files", "BookStack, netbox"};
-constexpr Signal kTold{"tells_errors_apart", 1.5, "tells {} error type apart",
+constexpr Signal kTold{"tells_errors_apart", 1.7, "tells {} error type apart",
                        "tells {} error types apart", "eShopOnWeb, flask"};
 constexpr Signal kOthers{"tells_others_apart", 1.0,
                          "one function tells {} error from elsewhere apart",
                          "one function tells {} errors from elsewhere apart", "netbox, flask"};
 constexpr Signal kMakes{"makes_errors", 1.2, "makes {} kind of error", "makes {} kinds of errors",
                         "mockito, crates.io"};
+constexpr Signal kThrows{"throws_often", 0.5, "throws {} time", "throws {} times",
+                         "polar, jellyfin"};
 constexpr Signal kHandler{"error_handler", 7.0, "is a framework's handler of errors",
                           "is {} of a framework's handlers of errors", "BookStack, umami"};
 constexpr Signal kNamed{"errors_named", 0.8, "its errors are named in {} file",
@@ -55,16 +57,22 @@ constexpr std::array<std::string_view, 9> kHandling{"Handler",  "Handlers", "Fil
                                                     "Mapper",   "Listener", "Middleware",
                                                     "Boundary", "Advice",   "Controller"};
 constexpr std::size_t kHelpers = 4;  // one in so many who use it does so for errors
+constexpr std::uint64_t kOften = 5;
 constexpr std::size_t kSeveral = 2;  // so many types are told apart, or made, by design
 
 // What is seen of one file.
 struct ErrorUse {
   std::set<DeclarationRef> told;
   std::set<DeclarationRef> made;
+  std::uint64_t throws = 0;
   std::vector<Place> told_at;
   std::vector<Place> made_at;
   std::map<std::uint32_t, std::vector<Place>> others;  // others' errors, by who tells them apart
 };
+
+bool is_callable(index::DeclarationKind kind) {
+  return kind == index::DeclarationKind::kFunction || kind == index::DeclarationKind::kMethod;
+}
 
 class ErrorSignals {
  public:
@@ -127,6 +135,7 @@ class ErrorSignals {
       const std::string made = names_and_lines(use.made_at);
       if (!use.told.empty()) sheet.add(file, kTold, use.told.size(), use.told_at, told);
       if (use.made.size() > kSeveral) sheet.add(file, kMakes, use.made.size(), use.made_at, made);
+      if (use.throws >= kOften) sheet.add(file, kThrows, use.throws, use.made_at, made);
       add_others(file, use, sheet);
     }
   }
@@ -154,13 +163,14 @@ class ErrorSignals {
     if (to.source == to.target && (member || to.role != Role::kCatches)) return;
     const bool tests = to.within > 0 && testers.contains({to.source, to.within - 1});
     const bool mentions = to.role == Role::kType || to.role == Role::kUses;
-    const bool told = to.role == Role::kCatches || (tests && mentions && !member) ||
-                      (to.role == Role::kLists && member);
+    const bool told =
+        to.role == Role::kCatches || to.role == Role::kLists || (tests && mentions && !member);
     const bool made =
         member ? to.role == Role::kCalls : to.role == Role::kThrows || to.role == Role::kConstructs;
     if (!told && !made) return;
     ErrorUse& use = uses[to.source];
     (told ? use.told : use.made).insert(named);
+    if (to.role == Role::kThrows) use.throws += to.count;
     (told ? use.told_at : use.made_at).push_back(evidence_.place_of(to));
   }
 
@@ -192,7 +202,9 @@ class ErrorSignals {
         if (to.within != holder.place + 1 || to.target == IndexedReference::kOutside) continue;
         if (to.declaration == 0) continue;
         const DeclarationRef named{to.target, to.declaration - 1};
-        if (types_.contains(named) || names_error(evidence_[named].name)) {
+        const bool speaks =
+            is_callable(evidence_[named].kind) && names_error(evidence_[named].name);
+        if (types_.contains(named) || speaks) {
           resorts[holder.file].insert(holder);
         }
       }
