@@ -5,8 +5,11 @@
 
 #include "kestrix/host/entry_points.h"
 #include "kestrix/host/flows/families.h"
+#include "kestrix/host/flows/flow_edges.h"
 #include "kestrix/host/index_evidence.h"
 #include "kestrix/host/pages.h"
+#include "kestrix/workers/wiki/page_sources/constants.h"
+#include "kestrix/workers/wiki/page_sources/path_text.h"
 
 namespace kestrix {
 namespace {
@@ -34,27 +37,47 @@ Reason reach_of(const WikiGenerator& generator, std::string_view path,
 constexpr double kLeastScore = 1.5;
 constexpr double kLeastShare = 0.12;
 
-void add_further(const WikiGenerator& generator, const FlowEvidence& evidence, FlowClass& flow) {
-  std::vector<index::FileId> roots;
-  for (const std::string& path : flow.roots) {
-    if (const auto file = generator.indexed().find(path)) roots.push_back(*file);
+// From the strongest on the sheet to the roots: so the rule sees what leads to them by base types,
+// strings, registration or the framework's start, too.
+FlowEdgesScope::Edges edges_of(const WikiGenerator& generator, const ScoreSheet& sheet,
+                               std::span<const index::FileId> roots) {
+  FlowEdgesScope::Edges edges;
+  const auto files = generator.indexed().files();
+  std::size_t taken = 0;
+  for (const auto& [points, file] : sheet.ranked()) {
+    if (taken == DISPATCH_FILES || points < kLeastScore) break;
+    const std::string_view path = files[file].path;
+    if (!generator.is_planned(path)) continue;
+    const std::size_t before = edges.size();
+    for (const index::FileId root : roots) {
+      if (directory_of(files[root].path) == directory_of(path)) continue;
+      edges.push_back({path, files[root].path, 1});
+    }
+    taken += edges.size() > before ? 1U : 0U;
   }
-  const ScoreSheet sheet = dispatch_sheet(evidence, roots);
-  add_reasons(sheet, evidence.code, flow.files);
-  flow.further =
-      sheet.further(flow.files, room_for_further(flow.files.size()), kLeastScore, kLeastShare);
+  return edges;
 }
 
 FlowClass flow_of(const WikiGenerator& generator, const IndexEvidence& evidence,
                   const FlowEvidence& flows, EntryPointClass found) {
   FlowClass flow{std::move(found.name), std::move(found.sign), std::move(found.roots), {}, {}};
+  std::vector<index::FileId> roots;
+  for (const std::string& path : flow.roots) {
+    if (const auto file = generator.indexed().find(path)) roots.push_back(*file);
+  }
+  const ScoreSheet sheet = dispatch_sheet(flows, roots);
+  const FlowEdgesScope::Edges edges = edges_of(generator, sheet, roots);
+  const FlowEdgesScope scope(edges);
   for (std::string& path : generator._flow_dispatch(flow.roots)) {
     Pick pick{std::move(path), {}};
-    pick.reasons.push_back(reach_of(generator, pick.path, flow.roots));
+    Reason reach = reach_of(generator, pick.path, flow.roots);
+    if (reach.count > 0) pick.reasons.push_back(std::move(reach));
     add_counted(pick.reasons, evidence.used_by(pick.path));
     flow.files.push_back(std::move(pick));
   }
-  add_further(generator, flows, flow);
+  add_reasons(sheet, flows.code, flow.files);
+  flow.further =
+      sheet.further(flow.files, room_for_further(flow.files.size()), kLeastScore, kLeastShare);
   return flow;
 }
 

@@ -10,6 +10,7 @@
 #include "kestrix/host/evidence/code_evidence.h"
 #include "kestrix/host/examples/example_host.h"
 #include "kestrix/host/extending/extension_signals.h"
+#include "kestrix/host/flows/flow_edges.h"
 #include "kestrix/utils/path_filter.h"
 #include "kestrix/workers/wiki/page_sources/recipes.h"
 
@@ -135,7 +136,11 @@ std::vector<FileEdge> WikiGenerator::_file_edges(const PathSet& paths) const {
     return PageSourcesMixin::_file_edges(paths);
   }
   std::call_once(edges_gathered_, [&] { planner_edges_ = PageSourcesMixin::_file_edges(paths); });
-  return planner_edges_;
+  std::vector<FileEdge> edges = planner_edges_;
+  if (const auto* more = FlowEdgesScope::current()) {
+    edges.insert(edges.end(), more->begin(), more->end());
+  }
+  return edges;
 }
 
 std::vector<std::string> WikiGenerator::_config_files() const {

@@ -4,6 +4,7 @@
 #include <map>
 #include <set>
 
+#include "kestrix/host/flows/dispatch_roots.h"
 #include "kestrix/host/flows/starts.h"
 #include "kestrix/host/index_evidence.h"
 #include "kestrix/text/sorting.h"
@@ -19,16 +20,12 @@ using index::Role;
 
 constexpr Signal kHub{"names_entry_points", 3.0, "names {} entry point", "names {} entry points",
                       "lazygit, BookStack"};
+constexpr Signal kUser{"uses_entry_points", 1.8, "uses {} entry point", "uses {} entry points",
+                       "lobsters, nowinandroid"};
 constexpr Signal kFellow{"names_its_entry_point", 1.5, "names {} handler of the class",
                          "names {} handlers of the class", "netbox, lobsters"};
-constexpr Signal kBase{"entry_point_base", 2.0, "declares what {} entry point extends",
-                       "declares what {} entry points extend", "netbox, mockito"};
-constexpr Signal kFarBase{"entry_point_base", 0.8, "declares what {} entry point comes from",
-                          "declares what {} entry points come from", "netbox, lobsters"};
 constexpr Signal kShared{"serves_entry_points", 1.5, "declares what {} entry point calls or bears",
                          "declares what {} entry points call or bear", "netbox, umami"};
-constexpr Signal kHolder{"holds_entry_points", 1.3, "names their base type {} time",
-                         "names their base type {} times", "crates.io, mockito"};
 constexpr Signal kCaller{"names_dispatch", 2.5, "names {} file that dispatches",
                          "names {} files that dispatch", "netbox, crates.io"};
 constexpr Signal kDispatchBase{"serves_dispatch", 2.0, "declares what {} dispatching file calls",
@@ -44,10 +41,13 @@ constexpr std::size_t kHubShare = 4;
 constexpr std::size_t kFewNamers = 5;
 // Of those who call what entry points share, so many have to be entry points.
 constexpr double kServesMostly = 0.5;
+// A group's own hub names so many of it, and so many are looked for.
+constexpr std::size_t kLeastOfGroup = 4;
+constexpr std::size_t kMostGroupHubs = 6;
+constexpr std::size_t kMostUsers = 3;
 // So few roots or so many hubs tell nothing about the folder.
 constexpr std::size_t kFewRoots = 3;
 constexpr std::size_t kFewHubs = 3;
-constexpr std::size_t kMostBaseHops = 6;
 
 class DispatchSignals {
  public:
@@ -56,45 +56,25 @@ class DispatchSignals {
         graph_(flows.graph),
         handlers_(flows.handlers),
         tables_(flows.tables),
-        roots_(roots.begin(), roots.end()),
-        root_(evidence_.index().files().size()) {
-    std::size_t product = 0;
-    for (const FileId root : roots_) {
-      root_[root] = true;
-      product += evidence_.is_product(root) ? 1U : 0U;
-    }
-    of_product_ = product * 2 >= roots_.size();
-  }
+        roots_(flows.code, roots) {}
 
   ScoreSheet sheet() {
     ScoreSheet sheet(evidence_);
-    if (roots_.empty()) return sheet;
+    if (roots_.size() == 0) return sheet;
     add_hubs(sheet);
-    add_bases(sheet);
-    add_shared(sheet, roots_, kShared);
+    add_bases(sheet, evidence_, roots_);
+    add_shared(sheet, roots_.files(), kShared);
     add_second_hop(sheet);
     add_beside(sheet);
-    add_tables(sheet, evidence_, tables_, roots_);
-    if (found_by_framework()) add_starts(sheet, evidence_, graph_, roots_, hubs_.empty());
+    add_tables(sheet, evidence_, tables_, roots_.files());
+    if (found_by_framework()) add_starts(sheet, evidence_, graph_, roots_.files(), hubs_.empty());
     return sheet;
   }
 
  private:
-  struct Seen {
-    std::set<FileId> files;
-    std::size_t declarations = 0;
-    std::vector<Place> at;
-  };
-  using SeenBy = std::map<FileId, Seen>;
-
-  bool may_dispatch(FileId file) const {
-    if (root_[file] || evidence_.index().files()[file].document) return false;
-    return of_product_ ? evidence_.is_product(file) : !evidence_.is_test(file);
-  }
-
   bool found_by_framework() const {
-    const auto known =
-        std::ranges::count_if(roots_, [this](FileId root) { return handlers_.contains(root); });
+    const auto known = std::ranges::count_if(
+        roots_.files(), [this](FileId root) { return handlers_.contains(root); });
     return static_cast<std::size_t>(known) * 2 >= roots_.size();
   }
 
@@ -102,7 +82,7 @@ class DispatchSignals {
     SeenBy namers;
     for (const FileId file : files) {
       for (const Naming& naming : graph_.to(file)) {
-        if (!naming.names || naming.derives || !may_dispatch(naming.from)) continue;
+        if (!naming.names || naming.derives || !roots_.may_dispatch(naming.from)) continue;
         Seen& seen = namers[naming.from];
         seen.files.insert(file);
         seen.declarations += naming.declarations;
@@ -123,15 +103,49 @@ class DispatchSignals {
   }
 
   void add_hubs(ScoreSheet& sheet) {
-    SeenBy namers = namers_of(roots_);
-    const std::size_t least = least_of(roots_.size());
-    for (const auto& [file, seen] : namers) {
-      if (seen.files.size() < least) continue;
+    const SeenBy namers = namers_of(roots_.files());
+    for (const FileId file : hubs_among(namers)) {
       hubs_.push_back(file);
-      sheet.add(file, kHub, seen.files.size(), seen.at);
+      sheet.add(file, kHub, namers.at(file).files.size(), namers.at(file).at);
     }
     if (hubs_.empty()) add_fellows(sheet, namers);
     if (hubs_.empty() && namers.size() <= kFewNamers) add_all(sheet, namers);
+    if (hubs_.empty()) add_users(sheet, namers);
+  }
+
+  // Those that name many; where that leaves many out, those that name several, most first: each
+  // group of entry points may have its own.
+  std::vector<FileId> hubs_among(const SeenBy& namers) const {
+    std::vector<FileId> order;
+    for (const auto& [file, seen] : namers) order.push_back(file);
+    std::ranges::stable_sort(order, std::ranges::greater(),
+                             [&](FileId file) { return namers.at(file).files.size(); });
+    const std::size_t least = least_of(roots_.size());
+    std::vector<FileId> hubs;
+    std::set<FileId> named;
+    for (const FileId file : order) {
+      const auto& files = namers.at(file).files;
+      const bool enough = 3 * named.size() >= 2 * roots_.size() || hubs.size() >= kMostGroupHubs;
+      if (files.size() < least && (enough || files.size() < kLeastOfGroup)) break;
+      hubs.push_back(file);
+      named.insert(files.begin(), files.end());
+    }
+    std::ranges::sort(hubs);
+    return hubs;
+  }
+
+  // Nobody leads to many: those that make use of the most of them.
+  void add_users(ScoreSheet& sheet, const SeenBy& namers) const {
+    std::size_t most = 0;
+    for (const auto& [file, seen] : namers) most = std::max(most, seen.files.size());
+    std::size_t added = 0;
+    for (std::size_t count = most; count > 1 && added < kMostUsers; --count) {
+      for (const auto& [file, seen] : namers) {
+        if (seen.files.size() != count || added == kMostUsers) continue;
+        sheet.add(file, kUser, count, seen.at);
+        ++added;
+      }
+    }
   }
 
   // A package with one face: nobody names the other files.
@@ -162,88 +176,6 @@ class DispatchSignals {
     sort_distinct(hubs_);
   }
 
-  struct Base {
-    std::set<FileId> direct;  // the entry points that name it themselves
-    std::set<FileId> all;
-  };
-
-  void take_bases_of(FileId file, std::uint32_t within, std::set<DeclarationRef>& bases) const {
-    for (const IndexedReference& to : evidence_.index().references_from(file)) {
-      if (to.declaration == 0 || !kSubtyping.has(to.role)) continue;
-      if (within == 0 || to.within == within) bases.insert({to.target, to.declaration - 1});
-    }
-  }
-
-  // The types of the product that the entry points' own types come from.
-  std::map<DeclarationRef, Base> bases() const {
-    std::map<DeclarationRef, Base> bases;
-    for (const FileId root : roots_) {
-      std::set<DeclarationRef> known;
-      take_bases_of(root, 0, known);
-      for (const DeclarationRef base : known) bases[base].direct.insert(root);
-      std::set<DeclarationRef> open = known;
-      for (std::size_t hop = 0; !open.empty() && hop < kMostBaseHops; ++hop) {
-        std::set<DeclarationRef> next;
-        for (const DeclarationRef base : open) take_bases_of(base.file, base.place + 1, next);
-        open.clear();
-        for (const DeclarationRef base : next) {
-          if (known.insert(base).second) open.insert(base);
-        }
-      }
-      for (const DeclarationRef base : known) bases[base].all.insert(root);
-    }
-    std::erase_if(bases, [this](const auto& entry) { return !may_dispatch(entry.first.file); });
-    return bases;
-  }
-
-  void add_bases(ScoreSheet& sheet) {
-    const std::size_t least = std::max<std::size_t>(1, (roots_.size() + 2) / 3);
-    SeenBy direct;
-    SeenBy far;
-    SeenBy holders;
-    for (const auto& [base, files] : bases()) {
-      if (files.all.size() < least) continue;
-      const bool near = files.direct.size() >= least;
-      Seen& seen = (near ? direct : far)[base.file];
-      const auto& named = near ? files.direct : files.all;
-      seen.files.insert(named.begin(), named.end());
-      seen.at.push_back(evidence_.place_of(base));
-      note_holders(base, holders);
-    }
-    for (auto& [file, seen] : direct) {
-      sheet.add(file, kBase, seen.files.size(), seen.at, names_and_lines(seen.at));
-    }
-    for (auto& [file, seen] : far) {
-      if (direct.contains(file)) continue;
-      sheet.add(file, kFarBase, seen.files.size(), seen.at, names_and_lines(seen.at));
-    }
-    for (auto& [file, seen] : holders) {
-      if (direct.contains(file) || far.contains(file)) continue;
-      sheet.add(file, kHolder, seen.declarations, seen.at);
-    }
-  }
-
-  // Who has to do with the base type without deriving from it.
-  void note_holders(DeclarationRef base, SeenBy& holders) const {
-    SeenBy found;
-    std::set<FileId> deriving;
-    for (const std::uint32_t at : evidence_.references_to(base)) {
-      const IndexedReference& to = evidence_.reference(at);
-      if (kSubtyping.has(to.role)) deriving.insert(to.source);
-      if (!may_dispatch(to.source) || to.source == base.file) continue;
-      Seen& seen = found[to.source];
-      seen.declarations += to.count;
-      seen.at.push_back(evidence_.place_of(to));
-    }
-    std::erase_if(found, [&](const auto& entry) { return deriving.contains(entry.first); });
-    if (found.size() > 2 * kFewNamers) return;
-    for (auto& [file, seen] : found) {
-      Seen& holder = holders[file];
-      holder.declarations += seen.declarations;
-      std::ranges::move(seen.at, std::back_inserter(holder.at));
-    }
-  }
-
   // What half of the files call or bear, and few others do.
   void add_shared(ScoreSheet& sheet, const std::vector<FileId>& files, const Signal& signal) const {
     if (files.size() < 2) return;
@@ -251,7 +183,8 @@ class DispatchSignals {
     std::map<DeclarationRef, std::set<FileId>> callers;
     for (const FileId file : files) {
       for (const IndexedReference& to : evidence_.index().references_from(file)) {
-        if (to.declaration == 0 || !kServing.has(to.role) || !may_dispatch(to.target)) continue;
+        if (to.declaration == 0 || !kServing.has(to.role) || !roots_.may_dispatch(to.target))
+          continue;
         callers[{to.target, to.declaration - 1}].insert(file);
       }
     }
@@ -284,11 +217,12 @@ class DispatchSignals {
   void add_beside(ScoreSheet& sheet) const {
     if (roots_.size() < kFewRoots || hubs_.size() > kFewHubs) return;
     std::set<std::string_view> folders;
-    for (const FileId root : roots_) folders.insert(directory_of(evidence_.path(root)));
+    for (const FileId root : roots_.files()) folders.insert(directory_of(evidence_.path(root)));
     std::map<FileId, std::vector<Place>> beside;
     for (const FileId hub : hubs_) {
       for (const Naming& naming : graph_.from(hub)) {
-        if (!naming.names || !may_dispatch(naming.to)) continue;
+        const bool used = naming.names && naming.used;
+        if (!used || !roots_.may_dispatch(naming.to)) continue;
         if (!folders.contains(directory_of(evidence_.path(naming.to)))) continue;
         beside[naming.to].push_back(place_of(naming));
       }
@@ -300,10 +234,8 @@ class DispatchSignals {
   const NamingGraph& graph_;
   const std::map<FileId, HandlerSign>& handlers_;
   TableTexts& tables_;
-  std::vector<FileId> roots_;
-  std::vector<bool> root_;
+  DispatchRoots roots_;
   std::vector<FileId> hubs_;
-  bool of_product_ = true;
 };
 
 }  // namespace

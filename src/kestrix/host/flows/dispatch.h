@@ -24,7 +24,8 @@ struct FlowEvidence {
 };
 
 /// What leads from outside of a repository to one class of entry points: who names them, through
-/// what they are called, where such a product starts. No root is on the sheet.
+/// what they are called, where such a product starts. No root is on the sheet but one that others
+/// of them extend.
 ScoreSheet dispatch_sheet(const FlowEvidence& evidence, std::span<const index::FileId> roots);
 
 }  // namespace kestrix

@@ -103,7 +103,7 @@ void keep_of_parts(const CodeEvidence& evidence, const std::vector<FileId>& root
   std::set<std::string_view> by_part;
   for (const Start& start : starts) {
     ++of_name[start.name];
-    if (below(evidence, start.file, roots) > 0) by_part.insert(start.name);
+    if (below(evidence, start.file, roots) * kPartShare >= roots.size()) by_part.insert(start.name);
   }
   std::erase_if(starts, [&](const Start& start) {
     const std::size_t held = below(evidence, start.file, roots);

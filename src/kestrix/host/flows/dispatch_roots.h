@@ -1,0 +1,43 @@
+#pragma once
+
+#include <map>
+#include <set>
+#include <span>
+#include <vector>
+
+#include "kestrix/host/evidence/score_sheet.h"
+
+namespace kestrix {
+
+/// One class of entry points, and which files may be what leads to it.
+class DispatchRoots {
+ public:
+  DispatchRoots(const CodeEvidence& evidence, std::span<const index::FileId> roots);
+
+  const std::vector<index::FileId>& files() const { return files_; }
+  std::size_t size() const { return files_.size(); }
+  /// No entry point but one that others of them are made from.
+  bool may_dispatch(index::FileId file) const;
+
+ private:
+  std::vector<bool> bases() const;
+
+  const CodeEvidence& evidence_;
+  std::vector<index::FileId> files_;
+  std::vector<bool> is_root_;  // by file
+  std::vector<bool> is_base_;  // by file
+  bool of_product_ = true;
+};
+
+/// What one file has to do with some others.
+struct Seen {
+  std::set<index::FileId> files;
+  std::size_t declarations = 0;
+  std::vector<Place> at;
+};
+using SeenBy = std::map<index::FileId, Seen>;
+
+/// Adds the types that the entry points come from, and who has to do with these.
+void add_bases(ScoreSheet& sheet, const CodeEvidence& evidence, const DispatchRoots& roots);
+
+}  // namespace kestrix
