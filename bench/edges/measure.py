@@ -34,6 +34,8 @@ TRUTHS = {
         (".rb", ".rake", ".gemspec", ".ru", "Gemfile", "Rakefile"),
     ),
     "rust": ([sys.executable, HERE / "rust_truth.py"], (".rs",)),
+    "scala": ([sys.executable, HERE / "scala_truth.py"], (".scala", ".sc", ".sbt")),
+    "swift": ([sys.executable, HERE / "swift_truth.py"], (".swift",)),
     "typescript": (
         ["node", HERE / "typescript_truth.mjs"],
         (".ts", ".tsx", ".mts", ".cts", ".js", ".jsx", ".mjs", ".cjs"),

@@ -277,16 +277,11 @@ NameResolver::Found NameResolver::find_in_barrels(FileId file, std::string_view 
   return one;
 }
 
-// A type whose name stands for something of another file, too, has a part there; and a type may
-// share its name with the object that holds what is no value's.
+// A type whose name stands for something of another file, too, has a part there.
 std::optional<DeclarationRef> NameResolver::find_in_parts(DeclarationRef type,
                                                           std::string_view name) const {
   if (!members_in_scope_ || table_[type].container > 0) return std::nullopt;
   const std::string_view own = table_[type].name;
-  for (const DeclarationRef twin : table_.find_tops(type.file, own)) {
-    if (twin == type || table_[twin].kind != DeclarationKind::kObject) continue;
-    if (const auto member = table_.find_member(twin, name)) return member;
-  }
   const auto& bindings = scopes_.bindings(type.file);
   auto part = std::ranges::lower_bound(bindings, own, {}, &Binding::local);
   for (; part != bindings.end() && part->local == own; ++part) {
@@ -295,6 +290,17 @@ std::optional<DeclarationRef> NameResolver::find_in_parts(DeclarationRef type,
     const auto member =
         other ? table_.find_member(*other, name) : table_.find_top(part->target, joined(own, name));
     if (member) return member;
+  }
+  return std::nullopt;
+}
+
+// A type may share its name with the object that holds what is no value's.
+std::optional<DeclarationRef> NameResolver::find_in_twin(DeclarationRef type,
+                                                         std::string_view name) const {
+  if (!members_in_scope_ || table_[type].container > 0) return std::nullopt;
+  for (const DeclarationRef twin : table_.find_tops(type.file, table_[type].name)) {
+    if (twin == type || table_[twin].kind != DeclarationKind::kObject) continue;
+    if (const auto member = find_member(twin, name)) return member;
   }
   return std::nullopt;
 }
@@ -379,7 +385,8 @@ NamedThing NameResolver::descend(NamedThing from, std::string_view rest) const {
     } else {
       const bool holds =
           is_type(table_[from.at].kind) || table_[from.at].kind == DeclarationKind::kModule;
-      const auto member = holds ? find_member(from.at, part) : find_assigned(from.at, part);
+      auto member = holds ? find_member(from.at, part) : find_assigned(from.at, part);
+      if (!member && holds) member = find_in_twin(from.at, part);
       if (!member) break;
       from.at = *member;
     }

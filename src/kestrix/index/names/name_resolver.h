@@ -76,6 +76,7 @@ class NameResolver {
   NamedThing follow(const Binding& binding, int hops) const;
   std::optional<DeclarationRef> find_assigned(DeclarationRef holder, std::string_view name) const;
   std::optional<DeclarationRef> find_member(DeclarationRef type, std::string_view name) const;
+  std::optional<DeclarationRef> find_in_twin(DeclarationRef type, std::string_view name) const;
   std::optional<DeclarationRef> find_own_member(DeclarationRef type, std::string_view name) const;
   const std::vector<DeclarationRef>& ancestors_of(DeclarationRef type) const;
   std::optional<DeclarationRef> base_of(DeclarationRef type, std::string_view base) const;
