@@ -103,7 +103,8 @@ class DispatchSignals {
   }
 
   void add_hubs(ScoreSheet& sheet) {
-    const SeenBy namers = namers_of(roots_.files());
+    SeenBy namers = namers_of(roots_.files());
+    add_registering(namers);
     for (const FileId file : hubs_among(namers)) {
       hubs_.push_back(file);
       sheet.add(file, kHub, namers.at(file).files.size(), namers.at(file).at);
@@ -111,6 +112,27 @@ class DispatchSignals {
     if (hubs_.empty()) add_fellows(sheet, namers);
     if (hubs_.empty() && namers.size() <= kFewNamers) add_all(sheet, namers);
     if (hubs_.empty()) add_users(sheet, namers);
+  }
+
+  // Who has half of them for type arguments hands them over to something.
+  void add_registering(SeenBy& namers) const {
+    std::map<FileId, std::size_t> uses;
+    for (const FileId root : roots_.files()) {
+      for (const Naming& naming : graph_.to(root)) uses[naming.from] += naming.used ? 1U : 0U;
+    }
+    for (const FileId root : roots_.files()) {
+      for (const Naming& naming : graph_.to(root)) {
+        const std::size_t count = uses[naming.from];
+        if (count < kFewRoots || count * 2 < roots_.size() || naming.names || naming.derives ||
+            !naming.used || !roots_.may_dispatch(naming.from)) {
+          continue;
+        }
+        Seen& seen = namers[naming.from];
+        seen.files.insert(root);
+        seen.declarations += naming.declarations;
+        seen.at.push_back(place_of(naming));
+      }
+    }
   }
 
   // Those that name many; where that leaves many out, those that name several, most first: each
@@ -156,12 +178,19 @@ class DispatchSignals {
     }
   }
 
+  // "urls.py", of "user.module.ts" the last words.
+  static std::string_view kind_of(std::string_view path) {
+    const std::string_view name = path.substr(path.rfind('/') + 1);
+    const std::string_view stem = name.substr(0, name.rfind('.'));
+    const auto word = stem.find_last_of("._-");
+    return word == std::string_view::npos ? name : name.substr(word);
+  }
+
   // Each entry point has a file beside it that names it, all of one name.
   void add_fellows(ScoreSheet& sheet, const SeenBy& namers) {
     std::map<std::string_view, std::pair<std::vector<FileId>, std::set<FileId>>> by_name;
     for (const auto& [file, seen] : namers) {
-      const std::string_view path = evidence_.path(file);
-      auto& [files, named] = by_name[path.substr(path.rfind('/') + 1)];
+      auto& [files, named] = by_name[kind_of(evidence_.path(file))];
       files.push_back(file);
       named.insert(seen.files.begin(), seen.files.end());
     }
@@ -227,6 +256,8 @@ class DispatchSignals {
         beside[naming.to].push_back(place_of(naming));
       }
     }
+    if (beside.size() * 3 > std::max(roots_.size(), 2 * kFewRoots))
+      return;  // a folder of many things
     for (auto& [file, at] : beside) sheet.add(file, kBeside, at.size(), at);
   }
 

@@ -18,6 +18,10 @@ constexpr Signal kFarBase{"entry_point_base", 0.8, "declares what {} entry point
 constexpr Signal kHolder{"holds_entry_points", 1.3, "names their base type {} time",
                          "names their base type {} times", "crates.io, mockito"};
 
+constexpr Signal kOfFew{"holds_entry_points", 1.9,
+                        "is one of few that name their base type, {} time",
+                        "is one of few that name their base type, {} times", "jekyll, halo"};
+constexpr std::size_t kFewHolders = 5;
 constexpr std::size_t kMostBaseHops = 6;
 // What more files have to do with is known all over the product.
 constexpr std::size_t kMostHolders = 10;
@@ -51,7 +55,7 @@ class Bases {
     }
     for (auto& [file, seen] : holders) {
       if (direct.contains(file) || far.contains(file)) continue;
-      sheet.add(file, kHolder, seen.declarations, seen.at);
+      sheet.add(file, holders.size() <= kFewHolders ? kOfFew : kHolder, seen.declarations, seen.at);
     }
   }
 
