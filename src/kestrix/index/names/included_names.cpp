@@ -21,12 +21,6 @@ constexpr int kMostSpaces = 6;  // namespaces that a name is written with
 constexpr int kMostHops = 16;   // of aliases, and of types that need each other's ancestors
 constexpr std::size_t kMostAncestors = 64;
 
-std::string_view first_part(std::string_view path) { return path.substr(0, path.find('.')); }
-
-std::string_view behind(std::string_view path, std::size_t length) {
-  return path.size() <= length ? std::string_view() : path.substr(length + 1);
-}
-
 std::string_view stem_of(std::string_view path) {
   const std::string_view name = base_name(path);
   return name.substr(0, std::min(name.rfind('.'), name.size()));

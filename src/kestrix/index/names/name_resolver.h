@@ -8,25 +8,12 @@
 #include <unordered_set>
 #include <vector>
 
+#include "kestrix/index/names/named_thing.h"
 #include "kestrix/index/names/scopes.h"
 #include "kestrix/index/tables/declaration_table.h"
 #include "kestrix/index/tables/indexed_files.h"
 
 namespace kestrix::index {
-
-/// What a name stands for.
-struct NamedThing {
-  enum class Kind : std::uint8_t {
-    kNothing,      ///< nothing for certain
-    kDeclaration,  ///< `at`
-    kFile,         ///< the file `at.file`, or something in it that `rest` names
-    kOutside,      ///< not of the repository; `rest` is its full name
-  };
-
-  Kind kind = Kind::kNothing;
-  DeclarationRef at{};
-  std::string rest{};  ///< of a declaration: the parts of the name that led no further
-};
 
 /// Finds what the names of one file stand for: through the import that brought a name in, through
 /// re-exports to the file that declares it, through the package's own scope, and for members
@@ -51,6 +38,12 @@ class NameResolver {
 
  private:
   using Found = std::optional<NamedThing>;
+
+  // A chain of re-exports is followed so far, and of types that need each other's ancestors.
+  static constexpr int kMostHops = 16;
+  // A name that more files declare says nothing by itself.
+  static constexpr std::size_t kMostDeclarers = 64;
+
   // Shared with those that find the bases of types in other files.
   struct Lineages {
     std::map<DeclarationRef, std::vector<DeclarationRef>> ancestors;

@@ -1,0 +1,142 @@
+#include <algorithm>
+#include <deque>
+
+#include "kestrix/index/names/name_resolver.h"
+
+namespace kestrix::index {
+namespace {
+
+using Kind = NamedThing::Kind;
+
+// Files that wildcards make known to one file, and barrels among them that are asked for a name.
+constexpr std::size_t kMostReachable = 20'000;
+constexpr std::size_t kMostBarrels = 64;
+constexpr std::size_t kMostOpened = 256;  // types whose members one file imports all
+
+bool is_wildcard(const Binding& binding) {
+  return binding.local == "*" && (binding.name.empty() || binding.name == "*");
+}
+bool opens_type(const Binding& binding) { return binding.local == "*" && !is_wildcard(binding); }
+
+}  // namespace
+
+// NOLINTBEGIN(misc-no-recursion): each step is a hop, and kMostHops end it
+
+NamedThing NameResolver::follow(const Binding& binding, int hops) const {
+  if (binding.name.empty()) return NamedThing::file(binding.target);
+  if (const Found found = find_exported(binding.target, binding.name, hops + 1)) return *found;
+  const std::string_view root = first_part(binding.name);
+  if (root.size() < binding.name.size()) {
+    const Found holder = find_exported(binding.target, root, hops + 1);
+    if (holder) return descend(*holder, behind(binding.name, root.size()));
+  }
+  return NamedThing::file(binding.target, binding.name);
+}
+
+NameResolver::Found NameResolver::find_exported(FileId file, std::string_view name,
+                                                int hops) const {
+  if (hops > kMostHops) return std::nullopt;
+  if (const auto top = table_.find_top(file, name)) return NamedThing::declaration(*top);
+  if (const Found found = find_handed_on(file, name, hops)) return found;
+  return find_in_barrels(file, name, hops);
+}
+
+NameResolver::Found NameResolver::find_handed_on(FileId file, std::string_view name,
+                                                 int hops) const {
+  if (hops > kMostHops) return std::nullopt;
+  for (const Binding& binding : scopes_.bindings(file)) {
+    if (binding.exported != name) continue;
+    if (binding.target == file && binding.name == name) return NamedThing::file(file, name);
+    return follow(binding, hops);
+  }
+  return std::nullopt;
+}
+
+// What "export *" and its like hand on; two different things of one name are none.
+NameResolver::Found NameResolver::find_in_barrels(FileId file, std::string_view name,
+                                                  int hops) const {
+  const Scopes::Barrel& barrel = scopes_.barrel(file);
+  if (barrel.files.empty()) return std::nullopt;
+  Found one;
+  for (const DeclarationRef at : table_.find_all(name, kMostDeclarers)) {
+    if (!std::ranges::binary_search(barrel.files, at.file)) continue;
+    if (one) return std::nullopt;
+    one = NamedThing::declaration(at);
+  }
+  if (one) return one;
+  for (const FileId named : barrel.named) {
+    const Found found = find_handed_on(named, name, hops + 4);
+    if (!found) continue;
+    if (one && one->at != found->at) return std::nullopt;
+    one = found;
+  }
+  return one;
+}
+
+// NOLINTEND(misc-no-recursion)
+
+void NameResolver::close_over_wildcards() {
+  closed_ = true;
+  std::unordered_set<FileId> seen{file_};
+  std::deque<FileId> open{file_};
+  while (!open.empty() && seen.size() < kMostReachable) {
+    const FileId at = open.front();
+    open.pop_front();
+    for (const Binding& binding : scopes_.bindings(at)) {
+      const bool known = at == file_ || binding.exported == "*";
+      if (is_wildcard(binding) && known && seen.insert(binding.target).second) {
+        open.push_back(binding.target);
+      }
+    }
+  }
+  for (const Binding& binding : scopes_.bindings(file_)) {
+    if (!opens_type(binding) || opened_.size() == kMostOpened) continue;
+    const NamedThing type = follow(binding, 0);
+    if (type.kind == Kind::kDeclaration && type.rest.empty()) opened_.push_back(type.at);
+  }
+  seen.erase(file_);
+  reachable_.assign(seen.begin(), seen.end());
+  std::ranges::sort(reachable_);
+  for (const FileId file : reachable_) {
+    const auto hands_on = [](const Binding& binding) {
+      return !is_wildcard(binding) && !binding.exported.empty();
+    };
+    if (barrels_.size() < kMostBarrels && std::ranges::any_of(scopes_.bindings(file), hands_on)) {
+      barrels_.push_back(file);
+    }
+  }
+}
+
+// What imports of all members of a type bring in.
+NameResolver::Found NameResolver::find_in_opened_types(std::string_view name) const {
+  Found one;
+  for (const DeclarationRef type : opened_) {
+    const auto member = find_member(type, name);
+    if (!member) continue;
+    if (one && one->at != *member) return std::nullopt;
+    one = NamedThing::declaration(*member);
+  }
+  return one;
+}
+
+NameResolver::Found NameResolver::find_through_wildcards(std::string_view name) {
+  if (!closed_) close_over_wildcards();
+  if (const Found member = find_in_opened_types(name)) return member;
+  if (reachable_.empty()) return std::nullopt;
+  Found one;
+  for (const DeclarationRef at : table_.find_all(name, kMostDeclarers)) {
+    if (!std::ranges::binary_search(reachable_, at.file)) continue;
+    if (one) return std::nullopt;
+    one = NamedThing::declaration(at);
+  }
+  if (one) return one;
+  for (const FileId barrel : barrels_) {
+    const Found found = find_exported(barrel, name, 1);
+    if (!found || found->kind != Kind::kDeclaration) continue;
+    if (one && one->at != found->at) return std::nullopt;
+    one = found;
+  }
+  return one;
+}
+
+}  // namespace kestrix::index
