@@ -11,6 +11,9 @@ namespace {
 
 constexpr double kLeastScore = 1.65;
 constexpr double kLeastShare = 0.06;
+// An answer of few files has room for those of which less is seen.
+constexpr std::size_t kShortAnswer = 8;
+constexpr double kWeakScore = 1.0;
 
 std::string defines(std::size_t count) {
   return fmt::format("defines {}", counted(count, "exception type", "exception types"));
@@ -38,6 +41,11 @@ PageAnswer errors_answer(const WikiGenerator& generator) {
   add_reasons(errors.sheet, generator.code_evidence(), answer.files);
   answer.further = errors.handling.further(answer.files, room_for_further(answer.files.size()),
                                            kLeastScore, kLeastShare);
+  const std::size_t given = answer.files.size() + answer.further.size();
+  if (given < kShortAnswer) {
+    answer.further = errors.handling.further(answer.files, kShortAnswer - answer.files.size(),
+                                             kWeakScore, kLeastShare);
+  }
   finish(answer, *answer.has_material ? "no exception class in a production file, only in others"
                                       : "no error type");
   return answer;

@@ -27,6 +27,8 @@ constexpr Signal kOptionFields{"option_fields", 0.4, "{} member of options",
                                "{} members of options", "Polly, jellyfin"};
 constexpr Signal kItself{"settings_itself", 1.6, "a type of it is called settings and no more", "",
                          "flask, leveldb"};
+constexpr Signal kDeclares{"declares_settings", 0.9, "declares settings by {} call",
+                           "declares settings by {} calls", "redis, caddy"};
 constexpr Signal kTable{"settings_table", 0.9, "a table of {} setting", "a table of {} settings",
                         "netbox, redis"};
 constexpr Signal kBase{"settings_base", 1.4, "{} settings type extends one of it",
@@ -49,6 +51,10 @@ constexpr std::array<std::string_view, 15> kTableWords{
     "config", "configs", "configuration", "conf",   "settings",   "setting",  "options", "option",
     "opts",   "prefs",   "preferences",   "params", "parameters", "defaults", "flags"};
 
+constexpr std::array<std::string_view, 6> kDeclaring{"register", "add",     "create",
+                                                     "define",   "declare", "preference"};
+
+constexpr std::uint64_t kManyCalls = 8;
 constexpr std::size_t kShared = 2;
 constexpr std::uint32_t kSmallTable = 5;
 constexpr std::uint32_t kFewFields = 3;
@@ -72,6 +78,9 @@ class Names {
         auto& most = kinds_[kind.file];
         most = std::max(most, kinds.size());
       }
+    }
+    for (const auto& [file, count] : declared_) {
+      if (count >= kManyCalls) sheet_.add(file, kDeclares, count);
     }
     for (const auto& [file, subtypes] : bases_) add_types(file, kBase, subtypes);
     for (const auto& [file, alike] : kinds_) {
@@ -104,6 +113,22 @@ class Names {
     return value && row.size >= kSmallTable && has_word(row.name, kTableWords);
   }
 
+  // "registerOption", "createBoolConfig".
+  static bool declares_settings(const DeclarationView& row) {
+    const bool called = row.kind == DeclarationKind::kFunction ||
+                        row.kind == DeclarationKind::kMethod || row.kind == DeclarationKind::kMacro;
+    return called && has_word(row.name, kTableWords) && has_word(row.name, kDeclaring);
+  }
+
+  void count_calls(DeclarationRef declaring) {
+    for (const std::uint32_t at : evidence_.references_to(declaring)) {
+      const auto& to = evidence_.reference(at);
+      if (to.role == Role::kCalls && evidence_.is_product(to.source)) {
+        declared_[to.source] += to.count;
+      }
+    }
+  }
+
   static bool is_offer(const DeclarationView& row) {
     if (is_settings_type(row)) return true;
     const bool value = row.container == 0 && (row.kind == DeclarationKind::kFunction ||
@@ -125,6 +150,7 @@ class Names {
       const DeclarationView& row = declared[place];
       const DeclarationRef at{file, place};
       if (is_settings_type(row)) types_.push_back(at);
+      if (declares_settings(row)) count_calls(at);
       if (is_table(row)) {
         tables.push_back(evidence_.place_of(at));
         entries += row.size;
@@ -166,6 +192,7 @@ class Names {
   const CodeEvidence& evidence_;
   ScoreSheet& sheet_;
   std::vector<DeclarationRef> types_;
+  std::map<FileId, std::uint64_t> declared_;  // calls that declare settings
   std::map<FileId, std::set<DeclarationRef>> bases_;
   std::map<FileId, std::size_t> kinds_;  // how many are alike, at most
 };
