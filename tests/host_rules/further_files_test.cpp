@@ -70,6 +70,14 @@ std::vector<Case> cases() {
          "  except Missing:\n    return 404\n  except Taken:\n    return 409\n"}},
        {"lib/faults.py"},
        {"lib/edge.py"}},
+      {"ErrorsFromElsewhereWhereThereAreNoOthers",
+       errors_answer,
+       {{"shop/sum.py",
+         "def sum(a):\n  if a == 1: raise ValueError()\n  if a == 2: raise ValueError()\n"
+         "  if a == 3: raise TypeError()\n  if a == 4: raise KeyError()\n  raise KeyError()\n"},
+        {"shop/once.py", "def once(): raise ValueError()\n"}},
+       {},
+       {"shop/sum.py"}},
       {"ErrorsByTheirNamesAndByWhatFrameworksCall",
        errors_answer,
        {{"shop/urls.py", "handler500 = 'shop.pages.broken'\n"},
@@ -113,12 +121,18 @@ std::vector<Case> cases() {
         {"d/table.go",
          "package d\n\ntype row struct{ name string }\n\nvar options = []row{{\"a\"}, {\"b\"}, "
          "{\"c\"}, {\"d\"}, {\"e\"}, {\"f\"}, {\"g\"}}\n"},
+        {"e/e.go", "package e\n\nfunc RegisterOption(name string) {}\n"},
+        {"f/f.go",
+         "package f\n\nimport \"shop/e\"\n\nfunc F() {\n\te.RegisterOption(\"a\")\n"
+         "\te.RegisterOption(\"b\")\n\te.RegisterOption(\"c\")\n\te.RegisterOption(\"d\")\n"
+         "\te.RegisterOption(\"e\")\n\te.RegisterOption(\"f\")\n\te.RegisterOption(\"g\")\n"
+         "\te.RegisterOption(\"h\")\n}\n"},
         {"config/theme/colours.css", "a { color: red }\n"},
         {"server.conf",
          "port 1\nbind a\nlog b\ndir c\nsave d\nuser e\npass f\nkeep g\nslow h\n"
          "fast i\n"}},
        {},
-       {"core/core.go", "d/table.go", "server.conf"}},
+       {"core/core.go", "d/table.go", "f/f.go", "server.conf"}},
   };
 }
 

@@ -32,6 +32,8 @@ constexpr Signal kMakes{"makes_errors", 1.2, "makes {} kind of error", "makes {}
                         "mockito, crates.io"};
 constexpr Signal kThrows{"throws_often", 0.5, "throws {} time", "throws {} times",
                          "polar, jellyfin"};
+constexpr Signal kThrowsOthers{"throws_others", 0.4, "throws errors from elsewhere {} time",
+                               "throws errors from elsewhere {} times", "nestjs, spring-petclinic"};
 constexpr Signal kHandler{"error_handler", 7.0, "is a framework's handler of errors",
                           "is {} of a framework's handlers of errors", "BookStack, umami"};
 constexpr Signal kNamed{"errors_named", 0.8, "its errors are named in {} file",
@@ -65,6 +67,7 @@ struct ErrorUse {
   std::set<DeclarationRef> told;
   std::set<DeclarationRef> made;
   std::uint64_t throws = 0;
+  std::uint64_t others_thrown = 0;
   std::vector<Place> told_at;
   std::vector<Place> made_at;
   std::map<std::uint32_t, std::vector<Place>> others;  // others' errors, by who tells them apart
@@ -124,8 +127,10 @@ class ErrorSignals {
     for (const auto& to : evidence_.index().references()) {
       if (!evidence_.is_product(to.source)) continue;
       if (to.target == IndexedReference::kOutside) {
-        const bool told = to.role == Role::kCatches && to.within > 0 && names_error(to.name);
-        if (told) uses[to.source].others[to.within].push_back(evidence_.place_of(to));
+        if (to.within == 0 || !names_error(to.name)) continue;
+        ErrorUse& use = uses[to.source];
+        if (to.role == Role::kCatches) use.others[to.within].push_back(evidence_.place_of(to));
+        if (to.role == Role::kThrows) use.others_thrown += to.count;
         continue;
       }
       if (to.declaration > 0) add_use(to, testers, uses);
@@ -136,6 +141,10 @@ class ErrorSignals {
       if (!use.told.empty()) sheet.add(file, kTold, use.told.size(), use.told_at, told);
       if (use.made.size() > kSeveral) sheet.add(file, kMakes, use.made.size(), use.made_at, made);
       if (use.throws >= kOften) sheet.add(file, kThrows, use.throws, use.made_at, made);
+      // A product with errors of its own tells more through these.
+      if (types_.size() < kSeveral && use.others_thrown >= kOften) {
+        sheet.add(file, kThrowsOthers, use.others_thrown);
+      }
       add_others(file, use, sheet);
     }
   }
