@@ -33,7 +33,7 @@ constexpr Signal kMakes{"makes_errors", 1.2, "makes {} kind of error", "makes {}
 constexpr Signal kThrows{"throws_often", 0.5, "throws {} time", "throws {} times",
                          "polar, jellyfin"};
 constexpr Signal kThrowsOthers{"throws_others", 0.4, "throws errors from elsewhere {} time",
-                               "throws errors from elsewhere {} times", "nestjs, spring-petclinic"};
+                               "throws errors from elsewhere {} times", "nestjs, express"};
 constexpr Signal kHandler{"error_handler", 7.0, "is a framework's handler of errors",
                           "is {} of a framework's handlers of errors", "BookStack, umami"};
 constexpr Signal kNamed{"errors_named", 0.8, "its errors are named in {} file",
