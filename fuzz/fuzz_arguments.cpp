@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "apps/page_sources/arguments.h"
-#include "apps/page_sources/escape.h"
 #include "apps/page_sources/program.h"
+#include "capi/answers/escape.h"
 #include "fuzz/require.h"
 #include "fuzz/scratch_directory.h"
 

@@ -8,8 +8,8 @@
 #include <system_error>
 
 #include "apps/page_sources/definitions.h"
-#include "apps/page_sources/escape.h"
-#include "apps/page_sources/suggestions.h"
+#include "capi/answers/escape.h"
+#include "capi/answers/suggestions.h"
 
 namespace kestrix::program {
 namespace {

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <array>
-#include <filesystem>
 #include <optional>
 #include <span>
 #include <string>
@@ -9,8 +8,9 @@
 #include <variant>
 #include <vector>
 
+#include "capi/answers/answers.h"
+#include "capi/answers/opened.h"
 #include "kestrix/host/pages.h"
-#include "kestrix/host/settings/path_wishes.h"
 #include "kestrix/index/repository.h"
 
 namespace kestrix::program {
@@ -18,14 +18,9 @@ namespace kestrix::program {
 enum class Format { kText, kTsv, kJson, kDot };
 
 /// What the subcommands that read a repository share.
-struct CommonOptions {
-  std::filesystem::path repository = ".";
-  std::optional<std::filesystem::path>
-      index;                     ///< the index's file; else one in the cache directory
-  unsigned threads = 0;          ///< 0: as many as the machine has
-  bool quiet = false;            ///< only errors are told
-  bool progress = true;          ///< as far as standard error is a terminal
-  std::vector<PathWish> wishes;  ///< the last one that matches a path decides
+struct CommonOptions : RepositoryOptions {
+  bool quiet = false;    ///< only errors are told
+  bool progress = true;  ///< as far as standard error is a terminal
 };
 
 struct PagesCommand {
@@ -46,11 +41,7 @@ struct WhyCommand {
 
 struct EdgesCommand {
   CommonOptions common;
-  std::vector<std::string> to;      ///< patterns of targets; empty: all
-  std::vector<std::string> from;    ///< patterns of sources
-  std::vector<std::string> within;  ///< patterns of both
-  std::vector<std::string> path;    ///< two files between which the shortest way is sought, or none
-  std::optional<unsigned> folders;  ///< sums between folders of so many levels; 0: of all levels
+  EdgeRequest request;
   Format format = Format::kTsv;
 };
 

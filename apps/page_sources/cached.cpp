@@ -5,8 +5,8 @@
 #include <iterator>
 #include <utility>
 
-#include "apps/page_sources/document.h"
-#include "apps/page_sources/escape.h"
+#include "capi/answers/document.h"
+#include "capi/answers/escape.h"
 
 namespace kestrix::program {
 namespace {

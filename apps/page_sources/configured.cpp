@@ -6,8 +6,8 @@
 #include <utility>
 #include <vector>
 
-#include "apps/page_sources/document.h"
-#include "apps/page_sources/escape.h"
+#include "capi/answers/document.h"
+#include "capi/answers/escape.h"
 
 namespace kestrix::program {
 namespace {

@@ -8,13 +8,11 @@
 #include <map>
 #include <system_error>
 
-#include "apps/page_sources/escape.h"
 #include "apps/page_sources/help_texts.h"
-#include "apps/page_sources/suggestions.h"
-#include "apps/page_sources/version.h"
-#include "kestrix/facts/reference_role.h"
-#include "kestrix/host/path_glob.h"
-#include "kestrix/text/wildmatch.h"
+#include "capi/answers/escape.h"
+#include "capi/answers/names.h"
+#include "capi/answers/suggestions.h"
+#include "capi/answers/version.h"
 
 namespace kestrix::program {
 namespace {
@@ -27,22 +25,12 @@ constexpr const char* kCommonGroup = "Common options";
 const std::map<std::string, Format> kFormats{
     {"text", Format::kText}, {"tsv", Format::kTsv}, {"json", Format::kJson}, {"dot", Format::kDot}};
 
-const std::map<std::string, SymbolKind> kKinds{{"class", SymbolKind::kClass},
-                                               {"interface", SymbolKind::kInterface},
-                                               {"constant", SymbolKind::kConstant},
-                                               {"variable", SymbolKind::kVariable}};
-
 CLI::Validator checked_by(std::string (*fault)(const std::string&)) {
   return CLI::Validator([fault](std::string& text) { return fault(text); }, "");
 }
 
 CLI::Validator one_of(const Names& names) {
-  const auto fault = [names](const std::string& name) {
-    if (std::ranges::find(names, name) != names.end()) return std::string();
-    return fmt::format("{} is none of {}{}", c_quoted(name), fmt::join(names, ", "),
-                       did_you_mean(name, names));
-  };
-  return CLI::Validator(fault, "");
+  return CLI::Validator([names](const std::string& name) { return name_fault(name, names); }, "");
 }
 
 std::string joined(const Names& names) { return fmt::format("{}", fmt::join(names, "|")); }
@@ -57,20 +45,6 @@ std::string thread_fault(const std::string& text) {
   unsigned threads = 0;
   if (is_number(text, 1, kMostThreads, threads)) return {};
   return fmt::format("{} is no number from 1 to {}", c_quoted(text), kMostThreads);
-}
-
-std::string glob_fault(const std::string& pattern) {
-  try {
-    const PathGlob glob(pattern);
-    return {};
-  } catch (const BadGlob& error) {
-    return error.what();
-  }
-}
-
-std::string name_glob_fault(const std::string& pattern) {
-  if (index::Wildmatch(pattern).is_valid()) return {};
-  return fmt::format("the pattern \"{}\" is malformed", pattern);
 }
 
 // "folder" is 0 levels, which stands for all of them.
@@ -107,28 +81,10 @@ CLI::Option* add_globs(CLI::App& app, const std::string& flag, Names& globs,
                        const std::string& help) {
   return repeated(app.add_option(flag, globs, help))
       ->type_name("GLOB")
-      ->check(checked_by(glob_fault));
-}
-
-std::vector<const Page*> pages_named(const Names& names) {
-  std::vector<const Page*> pages;
-  for (const Page& page : kPages) {
-    if (names.empty() || std::ranges::find(names, page.name) != names.end()) {
-      pages.push_back(&page);
-    }
-  }
-  return pages;
+      ->check(checked_by(path_glob_fault));
 }
 
 }  // namespace
-
-Names kind_names() { return {"class", "interface", "constant", "variable"}; }
-
-Names page_names() {
-  Names names;
-  for (const Page& page : kPages) names.emplace_back(page.name);
-  return names;
-}
 
 Definitions::Definitions() : app_(help::kDescription, "page-sources") {
   app_.set_version_flag("-V,--version", kVersionLine, "Print the version");
@@ -188,7 +144,7 @@ void Definitions::add_wishes(CLI::App& app, CommonOptions& common) {
            },
            help)
         ->type_name("GLOB")
-        ->check(checked_by(glob_fault))
+        ->check(checked_by(path_glob_fault))
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast)
         ->trigger_on_parse()
         ->group(kCommonGroup);
@@ -227,7 +183,7 @@ void Definitions::add_why() {
   auto& app = add("why", "Print why a file is on a page, or why not", help::kWhyNotes);
   add_repository(app, why_.common, true);
   app.add_option_function<std::string>(
-         "PAGE", [this](const std::string& name) { why_.page = pages_named({name}).front(); },
+         "PAGE", [this](const std::string& name) { why_.page = pages_named(Names{name}).front(); },
          fmt::format("One of {}", fmt::join(page_names(), ", ")))
       ->type_name("")
       ->required()
@@ -243,7 +199,7 @@ void Definitions::add_edges() {
   add_repository(app, edges_.common);
   add_edge_filters(app);
   app.add_option_function<std::string>(
-         "--by", [this](const std::string& text) { edges_.folders = levels_of(text); },
+         "--by", [this](const std::string& text) { edges_.request.folders = levels_of(text); },
          "Sum the edges between folders, of DEPTH levels at most")
       ->type_name("folder[:DEPTH]")
       ->check(checked_by(grouping_fault));
@@ -252,10 +208,11 @@ void Definitions::add_edges() {
 }
 
 void Definitions::add_edge_filters(CLI::App& app) {
-  add_globs(app, "--to", edges_.to, "Only edges to files that GLOB matches; may be repeated");
-  add_globs(app, "--from", edges_.from, "Only edges from them; may be repeated");
-  add_globs(app, "--within", edges_.within, "Only edges among them; may be repeated");
-  app.add_option("--path", edges_.path, "Only the edges of a shortest way from A to B")
+  add_globs(app, "--to", edges_.request.query.to,
+            "Only edges to files that GLOB matches; may be repeated");
+  add_globs(app, "--from", edges_.request.query.from, "Only edges from them; may be repeated");
+  add_globs(app, "--within", edges_.request.query.within, "Only edges among them; may be repeated");
+  app.add_option("--path", edges_.request.path, "Only the edges of a shortest way from A to B")
       ->type_name("A B")
       ->expected(2)
       ->allow_extra_args(false);
@@ -271,7 +228,7 @@ void Definitions::add_references() {
   };
   many("--to", references_.to, "Only references to this path or name; may be repeated");
   many("--from", references_.from, "Only references in files of this path; may be repeated");
-  const Names roles(index::kRoleNames.begin(), index::kRoleNames.end());
+  const Names roles = role_names();
   repeated(app.add_option("--role", references_.roles, "Only these roles; may be repeated"))
       ->type_name(joined(roles))
       ->delimiter(',')
@@ -288,7 +245,7 @@ void Definitions::add_symbols() {
   repeated(app.add_option_function<Names>(
                "--kind",
                [this](const Names& names) {
-                 for (const auto& name : names) symbols_.kinds.push_back(kKinds.at(name));
+                 for (const auto& name : names) symbols_.kinds.push_back(*kind_named(name));
                },
                "Only these kinds; may be repeated"))
       ->type_name(joined(kind_names()))

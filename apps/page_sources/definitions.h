@@ -13,11 +13,6 @@ namespace kestrix::program {
 
 using Names = std::vector<std::string>;
 
-/// The names that kinds of symbols go by.
-Names kind_names();
-/// The names of the pages.
-Names page_names();
-
 /// One option as completions and man pages need it.
 struct OptionDefinition {
   Names flags;        ///< "-q", "--quiet"; empty for a positional argument

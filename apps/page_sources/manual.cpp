@@ -7,7 +7,7 @@
 #include <string_view>
 
 #include "apps/page_sources/help_texts.h"
-#include "apps/page_sources/version.h"
+#include "capi/answers/version.h"
 
 namespace kestrix::program {
 namespace {

@@ -3,10 +3,9 @@
 #include <iterator>
 #include <utility>
 
-#include "apps/page_sources/document.h"
-#include "apps/page_sources/escape.h"
 #include "apps/page_sources/output.h"
 #include "apps/page_sources/pick_text.h"
+#include "capi/answers/escape.h"
 #include "kestrix/host/index_evidence.h"
 
 namespace kestrix::program {
@@ -60,40 +59,6 @@ void append_answer(std::string& out, std::string_view name, const FlowsAnswer& a
   append_nothing(out, answer.nothing_found, style);
 }
 
-void write_counts(JsonWriter& json, std::uint64_t total, bool truncated,
-                  std::string_view nothing_found) {
-  write_number(json, "total", total);
-  json.key("truncated");
-  json.boolean(truncated);
-  if (!nothing_found.empty()) write_text(json, "nothing_found", nothing_found);
-}
-
-void write_answer(JsonWriter& json, const PageAnswer& answer) {
-  if (answer.has_material) {
-    json.key("has_material");
-    json.boolean(*answer.has_material);
-  }
-  write_picks(json, "files", answer.files);
-  write_picks(json, "further", answer.further);
-  write_counts(json, answer.total, answer.truncated, answer.nothing_found);
-}
-
-void write_answer(JsonWriter& json, const FlowsAnswer& answer) {
-  json.key("classes");
-  json.begin_array();
-  for (const FlowClass& flow : answer.classes) {
-    json.begin_object();
-    write_text(json, "entry_points", flow.entry_points);
-    write_text(json, "sign", flow.sign);
-    write_texts(json, "roots", flow.roots);
-    write_picks(json, "files", flow.files);
-    write_picks(json, "further", flow.further);
-    json.end_object();
-  }
-  json.end_array();
-  write_counts(json, answer.total, answer.truncated, answer.nothing_found);
-}
-
 void append_rows(std::string& out, std::string_view page, std::string_view list,
                  std::span<const Pick> picks, std::string_view prefix = {}) {
   for (const Pick& pick : picks) {
@@ -125,22 +90,6 @@ std::string pages_as_text(std::span<const AnsweredPage> pages, const TextStyle& 
                page.answer);
   }
   return out;
-}
-
-std::string pages_as_json(const About& about, std::span<const AnsweredPage> pages) {
-  JsonWriter json;
-  begin_document(json, about);
-  json.key("pages");
-  json.begin_object();
-  for (const AnsweredPage& page : pages) {
-    json.key(page.page->name);
-    json.begin_object();
-    std::visit([&](const auto& answer) { write_answer(json, answer); }, page.answer);
-    json.end_object();
-  }
-  json.end_object();
-  json.end_object();
-  return std::move(json).take();
 }
 
 std::string pages_as_tsv(std::span<const AnsweredPage> pages) {

@@ -1,11 +1,8 @@
 #include <fmt/format.h>
 
-#include <utility>
-
-#include "apps/page_sources/document.h"
-#include "apps/page_sources/escape.h"
 #include "apps/page_sources/output.h"
 #include "apps/page_sources/table.h"
+#include "capi/answers/escape.h"
 
 namespace kestrix::program {
 namespace {
@@ -23,30 +20,6 @@ std::string skipped_as_text(const index::Statistics& statistics) {
   Table table("  ");
   for (const auto& [reason, count] : statistics.skipped) table.add(reason, std::to_string(count));
   return table.text();
-}
-
-void write_languages(JsonWriter& json, const index::Statistics& statistics) {
-  json.key("languages");
-  json.begin_object();
-  for (const auto& [name, counts] : statistics.languages) {
-    json.key(name);
-    json.begin_object();
-    write_number(json, "files", counts.files);
-    write_number(json, "unresolved", counts.unresolved);
-    json.end_object();
-  }
-  json.end_object();
-}
-
-void write_refresh(JsonWriter& json, const index::RefreshResult& refresh) {
-  json.key("refresh");
-  json.begin_object();
-  write_number(json, "added", refresh.added);
-  write_number(json, "changed", refresh.changed);
-  write_number(json, "removed", refresh.removed);
-  write_number(json, "unchanged", refresh.unchanged);
-  if (!refresh.rebuilt.empty()) write_text(json, "rebuilt", refresh.rebuilt);
-  json.end_object();
 }
 
 }  // namespace
@@ -68,26 +41,6 @@ std::string statistics_as_text(const About& about, std::string_view file,
   if (!statistics.languages.empty()) out += "languages\n" + languages_as_text(statistics);
   if (!statistics.skipped.empty()) out += "left out\n" + skipped_as_text(statistics);
   return out;
-}
-
-std::string statistics_as_json(const About& about, const index::RefreshResult& refresh,
-                               const index::Statistics& statistics) {
-  JsonWriter json;
-  begin_document(json, about);
-  write_text(json, "index", refresh.file.native());
-  write_refresh(json, refresh);
-  write_number(json, "files", statistics.files);
-  write_number(json, "sources", statistics.sources);
-  write_number(json, "documents", statistics.documents);
-  write_number(json, "generated", statistics.generated);
-  write_number(json, "edges", statistics.edges);
-  json.key("symbols");
-  json.begin_object();
-  for (const auto& [kind, count] : statistics.symbols) write_number(json, to_string(kind), count);
-  json.end_object();
-  write_languages(json, statistics);
-  json.end_object();
-  return std::move(json).take();
 }
 
 std::string refresh_as_text(const index::RefreshResult& refresh) {

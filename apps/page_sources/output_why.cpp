@@ -1,12 +1,10 @@
 #include <fmt/format.h>
 
 #include <iterator>
-#include <utility>
 
-#include "apps/page_sources/document.h"
-#include "apps/page_sources/escape.h"
 #include "apps/page_sources/output.h"
 #include "apps/page_sources/pick_text.h"
+#include "capi/answers/escape.h"
 #include "kestrix/host/index_evidence.h"
 
 namespace kestrix::program {
@@ -47,23 +45,6 @@ std::string why_as_text(const WhyAnswer& answer, const TextStyle& style) {
   out += answer.list.empty() ? "on the page are\n" : "above it are\n";
   append_picks(out, "  ", answer.above, style);
   return out;
-}
-
-std::string why_as_json(const About& about, const WhyAnswer& answer) {
-  JsonWriter json;
-  begin_document(json, about);
-  write_text(json, "page", answer.page);
-  write_text(json, "path", answer.path);
-  json.key("list");
-  json.raw(answer.list.empty() ? "null" : json_string(answer.list));
-  json.key("rank");
-  json.raw(answer.list.empty() ? "null" : std::to_string(answer.rank));
-  if (!answer.entry_points.empty()) write_text(json, "entry_points", answer.entry_points);
-  write_reasons(json, answer.reasons);
-  write_texts(json, "missing", answer.missing);
-  write_picks(json, "above", answer.above);
-  json.end_object();
-  return std::move(json).take();
 }
 
 }  // namespace kestrix::program

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "apps/page_sources/escape.h"
+#include "capi/answers/escape.h"
 
 namespace kestrix::program {
 namespace {

@@ -11,14 +11,15 @@
 #include <variant>
 #include <vector>
 
-#include "apps/page_sources/answers.h"
 #include "apps/page_sources/arguments.h"
 #include "apps/page_sources/cached.h"
 #include "apps/page_sources/configured.h"
-#include "apps/page_sources/escape.h"
+#include "apps/page_sources/opener.h"
 #include "apps/page_sources/output.h"
-#include "apps/page_sources/references.h"
-#include "apps/page_sources/repository.h"
+#include "capi/answers/answers.h"
+#include "capi/answers/escape.h"
+#include "capi/answers/json.h"
+#include "capi/answers/references.h"
 #include "kestrix/workers/wiki/page_sources/rules.h"
 
 namespace kestrix::program {
@@ -27,11 +28,13 @@ namespace {
 // The subcommands. Each returns the whole answer.
 class Commands {
  public:
-  Commands(Console& console, const StopFlag& stop) : console_(console), opener_(console, stop) {}
+  Commands(Console& console, const StopFlag& stop)
+      : console_(console), stop_(stop), opener_(console, stop) {}
 
   std::string operator()(const PagesCommand& command) const {
     const Opened opened = opener_.open(command.common);
-    const auto pages = answer_pages(opened.generator(), command.pages, command.entry_points);
+    const auto pages = answer_pages(opened.generator(), command.pages, command.entry_points,
+                                    [this] { check_stop(&stop_); });
     tell_empty_classes(command.common, pages);
     if (command.paths) return paths_as_lines(distinct_paths(pages), command.nul);
     switch (command.format) {
@@ -53,20 +56,18 @@ class Commands {
 
   std::string operator()(const EdgesCommand& command) const {
     const Opened opened = opener_.open(command.common);
-    auto edges = command.path.empty()
-                     ? find_edges(*opened.index, {command.to, command.from, command.within})
-                     : shortest_way(*opened.index, command.path[0], command.path[1]);
-    if (!command.path.empty() && edges.empty()) {
+    const EdgeRequest& request = command.request;
+    const auto edges = answer_edges(*opened.index, request);
+    if (!request.path.empty() && edges.empty()) {
       opener_.tell(command.common,
-                   fmt::format("no way leads from {} to {}", c_quoted(command.path[0]),
-                               c_quoted(command.path[1])));
+                   fmt::format("no way leads from {} to {}", c_quoted(request.path[0]),
+                               c_quoted(request.path[1])));
     }
-    if (command.folders) edges = sum_by_folder(edges, *command.folders);
     switch (command.format) {
       case Format::kJson:
         return edges_as_json(opened.about(), edges);
       case Format::kDot:
-        return edges_as_dot(edges, command.folders.has_value());
+        return edges_as_dot(edges, request.folders.has_value());
       default:
         return edges_as_tsv(edges);
     }
@@ -141,6 +142,7 @@ class Commands {
   }
 
   Console& console_;
+  const StopFlag& stop_;
   Opener opener_;
 };
 

@@ -101,12 +101,12 @@ TEST(Arguments, GlobsKeepTheirOrder) {
 TEST(Arguments, EdgesAreFilteredAndSummed) {
   const auto command = parsed<EdgesCommand>({"edges", "--to", "a", "--to", "b/*", "--from", "c",
                                              "--by", "folder:2", "--path", "x", "y", "repo"});
-  EXPECT_THAT(command.to, ElementsAre("a", "b/*"));
-  EXPECT_THAT(command.from, ElementsAre("c"));
-  EXPECT_THAT(command.path, ElementsAre("x", "y"));
-  EXPECT_EQ(command.folders, 2U);
+  EXPECT_THAT(command.request.query.to, ElementsAre("a", "b/*"));
+  EXPECT_THAT(command.request.query.from, ElementsAre("c"));
+  EXPECT_THAT(command.request.path, ElementsAre("x", "y"));
+  EXPECT_EQ(command.request.folders, 2U);
   EXPECT_EQ(command.common.repository, "repo");
-  EXPECT_EQ(parsed<EdgesCommand>({"edges", "--by", "folder"}).folders, 0U);
+  EXPECT_EQ(parsed<EdgesCommand>({"edges", "--by", "folder"}).request.folders, 0U);
 }
 
 TEST(Arguments, WhyTakesThree) {

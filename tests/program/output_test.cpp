@@ -8,9 +8,10 @@
 #include <string>
 #include <vector>
 
-#include "apps/page_sources/escape.h"
 #include "apps/page_sources/pick_text.h"
-#include "apps/page_sources/suggestions.h"
+#include "capi/answers/escape.h"
+#include "capi/answers/json.h"
+#include "capi/answers/suggestions.h"
 
 namespace kestrix::program {
 namespace {

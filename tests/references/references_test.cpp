@@ -1,4 +1,4 @@
-#include "apps/page_sources/references.h"
+#include "capi/answers/references.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "apps/page_sources/output.h"
 #include "kestrix/index/refresh/indexer.h"
 #include "tests/index/scratch.h"
 

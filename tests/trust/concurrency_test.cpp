@@ -9,8 +9,9 @@
 #include <thread>
 #include <vector>
 
-#include "apps/page_sources/answers.h"
 #include "apps/page_sources/output.h"
+#include "capi/answers/answers.h"
+#include "capi/answers/json.h"
 #include "kestrix/host/components.h"
 #include "kestrix/host/wiki_generator.h"
 #include "kestrix/index/refresh/indexer.h"

@@ -1,4 +1,4 @@
-#include "apps/page_sources/warnings.h"
+#include "capi/answers/warnings.h"
 
 #include <fmt/format.h>
 
@@ -8,7 +8,7 @@
 
 #include "kestrix/host/index_evidence.h"
 
-namespace kestrix::program {
+namespace kestrix {
 namespace {
 
 namespace fs = std::filesystem;
@@ -56,4 +56,4 @@ std::vector<std::string> warnings_of(const fs::path& root, const index::SkipCoun
   return warnings;
 }
 
-}  // namespace kestrix::program
+}  // namespace kestrix

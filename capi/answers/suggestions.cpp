@@ -1,11 +1,11 @@
-#include "apps/page_sources/suggestions.h"
+#include "capi/answers/suggestions.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <vector>
 
-namespace kestrix::program {
+namespace kestrix {
 namespace {
 
 constexpr std::size_t kLongestWord = 64;
@@ -50,4 +50,4 @@ std::string did_you_mean(std::string_view word, std::span<const std::string> can
   return near.empty() ? "" : fmt::format("; did you mean {}?", near);
 }
 
-}  // namespace kestrix::program
+}  // namespace kestrix

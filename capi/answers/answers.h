@@ -1,18 +1,20 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
+#include <functional>
 #include <optional>
 #include <span>
 #include <string>
 #include <variant>
 #include <vector>
 
-#include "apps/page_sources/arguments.h"
 #include "kestrix/files/skip_counts.h"
 #include "kestrix/host/pages.h"
+#include "kestrix/host/queries/edge_query.h"
 #include "kestrix/index/index.h"
 
-namespace kestrix::program {
+namespace kestrix {
 
 /// What every answer about a repository says of it.
 struct About {
@@ -29,10 +31,22 @@ struct AnsweredPage {
   std::variant<PageAnswer, FlowsAnswer> answer;
 };
 
-/// Answers each page. Throws what the pages throw.
+/// Answers each page. Throws what the pages throw, and what `before_each` throws.
 std::vector<AnsweredPage> answer_pages(const WikiGenerator& generator,
                                        std::span<const Page* const> pages,
-                                       std::span<const std::string> entry_points);
+                                       std::span<const std::string> entry_points,
+                                       const std::function<void()>& before_each = {});
+
+/// Which edges are asked for, and in what shape.
+struct EdgeRequest {
+  EdgeQuery query;
+  std::vector<std::string> path;    ///< two files between which the shortest way is sought, or none
+  std::optional<unsigned> folders;  ///< sums between folders of so many levels; 0: of all levels
+};
+
+/// Throws `BadGlob`, and `Error`, which names the path, for a way between unknown files.
+std::vector<FoundEdge> answer_edges(const index::RepositoryIndex& index,
+                                    const EdgeRequest& request);
 
 /// A symbol with its file.
 struct FoundSymbol {
@@ -51,4 +65,4 @@ std::vector<FoundSymbol> find_symbols(const index::RepositoryIndex& index,
 /// Every path of these answers once, in their order.
 std::vector<std::string> distinct_paths(std::span<const AnsweredPage> pages);
 
-}  // namespace kestrix::program
+}  // namespace kestrix

@@ -1,13 +1,12 @@
-#include "apps/page_sources/document.h"
+#include "capi/answers/document.h"
 
 #include <fmt/format.h>
 
 #include <string>
 
-#include "apps/page_sources/output.h"
-#include "apps/page_sources/version.h"
+#include "capi/answers/version.h"
 
-namespace kestrix::program {
+namespace kestrix {
 namespace {
 
 std::string place_as_json(const Place& place) {
@@ -90,4 +89,4 @@ void write_picks(JsonWriter& json, std::string_view key, std::span<const Pick> p
   json.end_array();
 }
 
-}  // namespace kestrix::program
+}  // namespace kestrix

@@ -6,10 +6,9 @@
 #include <string_view>
 #include <vector>
 
-#include "apps/page_sources/answers.h"
 #include "kestrix/index/index.h"
 
-namespace kestrix::program {
+namespace kestrix {
 
 /// One row of the answer: all mentions of one target in one role by one file.
 struct FoundReference {
@@ -34,7 +33,4 @@ struct ReferenceQuery {
 std::vector<FoundReference> find_references(const index::RepositoryIndex& index,
                                             const ReferenceQuery& query);
 
-std::string references_as_tsv(std::span<const FoundReference> references);
-std::string references_as_json(const About& about, std::span<const FoundReference> references);
-
-}  // namespace kestrix::program
+}  // namespace kestrix

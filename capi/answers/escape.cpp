@@ -1,11 +1,11 @@
-#include "apps/page_sources/escape.h"
+#include "capi/answers/escape.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <cstddef>
 
-namespace kestrix::program {
+namespace kestrix {
 namespace {
 
 constexpr unsigned char byte_at(std::string_view text, std::size_t at) {
@@ -136,4 +136,4 @@ std::string one_line(std::string_view text) {
   return escaped(text, is_control, c_escape, octals, octal);
 }
 
-}  // namespace kestrix::program
+}  // namespace kestrix

@@ -1,16 +1,11 @@
-#include "apps/page_sources/references.h"
-
-#include <fmt/format.h>
+#include "capi/answers/references.h"
 
 #include <algorithm>
-#include <iterator>
 #include <tuple>
 
-#include "apps/page_sources/document.h"
-#include "apps/page_sources/escape.h"
 #include "kestrix/text/wildmatch.h"
 
-namespace kestrix::program {
+namespace kestrix {
 namespace {
 
 using index::IndexedReference;
@@ -53,13 +48,6 @@ void join(std::vector<FoundReference>& rows) {
   std::ranges::sort(rows);
 }
 
-std::string as_json(const FoundReference& row) {
-  return fmt::format(
-      R"({{"source": {}, "line": {}, "role": "{}", "target": {}, "name": {}, "count": {}}})",
-      json_string(row.source), row.line, to_string(row.role),
-      row.target.empty() ? "null" : json_string(row.target), json_string(row.name), row.count);
-}
-
 }  // namespace
 
 std::vector<FoundReference> find_references(const index::RepositoryIndex& index,
@@ -88,25 +76,4 @@ std::vector<FoundReference> find_references(const index::RepositoryIndex& index,
   return rows;
 }
 
-std::string references_as_tsv(std::span<const FoundReference> references) {
-  std::string out;
-  for (const FoundReference& row : references) {
-    fmt::format_to(std::back_inserter(out), "{}\t{}\t{}\t{}\t{}\t{}\n", c_quoted(row.source),
-                   row.line, to_string(row.role), c_quoted(row.target), c_quoted(row.name),
-                   row.count);
-  }
-  return out;
-}
-
-std::string references_as_json(const About& about, std::span<const FoundReference> references) {
-  JsonWriter json;
-  begin_document(json, about);
-  json.key("references");
-  json.begin_array();
-  for (const FoundReference& row : references) json.raw(as_json(row));
-  json.end_array();
-  json.end_object();
-  return std::move(json).take();
-}
-
-}  // namespace kestrix::program
+}  // namespace kestrix

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-namespace kestrix::program {
+namespace kestrix {
 
 /// A JSON string, quotes included. A byte that is not part of valid UTF-8 becomes the lone
 /// surrogate "\udc80" to "\udcff" whose low half is the byte. No valid text holds one, so nothing
@@ -25,4 +25,4 @@ std::string dot_string(std::string_view text);
 /// terminal.
 std::string one_line(std::string_view text);
 
-}  // namespace kestrix::program
+}  // namespace kestrix

@@ -4,10 +4,13 @@
 
 #include <span>
 
-#include "apps/page_sources/answers.h"
-#include "apps/page_sources/json_writer.h"
+#include "capi/answers/answers.h"
+#include "capi/answers/json_writer.h"
 
-namespace kestrix::program {
+namespace kestrix {
+
+/// Number of the JSON form; raised when a reader of the old form would misread the new one.
+inline constexpr int kJsonSchema = 2;
 
 /// Opens a document with the members that tell of the program alone: `schema`, `program`.
 void begin_document(JsonWriter& json);
@@ -31,4 +34,4 @@ void write_number(JsonWriter& json, std::string_view key, std::uint64_t number);
 /// A member that is a text.
 void write_text(JsonWriter& json, std::string_view key, std::string_view text);
 
-}  // namespace kestrix::program
+}  // namespace kestrix

@@ -4,9 +4,9 @@
 #include <string_view>
 #include <vector>
 
-#include "apps/page_sources/escape.h"
+#include "capi/answers/escape.h"
 
-namespace kestrix::program {
+namespace kestrix {
 
 /// Writes one JSON document, indented by two, as it is told its parts in order.
 ///
@@ -66,4 +66,4 @@ class JsonWriter {
   bool after_key_ = false;
 };
 
-}  // namespace kestrix::program
+}  // namespace kestrix

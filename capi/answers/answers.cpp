@@ -1,4 +1,4 @@
-#include "apps/page_sources/answers.h"
+#include "capi/answers/answers.h"
 
 #include <algorithm>
 #include <tuple>
@@ -7,7 +7,7 @@
 
 #include "kestrix/text/wildmatch.h"
 
-namespace kestrix::program {
+namespace kestrix {
 namespace {
 
 class PathList {
@@ -29,9 +29,11 @@ class PathList {
 
 std::vector<AnsweredPage> answer_pages(const WikiGenerator& generator,
                                        std::span<const Page* const> pages,
-                                       std::span<const std::string> entry_points) {
+                                       std::span<const std::string> entry_points,
+                                       const std::function<void()>& before_each) {
   std::vector<AnsweredPage> answers;
   for (const Page* page : pages) {
+    if (before_each) before_each();
     if (page->answer == nullptr) {
       answers.push_back({page, answer_flows(generator, entry_points)});
     } else {
@@ -39,6 +41,13 @@ std::vector<AnsweredPage> answer_pages(const WikiGenerator& generator,
     }
   }
   return answers;
+}
+
+std::vector<FoundEdge> answer_edges(const index::RepositoryIndex& index,
+                                    const EdgeRequest& request) {
+  auto edges = request.path.empty() ? find_edges(index, request.query)
+                                    : shortest_way(index, request.path[0], request.path[1]);
+  return request.folders ? sum_by_folder(edges, *request.folders) : edges;
 }
 
 std::vector<FoundSymbol> find_symbols(const index::RepositoryIndex& index,
@@ -74,4 +83,4 @@ std::vector<std::string> distinct_paths(std::span<const AnsweredPage> pages) {
   return std::move(list).take();
 }
 
-}  // namespace kestrix::program
+}  // namespace kestrix
