@@ -5,6 +5,7 @@
 #include <map>
 
 #include "kestrix/host/evidence/error_types.h"
+#include "kestrix/host/evidence/overriding.h"
 #include "kestrix/languages/frameworks.h"
 #include "kestrix/text/paths.h"
 
@@ -21,6 +22,7 @@ constexpr std::size_t kMostImplementers = 5'000;
 constexpr std::size_t kAskedFor = 3;   // so many files name a contract that one type implements
 constexpr std::size_t kPlainBase = 3;  // so many files extend a type that is no open one
 constexpr std::size_t kPlainFolders = 2;
+constexpr std::size_t kMostDependents = 3;  // what more name serves them
 
 bool is_interface(DeclarationKind kind) {
   return kind == DeclarationKind::kInterface || kind == DeclarationKind::kTrait ||
@@ -66,6 +68,14 @@ class Finder {
       folders.insert(folder_of(evidence_.path(implementer.file)));
     }
     contract.folders = folders.size();
+    const auto quiet = std::ranges::count_if(contract.files, [this](FileId file) {
+      return evidence_.product_dependents(file) <= kMostDependents;
+    });
+    contract.quiet = contract.files.empty()
+                         ? 0
+                         : static_cast<double>(quiet) / static_cast<double>(contract.files.size());
+    contract.called = contract.open ? 1 : overriding_share(evidence_, type, contract.files);
+    contract.data = declared.methods == 0 && declared.bases().empty();
     std::set<FileId> users;
     std::set<FileId> tests;
     for (const std::uint32_t at : evidence_.references_to(type)) {
@@ -98,8 +108,10 @@ class Finder {
 
   bool counts(const Contract& contract) const {
     const auto& declared = evidence_[contract.type];
-    // What only its own package can name is for nobody else to implement.
-    if (!declared.exported && contract.folders < kPlainFolders) return false;
+    // What only its own package can name is for nobody else to implement; where types satisfy
+    // interfaces without naming them, not even where others do.
+    const bool coincides = evidence_.index().files()[contract.type.file].language == "go";
+    if (!declared.exported && (coincides || contract.folders < kPlainFolders)) return false;
     if (contract.open) {
       if (contract.files.size() >= 2) return true;
       const bool tried = contract.test_implementers > 0 || contract.users >= 2;

@@ -22,6 +22,8 @@ constexpr Signal kImplemented{"implemented", 2.0, "{} file implements its contra
                               "{} files implement its contracts", "mockito, crates.io"};
 constexpr Signal kAsked{"asked_for", 1.0, "{} file asks for its contract",
                         "{} files ask for its contracts", "eShopOnWeb, lazygit"};
+constexpr Signal kServes{"asked_for", 0.6, "{} file asks for its contract",
+                         "{} files ask for its contracts", "eShopOnWeb, firefly"};
 constexpr Signal kExtended{"extended", 0.6, "{} file extends its base type",
                            "{} files extend its base types", "netbox, BookStack"};
 constexpr Signal kTried{"implemented_in_tests", 1.2, "{} test implements its contract",
@@ -43,6 +45,11 @@ constexpr Signal kLoads{"loads_by_name", 2.6, "loads code by name", "loads code 
 constexpr RoleSet kNaming{Role::kConstructs, Role::kCalls, Role::kLists, Role::kString,
                           Role::kType};
 constexpr std::size_t kSeveral = 3;
+constexpr double kLoudFactor = 0.35;
+constexpr double kDataFactor = 0.4;
+constexpr double kLeastCalled = 0.3;
+constexpr double kUncalledFactor = 0.6;
+constexpr double kSideFactor = 0.4;
 
 class Signals {
  public:
@@ -54,12 +61,17 @@ class Signals {
     add_bases_for_others();
     add_gatherers();
     add_references();
+    scale_sides();
     return std::move(sheet_);
   }
 
  private:
   struct OfFile {
     std::set<FileId> implementing, asking, extending, trying;
+    std::set<FileId> serving;  // that ask for a contract of one implementer
+    double quiet = 0;          // of the quietest contract
+    double called = 0;
+    bool data = true;
     std::vector<Place> open, plain;
   };
 
@@ -68,13 +80,19 @@ class Signals {
     for (const Contract& contract : contracts_) {
       OfFile& of = by_file[contract.type.file];
       (contract.open ? of.open : of.plain).push_back(evidence_.place_of(contract.type));
+      of.quiet = std::max(of.quiet, contract.quiet);
+      of.called = std::max(of.called, contract.called);
+      of.data &= contract.data;
       auto& into = contract.open ? of.implementing : of.extending;
       into.insert(contract.files.begin(), contract.files.end());
       for (const std::uint32_t at : evidence_.references_to(contract.type)) {
         const IndexedReference& to = evidence_.reference(at);
         if (to.source == contract.type.file) continue;
         const bool product = evidence_.is_product(to.source);
-        if (!kSubtyping.has(to.role) && product && contract.open) of.asking.insert(to.source);
+        const bool several = contract.files.size() > 1 || contract.test_implementers > 0;
+        if (!kSubtyping.has(to.role) && product && contract.open) {
+          (several ? of.asking : of.serving).insert(to.source);
+        }
         if (kSubtyping.has(to.role) && evidence_.is_test(to.source)) of.trying.insert(to.source);
       }
     }
@@ -82,8 +100,13 @@ class Signals {
       const std::string open = names_and_lines(of.open);
       sheet_.add(file, kImplemented, of.implementing.size(), of.open, open);
       sheet_.add(file, kAsked, of.asking.size(), of.open, open);
+      sheet_.add(file, kServes, of.serving.size(), of.open, open);
       sheet_.add(file, kExtended, of.extending.size(), of.plain, names_and_lines(of.plain));
       sheet_.add(file, kTried, of.trying.size());
+      // What many name is made to be used, whatever it implements.
+      sheet_.scale(file, kLoudFactor + (1 - kLoudFactor) * of.quiet);
+      if (of.called < kLeastCalled) sheet_.scale(file, kUncalledFactor);
+      if (of.data) sheet_.scale(file, kDataFactor);
     }
   }
 
@@ -105,6 +128,25 @@ class Signals {
       const std::string names = names_and_lines(places);
       const std::size_t count = places.size();
       sheet_.add(file, kForOthers, count, std::move(places), names);
+    }
+  }
+
+  // A product is extended in the language that it is written in; what others hold beside it is a
+  // part of its surroundings.
+  void scale_sides() {
+    const auto files = evidence_.index().files();
+    std::map<const index::FrameworkName*, std::size_t> counts;  // by table: of related languages
+    const auto group_of = [&](FileId file) {
+      return index::framework_names(files[file].language).data();
+    };
+    for (FileId file = 0; file < files.size(); ++file) {
+      if (evidence_.is_product(file)) ++counts[group_of(file)];
+    }
+    counts.erase(nullptr);
+    std::size_t most = 0;
+    for (const auto& [group, count] : counts) most = std::max(most, count);
+    for (const auto& scored : sheet_.ranked()) {
+      if (counts[group_of(scored.file)] * 2 < most) sheet_.scale(scored.file, kSideFactor);
     }
   }
 

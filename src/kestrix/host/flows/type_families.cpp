@@ -6,6 +6,7 @@
 #include <set>
 
 #include "kestrix/host/evidence/error_types.h"
+#include "kestrix/host/evidence/overriding.h"
 #include "kestrix/host/flows/families.h"
 #include "kestrix/host/flows/family_signs.h"
 #include "kestrix/host/index_evidence.h"
@@ -48,6 +49,7 @@ constexpr double kHeldFactor = 0.4;
 constexpr double kUnlikeFactor = 0.6;
 constexpr double kAlike = 0.6;
 constexpr double kTogether = 0.8;
+constexpr double kMostOverride = 0.5;
 constexpr double kMostPassive = 0.5;
 
 std::string_view last_word(std::string_view name) {
@@ -155,23 +157,8 @@ class TypeFamilies {
   bool calls_them(DeclarationRef base, const Files& files) const {
     const auto& declared = code_[base];
     if (declared.abstract_methods > 0 || declared.kind == DeclarationKind::kInterface) return true;
-    std::set<std::string_view> members;
-    for (const auto& row : code_.index().declarations(base.file)) {
-      const bool own = row.kind == DeclarationKind::kMethod && row.container == base.place + 1;
-      if (own && !is_constructor(row.name, declared.name)) members.insert(row.name);
-    }
-    const auto overriding = std::ranges::count_if(files, [&](FileId file) {
-      return std::ranges::any_of(code_.index().declarations(file), [&](const auto& row) {
-        return row.kind == DeclarationKind::kMethod && members.contains(row.name);
-      });
-    });
-    if (static_cast<std::size_t>(overriding) * 2 >= files.size()) return true;
+    if (overriding_share(code_, base, files) >= kMostOverride) return true;
     return declared.kind == DeclarationKind::kClass && patterns_.likeness(files) >= kTogether;
-  }
-
-  static bool is_constructor(std::string_view name, std::string_view type) {
-    return name == type || name == "__init__" || name == "__construct" || name == "constructor" ||
-           name == "initialize" || name == "init";
   }
 
   // Whether all types of a file are without behaviour.

@@ -1,0 +1,31 @@
+#include "kestrix/host/evidence/overriding.h"
+
+#include <algorithm>
+#include <set>
+
+namespace kestrix {
+
+using index::DeclarationKind;
+
+bool is_constructor(std::string_view method, std::string_view type) {
+  return method == type || method == "__init__" || method == "__construct" ||
+         method == "constructor" || method == "initialize" || method == "init";
+}
+
+double overriding_share(const CodeEvidence& evidence, index::DeclarationRef base,
+                        std::span<const index::FileId> files) {
+  std::set<std::string_view> members;
+  for (const auto& row : evidence.index().declarations(base.file)) {
+    const bool own = row.kind == DeclarationKind::kMethod && row.container == base.place + 1;
+    if (own && !is_constructor(row.name, evidence[base].name)) members.insert(row.name);
+  }
+  if (members.empty() || files.empty()) return 0;
+  const auto overriding = std::ranges::count_if(files, [&](index::FileId file) {
+    return std::ranges::any_of(evidence.index().declarations(file), [&](const auto& row) {
+      return row.kind == DeclarationKind::kMethod && members.contains(row.name);
+    });
+  });
+  return static_cast<double>(overriding) / static_cast<double>(files.size());
+}
+
+}  // namespace kestrix
