@@ -85,7 +85,11 @@ WordScanner::WordScanner(std::string_view text, const Lexis& lexis) : text_(text
   };
   for (const auto comment : lexis.line_comments) opener(comment);
   opener(lexis.block_open);
-  for (const auto& style : lexis.strings) opener(style.open);
+  for (const auto& style : lexis.strings) {
+    opener(style.open);
+    if (!style.splice.ends_with('(')) continue;
+    for (const char c : {'(', ')'}) kinds_[static_cast<unsigned char>(c)] = Kind::kBrace;
+  }
   if (lexis.regexes) opener("/");
   if (lexis.char_literals) opener("'");
 }
@@ -137,8 +141,11 @@ void WordScanner::skip_brace() {
   before_ = brace;
   last_word_ = {};
   if (open_.empty()) return;
-  if (brace == '{') {
+  const char opening = open_.back().style->splice.back();
+  if (brace == opening) {
     ++open_.back().braces;
+  } else if (brace != (opening == '(' ? ')' : '}')) {
+    return;
   } else if (open_.back().braces > 0) {
     --open_.back().braces;
   } else {
@@ -182,15 +189,18 @@ bool WordScanner::splices(const StringStyle& style) const {
 void WordScanner::skip_string_rest(const StringStyle& style, bool splices) {
   before_ = '"';
   last_word_ = {};
+  const bool escaped = style.splice.starts_with('\\');
   while (at_ < text_.size()) {
-    if (const std::size_t length = protected_length(text_.substr(at_), style); length > 0) {
+    const bool opens = splices && starts(style.splice);
+    const std::size_t length = opens && escaped ? 0 : protected_length(text_.substr(at_), style);
+    if (length > 0) {
       at_ += length;
     } else if (starts(style.close)) {
       at_ += style.close.size();
       return;
     } else if (text_[at_] == '\n' && !style.multiline) {
       return;
-    } else if (splices && starts(style.splice)) {
+    } else if (opens) {
       at_ += style.splice.size();
       open_.push_back({&style, 0});
       before_ = '{';

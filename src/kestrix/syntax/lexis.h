@@ -16,7 +16,8 @@ struct StringStyle {
   bool multiline = false;  ///< otherwise an unclosed one ends with its line
   bool escapes = true;     ///< a backslash protects the byte after it
   bool doubles = false;    ///< the closing mark written twice stands for itself
-  /// What opens code inside the string, up to the matching "}" ("${", "#{", "{"); "" for nothing.
+  /// What opens code inside the string, up to the matching bracket ("${", "{", "\("); "" for
+  /// nothing.
   std::string_view splice{};
   /// The splice counts only when the word that touches the opening quote holds one of these
   /// letters (the "f" of Python's f-strings); "" for always.

@@ -15,8 +15,8 @@ constexpr std::array<std::string_view, 1> kComments = {"//"};
 constexpr std::array kStrings = {
     StringStyle{.open = R"(#""")", .close = R"("""#)", .multiline = true, .escapes = false},
     StringStyle{.open = "#\"", .close = "\"#", .escapes = false},
-    StringStyle{.open = R"(""")", .close = R"(""")", .multiline = true},
-    StringStyle{.open = "\"", .close = "\""},
+    StringStyle{.open = R"(""")", .close = R"(""")", .multiline = true, .splice = "\\("},
+    StringStyle{.open = "\"", .close = "\"", .splice = "\\("},
     StringStyle{.open = "`", .close = "`", .escapes = false},
 };
 constexpr Lexis kLexis = {.line_comments = kComments,
