@@ -122,12 +122,61 @@ World programs_of_one_module(std::size_t n) {
   return world;
 }
 
+std::string lines(std::size_t times, const std::function<std::string(std::size_t)>& piece) {
+  std::string text;
+  for (std::size_t i = 0; i < times; ++i) text += piece(i) + "\n";
+  return text;
+}
+
+World constants_in_opened_modules(std::size_t n) {
+  return {
+      {"a.rb", lines(2 * n, [](auto i) { return fmt::format("module M{}\nend", i); }) +
+                   lines(2 * n, [](auto i) { return fmt::format("SomeLongConstant{}.a", i); })}};
+}
+
+World parts_of_a_name(std::size_t n) {
+  std::string name = "A";
+  for (std::size_t i = 0; i < 10 * n; ++i) name += "::A";
+  return {{"a.rb", "module " + name + "\nend\n"}};
+}
+
+World names_through_wildcards(std::size_t n) {
+  World world = {
+      {"a/A.java",
+       "package a;\n" + lines(n, [](auto i) { return fmt::format("import b{}.*;", i); }) +
+           "class A {\n" + lines(n, [](auto i) { return fmt::format("N{0} x{0};", i); }) + "}"}};
+  for (std::size_t i = 0; i < n; ++i)
+    world[fmt::format("b{}/B.java", i)] = fmt::format("package b{}; class B {{}}", i);
+  return world;
+}
+
+World barrels_of_one_file(std::size_t n) {
+  World world = {
+      {"b.ts", lines(n, [](auto i) { return fmt::format("export const c{} = 1;", i); })}};
+  for (std::size_t i = 0; i < n; ++i) world[fmt::format("a{}.ts", i)] = "export * from './b'";
+  return world;
+}
+
+World blank_imports_of_a_large_package(std::size_t n) {
+  World world = {{"go.mod", "module m"}};
+  for (std::size_t i = 0; i < n; ++i) {
+    world[fmt::format("p/f{}.go", i)] = "package p\nimport _ \"m/q\"";
+    world[fmt::format("q/f{}.go", i)] = fmt::format("package q\nfunc F{}() {{}}", i);
+  }
+  return world;
+}
+
 TEST(Imports, CostNoMoreThanTheirNumber) {
   expect_linear({
       {"modules by two ways each", modules_by_two_ways},
       {"modules in a circle", modules_in_a_circle},
       {"uses of all names of a module", uses_of_all_names},
       {"programs of one module", programs_of_one_module},
+      {"constants in opened modules", constants_in_opened_modules},
+      {"parts of a name", parts_of_a_name},
+      {"names through wildcards", names_through_wildcards},
+      {"barrels of one file", barrels_of_one_file},
+      {"blank imports of a large package", blank_imports_of_a_large_package},
   });
 }
 

@@ -9,6 +9,7 @@
 #include "kestrix/definitions/evidence.h"
 #include "kestrix/definitions/source_text.h"
 #include "kestrix/facts/data_signals.h"
+#include "kestrix/text/seeded_hash.h"
 
 namespace kestrix {
 
@@ -50,7 +51,7 @@ class DefinitionCounter {
   bool dialect_ = false;         ///< a document said that it is a schema
   bool class_is_mapped_ = true;  ///< the latest class of the text counts as an entity already
   std::size_t block_end_ = 0;    ///< of the latest block that was looked into
-  std::unordered_map<std::string_view, ClassSort> classes_;  ///< of the text, by name
+  std::unordered_map<std::string_view, ClassSort, SeededHash> classes_;  ///< of the text, by name
   std::optional<std::vector<TripleQuoted>> strings_;
   std::size_t next_string_ = 0;
   TemplateLiterals literals_{text_};

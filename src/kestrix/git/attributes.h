@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "kestrix/text/seeded_hash.h"
 #include "kestrix/text/wildmatch.h"
 
 namespace kestrix::index {
@@ -53,7 +54,7 @@ class GitAttributes {
     bool of_kind = false;
   };
   using Sayings = std::array<Said, kGitAttributeNames.size()>;
-  using Table = std::unordered_map<std::string, Sayings>;
+  using Table = std::unordered_map<std::string, Sayings, SeededHash>;
 
   // Of the patterns of one file. Most are of a form that is looked up or compared.
   struct Scope {
@@ -76,7 +77,7 @@ class GitAttributes {
   void add_glob(Scope& scope, std::string_view pattern, const Sayings& said);
   static Sayings said_of(const Scope& scope, std::string_view path);
 
-  std::unordered_map<std::string, std::unique_ptr<Scope>> scopes_;
+  std::unordered_map<std::string, std::unique_ptr<Scope>, SeededHash> scopes_;
   std::size_t longest_folder_ = 0;
   std::size_t suffix_count_ = 0;
   std::size_t glob_parts_ = 0;

@@ -18,6 +18,7 @@
 #include "kestrix/roles/path_roles.h"
 #include "kestrix/text/ascii.h"
 #include "kestrix/text/paths.h"
+#include "kestrix/text/seeded_hash.h"
 
 namespace kestrix {
 namespace {
@@ -119,8 +120,8 @@ class AllSeries {
     return shared >= 2 && !any_folder(folder, reports_news);
   }
 
-  std::unordered_map<std::string_view, Series> series_;
-  std::unordered_map<std::string_view, Counts> headings_;
+  std::unordered_map<std::string_view, Series, SeededHash> series_;
+  std::unordered_map<std::string_view, Counts, SeededHash> headings_;
 };
 
 // Copies of internet standards carry their number as their whole name.

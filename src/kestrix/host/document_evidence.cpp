@@ -11,6 +11,7 @@
 
 #include "kestrix/text/ascii.h"
 #include "kestrix/text/paths.h"
+#include "kestrix/text/seeded_hash.h"
 
 namespace kestrix {
 namespace {
@@ -96,10 +97,12 @@ class Targets {
   }
 
   const RepositoryIndex& index_;
-  std::unordered_map<std::string_view, std::vector<std::string_view>> sources_;    // by name
-  std::unordered_map<std::string_view, std::vector<std::string_view>> documents_;  // by name
-  std::unordered_set<std::string_view> folders_;
-  std::unordered_set<std::string_view> types_;
+  std::unordered_map<std::string_view, std::vector<std::string_view>, SeededHash>
+      sources_;  // by name
+  std::unordered_map<std::string_view, std::vector<std::string_view>, SeededHash>
+      documents_;  // by name
+  std::unordered_set<std::string_view, SeededHash> folders_;
+  std::unordered_set<std::string_view, SeededHash> types_;
 };
 
 // The strings outlive the views: they stand in the same object, which is not changed again.

@@ -8,6 +8,7 @@
 
 #include "kestrix/facts/document_facts.h"
 #include "kestrix/index/index.h"
+#include "kestrix/text/seeded_hash.h"
 
 namespace kestrix {
 
@@ -42,7 +43,7 @@ class DocumentEvidence {
   bool is_copy(std::string_view path) const;
 
  private:
-  std::unordered_map<std::string_view, DocumentView> documents_;
+  std::unordered_map<std::string_view, DocumentView, SeededHash> documents_;
   std::unordered_map<std::uint64_t, std::string_view> originals_;  // by content
 };
 

@@ -8,6 +8,7 @@
 #include "kestrix/roles/folder_names.h"
 #include "kestrix/roles/test_paths.h"
 #include "kestrix/text/paths.h"
+#include "kestrix/text/seeded_hash.h"
 
 namespace kestrix {
 namespace {
@@ -49,7 +50,7 @@ bool is_data_path(std::string_view path) {
 
 std::vector<bool> code_that_tests_read(const JudgedRepository& repository) {
   std::vector<bool> alone(repository.files.size());
-  std::unordered_map<std::string_view, Neighbours> folders;
+  std::unordered_map<std::string_view, Neighbours, SeededHash> folders;
   for (std::size_t place = 0; place < alone.size(); ++place) {
     const JudgedFile& file = repository.files[place];
     if (!file.is_code() || test_sign(file.path).kind != TestSign::Kind::kFolder) continue;

@@ -17,7 +17,7 @@ class Meter {
   bool exhausted() const { return exhausted_; }
 
  private:
-  static constexpr std::size_t kPiece = std::size_t{16} << 10U;
+  static constexpr std::size_t kPiece = std::size_t{2} << 10U;
   static constexpr std::size_t kCopied = std::size_t{4} << 10U;
 
   bool take_step() {

@@ -13,7 +13,7 @@ namespace kestrix::index {
 /// The syntax tree of a text, which must outlive it. Nodes of the tree and cursors over it live no
 /// longer than this. One a thread at a time.
 ///
-/// What a parse may cost is counted in steps: a hundred operations of the parser, 16 KiB of text
+/// What a parse may cost is counted in steps: a hundred operations of the parser, 2 KiB of text
 /// that its lexer reads, again and again where it goes back, or 4 KiB of lists that it copies. For
 /// code each is some 20 microseconds; where the parser goes back all the time the first may be four
 /// times as many. Time is not looked at, so the same text is parsed or given up in every run.

@@ -2,8 +2,9 @@
 
 #include <algorithm>
 #include <bit>
-#include <functional>
 #include <utility>
+
+#include "kestrix/text/seeded_hash.h"
 
 namespace kestrix::index {
 namespace {
@@ -20,7 +21,7 @@ void WordCounts::reset(std::size_t bytes) {
 
 const WordCounts::Entry& WordCounts::slot(std::string_view word) const {
   const std::size_t mask = slots_.size() - 1;
-  std::size_t at = std::hash<std::string_view>{}(word)&mask;
+  std::size_t at = seeded_hash(word) & mask;
   while (slots_[at].word.data() != nullptr && slots_[at].word != word) at = (at + 1) & mask;
   return slots_[at];
 }

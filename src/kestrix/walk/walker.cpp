@@ -18,6 +18,7 @@
 #include "kestrix/files/file_reading.h"
 #include "kestrix/git/ignore_rules.h"
 #include "kestrix/git/work_tree.h"
+#include "kestrix/text/seeded_hash.h"
 #include "kestrix/utils/error.h"
 #include "kestrix/walk/third_party.h"
 
@@ -164,7 +165,7 @@ class GitPolicy : public Policy {
     }
     const auto missing = tree_.tracked.size() - tracked_seen_;
     if (!named || missing == 0) return result.skipped.add(skipped::kMissing, missing);
-    std::unordered_set<std::string> seen;
+    std::unordered_set<std::string, SeededHash> seen;
     for (const LeftOut& left : result.left_out) {
       const bool folder = left.path.ends_with('/');
       if (!folder || left.reason == skipped::kThirdParty) seen.insert(left.path);
@@ -183,7 +184,8 @@ class GitPolicy : public Policy {
   };
 
   // Whether the path or a folder of it is one of `left`.
-  static bool lies_in(const std::unordered_set<std::string>& left, const std::string& path) {
+  static bool lies_in(const std::unordered_set<std::string, SeededHash>& left,
+                      const std::string& path) {
     if (left.contains(path)) return true;
     for (auto end = path.find('/'); end != path.npos; end = path.find('/', end + 1)) {
       if (left.contains(path.substr(0, end + 1))) return true;

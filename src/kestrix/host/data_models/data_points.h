@@ -3,11 +3,13 @@
 #include <string_view>
 #include <unordered_map>
 
+#include "kestrix/text/seeded_hash.h"
+
 namespace kestrix {
 
 /// How much speaks for each file that belongs among those that define the data, by path. The others
 /// have no entry.
-using DataPoints = std::unordered_map<std::string_view, double>;
+using DataPoints = std::unordered_map<std::string_view, double, SeededHash>;
 
 /// While it lives, `data_model_files` ranks by the points, on the thread that made it. The rule's
 /// signature has room for texts alone.

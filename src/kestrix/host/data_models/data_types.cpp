@@ -13,6 +13,7 @@
 #include "kestrix/host/evidence/error_types.h"
 #include "kestrix/languages/frameworks.h"
 #include "kestrix/text/paths.h"
+#include "kestrix/text/seeded_hash.h"
 
 namespace kestrix {
 namespace {
@@ -66,7 +67,7 @@ class Gatherer {
   };
 
   void number_folders() {
-    std::unordered_map<std::string_view, std::uint32_t> numbers;
+    std::unordered_map<std::string_view, std::uint32_t, SeededHash> numbers;
     std::set<std::uint32_t> of_product;
     const auto files = index_.files();
     folders_.resize(files.size());

@@ -3,6 +3,8 @@
 #include <string_view>
 #include <unordered_map>
 
+#include "kestrix/text/seeded_hash.h"
+
 namespace kestrix {
 namespace {
 
@@ -55,7 +57,7 @@ void TypeTable::add(FileId file, std::span<const DeclarationView> rows, std::uin
 
 // Methods that are written down outside of their type, maybe in another file ("Type.method").
 void TypeTable::add_methods_outside() {
-  std::unordered_map<std::string_view, std::uint32_t> by_name;
+  std::unordered_map<std::string_view, std::uint32_t, SeededHash> by_name;
   for (std::uint32_t at = 0; at < types_.size(); ++at) {
     const DeclarationView& row = evidence_[types_[at].at];
     if (!is_type(row.kind)) continue;

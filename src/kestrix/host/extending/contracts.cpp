@@ -19,6 +19,8 @@ using index::folder_of;
 using index::IndexedReference;
 
 constexpr std::size_t kMostImplementers = 5'000;
+// Of all contracts together; where there are more, only those count that name their contract.
+constexpr std::size_t kMostDescendants = 1'000'000;
 constexpr std::size_t kAskedFor = 3;   // so many files name a contract that one type implements
 constexpr std::size_t kPlainBase = 3;  // so many files extend a type that is no open one
 constexpr std::size_t kPlainFolders = 2;
@@ -34,7 +36,7 @@ class Finder {
   explicit Finder(const CodeEvidence& evidence)
       : evidence_(evidence), errors_(error_types(evidence)) {}
 
-  std::vector<Contract> find() const {
+  std::vector<Contract> find() {
     std::set<DeclarationRef> bases;
     for (const IndexedReference& to : evidence_.index().references()) {
       if (to.declaration == 0 || to.target == IndexedReference::kOutside) continue;
@@ -52,7 +54,7 @@ class Finder {
   }
 
  private:
-  Contract look_at(DeclarationRef type) const {
+  Contract look_at(DeclarationRef type) {
     Contract contract{.type = type, .implementers = {}, .files = {}};
     const auto& declared = evidence_[type];
     // An interface may be made of others alone; a class says by what it leaves open that it is one.
@@ -92,13 +94,15 @@ class Finder {
     return contract;
   }
 
-  std::vector<DeclarationRef> descendants(DeclarationRef type) const {
+  std::vector<DeclarationRef> descendants(DeclarationRef type) {
+    if (looked_at_ > kMostDescendants) return evidence_.subtypes(type);
     std::set<DeclarationRef> known{type};
     std::vector<DeclarationRef> open{type};
     while (!open.empty() && known.size() < kMostImplementers) {
       const DeclarationRef next = open.back();
       open.pop_back();
       for (const DeclarationRef subtype : evidence_.subtypes(next)) {
+        ++looked_at_;
         if (known.insert(subtype).second) open.push_back(subtype);
       }
     }
@@ -138,6 +142,7 @@ class Finder {
 
   const CodeEvidence& evidence_;
   const std::set<DeclarationRef> errors_;
+  std::size_t looked_at_ = 0;
 };
 
 double grown(std::size_t count) { return std::log2(1.0 + static_cast<double>(count)); }

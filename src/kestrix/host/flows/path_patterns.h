@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "kestrix/host/evidence/code_evidence.h"
+#include "kestrix/text/seeded_hash.h"
 
 namespace kestrix {
 
@@ -66,8 +67,8 @@ class PathPatterns {
   std::vector<std::uint32_t> parent_;                   // by folder; folders count from one
   std::vector<std::string_view> folders_;
   std::vector<std::string> globs_;  // by pattern
-  std::unordered_map<std::string_view, std::uint32_t> folder_numbers_;
-  std::unordered_map<std::string, std::uint32_t> pattern_numbers_;
+  std::unordered_map<std::string_view, std::uint32_t, SeededHash> folder_numbers_;
+  std::unordered_map<std::string, std::uint32_t, SeededHash> pattern_numbers_;
 };
 
 }  // namespace kestrix

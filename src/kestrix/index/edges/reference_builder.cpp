@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <optional>
+#include <set>
+#include <tuple>
 #include <utility>
 
 #include "kestrix/index/names/included_names.h"
@@ -158,13 +160,15 @@ ReferenceBuilder::Built ReferenceBuilder::build(FileId file) const {
 // Nothing in the text names these, so they make no edges.
 void ReferenceBuilder::add_satisfied(FileId file, Built& built) const {
   const auto rows = table_.of(file);
-  for (const auto& [type, contract] : method_sets_.of(file)) {
+  const auto satisfied = method_sets_.of(file);
+  if (satisfied.empty()) return;
+  std::set<std::tuple<std::uint32_t, std::int64_t, std::uint32_t>> said;
+  for (const StoredReference& to : built.references) {
+    if (to.role == Role::kImplements) said.emplace(to.within, to.target, to.declaration);
+  }
+  for (const auto& [type, contract] : satisfied) {
     const std::int64_t target = files_.row(contract.file).id;
-    const bool said = std::ranges::any_of(built.references, [&](const StoredReference& to) {
-      return to.role == Role::kImplements && to.within == type + 1 && to.target == target &&
-             to.declaration == contract.place + 1;
-    });
-    if (said) continue;
+    if (said.contains({type + 1, target, contract.place + 1})) continue;
     StoredReference to{
         .role = Role::kImplements, .within = type + 1, .line = rows[type].line, .count = 1};
     to.target = target;

@@ -7,7 +7,9 @@
 namespace kestrix::index {
 namespace {
 
-constexpr unsigned kDeepestEmbedding = 4;
+constexpr unsigned kDeepestEmbedding = 32;
+constexpr std::size_t kMostMethods = 1'000;    // of one type, embedded ones among them
+constexpr std::size_t kMostCompared = 50'000;  // methods, where one type is tried on interfaces
 
 // Interfaces of the standard library that others are made of.
 struct KnownMethod {
@@ -62,31 +64,33 @@ void MethodSets::gather(FileId file) const {
   }
 }
 
+// NOLINTNEXTLINE(misc-no-recursion): kDeepestEmbedding at most
 void MethodSets::embed(Package package, Type& type, unsigned depth) const {
-  if (type.at.file >= files_.size()) return;
+  if (type.state != State::kPlain || type.at.file >= files_.size()) return;
   const auto rows = table_.of(type.at.file);
   if (type.at.place >= rows.size()) return;
+  type.state = State::kOpen;
   for (const std::string_view base : rows[type.at.place].bases()) {
     if (add_known(base, type.methods)) continue;
     const auto found = types_.find({package, base});
-    if (found == types_.end() || depth == 0) {
-      type.complete = false;
-      continue;
-    }
-    Type embedded = found->second;
-    embed(package, embedded, depth - 1);
-    type.complete &= embedded.complete;
-    type.methods.insert(type.methods.end(), embedded.methods.begin(), embedded.methods.end());
+    if (found != types_.end() && depth > 0) embed(package, found->second, depth - 1);
+    // What leads in a circle stays open.
+    const bool fits = found != types_.end() && found->second.state == State::kWhole &&
+                      type.methods.size() + found->second.methods.size() <= kMostMethods;
+    type.complete &= fits && found->second.complete;
+    if (!fits) continue;
+    const Methods& more = found->second.methods;
+    type.methods.insert(type.methods.end(), more.begin(), more.end());
   }
+  sort_distinct_methods(type.methods);
+  type.state = State::kWhole;
 }
 
 void MethodSets::gather() const {
   for (FileId file = 0; file < files_.size(); ++file) {
     if (files_.language(file) == "go") gather(file);
   }
-  auto whole = types_;
-  for (auto& [key, type] : whole) embed(key.first, type, kDeepestEmbedding);
-  types_ = std::move(whole);
+  for (auto& [key, type] : types_) embed(key.first, type, kDeepestEmbedding);
   std::map<Method, std::size_t> common;
   for (auto& [key, type] : types_) {
     sort_distinct_methods(type.methods);
@@ -100,6 +104,22 @@ void MethodSets::gather() const {
   }
 }
 
+std::vector<DeclarationRef> MethodSets::contracts_of(const Type& type) const {
+  std::vector<DeclarationRef> found;
+  std::size_t compared = 0;
+  for (const Method& method : type.methods) {
+    const auto candidates = contracts_.find(method);
+    if (candidates == contracts_.end()) continue;
+    for (const Type* contract : candidates->second) {
+      compared += contract->methods.size() + type.methods.size();
+      if (compared > kMostCompared || found.size() == kMostContracts) break;
+      if (std::ranges::includes(type.methods, contract->methods)) found.push_back(contract->at);
+    }
+  }
+  std::ranges::sort(found);
+  return found;
+}
+
 std::vector<MethodSets::Satisfied> MethodSets::of(FileId file) const {
   std::vector<Satisfied> satisfied;
   if (files_.language(file) != "go") return satisfied;
@@ -110,19 +130,8 @@ std::vector<MethodSets::Satisfied> MethodSets::of(FileId file) const {
     if (rows[place].container != 0 || !is_type(rows[place].kind)) continue;
     const auto type = types_.find({package, rows[place].name});
     if (type == types_.end() || type->second.contract) continue;
-    std::vector<DeclarationRef> found;
-    for (const Method& method : type->second.methods) {
-      const auto candidates = contracts_.find(method);
-      if (candidates == contracts_.end()) continue;
-      for (const Type* contract : candidates->second) {
-        if (std::ranges::includes(type->second.methods, contract->methods)) {
-          found.push_back(contract->at);
-        }
-      }
-    }
-    std::ranges::sort(found);
-    if (found.size() > kMostContracts) found.resize(kMostContracts);
-    for (const DeclarationRef contract : found) satisfied.push_back({place, contract});
+    for (const DeclarationRef contract : contracts_of(type->second))
+      satisfied.push_back({place, contract});
   }
   return satisfied;
 }

@@ -17,7 +17,8 @@ namespace kestrix::index {
 ///
 /// An interface that embeds one from another package is left out, since its methods are not all
 /// known; of a type, methods that it has by embedding are known within its package only. Found when
-/// one first asks, in time linear in the methods for each interface that shares its rarest one.
+/// one first asks, in time linear in the methods: a type is tried on a bounded number of interfaces
+/// that share its methods.
 /// Safe to use from several threads.
 class MethodSets {
  public:
@@ -37,16 +38,18 @@ class MethodSets {
   using Method = std::pair<std::string_view, std::uint32_t>;  // name, parameters
   using Methods = std::vector<Method>;                        // ascending
   using Package = std::string_view;                           // its folder
+  enum class State : std::uint8_t { kPlain, kOpen, kWhole };  // whether it has what it embeds
   struct Type {
     DeclarationRef at;
     Methods methods;
     bool contract = false;
     bool complete = true;
+    State state = State::kPlain;
   };
 
   void gather() const;
   void gather(FileId file) const;
-  void embed() const;
+  std::vector<DeclarationRef> contracts_of(const Type& type) const;
   void embed(Package package, Type& type, unsigned depth) const;
 
   const IndexedFiles& files_;

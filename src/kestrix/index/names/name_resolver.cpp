@@ -190,27 +190,34 @@ std::optional<FileId> NameResolver::module_named(std::string_view specifier) con
   return whole ? std::optional(found->target) : std::nullopt;
 }
 
+void NameResolver::order_imports() {
+  imports_.emplace();
+  for (const ImportFact& import : files_.facts(file_).imports) {
+    if (import.module.empty()) continue;
+    for (const ImportedName& named : import.names)
+      imports_->try_emplace(named.bound(), Import{&import, &named});
+    if (!import.local.empty()) imports_->try_emplace(import.local, Import{&import, nullptr});
+    if (import.names.empty() && import.local.empty())
+      imports_->try_emplace(first_part(import.module), Import{&import, nullptr});
+  }
+}
+
 // A name that an import of this file brings in from outside, in full; else nothing.
-NameResolver::Found NameResolver::find_outside(std::string_view name) const {
+NameResolver::Found NameResolver::find_outside(std::string_view name) {
+  if (!imports_) order_imports();
   const bool absolute = name.starts_with('.');
   const std::string_view root = name.substr(0, name.find('.', absolute ? 1 : 0));
   const std::string_view rest = name.substr(root.size());
-  for (const ImportFact& import : files_.facts(file_).imports) {
-    if (import.module.empty()) continue;
-    for (const ImportedName& named : import.names) {
-      if (named.bound() != root) continue;
-      std::string full = with_dots(import.module);
-      if (named.name != "*" && named.name != "default") full.append(".").append(named.name);
-      return NamedThing{Kind::kOutside, {}, full.append(rest)};
-    }
-    if (import.local == root && !root.empty()) {
-      return NamedThing{Kind::kOutside, {}, std::string(import.module).append(rest)};
-    }
-    if (import.names.empty() && import.local.empty() && first_part(import.module) == root) {
-      return NamedThing{Kind::kOutside, {}, std::string(name)};
-    }
+  const auto found = imports_->find(root);
+  if (found == imports_->end()) return std::nullopt;
+  const auto& [import, named] = found->second;
+  if (named == nullptr) {
+    if (import->local.empty()) return NamedThing{Kind::kOutside, {}, std::string(name)};
+    return NamedThing{Kind::kOutside, {}, std::string(import->module).append(rest)};
   }
-  return std::nullopt;
+  std::string full = with_dots(import->module);
+  if (named->name != "*" && named->name != "default") full.append(".").append(named->name);
+  return NamedThing{Kind::kOutside, {}, full.append(rest)};
 }
 
 }  // namespace kestrix::index

@@ -5,13 +5,14 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_set>
+#include <unordered_map>
 #include <vector>
 
 #include "kestrix/index/names/named_thing.h"
 #include "kestrix/index/names/scopes.h"
 #include "kestrix/index/tables/declaration_table.h"
 #include "kestrix/index/tables/indexed_files.h"
+#include "kestrix/text/seeded_hash.h"
 
 namespace kestrix::index {
 
@@ -61,7 +62,8 @@ class NameResolver {
   Found find_bound(std::string_view& rest) const;
   Found find_through_wildcards(std::string_view name);
   Found find_in_opened_types(std::string_view name) const;
-  Found find_outside(std::string_view name) const;
+  void order_imports();
+  Found find_outside(std::string_view name);
   NamedThing descend(NamedThing from, std::string_view rest) const;
   Found find_exported(FileId file, std::string_view name, int hops) const;
   Found find_handed_on(FileId file, std::string_view name, int hops) const;
@@ -84,8 +86,14 @@ class NameResolver {
   bool capital_types_ = false;
   bool paths_outside_ = false;
   bool closed_ = false;
-  std::vector<FileId> reachable_;       // by wildcards, ascending
-  std::vector<FileId> barrels_;         // of those the ones that hand names on
+  std::vector<FileId> reachable_;  // by wildcards, ascending
+  std::vector<FileId> barrels_;    // of those the ones that hand names on
+  struct Import {
+    const ImportFact* import;
+    const ImportedName* name;  // null: the import binds the module as a whole
+  };
+  // By the names that they bind; made when one is first looked for.
+  std::optional<std::unordered_map<std::string_view, Import, SeededHash>> imports_;
   std::vector<DeclarationRef> opened_;  // types whose members are known by their names
 };
 

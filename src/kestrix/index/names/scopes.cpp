@@ -6,8 +6,10 @@
 namespace kestrix::index {
 namespace {
 
-constexpr std::size_t kMostBarrelFiles = 2048;
+constexpr std::size_t kMostBarrelFiles = 512;
 constexpr std::size_t kMostNamedBarrels = 64;
+// Resolvers look into the folders above a file; nobody puts one so deep.
+constexpr std::ptrdiff_t kDeepest = 128;
 
 }  // namespace
 
@@ -35,6 +37,10 @@ const Resolution& Scopes::of(FileId file) const {
   Slot& slot = slots_[file];
   std::call_once(slot.once, [&] {
     if (!covers(file)) return;
+    if (std::ranges::count(files_.path(file), '/') > kDeepest) {
+      slot.resolution.limited = true;
+      return;
+    }
     slot.resolution = resolver_of(file).resolve(file);
     std::ranges::stable_sort(slot.resolution.bindings, {}, &Binding::local);
   });

@@ -11,6 +11,7 @@ namespace {
 
 constexpr FileId kSeveral = UINT32_MAX;
 constexpr std::size_t kShortestTypeName = 6;
+constexpr std::size_t kMostParts = 16;  // of the end of a path
 constexpr std::size_t kMostNamed = 32;  // types of one name that are told apart
 
 std::string_view without_extension(std::string_view path) {
@@ -20,7 +21,7 @@ std::string_view without_extension(std::string_view path) {
 }
 
 void add_ends(std::string_view path, FileId file, std::unordered_map<std::uint64_t, FileId>& ends) {
-  for (;;) {
+  for (std::size_t parts = 0; parts < kMostParts; ++parts) {
     const auto [entry, fresh] = ends.try_emplace(seeded_hash(path), file);
     if (!fresh && entry->second != file) entry->second = kSeveral;
     const std::size_t slash = path.find('/');

@@ -15,6 +15,7 @@
 #include "kestrix/files/root_directory.h"
 #include "kestrix/languages/resolver.h"
 #include "kestrix/store/store.h"
+#include "kestrix/text/seeded_hash.h"
 #include "kestrix/utils/stop.h"
 
 namespace kestrix::index {
@@ -69,8 +70,8 @@ class IndexedFiles : public FileTable {
   const StopFlag* stop_;
   mutable std::atomic<bool> has_unread_ = false;
   std::vector<FileRow*> rows_;
-  std::unordered_map<std::string_view, FileId> ids_;
-  std::unordered_set<std::string_view> binaries_;
+  std::unordered_map<std::string_view, FileId, SeededHash> ids_;
+  std::unordered_set<std::string_view, SeededHash> binaries_;
   std::unique_ptr<Slot[]> slots_;
   mutable std::mutex store_mutex_;
 };

@@ -8,6 +8,7 @@
 
 #include "kestrix/formats/json.h"
 #include "kestrix/text/paths.h"
+#include "kestrix/text/seeded_hash.h"
 
 namespace kestrix::index {
 namespace {
@@ -108,7 +109,7 @@ class Commands {
   const FileTable& files_;
   std::optional<std::string> top_;
   std::vector<std::string> folders_;
-  std::unordered_set<std::string> seen_;
+  std::unordered_set<std::string, SeededHash> seen_;
 };
 
 }  // namespace

@@ -8,6 +8,7 @@
 
 #include "kestrix/languages/c_family/resolver.h"
 #include "kestrix/text/ascii.h"
+#include "kestrix/text/seeded_hash.h"
 
 namespace kestrix::index {
 namespace {
@@ -38,7 +39,7 @@ std::optional<ImportFact> include_of(std::string_view name) {
 }
 
 // Macros of the file that hold the name of a header.
-using Headers = std::unordered_map<std::string_view, std::string_view>;
+using Headers = std::unordered_map<std::string_view, std::string_view, SeededHash>;
 
 // The include on a line whose "#" is taken off.
 std::optional<ImportFact> include_in(std::string_view line, Headers& headers) {

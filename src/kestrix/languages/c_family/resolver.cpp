@@ -12,11 +12,23 @@
 #include "kestrix/languages/c_family/compile_commands.h"
 #include "kestrix/languages/dependencies.h"
 #include "kestrix/text/paths.h"
+#include "kestrix/text/seeded_hash.h"
 
 namespace kestrix::index {
 namespace {
 
 constexpr std::array<std::string_view, 4> kHeaderFolders = {"", "include", "src", "inc"};
+
+// Of longer names the last parts count.
+constexpr std::size_t kMostParts = 16;
+constexpr std::size_t kMostFolders = 64;  // above one file, before the top
+
+template <class Visit>
+void for_each_near_folder(std::string_view folder, Visit visit) {
+  for (std::size_t i = 0; i < kMostFolders && !folder.empty(); ++i, folder = folder_of(folder))
+    visit(folder);
+  visit(std::string_view());
+}
 
 bool is_angled(const ImportFact& import) {
   return import.form == static_cast<std::uint16_t>(IncludeForm::kAngled);
@@ -38,8 +50,16 @@ std::string_view root_of(std::string_view path, std::string_view name) {
   return path.empty() ? path : path.substr(0, path.size() - 1);
 }
 
+// Both ascend; the shorter list is gone through.
 double uses_of(const std::vector<NameUse>& uses, const std::vector<std::string>& names) {
   double sum = 0;
+  if (names.size() < uses.size()) {
+    for (const std::string& name : names) {
+      const auto use = std::ranges::lower_bound(uses, name, {}, &NameUse::name);
+      if (use != uses.end() && use->name == name) sum += use->uses;
+    }
+    return sum;
+  }
   for (const NameUse& use : uses) {
     if (std::ranges::binary_search(names, use.name)) sum += use.uses;
   }
@@ -67,10 +87,13 @@ class IncludeResolver : public Resolver {
   Resolution resolve(FileId file) const override {
     Dependencies found(file);
     const FileFacts& facts = files_.facts(file);
+    std::unordered_map<FileId, double> uses;  // a header may be included again and again
     for (const ImportFact& import : facts.imports) {
       const auto target = find(folder_of(files_.path(file)), import);
       if (target) {
-        found.add(*target, 1 + uses_of(facts.uses, files_.facts(*target).declares));
+        const auto [known, fresh] = uses.try_emplace(*target);
+        if (fresh) known->second = uses_of(facts.uses, files_.facts(*target).declares);
+        found.add(*target, 1 + known->second);
         // What a header includes, those who include the header know, too.
         if (*target != file) found.bind({.local = "*", .target = *target, .exported = "*"});
       } else if (looks_local(import)) {
@@ -106,7 +129,8 @@ class IncludeResolver : public Resolver {
 
   void add_suffixes(FileId id) {
     const std::string_view path = files_.path(id);
-    for (std::size_t at = path.size(); at > 0;) {
+    std::size_t at = path.size();
+    for (std::size_t parts = 0; at > 0 && parts < kMostParts; ++parts) {
       at = path.rfind('/', at - 1);
       const std::string_view suffix = at == std::string_view::npos ? path : path.substr(at + 1);
       ++suffixes_.try_emplace(suffix, Suffix{id, 0}).first->second.count;
@@ -130,12 +154,14 @@ class IncludeResolver : public Resolver {
   // For a name that several files end in, each folder above one of them knows the best one.
   void add_nearest(FileId id) {
     const std::string_view path = files_.path(id);
-    for (std::size_t at = path.rfind('/'); at != std::string_view::npos && at > 0;
+    std::size_t parts = 0;
+    for (std::size_t at = path.rfind('/');
+         at != std::string_view::npos && at > 0 && parts++ < kMostParts;
          at = path.rfind('/', at - 1)) {
       const std::string_view name = path.substr(at + 1);
       if (suffixes_.at(name).count == 1) return;
       auto& nearest = nearest_[name];
-      for_each_folder_up(root_of(path, name), [&](std::string_view folder) {
+      for_each_near_folder(root_of(path, name), [&](std::string_view folder) {
         const auto [entry, fresh] = nearest.try_emplace(folder, Best{id, std::nullopt});
         if (!fresh) consider(id, name, entry->second);
       });
@@ -198,7 +224,7 @@ class IncludeResolver : public Resolver {
     const auto nearest = nearest_.find(name);
     if (nearest == nearest_.end()) return own;
     std::optional<FileId> target;
-    for_each_folder_up(folder, [&](std::string_view up) {
+    for_each_near_folder(folder, [&](std::string_view up) {
       const auto found = nearest->second.find(up);
       if (target || found == nearest->second.end()) return;
       const Best& best = found->second;
@@ -210,7 +236,7 @@ class IncludeResolver : public Resolver {
   std::optional<FileId> find_above(std::string_view folder, const std::string& name,
                                    std::optional<FileId> except) const {
     std::optional<FileId> target;
-    for_each_folder_up(folder, [&](std::string_view up) {
+    for_each_near_folder(folder, [&](std::string_view up) {
       for (const std::string_view below : kHeaderFolders) {
         if (target) return;
         target = files_.find(join(join(up, below), name));
@@ -228,12 +254,14 @@ class IncludeResolver : public Resolver {
   }
 
   const FileTable& files_;
-  std::vector<std::string> folders_;          // of compile_commands.json
-  std::unordered_set<std::string> included_;  // base names
-  std::unordered_map<std::string_view, Suffix> suffixes_;
-  std::unordered_map<std::string_view, std::uint32_t> votes_;  // by root
-  std::unordered_set<std::string> local_;  // first folders of names that are found here
-  std::unordered_map<std::string_view, std::unordered_map<std::string_view, Best>> nearest_;
+  std::vector<std::string> folders_;                      // of compile_commands.json
+  std::unordered_set<std::string, SeededHash> included_;  // base names
+  std::unordered_map<std::string_view, Suffix, SeededHash> suffixes_;
+  std::unordered_map<std::string_view, std::uint32_t, SeededHash> votes_;  // by root
+  std::unordered_set<std::string, SeededHash> local_;  // first folders of names that are found here
+  std::unordered_map<std::string_view, std::unordered_map<std::string_view, Best, SeededHash>,
+                     SeededHash>
+      nearest_;
 };
 
 }  // namespace

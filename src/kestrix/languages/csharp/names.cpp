@@ -8,6 +8,7 @@
 #include "kestrix/languages/csharp/resolver.h"
 #include "kestrix/languages/packaged/reading.h"
 #include "kestrix/text/ascii.h"
+#include "kestrix/text/seeded_hash.h"
 
 namespace kestrix::index::csharp {
 namespace {
@@ -231,8 +232,8 @@ class Walk {
   std::vector<Frame> path_;  // the nodes around the one read
   UsedNames used_;
   std::vector<Scope> scopes_;
-  std::unordered_set<std::string_view> values_;
-  std::unordered_set<std::string_view> type_parameters_;
+  std::unordered_set<std::string_view, SeededHash> values_;
+  std::unordered_set<std::string_view, SeededHash> type_parameters_;
 };
 
 }  // namespace

@@ -9,6 +9,7 @@
 
 #include "kestrix/facts/facts.h"
 #include "kestrix/syntax/source_tree.h"
+#include "kestrix/text/seeded_hash.h"
 
 namespace kestrix::index::csharp {
 
@@ -32,8 +33,8 @@ class OwnTypes {
 
  private:
   using Stretch = std::pair<std::uint32_t, std::uint32_t>;
-  std::unordered_map<std::string, int> everywhere_;
-  std::unordered_map<std::string, std::vector<Stretch>> nested_;  // apart, ascending
+  std::unordered_map<std::string, int, SeededHash> everywhere_;
+  std::unordered_map<std::string, std::vector<Stretch>, SeededHash> nested_;  // apart, ascending
 };
 
 /// A name of several parts, as the code spells it out.

@@ -9,6 +9,7 @@
 #include "kestrix/languages/csharp/project_file.h"
 #include "kestrix/languages/csharp/resolver.h"
 #include "kestrix/text/paths.h"
+#include "kestrix/text/seeded_hash.h"
 
 namespace kestrix::index {
 namespace {
@@ -67,7 +68,7 @@ DotnetProjects::Id DotnetProjects::containing(std::string_view path) const {
 
 // Files that are shared are read once, however many projects they stand above.
 void DotnetProjects::read_project_files() {
-  std::unordered_map<std::string_view, std::vector<DotnetItem>> shared;
+  std::unordered_map<std::string_view, std::vector<DotnetItem>, SeededHash> shared;
   for (FileId id = 0; id < files_.size(); ++id) {
     const std::string_view path = files_.path(id);
     if (std::ranges::find(kSharedFiles, base_name(path)) == kSharedFiles.end()) continue;

@@ -9,6 +9,7 @@
 
 #include "kestrix/languages/csharp/project_file.h"
 #include "kestrix/languages/resolver.h"
+#include "kestrix/text/seeded_hash.h"
 
 namespace kestrix::index {
 
@@ -60,8 +61,9 @@ class DotnetProjects {
 
   const FileTable& files_;
   std::vector<Project> projects_;
-  std::unordered_map<std::string_view, Id> by_folder_;
-  std::unordered_map<std::string_view, Id> by_name_;  // kLoose for a name that several have
+  std::unordered_map<std::string_view, Id, SeededHash> by_folder_;
+  std::unordered_map<std::string_view, Id, SeededHash>
+      by_name_;  // kLoose for a name that several have
   std::vector<Id> projects_of_files_;
 };
 

@@ -9,6 +9,7 @@
 
 #include "kestrix/languages/csharp/projects.h"
 #include "kestrix/languages/resolver.h"
+#include "kestrix/text/seeded_hash.h"
 
 namespace kestrix::index {
 
@@ -60,8 +61,10 @@ class DotnetTypes {
 
   const FileTable& files_;
   DotnetProjects projects_;
-  std::unordered_map<std::string_view, std::unordered_map<std::string_view, Declared>> declared_;
-  std::unordered_set<std::string_view> spaces_;
+  std::unordered_map<std::string_view, std::unordered_map<std::string_view, Declared, SeededHash>,
+                     SeededHash>
+      declared_;
+  std::unordered_set<std::string_view, SeededHash> spaces_;
 };
 
 }  // namespace kestrix::index

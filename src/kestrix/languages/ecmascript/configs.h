@@ -9,6 +9,7 @@
 #include "kestrix/formats/json.h"
 #include "kestrix/languages/ecmascript/packages.h"
 #include "kestrix/languages/resolver.h"
+#include "kestrix/text/seeded_hash.h"
 
 namespace kestrix::index::ecmascript {
 
@@ -36,8 +37,8 @@ class Configs {
   };
   // What one file says under "paths". A look-up goes through the lengths that prefixes have.
   struct Rules {
-    std::unordered_map<std::string, std::vector<std::string>> exact;
-    std::unordered_map<std::string, std::vector<Starred>> by_prefix;
+    std::unordered_map<std::string, std::vector<std::string>, SeededHash> exact;
+    std::unordered_map<std::string, std::vector<Starred>, SeededHash> by_prefix;
     std::vector<std::size_t> lengths;  // descending
   };
   struct Match {
@@ -71,8 +72,8 @@ class Configs {
                           Candidates& found);
 
   const Packages& packages_;
-  std::unordered_map<std::string, Raw> raw_;  // by path
-  std::unordered_map<std::string, std::vector<Config>> by_folder_;
+  std::unordered_map<std::string, Raw, SeededHash> raw_;  // by path
+  std::unordered_map<std::string, std::vector<Config>, SeededHash> by_folder_;
 };
 
 }  // namespace kestrix::index::ecmascript

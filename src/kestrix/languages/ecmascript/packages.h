@@ -10,6 +10,7 @@
 #include "kestrix/languages/ecmascript/files.h"
 #include "kestrix/languages/ecmascript/targets.h"
 #include "kestrix/languages/resolver.h"
+#include "kestrix/text/seeded_hash.h"
 #include "kestrix/text/wildmatch.h"
 
 namespace kestrix::index::ecmascript {
@@ -56,9 +57,9 @@ class Packages {
 
  private:
   struct Workspace {
-    std::unordered_set<std::string> folders;  // members written without wildcards
+    std::unordered_set<std::string, SeededHash> folders;  // members written without wildcards
     std::vector<Wildmatch> patterns;
-    std::unordered_map<std::string_view, const Package*> members;
+    std::unordered_map<std::string_view, const Package*, SeededHash> members;
   };
 
   void add_package(std::string_view path, std::string_view text);
@@ -85,8 +86,9 @@ class Packages {
   std::size_t plain_members_ = 0;
   std::size_t match_steps_ = 0;
   std::vector<Package> packages_;
-  std::unordered_map<std::string_view, const Package*> by_folder_;
-  std::unordered_map<std::string, Workspace> workspaces_;  // by the folder of their root
+  std::unordered_map<std::string_view, const Package*, SeededHash> by_folder_;
+  std::unordered_map<std::string, Workspace, SeededHash>
+      workspaces_;  // by the folder of their root
 };
 
 }  // namespace kestrix::index::ecmascript

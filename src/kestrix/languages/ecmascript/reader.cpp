@@ -11,6 +11,7 @@
 #include "kestrix/languages/ecmascript/exports.h"
 #include "kestrix/languages/ecmascript/resolver.h"
 #include "kestrix/languages/symbols.h"
+#include "kestrix/text/seeded_hash.h"
 #include "kestrix/text/sorting.h"
 
 namespace kestrix::index::ecmascript {
@@ -318,7 +319,7 @@ class Reader {
 
   const SourceTree& tree_;
   FileFacts facts_;
-  std::unordered_map<std::string_view, Origin> origins_;  // by local name
+  std::unordered_map<std::string_view, Origin, SeededHash> origins_;  // by local name
   std::vector<OwnExport> exports_;
   std::unordered_set<std::uint32_t> modules_;  // where the module names of calls stand
 };

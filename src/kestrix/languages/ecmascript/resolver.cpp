@@ -1,9 +1,11 @@
 #include "kestrix/languages/ecmascript/resolver.h"
 
 #include <algorithm>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "kestrix/languages/dependencies.h"
@@ -11,6 +13,7 @@
 #include "kestrix/languages/ecmascript/files.h"
 #include "kestrix/languages/ecmascript/packages.h"
 #include "kestrix/text/paths.h"
+#include "kestrix/text/seeded_hash.h"
 
 namespace kestrix::index {
 namespace {
@@ -20,6 +23,7 @@ using ecmascript::Dialect;
 using ecmascript::Packages;
 
 constexpr int kAliasHops = 4;
+constexpr std::size_t kMostAll = 256;  // files of which one file hands on all names
 
 // What an import means: a file of the repository, nothing in it although it should be, or
 // something outside.
@@ -67,6 +71,8 @@ class EcmascriptResolver : public Resolver {
 
   Resolution resolve(FileId file) const override {
     Dependencies dependencies(file);
+    if (const auto own = barrels_.find(file); own != barrels_.end() && own->second.limited)
+      dependencies.limit();
     for (const ImportFact& import : files_.facts(file).imports) {
       if (import.form == static_cast<std::uint16_t>(ecmascript::Form::kOwn)) {
         bind_own(import, file, dependencies);
@@ -135,47 +141,58 @@ class EcmascriptResolver : public Resolver {
     }
   }
 
-  // By the name under which a file hands it on: the file that it comes from.
-  using Barrel = std::unordered_map<std::string_view, FileId>;
+  // What a file hands on.
+  struct Barrel {
+    // By name, the file that it comes from; none for what is found nowhere.
+    std::unordered_map<std::string_view, std::optional<FileId>, SeededHash> named;
+    std::vector<FileId> all;  // files of which it hands on all names, each once
+    bool limited = false;
+  };
 
   void add_barrel(FileId id) {
     Barrel barrel;
+    std::unordered_set<FileId> known;
     for (const ImportFact& import : files_.facts(id).imports) {
       if (std::ranges::all_of(import.names, [](auto& name) { return name.exported.empty(); }))
         continue;
       const auto target = find(import.module, id).file;
-      if (!target) continue;
       for (const ImportedName& name : import.names) {
         if (name.exported == "*") {
-          add_all(*target, barrel);
+          if (target && known.insert(*target).second) add_all(*target, barrel);
         } else if (!name.exported.empty()) {
-          barrel.insert_or_assign(name.exported, *target);
+          auto& origin = barrel.named[name.exported];
+          if (target) origin = target;
         }
       }
     }
-    if (!barrel.empty()) barrels_.emplace(id, std::move(barrel));
+    if (!barrel.named.empty() || !barrel.all.empty()) barrels_.emplace(id, std::move(barrel));
+  }
+
+  static void add_all(FileId target, Barrel& barrel) {
+    barrel.limited |= barrel.all.size() >= kMostAll;
+    if (!barrel.limited) barrel.all.push_back(target);
   }
 
   // export *: every name but the default, unless the barrel names it itself.
-  void add_all(FileId target, Barrel& barrel) const {
-    const FileFacts& facts = files_.facts(target);
-    for (const std::string& name : facts.declares) {
-      if (name != "default") barrel.try_emplace(name, target);
-    }
-    for (const ImportFact& import : facts.imports) {
-      for (const ImportedName& name : import.names) {
-        const bool listed = !name.exported.empty() && name.exported != "*";
-        if (listed && name.exported != "default") barrel.try_emplace(name.exported, target);
-      }
-    }
+  std::optional<FileId> origin(const Barrel& barrel, std::string_view name) const {
+    const auto named = barrel.named.find(name);
+    if (named != barrel.named.end() && named->second) return named->second;
+    if (name == "default") return std::nullopt;
+    const auto hands_on = [&](FileId target) {
+      if (std::ranges::binary_search(files_.facts(target).declares, name)) return true;
+      const auto other = barrels_.find(target);
+      return other != barrels_.end() && other->second.named.contains(name);
+    };
+    const auto found = std::ranges::find_if(barrel.all, hands_on);
+    return found == barrel.all.end() ? std::nullopt : std::optional(*found);
   }
 
   void follow(FileId file, const ImportFact& import, Dependencies& dependencies) const {
     const auto barrel = barrels_.find(file);
     if (barrel == barrels_.end()) return;
     for (const ImportedName& name : import.names) {
-      const auto origin = barrel->second.find(name.name);
-      if (origin != barrel->second.end()) dependencies.add(origin->second, 1.0 + name.uses);
+      if (const auto source = origin(barrel->second, name.name))
+        dependencies.add(*source, 1.0 + name.uses);
     }
   }
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "kestrix/formats/json.h"
+#include "kestrix/text/seeded_hash.h"
 
 namespace kestrix::index::ecmascript {
 
@@ -29,7 +30,7 @@ class TargetMap {
     std::vector<std::string> targets;
   };
 
-  std::unordered_map<std::string, std::vector<std::string>> exact_;
+  std::unordered_map<std::string, std::vector<std::string>, SeededHash> exact_;
   std::vector<Pattern> patterns_;  // the longest first
 };
 

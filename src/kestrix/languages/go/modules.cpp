@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "kestrix/text/paths.h"
+#include "kestrix/text/seeded_hash.h"
 
 namespace kestrix::index {
 namespace {
@@ -120,12 +121,13 @@ std::optional<GoModules::Place> GoModules::place_of(std::string_view path,
       return true;
     }
     const std::string key(prefix);
-    const auto find_in = [&](const std::unordered_map<std::string, std::string>& folders) {
-      const auto found = folders.find(key);
-      if (found == folders.end()) return false;
-      place = Place{join(found->second, rest), false};
-      return true;
-    };
+    const auto find_in =
+        [&](const std::unordered_map<std::string, std::string, SeededHash>& folders) {
+          const auto found = folders.find(key);
+          if (found == folders.end()) return false;
+          place = Place{join(found->second, rest), false};
+          return true;
+        };
     return (module != nullptr && find_in(module->replaced)) || find_in(replaced_everywhere_) ||
            find_in(by_path_);
   });

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "kestrix/languages/resolver.h"
+#include "kestrix/text/seeded_hash.h"
 
 namespace kestrix::index {
 
@@ -27,7 +28,7 @@ class GoModules {
   std::optional<Place> place_of(std::string_view path, std::string_view folder) const;
 
  private:
-  using Replaced = std::unordered_map<std::string, std::string>;  // path to folder
+  using Replaced = std::unordered_map<std::string, std::string, SeededHash>;  // path to folder
   struct Module {
     std::string path;
     Replaced replaced;
@@ -39,10 +40,10 @@ class GoModules {
                            Replaced& replaced);
   const std::string* module_above(std::string_view folder) const;
 
-  std::unordered_map<std::string, Module> by_folder_;
-  std::unordered_map<std::string, std::string> by_path_;  // to the folder
+  std::unordered_map<std::string, Module, SeededHash> by_folder_;
+  std::unordered_map<std::string, std::string, SeededHash> by_path_;  // to the folder
   Replaced replaced_everywhere_;
-  std::unordered_set<std::string> vendored_;  // folders that hold a vendor folder
+  std::unordered_set<std::string, SeededHash> vendored_;  // folders that hold a vendor folder
 };
 
 }  // namespace kestrix::index

@@ -7,6 +7,7 @@
 #include <optional>
 
 #include "kestrix/syntax/tree_cursor.h"
+#include "kestrix/text/seeded_hash.h"
 
 namespace kestrix::index {
 namespace {
@@ -188,7 +189,7 @@ void GoNames::settle() {
 
 std::vector<NameUse> GoNames::take(std::vector<ImportFact>& imports,
                                    const std::vector<std::string>& declared) {
-  std::vector<std::unordered_map<std::string_view, std::size_t>> places(imports.size());
+  std::vector<std::unordered_map<std::string_view, std::size_t, SeededHash>> places(imports.size());
   for (const auto& [import, package, member] : imported_) {
     ImportFact& fact = imports[import];
     if (fact.local.empty()) fact.local = package;

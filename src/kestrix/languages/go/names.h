@@ -10,6 +10,7 @@
 
 #include "kestrix/facts/facts.h"
 #include "kestrix/syntax/source_tree.h"
+#include "kestrix/text/seeded_hash.h"
 
 namespace kestrix::index {
 
@@ -46,10 +47,10 @@ class GoNames {
   void settle();
 
   const SourceTree& tree_;
-  std::unordered_map<std::string, std::size_t> imports_;
+  std::unordered_map<std::string, std::size_t, SeededHash> imports_;
   std::vector<Use> pending_;  // of the declaration that is being walked
-  std::unordered_set<std::string_view> values_;
-  std::unordered_set<std::string_view> types_;
+  std::unordered_set<std::string_view, SeededHash> values_;
+  std::unordered_set<std::string_view, SeededHash> types_;
   struct Imported {
     std::size_t import;
     std::string_view package;  // as it is called here

@@ -11,6 +11,7 @@
 #include "kestrix/languages/dependencies.h"
 #include "kestrix/languages/go/modules.h"
 #include "kestrix/text/paths.h"
+#include "kestrix/text/seeded_hash.h"
 
 namespace kestrix::index {
 namespace {
@@ -18,6 +19,8 @@ namespace {
 // A name that more files of a package declare than there are platforms to build for stands in
 // programs of their own.
 constexpr std::size_t kMostVariants = 12;
+// Files of a package that is imported without a name.
+constexpr std::size_t kMostBlank = 64;
 
 bool is_test(std::string_view path) { return path.ends_with("_test.go"); }
 
@@ -43,6 +46,8 @@ class GoResolver : public Resolver {
       } else {
         // The tests beside a package may hand names of it on to tests in a package of their own.
         const bool beside = place->folder == folder && is_test(files_.path(file));
+        const bool blank = static_cast<GoImport>(import.form) == GoImport::kBlank;
+        if (blank && !add_blank(*package, targets)) found.limit();
         add_import(*package, import, facts, beside, targets);
         bind_import(*package, import, facts, beside, found);
       }
@@ -53,7 +58,7 @@ class GoResolver : public Resolver {
   }
 
  private:
-  using Declarations = std::unordered_map<std::string_view, std::vector<FileId>>;
+  using Declarations = std::unordered_map<std::string_view, std::vector<FileId>, SeededHash>;
   struct Package {
     std::vector<FileId> files;
     Declarations code;
@@ -97,7 +102,7 @@ class GoResolver : public Resolver {
                          bool beside, Targets& targets) {
     switch (static_cast<GoImport>(import.form)) {
       case GoImport::kBlank:
-        return add_blank(package, targets);
+        return;
       case GoImport::kDot:
         for (const NameUse& use : facts.uses) add_name(package.code, use.name, use.uses, targets);
         return;
@@ -146,10 +151,13 @@ class GoResolver : public Resolver {
     }
   }
 
-  static void add_blank(const Package& package, Targets& targets) {
-    const auto* files = declarers(package.code, "init");
-    for (const FileId file : files != nullptr ? *files : package.files)
-      targets.try_emplace(file, 0);
+  // Whether that was all of them.
+  static bool add_blank(const Package& package, Targets& targets) {
+    const auto* declaring = declarers(package.code, "init");
+    const std::vector<FileId>& files = declaring != nullptr ? *declaring : package.files;
+    const std::size_t count = std::min(files.size(), kMostBlank);
+    for (std::size_t i = 0; i < count; ++i) targets.try_emplace(files[i], 0);
+    return count == files.size();
   }
 
   void add_own_package(FileId file, std::string_view folder, const FileFacts& facts,
@@ -170,7 +178,7 @@ class GoResolver : public Resolver {
 
   const FileTable& files_;
   GoModules modules_;
-  std::unordered_map<std::string_view, Folder> folders_;
+  std::unordered_map<std::string_view, Folder, SeededHash> folders_;
 };
 
 }  // namespace

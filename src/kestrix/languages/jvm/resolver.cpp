@@ -17,6 +17,7 @@
 #include "kestrix/languages/packaged/packages.h"
 #include "kestrix/languages/packaged/reading.h"
 #include "kestrix/text/paths.h"
+#include "kestrix/text/seeded_hash.h"
 #include "kestrix/text/sorting.h"
 
 namespace kestrix::index {
@@ -24,7 +25,8 @@ namespace {
 
 constexpr std::array<std::string_view, 2> kPlatform = {"java", "kotlin"};
 
-constexpr std::size_t kMostPackages = 32;  // around one file
+constexpr std::size_t kMostPackages = 32;    // around one file
+constexpr std::size_t kMostWildcards = 256;  // packages that one file imports all of
 
 std::string below(std::string_view package, std::string_view name) {
   return package.empty() ? std::string(name) : std::string(package).append(".").append(name);
@@ -67,12 +69,17 @@ class JvmResolver : public Resolver {
     const FileFacts& facts = files_.facts(file);
     Dependencies found(file);
     std::vector<std::string> wildcards;
+    std::unordered_set<std::string, SeededHash> known;
     for (const ImportFact& import : facts.imports) {
       if (is_platform(import.module, facts.package)) continue;
       const bool all = static_cast<JvmImport>(import.form) == JvmImport::kEverything;
       auto package = all ? package_named(import.module, file) : std::nullopt;
       if (package) {
-        wildcards.push_back(std::move(*package));
+        if (!known.insert(*package).second) continue;
+        if (wildcards.size() < kMostWildcards)
+          wildcards.push_back(std::move(*package));
+        else
+          found.limit();
       } else {
         resolve_name(import, file, found);
       }

@@ -4,6 +4,7 @@
 #include <unordered_set>
 
 #include "kestrix/languages/resolver.h"
+#include "kestrix/text/seeded_hash.h"
 
 namespace kestrix::index {
 
@@ -17,9 +18,11 @@ class SourceSets {
   std::string_view platform_of(std::string_view path) const;
 
  private:
-  std::unordered_set<std::string_view> modules_;    // folders that hold a common source set
-  std::unordered_set<std::string_view> inner_;      // the folders in these sets: "src", "kotlin"
-  std::unordered_set<std::string_view> platforms_;  // the names of the other sets
+  std::unordered_set<std::string_view, SeededHash>
+      modules_;  // folders that hold a common source set
+  std::unordered_set<std::string_view, SeededHash>
+      inner_;  // the folders in these sets: "src", "kotlin"
+  std::unordered_set<std::string_view, SeededHash> platforms_;  // the names of the other sets
 };
 
 }  // namespace kestrix::index

@@ -18,6 +18,7 @@
 #include "kestrix/languages/packaged/reading.h"
 #include "kestrix/languages/symbols.h"
 #include "kestrix/syntax/source_tree.h"
+#include "kestrix/text/seeded_hash.h"
 
 namespace kestrix::index {
 namespace {
@@ -179,7 +180,7 @@ class Reader {
   // the package may bring in functions, known by their being called.
   void read_calls() {
     std::map<std::string_view, std::uint32_t> calls;
-    std::unordered_set<std::string_view> own(kKeywords.begin(), kKeywords.end());
+    std::unordered_set<std::string_view, SeededHash> own(kKeywords.begin(), kKeywords.end());
     WordScanner scanner(tree_.text(), tree_.lexis());
     std::string_view before;
     for (Word word; scanner.next(word); before = word.text) {
@@ -204,7 +205,8 @@ class Reader {
   bool broken_;  // the grammar could not read all of it
   FileFacts facts_;
   packaged::OwnNames own_;
-  std::unordered_map<std::string_view, std::size_t> functions_;  // to the place of their import
+  std::unordered_map<std::string_view, std::size_t, SeededHash>
+      functions_;  // to the place of their import
   std::uint32_t imports_end_ = 0;
 };
 

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "kestrix/languages/resolver.h"
+#include "kestrix/text/seeded_hash.h"
 
 namespace kestrix::index {
 
@@ -49,7 +50,7 @@ class Packages {
   };
   struct Package {
     bool product = false;
-    std::unordered_map<std::string_view, Declared> names;
+    std::unordered_map<std::string_view, Declared, SeededHash> names;
   };
 
   bool is_aside(FileId file) const;
@@ -57,14 +58,18 @@ class Packages {
   std::span<const FileId> nearest(std::span<const FileId> declaring, FileId from) const;
 
   const FileTable& files_;
-  std::unordered_map<std::string_view, Package> packages_;
+  std::unordered_map<std::string_view, Package, SeededHash> packages_;
 };
+
+/// Nobody writes longer names, and each part of one costs a look-up.
+inline constexpr std::size_t kLongestDotted = 2000;
 
 /// What `find(package, name)` gives for the longest prefix of a dotted name for which it gives
 /// anything. What has no package is not looked up by parts, unless it is written as types are.
 template <class Find>
 auto find_longest(std::string_view dotted, Find find) {
   const std::string_view whole = dotted;
+  if (whole.size() > kLongestDotted) return decltype(find("", ""))();
   for (;;) {
     const std::size_t dot = dotted.rfind('.');
     const bool bare = dot == dotted.npos;

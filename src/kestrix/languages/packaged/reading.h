@@ -12,6 +12,7 @@
 
 #include "kestrix/facts/facts.h"
 #include "kestrix/syntax/source_tree.h"
+#include "kestrix/text/seeded_hash.h"
 
 /// What the readers of Java, Kotlin and C# share: languages in which a file belongs to a package
 /// (or namespace) and names the types of its package without an import.
@@ -49,9 +50,10 @@ class OwnNames {
   std::vector<NameUse> foreign_uses(const SourceTree& tree, Constants constants) const;
 
  private:
-  std::unordered_set<std::string_view> names_;
-  std::unordered_set<std::string_view> nested_;
-  std::unordered_map<std::string_view, std::uint32_t> heads_;  // what heads use, and how often
+  std::unordered_set<std::string_view, SeededHash> names_;
+  std::unordered_set<std::string_view, SeededHash> nested_;
+  std::unordered_map<std::string_view, std::uint32_t, SeededHash>
+      heads_;  // what heads use, and how often
 };
 
 /// Adds an import fact of form `form` for each different name that the code spells out with its

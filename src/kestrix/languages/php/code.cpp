@@ -10,6 +10,7 @@
 
 #include "kestrix/syntax/tree_cursor.h"
 #include "kestrix/text/ascii.h"
+#include "kestrix/text/seeded_hash.h"
 
 namespace kestrix::index {
 namespace {
@@ -212,8 +213,9 @@ bool refine(const SourceTree&, TSNode declaration, Declaration& as) {
 }
 
 // Names that need no look-up outside of the file.
-std::unordered_set<std::string_view> known_in(const FileFacts& facts) {
-  std::unordered_set<std::string_view> known(facts.declares.begin(), facts.declares.end());
+std::unordered_set<std::string_view, SeededHash> known_in(const FileFacts& facts) {
+  std::unordered_set<std::string_view, SeededHash> known(facts.declares.begin(),
+                                                         facts.declares.end());
   for (const ImportFact& import : facts.imports) known.insert(import.local);
   return known;
 }

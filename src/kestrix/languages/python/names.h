@@ -5,6 +5,7 @@
 #include <unordered_set>
 
 #include "kestrix/languages/resolver.h"
+#include "kestrix/text/seeded_hash.h"
 
 namespace kestrix::index {
 
@@ -14,6 +15,6 @@ bool is_standard_module(std::string_view name);
 /// The distributions that the repository's own files require (requirements*.txt, pyproject.toml,
 /// setup.cfg, setup.py), under the names by which they are usually imported: lower case, "_" for
 /// "-" and ".".
-std::unordered_set<std::string> required_distributions(const FileTable& files);
+std::unordered_set<std::string, SeededHash> required_distributions(const FileTable& files);
 
 }  // namespace kestrix::index

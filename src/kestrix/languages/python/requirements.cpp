@@ -7,11 +7,12 @@
 #include "kestrix/text/ascii.h"
 #include "kestrix/text/lines.h"
 #include "kestrix/text/paths.h"
+#include "kestrix/text/seeded_hash.h"
 
 namespace kestrix::index {
 namespace {
 
-using Names = std::unordered_set<std::string>;
+using Names = std::unordered_set<std::string, SeededHash>;
 
 bool is_name_byte(char c) { return ascii::is_word(c) || c == '-' || c == '.'; }
 
@@ -102,7 +103,7 @@ void read_setup_py(std::string_view text, Names& names) {
 
 }  // namespace
 
-std::unordered_set<std::string> required_distributions(const FileTable& files) {
+std::unordered_set<std::string, SeededHash> required_distributions(const FileTable& files) {
   Names names;
   for (FileId id = 0; id < files.size(); ++id) {
     const std::string_view path = files.path(id);

@@ -11,6 +11,7 @@
 #include "kestrix/languages/dependencies.h"
 #include "kestrix/languages/python/names.h"
 #include "kestrix/text/paths.h"
+#include "kestrix/text/seeded_hash.h"
 
 namespace kestrix::index {
 namespace {
@@ -25,6 +26,7 @@ constexpr std::array<std::string_view, 12> kAside = {"doc",      "docs",      "d
                                                      "template", "templates", "test",     "tests"};
 // A folder with so many names of the standard library is a standard library.
 constexpr std::size_t kStandardLibrary = 10;
+constexpr std::size_t kMostRoots = 64;  // for one file
 
 template <class List>
 bool contains(const List& list, std::string_view name) {
@@ -78,7 +80,11 @@ class PythonResolver : public Resolver {
   Resolution resolve(FileId file) const override {
     Dependencies found(file);
     const std::string_view folder = folder_of(files_.path(file));
-    const std::vector<Root> roots = roots_of(folder);
+    std::vector<Root> roots = roots_of(folder);
+    if (roots.size() > kMostRoots) {
+      roots.erase(roots.begin() + kMostRoots / 2, roots.end() - kMostRoots / 2);
+      found.limit();
+    }
     for (const ImportFact& import : files_.facts(file).imports) {
       if (import.level > 0) {
         resolve_relative(folder, import, found);
@@ -111,8 +117,11 @@ class PythonResolver : public Resolver {
     if (project_roots_.empty()) return;
     std::string_view module = without_suffix(files_.path(id));
     if (base_name(module) == "__init__") module = folder_of(module);
-    for (std::string_view up = folder_of(module); !up.empty(); up = folder_of(up)) {
+    std::size_t roots = 0;
+    for (std::string_view up = folder_of(module); !up.empty() && roots < kMostRoots;
+         up = folder_of(up)) {
       if (!project_roots_.contains(std::string(up)) || packages_.contains(up)) continue;
+      ++roots;
       const std::string_view name = module.substr(up.size() + 1);
       if (!contains(kAside, name.substr(0, name.find('/')))) project_modules_.try_emplace(name, id);
     }
@@ -249,12 +258,14 @@ class PythonResolver : public Resolver {
   }
 
   const FileTable& files_;
-  std::unordered_set<std::string> required_;
-  std::unordered_set<std::string_view> folders_;   // that hold Python files, at any depth
-  std::unordered_set<std::string_view> packages_;  // that have an __init__
-  std::unordered_map<std::string_view, std::size_t> standard_names_;  // by folder
-  std::unordered_set<std::string> project_roots_;
-  std::unordered_map<std::string_view, FileId> project_modules_;  // "a/b" from a project's root
+  std::unordered_set<std::string, SeededHash> required_;
+  std::unordered_set<std::string_view, SeededHash>
+      folders_;  // that hold Python files, at any depth
+  std::unordered_set<std::string_view, SeededHash> packages_;  // that have an __init__
+  std::unordered_map<std::string_view, std::size_t, SeededHash> standard_names_;  // by folder
+  std::unordered_set<std::string, SeededHash> project_roots_;
+  std::unordered_map<std::string_view, FileId, SeededHash>
+      project_modules_;  // "a/b" from a project's root
 };
 
 }  // namespace

@@ -7,17 +7,23 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "kestrix/languages/dependencies.h"
 #include "kestrix/languages/ruby/others.h"
 #include "kestrix/text/ascii.h"
 #include "kestrix/text/paths.h"
+#include "kestrix/text/seeded_hash.h"
 
 namespace kestrix::index {
 namespace {
 
 constexpr std::array<std::string_view, 3> kLoadFolders = {"lib", "test", "spec"};
+
+constexpr std::size_t kLongestName = 1000;
+constexpr std::size_t kMostScopes = 256;      // that one file opens
+constexpr std::size_t kMostLoadFolders = 64;  // above one file
 
 bool is_upper(char c) { return c >= 'A' && c <= 'Z'; }
 bool is_lower_or_digit(char c) { return ascii::is_lower(c) || ascii::is_digit(c); }
@@ -52,11 +58,13 @@ class RubyResolver : public Resolver {
   explicit RubyResolver(const FileTable& files) : files_(files) {
     for (FileId id = 0; id < files.size(); ++id) {
       if (files.language(id) != "ruby") continue;
+      add_load_folders(files.path(id));
       const auto& names = files.facts(id).declares;
       const bool owns = std::ranges::any_of(
           names, [&](const std::string& name) { return is_named_after(id, name); });
       for (const std::string& name : names) {
-        if (!ruby::is_of_others(name, files.path(id))) declare(name, id, owns);
+        if (name.size() > kLongestName || ruby::is_of_others(name, files.path(id))) continue;
+        declare(name, id, owns);
       }
       for (const NameUse& use : files.facts(id).uses) add_dotted(use.name);
     }
@@ -66,8 +74,9 @@ class RubyResolver : public Resolver {
   Resolution resolve(FileId file) const override {
     const FileFacts& facts = files_.facts(file);
     Dependencies found(file);
-    for (const ImportFact& import : facts.imports) resolve_path(import, file, found);
-    const std::vector<std::string> scopes = scopes_of(facts);
+    const auto load_path = load_path_of(folder_of(files_.path(file)), found);
+    for (const ImportFact& import : facts.imports) resolve_path(import, file, load_path, found);
+    const std::vector<std::string> scopes = scopes_of(facts, found);
     for (const NameUse& use : facts.uses) {
       const auto constant = find_constant(use.name, scopes);
       if (!constant) continue;
@@ -121,9 +130,10 @@ class RubyResolver : public Resolver {
   }
 
   // The namespaces that the file opens, the innermost first, each with "::" at its end, and "".
-  static std::vector<std::string> scopes_of(const FileFacts& facts) {
+  static std::vector<std::string> scopes_of(const FileFacts& facts, Dependencies& found) {
     std::set<std::string> open;
     for (const std::string& name : facts.declares) {
+      if (name.size() > kLongestName) continue;
       for (std::size_t end = name.size(); end != std::string::npos;
            end = name.rfind("::", end - 1)) {
         if (!open.insert(name.substr(0, end) + "::").second) break;
@@ -133,6 +143,10 @@ class RubyResolver : public Resolver {
     std::vector<std::string> scopes(open.begin(), open.end());
     const auto depth = [](const std::string& scope) { return std::ranges::count(scope, ':'); };
     std::ranges::stable_sort(scopes, std::ranges::greater{}, depth);
+    if (scopes.size() > kMostScopes) {
+      scopes.resize(kMostScopes);
+      found.limit();
+    }
     scopes.emplace_back();
     return scopes;
   }
@@ -187,11 +201,12 @@ class RubyResolver : public Resolver {
     return found == dotted_.end() ? name : std::string_view(found->second);
   }
 
-  void resolve_path(const ImportFact& import, FileId file, Dependencies& found) const {
+  void resolve_path(const ImportFact& import, FileId file,
+                    const std::vector<std::string>& load_path, Dependencies& found) const {
     const std::string_view folder = folder_of(files_.path(file));
     const bool relative = static_cast<RubyImport>(import.form) == RubyImport::kRelative;
     const auto target =
-        relative ? find_file(folder, import.module) : find_on_load_path(folder, import.module);
+        relative ? find_file(folder, import.module) : find_on(load_path, import.module);
     if (target) {
       found.add(*target, 1.0);
     } else if (relative) {
@@ -206,20 +221,43 @@ class RubyResolver : public Resolver {
     return joined->ends_with(".rb") ? files_.find(*joined) : std::nullopt;
   }
 
-  std::optional<FileId> find_on_load_path(std::string_view folder, std::string_view path) const {
-    std::optional<FileId> target;
-    if (path.starts_with('/')) return target;
+  void add_load_folders(std::string_view path) {
+    for (std::string_view folder = folder_of(path); !folder.empty(); folder = folder_of(folder)) {
+      if (std::ranges::find(kLoadFolders, base_name(folder)) != kLoadFolders.end())
+        load_folders_.insert(folder);
+    }
+  }
+
+  // The nearest come first, at last the top itself.
+  std::vector<std::string> load_path_of(std::string_view folder, Dependencies& found) const {
+    std::vector<std::string> load_path;
     for_each_folder_up(folder, [&](std::string_view above) {
       for (const std::string_view name : kLoadFolders) {
-        if (!target) target = find_file(join(above, name), path);
+        std::string below = join(above, name);
+        if (load_folders_.contains(below)) load_path.push_back(std::move(below));
       }
     });
-    return target ? target : find_file("", path);
+    if (load_path.size() > kMostLoadFolders) {
+      load_path.resize(kMostLoadFolders);
+      found.limit();
+    }
+    load_path.emplace_back();
+    return load_path;
+  }
+
+  std::optional<FileId> find_on(const std::vector<std::string>& load_path,
+                                std::string_view path) const {
+    if (path.starts_with('/')) return std::nullopt;
+    for (const std::string& folder : load_path) {
+      if (const auto target = find_file(folder, path)) return target;
+    }
+    return std::nullopt;
   }
 
   const FileTable& files_;
-  std::unordered_map<std::string_view, Declared> declared_;
-  std::unordered_map<std::string_view, std::string> dotted_;
+  std::unordered_map<std::string_view, Declared, SeededHash> declared_;
+  std::unordered_map<std::string_view, std::string, SeededHash> dotted_;
+  std::unordered_set<std::string_view, SeededHash> load_folders_;
 };
 
 }  // namespace

@@ -10,6 +10,7 @@
 
 #include "kestrix/formats/scalars.h"
 #include "kestrix/text/paths.h"
+#include "kestrix/text/seeded_hash.h"
 
 namespace kestrix::index {
 namespace {
@@ -161,7 +162,7 @@ class Collector {
   RustCrates found_;
   std::vector<RustCrate> others_;
   std::set<std::pair<FileId, std::string>> roots_;              // of others, with their packages
-  std::unordered_set<std::string> packages_;                    // folders
+  std::unordered_set<std::string, SeededHash> packages_;        // folders
   std::vector<std::pair<std::string, std::string>> inherited_;  // folder and name
 };
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "kestrix/languages/resolver.h"
+#include "kestrix/text/seeded_hash.h"
 
 namespace kestrix::index {
 
@@ -17,9 +18,11 @@ struct RustCrate {
 
 struct RustCrates {
   std::vector<RustCrate> crates;  ///< libraries before programs before tests, examples, benches
-  std::unordered_map<std::string, std::size_t> libraries;  ///< by name, "-" as "_"
+  std::unordered_map<std::string, std::size_t, SeededHash> libraries;  ///< by name, "-" as "_"
   /// Names that the package of a folder gives to crates ("x = { package = \"y\" }").
-  std::unordered_map<std::string, std::unordered_map<std::string, std::string>> renamed;
+  std::unordered_map<std::string, std::unordered_map<std::string, std::string, SeededHash>,
+                     SeededHash>
+      renamed;
 };
 
 /// Reads the Cargo.toml files. Where there is none, src/lib.rs, src/main.rs, lib.rs and main.rs

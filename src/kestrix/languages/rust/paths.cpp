@@ -5,6 +5,7 @@
 #include <unordered_map>
 
 #include "kestrix/text/ascii.h"
+#include "kestrix/text/seeded_hash.h"
 
 namespace kestrix::index {
 namespace {
@@ -70,7 +71,7 @@ bool may_lead_somewhere(std::string_view path) {
 std::vector<RustPath> paths_of(
     const SourceTree& tree, const std::vector<std::pair<std::uint32_t, std::uint32_t>>& excluded) {
   std::vector<RustPath> paths;
-  std::unordered_map<std::string, std::size_t> places;
+  std::unordered_map<std::string, std::size_t, SeededHash> places;
   auto skip = excluded.begin();
   PathScanner scanner(tree.text(), tree.lexis());
   std::string path;

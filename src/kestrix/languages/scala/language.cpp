@@ -17,6 +17,7 @@
 #include "kestrix/languages/scala/text.h"
 #include "kestrix/languages/symbols.h"
 #include "kestrix/syntax/source_tree.h"
+#include "kestrix/text/seeded_hash.h"
 
 namespace kestrix::index {
 namespace {
@@ -193,7 +194,7 @@ class Reader {
   // Functions that a wildcard or the package may bring in are known by their being called.
   void read_calls() {
     std::map<std::string_view, std::uint32_t> calls;
-    std::unordered_set<std::string_view> own(kKeywords.begin(), kKeywords.end());
+    std::unordered_set<std::string_view, SeededHash> own(kKeywords.begin(), kKeywords.end());
     WordScanner scanner(tree_.text(), tree_.lexis());
     std::string_view before;
     for (Word word; scanner.next(word); before = word.text) {
@@ -211,7 +212,7 @@ class Reader {
   const SourceTree& tree_;
   FileFacts facts_;
   packaged::OwnNames own_;
-  std::unordered_set<std::string> names_;  // that imports bind; what own_ views
+  std::unordered_set<std::string, SeededHash> names_;  // that imports bind; what own_ views
 };
 
 FileFacts read(const SourceTree& tree) { return Reader(tree).read(); }
