@@ -6,7 +6,8 @@
 #include <utility>
 #include <vector>
 
-#include "apps/page_sources/references.h"
+#include "apps/page_sources/output.h"
+#include "capi/answers/references.h"
 #include "kestrix/index/refresh/indexer.h"
 #include "tests/index/scratch.h"
 
