@@ -26,6 +26,7 @@ enum class Known : std::uint8_t {
   kSettingsBase,   ///< what extends it is filled from the environment or a file
   kSettingsCall,   ///< calling it reads, binds or declares settings
   kSettingsPath,   ///< a glob: its settings stand there, by the framework's convention
+  kOpenBase,       ///< what extends it leaves its members to those who implement it
   kLoader,         ///< calling it loads code by name: plug-ins
   kHandlerBase,    ///< what extends it is called from outside: a request, a command, a job
   kHandlerMarker,  ///< what bears it is

@@ -11,6 +11,11 @@ namespace kestrix {
 double overriding_share(const CodeEvidence& evidence, index::DeclarationRef base,
                         std::span<const index::FileId> files);
 
+/// The share of `files` that declare a method for one that the type hardly gives a body: of the
+/// method that most of them declare.
+double filling_share(const CodeEvidence& evidence, index::DeclarationRef base,
+                     std::span<const index::FileId> files);
+
 /// Whether a method of that name makes values of the type.
 bool is_constructor(std::string_view method, std::string_view type);
 

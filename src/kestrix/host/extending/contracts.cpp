@@ -24,6 +24,7 @@ constexpr std::size_t kMostDescendants = 1'000'000;
 constexpr std::size_t kAskedFor = 3;   // so many files name a contract that one type implements
 constexpr std::size_t kPlainBase = 3;  // so many files extend a type that is no open one
 constexpr std::size_t kPlainFolders = 2;
+constexpr double kMostCalled = 0.6;
 constexpr std::size_t kMostDependents = 3;  // what more name serves them
 
 bool is_interface(DeclarationKind kind) {
@@ -59,8 +60,8 @@ class Finder {
     const auto& declared = evidence_[type];
     // An interface may be made of others alone; a class says by what it leaves open that it is one.
     const bool members = declared.methods + declared.fields > 0 || !declared.bases().empty();
-    contract.open =
-        declared.abstract_methods > 0 || (members && declared.kind == DeclarationKind::kInterface);
+    contract.open = declared.abstract_methods > 0 || derives_from(type, index::Known::kOpenBase) ||
+                    (members && declared.kind == DeclarationKind::kInterface);
     contract.implementers = descendants(type);
     std::set<std::string_view> folders;
     for (const DeclarationRef implementer : contract.implementers) {
@@ -77,6 +78,10 @@ class Finder {
                          ? 0
                          : static_cast<double>(quiet) / static_cast<double>(contract.files.size());
     contract.called = contract.open ? 1 : overriding_share(evidence_, type, contract.files);
+    // Languages without a word for it leave a member open by giving it a body that nobody wants.
+    contract.open |= filling_share(evidence_, type, contract.files) >= kMostCalled &&
+                     contract.quiet >= kMostCalled && contract.files.size() >= kPlainBase &&
+                     !derives_from(type, index::Known::kHandlerBase);
     contract.data = declared.methods == 0 && declared.bases().empty();
     std::set<FileId> users;
     std::set<FileId> tests;
@@ -126,18 +131,17 @@ class Finder {
     }
     if (is_interface(declared.kind)) return false;
     return contract.files.size() >= kPlainBase && contract.folders >= kPlainFolders &&
-           !is_called_by_framework(contract.type);
+           !derives_from(contract.type, index::Known::kHandlerBase);
   }
 
-  // What derives from it is an entry point, however many there are.
-  bool is_called_by_framework(DeclarationRef type) const {
+  bool derives_from(DeclarationRef type, index::Known known) const {
     const std::string_view language = evidence_.index().files()[type.file].language;
-    return std::ranges::any_of(
-        evidence_.index().references_from(type.file), [&](const IndexedReference& to) {
-          return to.within == type.place + 1 && kSubtyping.has(to.role) &&
-                 to.target == IndexedReference::kOutside &&
-                 index::known_as(language, index::Known::kHandlerBase, to.name) != nullptr;
-        });
+    return std::ranges::any_of(evidence_.index().references_from(type.file),
+                               [&](const IndexedReference& to) {
+                                 return to.within == type.place + 1 && kSubtyping.has(to.role) &&
+                                        to.target == IndexedReference::kOutside &&
+                                        index::known_as(language, known, to.name) != nullptr;
+                               });
   }
 
   const CodeEvidence& evidence_;

@@ -42,6 +42,11 @@ constexpr Signal kTable{"table_of_declarations", 1.3, "its table lists what {} f
 constexpr Signal kLoads{"loads_by_name", 2.6, "loads code by name", "loads code by name, {} times",
                         "flask, netbox"};
 
+constexpr Signal kTakes{"takes_contracts", 1.5, "has {} contract for a field",
+                        "has {} contracts for fields", "leveldb, okhttp"};
+constexpr Signal kFilled{"filled_in_tables", 1.4, "{} file fills a table of its type",
+                         "{} files fill tables of its types", "tmux, redis"};
+
 constexpr RoleSet kNaming{Role::kConstructs, Role::kCalls, Role::kLists, Role::kString,
                           Role::kType};
 constexpr std::size_t kSeveral = 3;
@@ -204,11 +209,19 @@ class Signals {
     for (const Contract& contract : contracts_) {
       if (!contract.open) continue;
       types_.insert(contract.type);
+      if (contract.files.size() > 1 || contract.test_implementers > 0)
+        several_.insert(contract.type);
       for (const DeclarationRef type : contract.implementers)
         implements_[type].insert(contract.type);
     }
     for (FileId file = 0; file < evidence_.index().files().size(); ++file) {
       if (evidence_.is_product(file)) look_at(file);
+    }
+    for (const auto& [file, contracts] : taken_) {
+      if (contracts.size() >= kSeveral) sheet_.add(file, kTakes, contracts.size());
+    }
+    for (const auto& [file, users] : filled_) {
+      if (users.size() >= kSeveral) sheet_.add(file, kFilled, users.size());
     }
     for (const auto& [file, users] : handed_over_) {
       if (users.files.size() >= kSeveral) {
@@ -230,6 +243,7 @@ class Signals {
       }
       if (to.declaration == 0 && to.role != Role::kString) continue;
       lines.push_back(&to);
+      if (to.role == Role::kType && to.within > 0 && to.target != file) look_at_type(to);
       if (to.role == Role::kLists && to.within > 0 && to.target != file &&
           is_table(file, to.within)) {
         tables[to.within].insert(to.target);
@@ -240,6 +254,20 @@ class Signals {
     add_pairs(file, lines);
     add_registrations(file, lines);
     add_tables(file, tables);
+  }
+
+  // A contract that a field holds, or a type of which a value at the top of the file is a table.
+  void look_at_type(const IndexedReference& to) {
+    const DeclarationRef type{to.target, to.declaration - 1};
+    const auto& holder = evidence_[DeclarationRef{to.source, to.within - 1}];
+    if (holder.kind == DeclarationKind::kField || index::is_type(holder.kind)) {
+      if (several_.contains(type)) taken_[to.source].insert(type);
+    } else if ((holder.kind == DeclarationKind::kConstant ||
+                holder.kind == DeclarationKind::kVariable) &&
+               holder.container == 0 && holder.size > 1 && evidence_[type].fields > 1 &&
+               evidence_.is_product(to.target)) {
+      filled_[to.target].insert(to.source);
+    }
   }
 
   bool is_table(FileId file, std::uint32_t within) const {
@@ -344,7 +372,10 @@ class Signals {
   ScoreSheet sheet_;
   std::set<DeclarationRef> types_;
   std::map<DeclarationRef, std::set<DeclarationRef>> implements_;
-  std::map<FileId, HandedOver> handed_over_;  // by the file of the function
+  std::set<DeclarationRef> several_;  // contracts of more than one implementer
+  std::map<FileId, std::set<DeclarationRef>> taken_;
+  std::map<FileId, std::set<FileId>> filled_;  // by the file of the type
+  std::map<FileId, HandedOver> handed_over_;   // by the file of the function
 };
 
 }  // namespace
