@@ -118,7 +118,12 @@ std::optional<DeclarationRef> NameResolver::find_own_member(DeclarationRef type,
   if (const auto other = find_in_parts(type, name)) return other;
   const auto companion = table_.find_member(type, kCompanion);
   if (!companion || table_[*companion].kind != DeclarationKind::kObject) return std::nullopt;
-  return find_member(*companion, name);
+  if (const auto member = table_.find_member(*companion, name)) return member;
+  // It may extend the very type whose companion it is: its bases' companions are not asked.
+  for (const DeclarationRef ancestor : ancestors_of(*companion)) {
+    if (const auto member = table_.find_member(ancestor, name)) return member;
+  }
+  return std::nullopt;
 }
 
 // The nearest come first. While they are looked for, a type has none: bases may lead in circles.

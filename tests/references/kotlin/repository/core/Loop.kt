@@ -1,0 +1,7 @@
+package shop.core
+
+open class Loop {
+    companion object : Loop() {
+        fun spin() {}
+    }
+}

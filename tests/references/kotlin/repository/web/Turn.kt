@@ -1,0 +1,8 @@
+package shop.web
+
+import shop.core.Loop
+
+fun turn() {
+    Loop.spin()
+    Loop.nothing()
+}
