@@ -22,7 +22,7 @@ using Storage = DataType::Storage;
 // Of the most central type of a file; each counts as much as the type is data.
 constexpr Signal kFolders{"named_in_folders", 1.0, "named in {} other folder",
                           "named in {} other folders", "lazygit, polar"};
-constexpr Signal kUsed{"type_used", 0.6, "used in {} file", "used in {} files", "cli, netbox"};
+constexpr Signal kUsed{"type_used", 0.9, "used in {} file", "used in {} files", "cli, netbox"};
 constexpr Signal kHeld{"type_held", 0.5, "a field of {} data type", "a field of {} data types",
                        "cli, lazygit"};
 constexpr Signal kBase{"data_base", 0.8, "{} data type extends it", "{} data types extend it",
@@ -32,9 +32,9 @@ constexpr Signal kMade{"made_by_tests", 0.6, "made in {} test file", "made in {}
 // Of the file.
 constexpr Signal kStored{"stored_types", 2.5, "declares {} type that is stored",
                          "declares {} types that are stored", "netbox, polar"};
-constexpr Signal kTypes{"data_types", 1.5, "declares {} data type that others name",
+constexpr Signal kTypes{"data_types", 0.8, "declares {} data type that others name",
                         "declares {} data types that others name", "cli, lazygit"};
-constexpr Signal kFamily{"data_folder", 1.2, "in a folder of {} widely named data type",
+constexpr Signal kFamily{"data_folder", 0.7, "in a folder of {} widely named data type",
                          "in a folder of {} widely named data types", "lazygit, netbox"};
 constexpr Signal kTables{"tables", 3.5, "defines {} table", "defines {} tables",
                          "umami, crates.io"};

@@ -23,7 +23,7 @@ constexpr double kLeastOfKnown = 0.5;
 // Of fewer namers, how many only make one tells nothing.
 constexpr std::uint32_t kFewNamers = 3;
 // A longer method weighs against so many fields.
-constexpr double kFieldsPerWorker = 2;
+constexpr double kFieldsPerWorker = 0.5;
 constexpr double kFieldsPerAccessor = 0.5;
 
 // What data implements is nearly as much data.

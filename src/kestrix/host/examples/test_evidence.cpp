@@ -22,6 +22,7 @@ constexpr std::size_t kTestsForOneUserMore = 20;
 constexpr std::size_t kMostLeastUsers = 3;
 // Where something serves nearly all tests, what serves a few of one kind is theirs.
 constexpr double kShareOfMostUsed = 0.04;
+constexpr std::size_t kEnoughNamed = 4;
 // A file of the product that one test alone names is the unit that it tests, not what it goes
 // through.
 constexpr std::size_t kLeastTestsOfInterface = 2;
@@ -122,10 +123,25 @@ void TestEvidence::hand_down() {
   }
 }
 
+std::size_t TestEvidence::least_users() const {
+  std::size_t most = 0;
+  for (const auto& users : users_) most = std::max(most, users.size());
+  const auto share = static_cast<std::size_t>(kShareOfMostUsed * static_cast<double>(most));
+  return std::max(std::min(1 + test_count_ / kTestsForOneUserMore, kMostLeastUsers), share);
+}
+
 // What nearly all tests ask for hands on what it registers: modules that are mixed into each test.
+// Which of them a test needs can't be seen; what tests name themselves tells more.
 void TestEvidence::hand_on() {
   make_distinct(handed_on_);
   make_distinct(asked_for_);
+  for (auto& users : users_) make_distinct(users);
+  std::size_t named = 0;
+  const std::size_t least = least_users();
+  for (FileId file = 0; file < users_.size(); ++file) {
+    if (tests_[file] && users_[file].size() >= least) ++named;
+  }
+  if (named >= kEnoughNamed) return;
   for (const auto& [shared, file] : handed_on_) {
     const auto askers = std::ranges::equal_range(asked_for_, shared, {}, &Pair::first);
     const bool by_most =
@@ -200,11 +216,7 @@ void TestEvidence::measure_reach() {
 }
 
 void TestEvidence::find_helpers() {
-  std::size_t most = 0;
-  for (const auto& users : users_) most = std::max(most, users.size());
-  const auto share = static_cast<std::size_t>(kShareOfMostUsed * static_cast<double>(most));
-  const std::size_t least =
-      std::max(std::min(1 + test_count_ / kTestsForOneUserMore, kMostLeastUsers), share);
+  const std::size_t least = least_users();
   for (FileId file = 0; file < users_.size(); ++file) {
     if (tests_[file] && users_[file].size() >= least) helpers_.push_back(file);
   }

@@ -48,6 +48,7 @@ class TestEvidence {
   void read_edges();
   void hand_down();
   void hand_on();
+  std::size_t least_users() const;
   void give_by_framework();
   void measure_reach();
   void find_helpers();
