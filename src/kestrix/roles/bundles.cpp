@@ -175,7 +175,9 @@ Bundles bundled_folders(const JudgedRepository& repository) {
     });
     if (bundled_above || refused_above >= kMostLookedThrough) continue;
     const auto range = repository.below(folder);
-    const bool is_most = code > 0 && repository.count_code(range) * 2 >= code;
+    // The product is what most of the code is, unless that lies among the tests.
+    const bool is_most = code > 0 && repository.count_code(range) * 2 >= code &&
+                         !is_test_by_path(repository.files[range.first].path);
     if (is_most || depends_on_the_rest(repository, range))
       refused.insert(folder);
     else

@@ -56,7 +56,7 @@ TestEvidence::TestEvidence(const WikiGenerator& generator, const CodeEvidence& c
   std::vector<bool> others(files);
   for (const std::string& path : generator._test_files()) {
     const auto file = is_fixture_path(path) ? std::nullopt : index_.find(path);
-    if (file) (is_own(*file) ? tests_ : others)[*file] = true;
+    if (file) (is_own(*file) && is_code(*file) ? tests_ : others)[*file] = true;
   }
   if (std::ranges::find(tests_, true) == tests_.end()) tests_ = std::move(others);
   test_count_ = static_cast<std::size_t>(std::ranges::count(tests_, true));
@@ -168,6 +168,8 @@ void TestEvidence::give_by_framework() {
     }
   }
 }
+
+bool TestEvidence::is_code(FileId file) const { return !index_.files()[file].language.empty(); }
 
 bool TestEvidence::is_own(FileId file) const {
   const auto& indexed = index_.files()[file];

@@ -53,6 +53,7 @@ class TestEvidence {
   void measure_reach();
   void find_helpers();
   bool is_own(index::FileId file) const;
+  bool is_code(index::FileId file) const;
   bool is_one_tests_own(index::FileId file) const;
   std::vector<bool> written_alike() const;
 

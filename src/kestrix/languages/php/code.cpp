@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "kestrix/languages/code/names.h"
 #include "kestrix/syntax/tree_cursor.h"
 #include "kestrix/text/ascii.h"
 #include "kestrix/text/seeded_hash.h"
@@ -247,6 +248,18 @@ void finish(FileFacts& facts) {
   facts.uses = std::move(uses);
 }
 
+// By Eloquent's convention the factory of a model is the class that is called like both.
+void note_factory(const SourceTree&, TSNode, std::string_view callee, MacroNotes& notes) {
+  constexpr std::string_view kFactory = "factory";
+  if (!callee.ends_with(kFactory) || callee.size() > kLongestMention / 2) return;
+  callee.remove_suffix(kFactory.size());
+  const std::size_t end = callee.find_last_not_of(".:");
+  if (end == std::string_view::npos || end + 1 == callee.size()) return;
+  const std::string_view path = callee.substr(0, end + 1);
+  const std::size_t start = path.find_last_of(".:\\") + 1;  // 0 without one
+  notes.mentions.emplace_back(std::string(path.substr(start)) + "Factory", Role::kString);
+}
+
 }  // namespace
 
 constinit const CodeRules php_code = {.rules = kRules,
@@ -258,6 +271,7 @@ constinit const CodeRules php_code = {.rules = kRules,
                                       .exported = exported,
                                       .is_abstract = is_abstract,
                                       .name_of = name_of,
+                                      .macro = note_factory,
                                       .refine = refine,
                                       .value_of = value_of,
                                       .finish = finish};

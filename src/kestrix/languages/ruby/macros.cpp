@@ -217,7 +217,7 @@ void make_by_factory(const SourceTree& tree, const Arguments& arguments, MacroNo
   if (arguments.names.empty() || type_of(arguments.names.front()) != "simple_symbol") return;
   const auto name = word(tree, arguments.names.front());
   if (name.empty() || name.size() > kLongestMention / 2) return;
-  for (const std::string& file : {std::string(name), plural(name)})
+  for (const std::string& file : {std::string(name), plural(name), std::string(name) + "_factory"})
     notes.mentions.emplace_back("factories/" + file, Role::kString);
 }
 
