@@ -166,8 +166,28 @@ World blank_imports_of_a_large_package(std::size_t n) {
   return world;
 }
 
+World imports_from_packages_around(std::size_t n) {
+  std::string text = "package a.b.c.d\npackage e.f.g\nimport x.{";
+  for (std::size_t i = 0; i < n; ++i) text += fmt::format("T{}, ", i);
+  text += "Last}\n";
+  for (std::size_t i = 0; i < n; ++i) text += fmt::format("import p{}.q.r._\n", i);
+  return {{"a/A.scala", text + "class A(t: T1)"}, {"x/X.scala", "package a.x\nclass T1"}};
+}
+
+World targets_of_a_package(std::size_t n) {
+  World world = {{"Package.swift", ""}};
+  for (std::size_t i = 0; i < n; ++i) {
+    world["Package.swift"] += fmt::format(".target(name: \"T{0}\", path: \"p{0}\"),\n", i);
+    world[fmt::format("p{}/A.swift", i)] = fmt::format("import T{0}\nlet a = B{0}()", i + 1);
+    world[fmt::format("p{}/B.swift", i)] = fmt::format("struct B{} {{}}", i);
+  }
+  return world;
+}
+
 TEST(Imports, CostNoMoreThanTheirNumber) {
   expect_linear({
+      {"imports from packages around", imports_from_packages_around},
+      {"targets of a package", targets_of_a_package},
       {"modules by two ways each", modules_by_two_ways},
       {"modules in a circle", modules_in_a_circle},
       {"uses of all names of a module", uses_of_all_names},

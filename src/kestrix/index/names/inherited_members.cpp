@@ -9,6 +9,7 @@ namespace {
 using Kind = NamedThing::Kind;
 
 constexpr std::size_t kMostAncestors = 64;
+constexpr std::size_t kMostTwins = 8;  // declarations of one name in a file
 // An object in a type whose members are known as the type's own.
 constexpr std::string_view kCompanion = "Companion";
 
@@ -93,7 +94,7 @@ std::optional<DeclarationRef> NameResolver::find_in_parts(DeclarationRef type,
 std::optional<DeclarationRef> NameResolver::find_in_twin(DeclarationRef type,
                                                          std::string_view name) const {
   if (!members_in_scope_ || table_[type].container > 0) return std::nullopt;
-  for (const DeclarationRef twin : table_.find_tops(type.file, table_[type].name)) {
+  for (const DeclarationRef twin : table_.find_tops(type.file, table_[type].name, kMostTwins)) {
     if (twin == type || table_[twin].kind != DeclarationKind::kObject) continue;
     if (const auto member = find_member(twin, name)) return member;
   }

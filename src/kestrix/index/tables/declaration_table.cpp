@@ -61,9 +61,13 @@ std::optional<DeclarationRef> DeclarationTable::find_top(FileId file, std::strin
   return DeclarationRef{file, found.front().place};
 }
 
-std::vector<DeclarationRef> DeclarationTable::find_tops(FileId file, std::string_view name) const {
+std::vector<DeclarationRef> DeclarationTable::find_tops(FileId file, std::string_view name,
+                                                        std::size_t most) const {
   std::vector<DeclarationRef> found;
-  for (const Named& row : named(file, 0, name)) found.push_back({file, row.place});
+  for (const Named& row : named(file, 0, name)) {
+    if (found.size() == most) break;
+    found.push_back({file, row.place});
+  }
   return found;
 }
 

@@ -39,8 +39,9 @@ class DeclarationTable {
   /// others of the same name, and definitions before what is only declared. None when there is
   /// none.
   std::optional<DeclarationRef> find_top(FileId file, std::string_view name) const;
-  /// All of them, in that order.
-  std::vector<DeclarationRef> find_tops(FileId file, std::string_view name) const;
+  /// All of them, in that order; at most so many.
+  std::vector<DeclarationRef> find_tops(FileId file, std::string_view name,
+                                        std::size_t most = SIZE_MAX) const;
   /// The member of that name which the declaration, a type or namespace, holds itself.
   std::optional<DeclarationRef> find_member(DeclarationRef holder, std::string_view name) const;
   /// All that other files can reach under that name at the top of a file, by file; for a name that

@@ -25,7 +25,7 @@ namespace {
 
 constexpr std::array<std::string_view, 2> kPlatform = {"java", "kotlin"};
 
-constexpr std::size_t kMostPackages = 32;    // around one file
+constexpr std::size_t kMostPackages = 8;     // around one file
 constexpr std::size_t kMostWildcards = 256;  // packages that one file imports all of
 
 std::string below(std::string_view package, std::string_view name) {

@@ -29,6 +29,7 @@ constexpr std::array<std::string_view, 7> kCaptures = {"class",  "declaration", 
 // Words behind which a dotted name is no use of it.
 constexpr std::array<std::string_view, 2> kStatements = {"import", "package"};
 constexpr std::string_view kRoot = "_root_";
+constexpr std::size_t kLongestPath = 200;  // what is longer names nothing
 // Words that are followed by a bracket without being called.
 constexpr std::array<std::string_view, 14> kKeywords = {
     "case", "catch", "class", "do",     "else",  "extends", "for",
@@ -52,8 +53,10 @@ class Reader {
   void take(const Match& match) {
     if (const auto package = match.node("package")) {
       // One clause behind another names a package in that of the first.
+      std::string inner = packaged::dotted(tree_, *package);
+      if (facts_.package.size() + inner.size() > kLongestPath) return;
       if (!facts_.package.empty()) facts_.package += '.';
-      facts_.package += packaged::dotted(tree_, *package);
+      facts_.package += inner;
     } else if (const auto object = match.node("object")) {
       declare_package_object(*object);
     } else if (const auto import = match.node("import")) {
@@ -67,6 +70,7 @@ class Reader {
   // What it holds belongs to the package that it is named after.
   void declare_package_object(TSNode name) {
     const std::string prefix = std::string(tree_.text(name)) + ".";
+    if (prefix.size() > kLongestPath) return;
     const TSNode body = ts_node_child_by_field_id(ts_node_parent(name), body_field());
     for_each_child(body, [&](TSNode child, std::string_view) {
       for_each_child(child, [&](TSNode part, std::string_view field) {
@@ -121,6 +125,7 @@ class Reader {
   }
 
   void add_selected(TSNode statement, const std::string& path, TSNode selected) {
+    if (path.size() > kLongestPath) return;
     const std::string_view type = type_of(selected);
     if (type == "namespace_wildcard") return add_all(statement, path);
     if (type == "identifier") {
@@ -136,6 +141,7 @@ class Reader {
   }
 
   void add_import(TSNode statement, std::string module, std::string_view bound) {
+    if (module.size() > kLongestPath) return;
     const std::string_view name = *names_.emplace(bound).first;
     own_.add(name);
     facts_.imports.push_back({.module = std::move(module),

@@ -19,8 +19,8 @@
 namespace kestrix::index {
 namespace {
 
-constexpr std::size_t kMostParts = 64;     // extensions of one type that count
-constexpr std::size_t kMostModules = 256;  // that one file knows
+constexpr std::size_t kMostParts = 64;    // extensions of one type that count
+constexpr std::size_t kMostModules = 64;  // that one file knows
 
 class SwiftResolver : public Resolver {
  public:

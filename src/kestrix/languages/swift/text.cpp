@@ -45,7 +45,7 @@ class Mask {
   std::optional<std::string> run() {
     WordScanner scanner(text_, kLexis);
     for (Word word; scanner.next(word);) {
-      if (!word.member) visit(word);
+      if (!word.member && word.offset >= done_) visit(word);
     }
     blank_values();
     return std::move(masked_);
@@ -57,7 +57,8 @@ class Mask {
     const bool directive = word.offset > 0 && text_[word.offset - 1] == '#';
     if (directive) {
       if (is_among(kDirectives, word.text)) {
-        blank(word.offset - 1, std::min(text_.find('\n', end), text_.size()));
+        done_ = std::min(text_.find('\n', end), text_.size());
+        blank(word.offset - 1, done_);
       } else if (word.text.starts_with('_')) {
         blank(word.offset - 1, word.offset);
       }
@@ -100,6 +101,7 @@ class Mask {
 
   std::string_view text_;
   std::optional<std::string> masked_;
+  std::size_t done_ = 0;  // the end of the last line that is blank
 };
 
 }  // namespace
