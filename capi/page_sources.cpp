@@ -208,7 +208,8 @@ page_sources_status page_sources_why(page_sources_repository* repository, const 
     });
     const std::string path = required(file, "the file");
     const auto state = work.state();
-    return why_as_json(state->about, why(state->generator, *pages_named(name).front(), path));
+    return why_as_json(state->about, answer_why(state->generator, state->opened.root,
+                                                *pages_named(name).front(), path));
   });
 }
 

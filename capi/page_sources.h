@@ -102,7 +102,7 @@ PAGE_SOURCES_EXPORT page_sources_status page_sources_pages(page_sources_reposito
                                                            const char* const* entry_points,
                                                            char** text);
 
-/* Why a file is on a page, or why not. */
+/* Why a file, relative to the repository or an absolute path below it, is on a page, or why not. */
 PAGE_SOURCES_EXPORT page_sources_status page_sources_why(page_sources_repository* repository,
                                                          const char* page, const char* file,
                                                          char** text);

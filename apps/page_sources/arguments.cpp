@@ -9,6 +9,7 @@
 
 #include "apps/page_sources/definitions.h"
 #include "capi/answers/escape.h"
+#include "capi/answers/names.h"
 #include "capi/answers/suggestions.h"
 
 namespace kestrix::program {
@@ -34,6 +35,7 @@ class Parser {
   Command parse() {
     try {
       if (auto wrong = place_subcommand()) return *wrong;
+      complete_repository();
       spread_marker();
       Names reversed(arguments_.rbegin(), arguments_.rend());  // as the library wants them
       definitions_.app().parse(std::move(reversed));
@@ -80,6 +82,24 @@ class Parser {
       if (definitions_.takes_value(argument)) ++at;
     }
     return arguments_.size();
+  }
+
+  // Of `why PAGE FILE` the current directory is meant; `why REPO PAGE` lacks its file.
+  void complete_repository() {
+    if (arguments_.front() != "why") return;
+    Names words;
+    for (std::size_t at = 1; at < arguments_.size(); ++at) {
+      if (is_option(arguments_[at]) && arguments_[at] != "--") {
+        if (definitions_.takes_value(arguments_[at])) ++at;
+      } else if (arguments_[at] == "--") {
+        return;
+      } else {
+        words.push_back(arguments_[at]);
+      }
+    }
+    if (words.size() == 2 && !name_fault(words[1], page_names()).empty()) {
+      arguments_.insert(arguments_.begin() + 1, ".");
+    }
   }
 
   // The library ends a subcommand at "--" once its positional arguments could be complete. Those

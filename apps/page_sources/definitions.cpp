@@ -284,9 +284,8 @@ void Definitions::add_cache() {
   auto& app = add("cache", "List the indexes that are kept, or remove them", help::kCacheNotes);
   app.add_option_function<std::string>(
          "ACTION", [this](const std::string& action) { cache_.clean = action == "clean"; },
-         "list or clean")
+         "list (default) or clean")
       ->type_name("")
-      ->required()
       ->check(one_of({"list", "clean"}));
   app.add_option_function<std::string>(
          "--older-than", [this](const std::string& text) { cache_.older_than = days_of(text); },

@@ -32,11 +32,12 @@ Examples:
   page-sources pages --format json | jq -r '.pages.examples.files[].path')~";
 
 inline constexpr const char* kWhyNotes = R"~(
-FILE is relative to REPO. For a file that is on the page, the answer tells its rank, its
+FILE is relative to REPO, or an absolute path below it. REPO may be left out when it is the
+current directory. For a file that is on the page, the answer tells its rank, its
 reasons with their places, and what stands above it; for any other, what is missing.
 
 Examples:
-  page-sources why . errors src/store.py
+  page-sources why errors src/store.py
   page-sources why ~/src/app extending app/plugins.py --format json)~";
 
 inline constexpr const char* kEdgesNotes =

@@ -49,7 +49,8 @@ class Commands {
 
   std::string operator()(const WhyCommand& command) const {
     const Opened opened = opener_.open(command.common);
-    const WhyAnswer answer = why(opened.generator(), *command.page, command.file);
+    const WhyAnswer answer =
+        answer_why(opened.generator(), opened.root, *command.page, command.file);
     return command.format == Format::kJson ? why_as_json(opened.about(), answer)
                                            : why_as_text(answer, style());
   }

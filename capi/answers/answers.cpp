@@ -43,6 +43,15 @@ std::vector<AnsweredPage> answer_pages(const WikiGenerator& generator,
   return answers;
 }
 
+WhyAnswer answer_why(const WikiGenerator& generator, const std::filesystem::path& root,
+                     const Page& page, const std::string& file) {
+  const std::filesystem::path path(file);
+  if (!path.is_absolute()) return why(generator, page, file);
+  const auto below = path.lexically_normal().lexically_relative(root);
+  const bool outside = below.empty() || *below.begin() == "..";
+  return why(generator, page, outside ? file : below.native());
+}
+
 std::vector<FoundEdge> answer_edges(const index::RepositoryIndex& index,
                                     const EdgeRequest& request) {
   auto edges = request.path.empty() ? find_edges(index, request.query)

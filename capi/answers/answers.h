@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <filesystem>
 #include <functional>
 #include <optional>
 #include <span>
@@ -12,6 +13,7 @@
 #include "kestrix/files/skip_counts.h"
 #include "kestrix/host/pages.h"
 #include "kestrix/host/queries/edge_query.h"
+#include "kestrix/host/queries/why.h"
 #include "kestrix/index/index.h"
 
 namespace kestrix {
@@ -36,6 +38,11 @@ std::vector<AnsweredPage> answer_pages(const WikiGenerator& generator,
                                        std::span<const Page* const> pages,
                                        std::span<const std::string> entry_points,
                                        const std::function<void()>& before_each = {});
+
+/// Why a file is on a page, or why not. `file` is relative to `root`, or an absolute path below it.
+/// Throws as `why` does.
+WhyAnswer answer_why(const WikiGenerator& generator, const std::filesystem::path& root,
+                     const Page& page, const std::string& file);
 
 /// Which edges are asked for, and in what shape.
 struct EdgeRequest {

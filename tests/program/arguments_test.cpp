@@ -109,10 +109,13 @@ TEST(Arguments, EdgesAreFilteredAndSummed) {
   EXPECT_EQ(parsed<EdgesCommand>({"edges", "--by", "folder"}).request.folders, 0U);
 }
 
-TEST(Arguments, WhyTakesThree) {
+TEST(Arguments, WhyTakesThreeOrTwo) {
   const auto command = parsed<WhyCommand>({"why", ".", "errors", "a.py"});
   EXPECT_EQ(command.page->name, "errors");
   EXPECT_EQ(command.file, "a.py");
+  const auto here = parsed<WhyCommand>({"-j", "2", "why", "errors", "--format", "json", "a.py"});
+  EXPECT_EQ(here.common.repository, ".");
+  EXPECT_EQ(here.file, "a.py");
 }
 
 TEST(Arguments, SymbolsAndTopicTakeTheirOwn) {

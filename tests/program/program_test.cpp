@@ -276,6 +276,10 @@ TEST(Program, WhyTellsReasonsRanksAndWhatIsMissing) {
                          "    app/errors.py:1  AppError\n"
                          "  used by 1 file\n"
                          "    app/main.py\n"));
+  const auto absolute = std::filesystem::canonical(program.path() / "repo/app/errors.py");
+  EXPECT_EQ(program.run({"why", "repo", "errors", absolute}).out,
+            program.run({"why", "repo", "errors", "app/errors.py"}).out);
+  expect_one_line_error(program.run({"why", "repo", "errors", "/etc/passwd"}), 1, "/etc/passwd");
   EXPECT_THAT(program.run({"why", "repo", "errors", "app/main.py"}).out,
               StartsWith("app/main.py is not on the page errors\n  defines no error type"));
   EXPECT_THAT(program.run({"why", "repo", "decisions", "app/main.py"}).out,
@@ -337,7 +341,7 @@ TEST(Program, CacheIsListedAndCleaned) {
   program.run({"index", "repo"});
   program.run({"index", "gone"});
   std::filesystem::remove_all(program.path() / "gone");
-  const std::string listed = program.run({"cache", "list"}).out;
+  const std::string listed = program.run({"cache"}).out;
   EXPECT_LT(listed.find("gone (gone)"), listed.find("/repo  "));
   EXPECT_THAT(program.run({"cache", "clean", "--older-than", "1d"}).out, StartsWith("0 indexes"));
   EXPECT_THAT(program.run({"cache", "clean"}).out, HasSubstr("2 indexes removed"));
