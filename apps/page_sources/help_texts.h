@@ -21,9 +21,8 @@ page-sources help SUBCOMMAND tells more. Exit codes: 0 done, 1 the work failed, 
 inline constexpr const char* kPagesNotes = R"~(
 GLOB is matched against whole paths as git's ":(glob)" does: * and ? stay within a
 directory, ** crosses directories, {a,b} is either, a directory's name stands for all
-below it. Without GLOB, the flows page shows the directories of which one file outside
-uses at least three production files and a third of them: the farthest reach first, at
-most five.
+below it. Without GLOB, the flows page shows the classes of entry points that the
+structure shows, at most eight, each with the sign that made it one.
 
 Examples:
   page-sources pages ~/src/app --page errors,flows
