@@ -1,6 +1,7 @@
 // Repositories made to break a reader. Each run ends by itself, answers, and holds its memory.
 
 #include <fcntl.h>
+#include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/socket.h>
@@ -133,6 +134,54 @@ void make_mixtures(const FreshDirectory& repo) {
   }
 }
 
+std::string each(int count, const std::function<std::string(int)>& piece) {
+  std::string all;
+  for (int i = 0; i < count; ++i) all += piece(i) + "\n";
+  return all;
+}
+
+void make_circles(const FreshDirectory& repo) {
+  constexpr int kFiles = 8'000;
+  for (int i = 0; i < kFiles; ++i) {
+    repo.write(fmt::format("repo/m{}.py", i),
+               fmt::format("from m{} import *\nfrom m{} import *\nz{}()\n", (i + 1) % kFiles,
+                           (7 * i + 1) % kFiles, i));
+    repo.write(fmt::format("repo/C{}.java", i),
+               fmt::format("class C{} extends C{} implements C{} {{ void m() {{ z(); }} }}\n", i,
+                           (i + 1) % kFiles, (7 * i + 1) % kFiles));
+  }
+}
+
+// Of one thing many, each times many of another.
+void make_products(const FreshDirectory& repo) {
+  repo.write("repo/go.mod", "module m\n");
+  repo.write("repo/i.go", "package m\n" + each(5'000, [](int i) {
+                            return fmt::format("type I{} interface {{ M() }}", i);
+                          }));
+  repo.write("repo/t.go", "package m\n" + each(5'000, [](int i) {
+                            return fmt::format("type T{0} struct{{}}\nfunc (T{0}) M() {{}}", i);
+                          }));
+  repo.write("repo/b.ts",
+             each(80'000, [](int i) { return fmt::format("export const c{} = 1;", i); }));
+  for (int i = 0; i < 2'000; ++i) {
+    repo.write(fmt::format("repo/a{}.ts", i), "export * from './b'\n");
+    repo.write(fmt::format("repo/p/f{}.go", i), "package p\nimport _ \"m/q\"\n");
+    repo.write(fmt::format("repo/q/f{}.go", i), "package q\n");
+  }
+  repo.write("repo/a.c", repeated("#include \"a.h\"\n", 20'000) +
+                             each(40'000, [](int i) { return fmt::format("u{}();", i); }));
+  repo.write("repo/a.h", each(40'000, [](int i) { return fmt::format("void u{}(void);", i); }));
+}
+
+// Two ways to each next module, and circles of them.
+void make_modules(const FreshDirectory& repo) {
+  const auto twice = [](int i) {
+    return fmt::format("#[path = \"f{0}.rs\"] mod x;\n#[path = \"f{0}.rs\"] mod y;\n", i);
+  };
+  repo.write("repo/src/lib.rs", twice(0));
+  for (int i = 0; i < 500; ++i) repo.write(fmt::format("repo/src/f{}.rs", i), twice((i + 1) % 400));
+}
+
 // What is read beside sources: project files and git's own data.
 void make_odd_data(const FreshDirectory& repo) {
   repo.write("repo/a.ts", "import {b} from 'b';\n");
@@ -172,8 +221,11 @@ struct HostileCase {
 class HostileRepository : public testing::TestWithParam<HostileCase> {};
 
 TEST_P(HostileRepository, IsIndexedWithinItsMemory) {
-  const ProgramUnderTest program;
+  ProgramUnderTest program;
   GetParam().make(program.directory());
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+  program.before = "ulimit -t 20";  // seconds of processor time
+#endif
   const Ended index = program.run({"index", "repo", "--index", "i.db"});
   ASSERT_EQ(index.code, 0) << index.err;
   EXPECT_THAT(index.out, HasSubstr(GetParam().told));
@@ -193,9 +245,52 @@ INSTANTIATE_TEST_SUITE_P(
                     HostileCase{"Crowd", make_crowd, "files        50000\n"},
                     HostileCase{"Giants", make_giants, "left out\n"},
                     HostileCase{"Nesting", make_nesting, "files        57\n"},
+                    HostileCase{"Circles", make_circles, "files        16000\n"},
+                    HostileCase{"Products", make_products, "leads too far"},
+                    HostileCase{"Modules", make_modules, "leads too far"},
                     HostileCase{"Mixtures", make_mixtures, "binary file"},
                     HostileCase{"OddData", make_odd_data, "git data that"}),
     [](const auto& test) { return test.param.name; });
+
+// Nothing is opened by its absolute path, which may be longer than the system takes.
+TEST(HostileRepository, MayLieAsDeepAsItsOwnPathGoes) {
+  const ProgramUnderTest program;
+  std::string deep = "deep";
+  while (program.path().native().size() + deep.size() < 3'800) deep += "/" + std::string(100, 'r');
+  std::string inner = "src";
+  for (int i = 0; i < 10; ++i) inner += "/" + std::string(90, 'd');
+  for (const std::string& root : {std::string("repo"), deep}) {
+    const std::string path = root + "/" + inner;
+    if ((program.path() / path).native().size() > 4'000) {
+      std::filesystem::create_directories(program.path() / root);
+      const auto before = std::filesystem::current_path();
+      std::filesystem::current_path(program.path() / root);
+      std::filesystem::create_directories(inner);
+      std::filesystem::copy_file(program.path() / "repo" / inner / "e.py", inner + "/e.py");
+      std::filesystem::current_path(before);
+    } else {
+      program.directory().write(path + "/e.py", "class DeepError(Exception): pass\n");
+    }
+    program.directory().write(root + "/go.mod", "module m\n");
+    program.directory().write(root + "/a/a.go", "package a\nimport \"m/b\"\nvar A = b.B\n");
+    program.directory().write(root + "/b/b.go", "package b\nvar B = 1\n");
+  }
+  for (const char* answer : {"edges", "symbols", "pages"}) {
+    const bool pages = std::string_view(answer) == "pages";
+    const auto ask = [&](const std::string& root, const std::string& index) {
+      std::vector<std::string> arguments{answer, root, "--index", index};
+      if (pages) arguments.emplace_back("--paths");
+      return program.run(arguments);
+    };
+    const Ended near = ask("repo", "near.db");
+    const Ended far = ask(deep, "far.db");
+    EXPECT_EQ(far.code, 0) << far.err;
+    EXPECT_EQ(far.out, near.out);
+    EXPECT_THAT(far.out, HasSubstr(pages                                 ? "e.py"
+                                   : std::string_view(answer) == "edges" ? "b/b.go"
+                                                                         : "DeepError"));
+  }
+}
 
 TEST(HostileRepository, MayChangeWhileItIsRead) {
   const ProgramUnderTest program;

@@ -153,6 +153,7 @@ ReferenceBuilder::Built ReferenceBuilder::build(FileId file) const {
     }
     built.references.push_back(std::move(to));
   }
+  built.limited = names.is_limited() || (included && included->is_limited());
   add_satisfied(file, built);
   return built;
 }

@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <deque>
 
 #include "kestrix/index/names/name_resolver.h"
 
@@ -9,13 +8,10 @@ namespace {
 using Kind = NamedThing::Kind;
 
 // Files that wildcards make known to one file, and barrels among them that are asked for a name.
-constexpr std::size_t kMostReachable = 20'000;
+constexpr std::size_t kMostReachable = 4'000;
 constexpr std::size_t kMostBarrels = 64;
 constexpr std::size_t kMostOpened = 256;  // types whose members one file imports all
 
-bool is_wildcard(const Binding& binding) {
-  return binding.local == "*" && (binding.name.empty() || binding.name == "*");
-}
 bool opens_type(const Binding& binding) { return binding.local == "*" && !is_wildcard(binding); }
 
 }  // namespace
@@ -44,12 +40,10 @@ NameResolver::Found NameResolver::find_exported(FileId file, std::string_view na
 NameResolver::Found NameResolver::find_handed_on(FileId file, std::string_view name,
                                                  int hops) const {
   if (hops > kMostHops) return std::nullopt;
-  for (const Binding& binding : scopes_.bindings(file)) {
-    if (binding.exported != name) continue;
-    if (binding.target == file && binding.name == name) return NamedThing::file(file, name);
-    return follow(binding, hops);
-  }
-  return std::nullopt;
+  const Binding* const binding = scopes_.handed_on(file, name);
+  if (binding == nullptr) return std::nullopt;
+  if (binding->target == file && binding->name == name) return NamedThing::file(file, name);
+  return follow(*binding, hops);
 }
 
 // What "export *" and its like hand on; two different things of one name are none.
@@ -76,35 +70,17 @@ NameResolver::Found NameResolver::find_in_barrels(FileId file, std::string_view 
 // NOLINTEND(misc-no-recursion)
 
 void NameResolver::close_over_wildcards() {
-  closed_ = true;
-  std::unordered_set<FileId> seen{file_};
-  std::deque<FileId> open{file_};
-  while (!open.empty() && seen.size() < kMostReachable) {
-    const FileId at = open.front();
-    open.pop_front();
-    for (const Binding& binding : scopes_.bindings(at)) {
-      const bool known = at == file_ || binding.exported == "*";
-      if (is_wildcard(binding) && known && seen.insert(binding.target).second) {
-        open.push_back(binding.target);
-      }
-    }
-  }
+  reached_.emplace(files_.size()).close_over(scopes_, file_, kMostReachable);
   for (const Binding& binding : scopes_.bindings(file_)) {
     if (!opens_type(binding) || opened_.size() == kMostOpened) continue;
     const NamedThing type = follow(binding, 0);
     if (type.kind == Kind::kDeclaration && type.rest.empty()) opened_.push_back(type.at);
   }
-  seen.erase(file_);
-  reachable_.assign(seen.begin(), seen.end());
-  std::ranges::sort(reachable_);
-  for (const FileId file : reachable_) {
-    const auto hands_on = [](const Binding& binding) {
-      return !is_wildcard(binding) && !binding.exported.empty();
-    };
-    if (barrels_.size() < kMostBarrels && std::ranges::any_of(scopes_.bindings(file), hands_on)) {
-      barrels_.push_back(file);
-    }
+  for (const FileId file : reached_->files()) {
+    const bool barrel = file != file_ && scopes_.hands_on_names(file);
+    if (barrel && barrels_.size() < kMostBarrels) barrels_.push_back(file);
   }
+  std::ranges::sort(barrels_);
 }
 
 // What imports of all members of a type bring in.
@@ -120,12 +96,12 @@ NameResolver::Found NameResolver::find_in_opened_types(std::string_view name) co
 }
 
 NameResolver::Found NameResolver::find_through_wildcards(std::string_view name) {
-  if (!closed_) close_over_wildcards();
+  if (!reached_) close_over_wildcards();
   if (const Found member = find_in_opened_types(name)) return member;
-  if (reachable_.empty()) return std::nullopt;
+  if (reached_->files().size() < 2) return std::nullopt;
   Found one;
   for (const DeclarationRef at : table_.find_all(name, kMostDeclarers)) {
-    if (!std::ranges::binary_search(reachable_, at.file)) continue;
+    if (!reached_->contains(at.file)) continue;
     if (one) return std::nullopt;
     one = NamedThing::declaration(at);
   }

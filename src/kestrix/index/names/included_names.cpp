@@ -1,10 +1,8 @@
 #include "kestrix/index/names/included_names.h"
 
 #include <algorithm>
-#include <deque>
 #include <iterator>
 #include <string>
-#include <unordered_set>
 #include <utility>
 
 #include "kestrix/index/names/namespaces.h"
@@ -14,7 +12,7 @@ namespace kestrix::index {
 namespace {
 
 // Files that one file includes, through others.
-constexpr std::size_t kMostIncluded = 20'000;
+constexpr std::size_t kMostIncluded = 4'000;
 // A name that is declared more often says nothing by itself.
 constexpr std::size_t kMostDeclarations = 256;
 constexpr int kMostSpaces = 6;  // namespaces that a name is written with
@@ -68,11 +66,10 @@ IncludedNames::Found IncludedNames::find_around(std::string_view name, std::uint
 // What the included files declare under that name in `space` or, unless `exactly`, around it.
 IncludedNames::Found IncludedNames::find_included(std::string_view name, std::string_view space,
                                                   bool exactly) {
-  if (!closed_) close_over_includes();
+  if (!included_) included_.emplace(files_.size()).close_over(scopes_, file_, kMostIncluded);
   auto found = table_.find_each(name, kMostDeclarations);
   std::erase_if(found, [&](DeclarationRef at) {
-    return table_[at].kind == DeclarationKind::kModule ||
-           !std::ranges::binary_search(included_, at.file);
+    return table_[at].kind == DeclarationKind::kModule || !included_->contains(at.file);
   });
   if (exactly) {
     std::ranges::copy(table_.find_tops(file_, name), std::back_inserter(found));
@@ -217,24 +214,6 @@ DeclarationRef IncludedNames::definition_of(DeclarationRef at) const {
                   [&](DeclarationRef other) { return stem_of(files_.path(other.file)) != stem; });
   }
   return found.size() == 1 ? found.front() : at;
-}
-
-void IncludedNames::close_over_includes() {
-  closed_ = true;
-  std::unordered_set<FileId> seen{file_};
-  std::deque<FileId> open{file_};
-  while (!open.empty() && seen.size() < kMostIncluded) {
-    const FileId at = open.front();
-    open.pop_front();
-    for (const Binding& binding : scopes_.bindings(at)) {
-      if (binding.local == "*" && seen.insert(binding.target).second) {
-        open.push_back(binding.target);
-      }
-    }
-  }
-  seen.erase(file_);
-  included_.assign(seen.begin(), seen.end());
-  std::ranges::sort(included_);
 }
 
 }  // namespace kestrix::index

@@ -29,6 +29,9 @@ class IncludedNames {
   /// What `name` ("a.b.C") stands for where the declaration `within` (from one, 0: none) holds it.
   NamedThing resolve(std::string_view name, std::uint32_t within);
 
+  /// Whether the files that it includes were too many to look through.
+  bool is_limited() const { return included_ && included_->is_cut(); }
+
  private:
   using Found = std::optional<DeclarationRef>;
 
@@ -44,14 +47,12 @@ class IncludedNames {
   std::string_view descend(DeclarationRef& at, std::string_view rest);
   DeclarationRef behind_alias(DeclarationRef at);
   DeclarationRef definition_of(DeclarationRef at) const;
-  void close_over_includes();
 
   const IndexedFiles& files_;
   const Scopes& scopes_;
   const DeclarationTable& table_;
   FileId file_;
-  bool closed_ = false;
-  std::vector<FileId> included_;  // ascending
+  std::optional<Reached> included_;  // made when one is first asked
   std::unordered_map<std::uint32_t, Found> owners_;
   std::map<DeclarationRef, std::vector<DeclarationRef>> ancestors_;
   int depth_ = 0;

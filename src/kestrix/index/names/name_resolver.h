@@ -37,6 +37,9 @@ class NameResolver {
   /// is written and by what the repository declares.
   bool looks_outside(std::string_view name) const;
 
+  /// Whether what wildcards make known here was too much to look through.
+  bool is_limited() const { return reached_ && reached_->is_cut(); }
+
  private:
   using Found = std::optional<NamedThing>;
 
@@ -85,9 +88,8 @@ class NameResolver {
   bool members_in_scope_ = false;
   bool capital_types_ = false;
   bool paths_outside_ = false;
-  bool closed_ = false;
-  std::vector<FileId> reachable_;  // by wildcards, ascending
-  std::vector<FileId> barrels_;    // of those the ones that hand names on
+  std::optional<Reached> reached_;  // by wildcards; made when one is first asked
+  std::vector<FileId> barrels_;     // of those the ones that hand names on
   struct Import {
     const ImportFact* import;
     const ImportedName* name;  // null: the import binds the module as a whole
