@@ -4,6 +4,7 @@
 #include <cmath>
 #include <map>
 
+#include "kestrix/host/evidence/descendants.h"
 #include "kestrix/host/evidence/error_types.h"
 #include "kestrix/host/evidence/overriding.h"
 #include "kestrix/languages/frameworks.h"
@@ -18,9 +19,6 @@ using index::FileId;
 using index::folder_of;
 using index::IndexedReference;
 
-constexpr std::size_t kMostImplementers = 5'000;
-// Of all contracts together; where there are more, only those count that name their contract.
-constexpr std::size_t kMostDescendants = 1'000'000;
 constexpr std::size_t kAskedFor = 3;   // so many files name a contract that one type implements
 constexpr std::size_t kPlainBase = 3;  // so many files extend a type that is no open one
 constexpr std::size_t kPlainFolders = 2;
@@ -35,7 +33,7 @@ bool is_interface(DeclarationKind kind) {
 class Finder {
  public:
   explicit Finder(const CodeEvidence& evidence)
-      : evidence_(evidence), errors_(error_types(evidence)) {}
+      : evidence_(evidence), errors_(error_types(evidence)), descendants_(evidence) {}
 
   std::vector<Contract> find() {
     std::set<DeclarationRef> bases;
@@ -62,7 +60,7 @@ class Finder {
     const bool members = declared.methods + declared.fields > 0 || !declared.bases().empty();
     contract.open = declared.abstract_methods > 0 || derives_from(type, index::Known::kOpenBase) ||
                     (members && declared.kind == DeclarationKind::kInterface);
-    contract.implementers = descendants(type);
+    contract.implementers = descendants_.of(type);
     std::set<std::string_view> folders;
     for (const DeclarationRef implementer : contract.implementers) {
       if (implementer.file == type.file) continue;
@@ -99,22 +97,6 @@ class Finder {
     return contract;
   }
 
-  std::vector<DeclarationRef> descendants(DeclarationRef type) {
-    if (looked_at_ > kMostDescendants) return evidence_.subtypes(type);
-    std::set<DeclarationRef> known{type};
-    std::vector<DeclarationRef> open{type};
-    while (!open.empty() && known.size() < kMostImplementers) {
-      const DeclarationRef next = open.back();
-      open.pop_back();
-      for (const DeclarationRef subtype : evidence_.subtypes(next)) {
-        ++looked_at_;
-        if (known.insert(subtype).second) open.push_back(subtype);
-      }
-    }
-    known.erase(type);
-    return {known.begin(), known.end()};
-  }
-
   bool counts(const Contract& contract) const {
     const auto& declared = evidence_[contract.type];
     // What only its own package can name is for nobody else to implement; where types satisfy
@@ -146,7 +128,7 @@ class Finder {
 
   const CodeEvidence& evidence_;
   const std::set<DeclarationRef> errors_;
-  std::size_t looked_at_ = 0;
+  Descendants descendants_;
 };
 
 double grown(std::size_t count) { return std::log2(1.0 + static_cast<double>(count)); }

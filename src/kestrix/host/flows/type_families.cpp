@@ -5,6 +5,7 @@
 #include <map>
 #include <set>
 
+#include "kestrix/host/evidence/descendants.h"
 #include "kestrix/host/evidence/error_types.h"
 #include "kestrix/host/evidence/overriding.h"
 #include "kestrix/host/flows/families.h"
@@ -39,7 +40,6 @@ constexpr Sign kOutsideBase{"extend", 0.9, 0.6};
 constexpr Sign kTable{"fill a table of type", 1.3, 0.6};
 constexpr Sign kSameName{"each define", 1.1, 0.6, true};
 
-constexpr std::size_t kMostDescendants = 2'000;
 // What so many name is something that these files do, not what they are.
 constexpr std::size_t kMostOtherNamers = 2;
 constexpr double kLeastQuiet = 0.5;
@@ -59,7 +59,10 @@ std::string_view last_word(std::string_view name) {
 class TypeFamilies {
  public:
   TypeFamilies(const FlowEvidence& evidence, const PathPatterns& patterns)
-      : code_(evidence.code), graph_(evidence.graph), patterns_(patterns) {}
+      : code_(evidence.code),
+        graph_(evidence.graph),
+        patterns_(patterns),
+        descendants_(evidence.code) {}
 
   std::vector<Family> find() {
     errors_.resize(code_.index().files().size());
@@ -138,17 +141,9 @@ class TypeFamilies {
     }
   }
 
-  void take_descendants(DeclarationRef base, Files& files) const {
-    std::set<DeclarationRef> known{base};
-    std::vector<DeclarationRef> open{base};
-    while (!open.empty() && known.size() < kMostDescendants) {
-      const DeclarationRef next = open.back();
-      open.pop_back();
-      for (const DeclarationRef subtype : code_.subtypes(next)) {
-        if (!known.insert(subtype).second) continue;
-        open.push_back(subtype);
-        if (subtype.file != base.file) files.push_back(subtype.file);
-      }
+  void take_descendants(DeclarationRef base, Files& files) {
+    for (const DeclarationRef subtype : descendants_.of(base)) {
+      if (subtype.file != base.file) files.push_back(subtype.file);
     }
   }
 
@@ -247,6 +242,7 @@ class TypeFamilies {
   const CodeEvidence& code_;
   const NamingGraph& graph_;
   const PathPatterns& patterns_;
+  Descendants descendants_;
   std::vector<bool> errors_;  // by file: whether it defines one
   std::map<DeclarationRef, Files> bases_;
   std::map<DeclarationRef, Files> markers_;
