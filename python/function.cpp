@@ -1,5 +1,7 @@
 #include "python/function.h"
 
+#include <memory>
+
 #include "python/pending.h"
 
 namespace kestrix::python {
@@ -56,6 +58,9 @@ Values bound(const Function& function, PyObject* const* positional, std::size_t 
 
 PyObject* run(const Function& function, const Namespace& module, PyObject* const* positional,
               std::size_t positional_count, PyObject* keywords) {
+  if (Py_EnterRecursiveCall(" in page_sources") != 0) return nullptr;
+  const std::unique_ptr<const Function, void (*)(const Function*)> left(
+      &function, [](const Function*) { Py_LeaveRecursiveCall(); });
   const Entered entered(module);
   try {
     const auto values = bound(function, positional, positional_count, keywords);

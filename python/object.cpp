@@ -65,7 +65,10 @@ std::weak_ordering operator<=>(const Object& a, const Object& b) {
   return a == b ? std::weak_ordering::equivalent : std::weak_ordering::greater;
 }
 
+// An iterator may go on for ever without running any Python code.
 Object ItemIterator::next_of_iterator() {
+  constexpr Py_ssize_t kItemsBetweenSignals = 1 << 12;
+  if (++index_ % kItemsBetweenSignals == 0) checked(PyErr_CheckSignals());
   PyObject* item = PyIter_Next(source_.ptr());
   if (item != nullptr) return Object::steal(item);
   if (PyErr_Occurred() != nullptr) throw_pending();

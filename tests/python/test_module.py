@@ -1,17 +1,22 @@
 """The module itself: its names, how its functions present themselves, and that nothing leaks."""
 
 import copy
+import functools
 import gc
 import importlib
 import inspect
+import itertools
 import os
 import pickle
 import pydoc
+import random
+import signal
 import sys
 import threading
 import unittest
 import weakref
 from pathlib import Path
+from types import SimpleNamespace
 from unittest import mock
 
 import plain_page_sources as plain
@@ -207,6 +212,51 @@ class Leaks(unittest.TestCase):
         del module
         gc.collect()
         self.assertIsNone(gone())
+
+
+class HostileHosts(unittest.TestCase):
+    def test_recursion_without_python_code_ends(self):
+        stem = functools.partial(native.unit_topic, "x")
+        with mock.patch.object(native, "stem", stem), self.assertRaises(RecursionError):
+            native.unit_topic("x", ["a"])
+        self.assertEqual(native.unit_topic("x", []), plain.unit_topic("x", []))
+
+    def test_comparisons_may_contradict_each_other(self):
+        chance = random.Random(1)
+
+        class Odd:
+            def __init__(self, answer):
+                self.answer = answer
+
+            def __lt__(self, other):
+                return self.answer()
+
+        for answer in (lambda: True, lambda: False, lambda: chance.random() < 0.5):
+            world = World(3)
+            paths = [Odd(answer) for _ in range(500)]
+            symbols = [SimpleNamespace(id=i, name="AError") for i in range(1, 501)]
+            world.symbols = {"class": symbols}
+            world.files = {symbol.id: path for symbol, path in zip(symbols, paths)}
+            world.planner = paths
+            with world.hosting(native) as generator, mock.patch.object(native, "_norm", lambda p: p):
+                found = generator._exception_files()
+            self.assertLessEqual(len(found), len(paths))
+            self.assertTrue(all(path in paths for path in found))
+
+    def test_endless_iterables_can_be_interrupted(self):
+        def stop(*_):
+            raise KeyboardInterrupt
+
+        self.addCleanup(signal.signal, signal.SIGALRM, signal.signal(signal.SIGALRM, stop))
+        edge = SlotsEdge("a", "b", 1)
+        for call in (
+            lambda: native.dependents_of(itertools.repeat(edge)),
+            lambda: native.dispatch_files(["a", "b", "c"], itertools.repeat(edge)),
+            lambda: native.example_sources(itertools.repeat("tests/fixtures/a"), []),
+        ):
+            signal.setitimer(signal.ITIMER_REAL, 0.1)
+            with self.assertRaises(KeyboardInterrupt):
+                call()
 
 
 class Concurrency(unittest.TestCase):

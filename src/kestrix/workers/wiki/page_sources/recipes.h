@@ -61,9 +61,8 @@ bool _has_exceptions(const Host& host) {
 template <class Path>
 std::vector<Path> most_counted(const Counter<Path, std::int64_t>& counts) {
   std::vector<std::pair<Path, std::int64_t>> entries(counts.begin(), counts.end());
-  std::ranges::sort(entries, {}, [](const auto& entry) {
-    return std::pair(-entry.second, text_of(entry.first));
-  });
+  const auto key = [](const auto& entry) { return std::pair(-entry.second, text_of(entry.first)); };
+  detail::sort_guarded(entries, [&](const auto& a, const auto& b) { return key(a) < key(b); });
   std::vector<Path> paths;
   paths.reserve(entries.size());
   for (auto& entry : entries) paths.push_back(std::move(entry.first));

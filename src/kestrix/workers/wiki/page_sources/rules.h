@@ -97,6 +97,14 @@ std::string unit_topic(std::string_view title, Files&& files) {
 
 namespace detail {
 
+/// Sorts by a heap: a host's objects may compare as they like, and a comparison that contradicts
+/// itself leads the usual sort out of the range.
+template <class Items, class Less>
+void sort_guarded(Items& items, const Less& less) {
+  std::make_heap(items.begin(), items.end(), less);
+  std::sort_heap(items.begin(), items.end(), less);
+}
+
 /// How many distinct roots each source reaches. Roots and sources are numbered alike, the roots
 /// first, so that one look-up tells both what a path is and where it is counted.
 template <class Path>
@@ -138,7 +146,7 @@ class Reach {
       if (counts[source] < least) continue;
       entries.push_back({numbers_.values_container()[root_count_ + source].first, counts[source]});
     }
-    std::ranges::sort(entries, [](const Entry& a, const Entry& b) {
+    sort_guarded(entries, [](const Entry& a, const Entry& b) {
       return a.roots != b.roots ? a.roots > b.roots : text_of(a.source) < text_of(b.source);
     });
     return entries;
@@ -275,9 +283,11 @@ auto example_sources(Tests&& tests, Edges&& edges, std::ptrdiff_t max_files = MA
     }
   }
   for (auto& candidate : candidates) candidate.tally = tallies.find(Path(candidate.path))->second;
-  std::ranges::sort(candidates, {}, [](const Candidate& candidate) {
+  const auto key = [](const Candidate& candidate) {
     return std::tuple(-candidate.tally.users, -candidate.tally.reached, text_of(candidate.path));
-  });
+  };
+  detail::sort_guarded(candidates,
+                       [&](const Candidate& a, const Candidate& b) { return key(a) < key(b); });
   std::vector<Test> ranked;
   ranked.reserve(candidates.size());
   for (auto& candidate : candidates) ranked.push_back(std::move(candidate.path));
