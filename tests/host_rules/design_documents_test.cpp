@@ -1,4 +1,4 @@
-#include "kestrix/host/design_documents.h"
+#include "kestrix/host/decisions/design_documents.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

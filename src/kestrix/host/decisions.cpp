@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "kestrix/host/design_documents.h"
+#include "kestrix/host/decisions/design_documents.h"
 #include "kestrix/host/evidence/code_evidence.h"
 #include "kestrix/host/index_evidence.h"
 #include "kestrix/host/pages.h"
@@ -11,8 +11,8 @@ namespace kestrix {
 namespace {
 
 // A page with fewer documents is filled up with so much prose that hints at designs.
-constexpr std::size_t kFewDocuments = 4;
-constexpr std::size_t kMostHints = 2;
+constexpr std::size_t kFewDocuments = 6;
+constexpr std::size_t kMostHints = 3;
 
 std::vector<std::string> all_documents(const WikiGenerator& generator) {
   std::vector<std::string> documents;

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "kestrix/host/document_evidence.h"
+#include "kestrix/host/decisions/document_evidence.h"
 #include "kestrix/host/repository/file_parts.h"
 #include "kestrix/host/repository/repository_handle.h"
 #include "kestrix/host/repository/repository_root.h"

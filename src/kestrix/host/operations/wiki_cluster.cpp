@@ -9,7 +9,7 @@
 #include "kestrix/host/data_models/data_ranking.h"
 #include "kestrix/host/data_models/data_signals.h"
 #include "kestrix/host/data_models/file_origin.h"
-#include "kestrix/host/design_documents.h"
+#include "kestrix/host/decisions/design_documents.h"
 #include "kestrix/host/extending/extension_signals.h"
 
 namespace kestrix {

@@ -1,29 +1,25 @@
-#include "kestrix/host/design_documents.h"
+#include "kestrix/host/decisions/design_documents.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <map>
 #include <optional>
 #include <string_view>
 #include <tuple>
-#include <unordered_map>
 #include <utility>
 
 #include "kestrix/files/classification.h"
-#include "kestrix/host/design_names.h"
+#include "kestrix/host/decisions/design_names.h"
+#include "kestrix/host/decisions/document_series.h"
 #include "kestrix/host/index_evidence.h"
 #include "kestrix/roles/path_roles.h"
 #include "kestrix/text/ascii.h"
 #include "kestrix/text/paths.h"
-#include "kestrix/text/seeded_hash.h"
 
 namespace kestrix {
 namespace {
-
-constexpr std::size_t kSeriesLength = 3;
 
 // The bounds of a text that tells why and how, and neither instructs nor lists.
 constexpr std::uint32_t kFewestWords = 150;
@@ -73,56 +69,6 @@ std::string_view naming_piece(std::string_view path) {
   const auto folder = index::base_name(index::folder_of(path));
   return is_standing_page(own) && entry_name(folder) ? folder : own;
 }
-
-/// What the entries of one folder have in common.
-struct Series {
-  std::size_t padded = 0;    ///< numbers like "0007"
-  std::size_t numbered = 0;  ///< of any form
-  bool one_skeleton = false;
-};
-
-class AllSeries {
- public:
-  AllSeries(const std::vector<std::string>& documents, const DocumentEvidence* evidence) {
-    for (const auto& path : documents) {
-      const auto entry = entry_name(index::base_name(path));
-      if (!entry) continue;
-      Series& series = series_[index::folder_of(path)];
-      ++series.numbered;
-      if (entry->padded()) ++series.padded;
-      const auto* view = evidence == nullptr ? nullptr : evidence->of(path);
-      if (view != nullptr) count_headings(index::folder_of(path), view->facts.headings);
-    }
-    for (auto& [folder, series] : series_) series.one_skeleton = has_skeleton(folder, series);
-  }
-
-  Series of(std::string_view folder) const {
-    const auto found = series_.find(folder);
-    return found == series_.end() ? Series{} : found->second;
-  }
-
- private:
-  using Counts = std::map<std::uint32_t, std::size_t>;
-
-  void count_headings(std::string_view folder, std::vector<std::uint32_t> headings) {
-    std::ranges::sort(headings);
-    headings.erase(std::unique(headings.begin(), headings.end()), headings.end());
-    for (const auto heading : headings) ++headings_[folder][heading];
-  }
-
-  // Siblings that are written after one form share most of its headings.
-  bool has_skeleton(std::string_view folder, const Series& series) const {
-    const auto found = headings_.find(folder);
-    if (found == headings_.end() || series.numbered < kSeriesLength) return false;
-    const auto shared = std::ranges::count_if(found->second, [&](const auto& heading) {
-      return heading.second * 3 >= series.numbered * 2;
-    });
-    return shared >= 2 && !any_folder(folder, reports_news);
-  }
-
-  std::unordered_map<std::string_view, Series, SeededHash> series_;
-  std::unordered_map<std::string_view, Counts, SeededHash> headings_;
-};
 
 // Copies of internet standards carry their number as their whole name.
 bool is_copied_standard(const EntryName& entry, std::string_view path) {

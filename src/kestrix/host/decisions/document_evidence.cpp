@@ -1,4 +1,4 @@
-#include "kestrix/host/document_evidence.h"
+#include "kestrix/host/decisions/document_evidence.h"
 
 #include <algorithm>
 #include <array>

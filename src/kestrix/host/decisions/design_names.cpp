@@ -1,4 +1,4 @@
-#include "kestrix/host/design_names.h"
+#include "kestrix/host/decisions/design_names.h"
 
 #include <algorithm>
 #include <array>

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "kestrix/host/document_evidence.h"
+#include "kestrix/host/decisions/document_evidence.h"
 #include "kestrix/host/reason.h"
 
 namespace kestrix {
