@@ -145,8 +145,35 @@ std::string symbols(Work& work, const char* const* kinds, const char* name) {
 }  // namespace
 }  // namespace kestrix::capi
 
-using namespace kestrix;
-using namespace kestrix::capi;
+using kestrix::answer_edges;
+using kestrix::answer_pages;
+using kestrix::answer_why;
+using kestrix::EdgeRequest;
+using kestrix::edges_as_json;
+using kestrix::kVersion;
+using kestrix::name_fault;
+using kestrix::page_names;
+using kestrix::pages_as_json;
+using kestrix::pages_named;
+using kestrix::path_glob_fault;
+using kestrix::set_log_quiet;
+using kestrix::statistics_as_json;
+using kestrix::steering_of;
+using kestrix::why_as_json;
+using kestrix::capi::Callbacks;
+using kestrix::capi::checked;
+using kestrix::capi::completed;
+using kestrix::capi::edge_request;
+using kestrix::capi::guarded;
+using kestrix::capi::listed;
+using kestrix::capi::one_of;
+using kestrix::capi::references;
+using kestrix::capi::repository_options;
+using kestrix::capi::required;
+using kestrix::capi::symbols;
+using kestrix::capi::Texts;
+using kestrix::capi::Work;
+using kestrix::capi::WrongArgument;
 
 const char* page_sources_version(void) { return kVersion; }
 
@@ -160,7 +187,7 @@ page_sources_status page_sources_open(const char* path, const page_sources_optio
     set_log_quiet(true);
     const auto given = completed(options, "page_sources_options");
     auto asked = repository_options(required(path, "the path"), given);
-    const index::RootDirectory exists(asked.repository);
+    const kestrix::index::RootDirectory exists(asked.repository);
     asked.repository = std::filesystem::canonical(asked.repository);
     steering_of(asked);  // what is wrong with the settings is told now
     *repository = std::make_unique<page_sources_repository>(

@@ -22,12 +22,14 @@ constexpr std::array kKinds{SymbolKind::kClass, SymbolKind::kInterface, SymbolKi
 
 std::vector<std::string> page_names() {
   std::vector<std::string> names;
+  names.reserve(kPages.size());
   for (const Page& page : kPages) names.emplace_back(page.name);
   return names;
 }
 
 std::vector<std::string> kind_names() {
   std::vector<std::string> names;
+  names.reserve(kKinds.size());
   for (const SymbolKind kind : kKinds) names.emplace_back(to_string(kind));
   return names;
 }
