@@ -11,7 +11,7 @@
 namespace kestrix {
 namespace {
 
-constexpr double kLeastScore = 2.4;
+constexpr double kLeastScore = 1.0;
 constexpr double kLeastShare = 0.12;
 
 using Places = std::map<std::string, std::vector<Place>, std::less<>>;

@@ -22,6 +22,8 @@ using index::IndexedReference;
 constexpr std::size_t kAskedFor = 3;   // so many files name a contract that one type implements
 constexpr std::size_t kPlainBase = 3;  // so many files extend a type that is no open one
 constexpr std::size_t kPlainFolders = 2;
+constexpr std::size_t kFamily = 8;     // so many make a family of a base wherever they lie
+constexpr std::size_t kManyTypes = 5;  // so many types implement a contract beside it
 constexpr double kMostCalled = 0.6;
 constexpr std::size_t kMostDependents = 3;  // what more name serves them
 
@@ -73,9 +75,12 @@ class Finder {
       return evidence_.product_dependents(file) <= kMostDependents;
     });
     contract.quiet = contract.files.empty()
-                         ? 0
+                         ? 1
                          : static_cast<double>(quiet) / static_cast<double>(contract.files.size());
     contract.called = contract.open ? 1 : overriding_share(evidence_, type, contract.files);
+    // An abstract type may leave members open that do nothing by themselves.
+    contract.open |= declared.is_abstract && contract.called >= kMostCalled &&
+                     !derives_from(type, index::Known::kHandlerBase);
     // Languages without a word for it leave a member open by giving it a body that nobody wants.
     contract.open |= filling_share(evidence_, type, contract.files) >= kMostCalled &&
                      contract.quiet >= kMostCalled && contract.files.size() >= kPlainBase &&
@@ -83,6 +88,7 @@ class Finder {
     contract.data = declared.methods == 0 && declared.bases().empty();
     std::set<FileId> users;
     std::set<FileId> tests;
+    std::set<FileId> lookups;
     for (const std::uint32_t at : evidence_.references_to(type)) {
       const IndexedReference& to = evidence_.reference(at);
       if (to.source == type.file) continue;
@@ -90,10 +96,12 @@ class Finder {
         if (!evidence_.is_product(to.source)) tests.insert(to.source);
       } else if (evidence_.is_product(to.source)) {
         users.insert(to.source);
+        if (to.role == index::Role::kLists) lookups.insert(to.source);
       }
     }
     contract.users = users.size();
     contract.test_implementers = tests.size();
+    contract.lookups = lookups.size();
     return contract;
   }
 
@@ -101,10 +109,16 @@ class Finder {
     const auto& declared = evidence_[contract.type];
     // What only its own package can name is for nobody else to implement; where types satisfy
     // interfaces without naming them, not even where others do.
-    const bool coincides = evidence_.index().files()[contract.type.file].language == "go";
-    if (!declared.exported && (coincides || contract.folders < kPlainFolders)) return false;
+    const bool coincides = evidence_.index().files()[contract.type.file].language == "go" &&
+                           is_interface(declared.kind);
+    const bool family = contract.files.size() >= kFamily || contract.implementers.size() >= kFamily;
+    if (!declared.exported && (coincides || (contract.folders < kPlainFolders && !family))) {
+      return false;
+    }
     if (contract.open) {
       if (contract.files.size() >= 2) return true;
+      if (contract.implementers.size() >= kManyTypes && declared.methods > 0) return true;
+      if (contract.lookups > 0 && !contract.files.empty()) return true;
       const bool tried = contract.test_implementers > 0 || contract.users >= 2;
       return (tried && !contract.implementers.empty()) ||
              (contract.files.size() == 1 && contract.users >= kAskedFor &&
@@ -112,8 +126,16 @@ class Finder {
                   folder_of(evidence_.path(contract.type.file)));
     }
     if (is_interface(declared.kind)) return false;
-    return contract.files.size() >= kPlainBase && contract.folders >= kPlainFolders &&
+    if (contract.files.size() >= kFamily && contract.quiet >= kMostCalled) return true;
+    const bool elsewhere = contract.folders >= kPlainFolders || leaves(contract);
+    return contract.files.size() >= kPlainBase && elsewhere &&
            !derives_from(contract.type, index::Known::kHandlerBase);
+  }
+
+  // Whether what extends it has a folder of its own.
+  bool leaves(const Contract& contract) const {
+    return !contract.files.empty() && folder_of(evidence_.path(contract.files.front())) !=
+                                          folder_of(evidence_.path(contract.type.file));
   }
 
   bool derives_from(DeclarationRef type, index::Known known) const {

@@ -19,10 +19,11 @@ struct Contract {
   std::size_t folders = 0;            ///< that those files lie in
   std::size_t users = 0;              ///< product files that name it in any role but as a base
   std::size_t test_implementers = 0;  ///< files of tests that implement it
-  double quiet = 0;   ///< share of the implementers' files that hardly anybody names
-  double called = 0;  ///< share of those files that have members of its own to be called
-  bool data = false;  ///< asks for values alone, not for anything to be done
-  bool open = false;  ///< says what to implement: an interface, or members without a body
+  std::size_t lookups = 0;  ///< product files that hand over the type itself, to be looked up
+  double quiet = 0;         ///< share of the implementers' files that hardly anybody names
+  double called = 0;        ///< share of those files that have members of its own to be called
+  bool data = false;        ///< asks for values alone, not for anything to be done
+  bool open = false;        ///< says what to implement: an interface, or members without a body
 };
 
 /// The contracts of a repository, by type.

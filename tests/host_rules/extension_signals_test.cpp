@@ -1,0 +1,166 @@
+// What shows that one extends a product in a file, each beside what only looks like it.
+
+#include <fmt/format.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "kestrix/host/evidence/score_sheet.h"
+#include "kestrix/host/wiki_generator.h"
+#include "kestrix/index/refresh/indexer.h"
+#include "tests/index/scratch.h"
+
+namespace kestrix {
+namespace {
+
+using Files = std::vector<std::pair<std::string, std::string>>;
+
+struct Case {
+  std::string name;
+  Files files;
+  std::string path;
+  std::string kind;  // of the reason
+  bool shown;
+};
+
+// `count` files of a pattern in which {0} is a letter.
+Files repeated(std::size_t count, std::string_view path, std::string_view text, Files more) {
+  for (std::size_t at = 0; at < count; ++at) {
+    const char letter = static_cast<char>('a' + at);
+    more.emplace_back(fmt::format(fmt::runtime(path), letter),
+                      fmt::format(fmt::runtime(text), letter));
+  }
+  return more;
+}
+
+// Packages that call a function, in what runs when they are loaded or later.
+Files callers(std::string_view function) {
+  const std::string text = fmt::format(
+      "package {{0}}\n\nimport \"shop/core\"\n\nfunc {}() {{{{\n\tcore.Register(\"{{0}}\")\n}}}}\n",
+      function);
+  return repeated(4, "{0}/{0}.go", text,
+                  {{"go.mod", "module shop\n\ngo 1.22\n"},
+                   {"core/core.go", "package core\n\nfunc Register(name string) {}\n"}});
+}
+
+Files table(std::size_t rows) {
+  std::string functions, names;
+  for (std::size_t at = 0; at < rows; ++at) {
+    functions += fmt::format("static int f{0}(int a) {{ return a + {0}; }}\n", at);
+    names += fmt::format("  {{ \"{0}\", f{0} }},\n", at);
+  }
+  return {{"format.c", functions +
+                           "struct row { const char *name; int (*call)(int); };\n"
+                           "static const struct row rows[] = {\n" +
+                           names + "};\nint go(int a) { return rows[a].call(a); }\n"}};
+}
+
+// Handlers of which one file names all, and what else names them.
+Files handlers(std::size_t count, Files more) {
+  std::string imports, calls;
+  for (std::size_t at = 0; at < count; ++at) {
+    imports += fmt::format("from shop.{0}.views import show_{0}\n", static_cast<char>('a' + at));
+    calls += fmt::format("    show_{}(app)\n", static_cast<char>('a' + at));
+  }
+  more.emplace_back("shop/main.py", imports + "\ndef main(app):\n" + calls);
+  return repeated(count, "shop/{0}/views.py", "def show_{0}(app):\n    return app\n",
+                  std::move(more));
+}
+
+// A type that a loader looks up, or that its users are given like any other.
+Files looked_up(std::size_t users) {
+  return repeated(
+      users, "use/{0}.rb", "class Use{0}\n  def go(all)\n    all.find(Filter)\n  end\nend\n",
+      {{"lib/filter.rb",
+        "class Filter\n  def call(text)\n    raise NotImplementedError\n  end\nend\n"},
+       {"lib/kinds/plain.rb", "class Plain < Filter\n  def call(text)\n    text\n  end\nend\n"},
+       {"lib/kinds/wide.rb", "class Wide < Filter\n  def call(text)\n    text * 2\n  end\nend\n"}});
+}
+
+// A trait and its implementations in one file beside it.
+Files flags(std::size_t count) {
+  std::string types;
+  for (std::size_t at = 0; at < count; ++at) {
+    types += fmt::format(
+        "pub struct F{0};\nimpl Flag for F{0} {{\n    fn name(&self) -> u32 {{ {0} }}\n}}\n", at);
+  }
+  return {{"Cargo.toml", "[package]\nname = \"shop\"\nversion = \"0.1.0\"\n"},
+          {"src/lib.rs", "pub mod flag;\npub mod defs;\n"},
+          {"src/flag.rs", "pub trait Flag {\n    fn name(&self) -> u32;\n}\n"},
+          {"src/defs.rs", "use crate::flag::Flag;\n" + types}};
+}
+
+// A base type whose members do nothing by themselves, and what extends it.
+Files listeners(std::string_view base, std::string_view member) {
+  return repeated(
+      3, "src/main/java/shop/{0}/Listener{0}.java",
+      fmt::format("package shop.{{0}};\nimport shop.Events;\npublic class Listener{{0}} "
+                  "extends Events {{{{\n  public void {}() {{{{ hear(); }}}}\n"
+                  "  void hear() {{{{}}}}\n}}}}\n",
+                  member),
+      {{"src/main/java/shop/Events.java",
+        fmt::format("package shop;\npublic {} Events {{\n  public void opened() {{\n"
+                    "    int a = 1;\n    int b = a;\n    int c = b;\n    use(c);\n  }}\n"
+                    "  void use(int a) {{}}\n}}\n",
+                    base)}});
+}
+
+std::vector<Case> cases() {
+  return {
+      {"FunctionsCalledOnLoad", callers("init"), "core/core.go", "called_on_load", true},
+      {"FunctionsCalledLater", callers("Start"), "core/core.go", "called_on_load", false},
+      {"TablesOfFunctions", table(6), "format.c", "table_of_its_own", true},
+      {"TablesOfFewFunctions", table(3), "format.c", "table_of_its_own", false},
+      {"WhatAloneNamesManyParts", handlers(7, {}), "shop/main.py", "wires_files", true},
+      {"WhatNamesFewParts", handlers(4, {}), "shop/main.py", "wires_files", false},
+      {"WhatWiresFewerThanAnother",
+       handlers(8, repeated(6, "desk/{0}/rows.py", "def row_{0}(app):\n    return app\n",
+                            {{"desk/all.py",
+                              "from desk.a.rows import row_a\nfrom desk.b.rows import row_b\n"
+                              "from desk.c.rows import row_c\nfrom desk.d.rows import row_d\n"
+                              "from desk.e.rows import row_e\nfrom desk.f.rows import row_f\n"
+                              "def rows(app):\n    row_a(app)\n    row_b(app)\n    row_c(app)\n"
+                              "    row_d(app)\n    row_e(app)\n    row_f(app)\n"}})),
+       "desk/all.py", "wires_files", false},
+      {"ContractsThatAreLookedUp", looked_up(2), "lib/filter.rb", "looked_up", true},
+      {"ServicesThatAllLookUp", looked_up(12), "lib/filter.rb", "looked_up", false},
+      {"ContractsOfManyTypesInOneFile", flags(9), "src/flag.rs", "implemented_beside", true},
+      {"ContractsOfFewTypesInOneFile", flags(3), "src/flag.rs", "implemented_beside", false},
+      {"AbstractTypesWhoseMembersAreFilled", listeners("abstract class", "opened"),
+       "src/main/java/shop/Events.java", "implemented", true},
+      {"AbstractTypesWhoseMembersAreNot", listeners("abstract class", "other"),
+       "src/main/java/shop/Events.java", "implemented", false},
+      {"TypesThatAreNotAbstract", listeners("class", "opened"), "src/main/java/shop/Events.java",
+       "implemented", false},
+  };
+}
+
+class ExtensionSignals : public testing::TestWithParam<Case> {};
+
+TEST_P(ExtensionSignals, TellExtensionPointsFromTheirLikes) {
+  const index::Scratch scratch;
+  for (const auto& [path, text] : GetParam().files) scratch.write("repo/" + path, text);
+  index::IndexOptions options;
+  options.root = scratch / "repo";
+  options.file = scratch / "index.sqlite";
+  const auto opened = index::refresh_and_open(options);
+  const WikiGenerator generator(*opened.index, options.root);
+  const auto file = opened.index->find(GetParam().path);
+  ASSERT_TRUE(file);
+  std::vector<std::string> kinds;
+  for (const Reason& reason : generator.extensions().reasons(*file)) kinds.push_back(reason.kind);
+  if (GetParam().shown) {
+    EXPECT_THAT(kinds, testing::Contains(GetParam().kind));
+  } else {
+    EXPECT_THAT(kinds, testing::Not(testing::Contains(GetParam().kind)));
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Pages, ExtensionSignals, testing::ValuesIn(cases()),
+                         [](const auto& one) { return one.param.name; });
+
+}  // namespace
+}  // namespace kestrix
