@@ -91,7 +91,7 @@ TEST(Reader, BoundsWhatAParseTakes) {
        {Case{"java", "a<", 16'384}, Case{"java", "a<", 500'000}, Case{"ruby", "<<A\n#{", 100'000},
         Case{"cpp", "a<b(", 200'000}, Case{"csharp", "a<b(", 100'000},
         Case{"csharp", "''\n", 9'000}, Case{"csharp", "record A(*", 20'000},
-        Case{"javascript", "/[=/[=/[=/[=\n", 20'000}}) {
+        Case{"javascript", "/[=/[=/[=/[=\n", 20'000}, Case{"java", "return // a\n", 60'000}}) {
     SCOPED_TRACE(c.language);
     const std::string text = repeated(c.text, c.times);
     EXPECT_FALSE(read_facts(language(c.language), text).has_value());

@@ -19,9 +19,14 @@ class Meter {
  private:
   static constexpr std::size_t kPiece = std::size_t{2} << 10U;
   static constexpr std::size_t kCopied = std::size_t{4} << 10U;
+  static constexpr std::size_t kGoneOver = std::size_t{64} << 10U;
 
-  bool take_step() {
+  bool take_step(std::size_t at) {
     ++taken_;
+    // At an error the parser may go back over all that it has on its stack.
+    const std::size_t errors = ParserMemory::errors();
+    taken_ += (errors - errors_) * (at / kGoneOver);
+    errors_ = errors;
     if (taken_ + ParserMemory::large_bytes() / kCopied > most_) exhausted_ = true;
     return !exhausted_;
   }
@@ -30,18 +35,19 @@ class Meter {
   static const char* read(void* self, std::uint32_t at, TSPoint, std::uint32_t* length) {
     auto& meter = *static_cast<Meter*>(self);
     const std::size_t start = std::min<std::size_t>(at, meter.text_.size());
-    const bool more = meter.take_step();
+    const bool more = meter.take_step(start);
     *length = more ? static_cast<std::uint32_t>(std::min(meter.text_.size() - start, kPiece)) : 0;
     return meter.text_.data() + start;
   }
 
   static bool is_over(TSParseState* state) {
-    return !static_cast<Meter*>(state->payload)->take_step();
+    return !static_cast<Meter*>(state->payload)->take_step(state->current_byte_offset);
   }
 
   std::string_view text_;
   std::uint64_t most_;
   std::uint64_t taken_ = 0;
+  std::size_t errors_ = 0;
   bool exhausted_ = false;
 };
 

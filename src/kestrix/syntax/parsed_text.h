@@ -14,9 +14,10 @@ namespace kestrix::index {
 /// longer than this. One a thread at a time.
 ///
 /// What a parse may cost is counted in steps: a hundred operations of the parser, 2 KiB of text
-/// that its lexer reads, again and again where it goes back, or 4 KiB of lists that it copies. For
-/// code each is some 20 microseconds; where the parser goes back all the time the first may be four
-/// times as many. Time is not looked at, so the same text is parsed or given up in every run.
+/// that its lexer reads, again and again where it goes back, 4 KiB of lists that it copies, or, at
+/// an error, 64 KiB of text that it goes back over. For code each is some 20 microseconds; where
+/// the parser goes back all the time the first may be four times as many. Time is not looked at, so
+/// the same text is parsed or given up in every run.
 class ParsedText {
  public:
   /// Throws Error when the library cannot read the grammar. Never recurses on the text's depth.

@@ -27,6 +27,7 @@ constexpr std::size_t kUnit = 16;
 #endif
 constexpr std::size_t kLargestSmall = 64;
 constexpr std::size_t kSmallUnits = KESTRIX_ADDRESS_SANITIZER ? 0 : kLargestSmall;
+constexpr std::size_t kSummary = 160;  // of a stack: room for eight of its entries
 constexpr std::size_t kSlab = std::size_t{256} << 10;
 constexpr std::size_t kSlabsKept = 32;
 
@@ -65,7 +66,7 @@ class Arena {
       std::free(link);
     }
     free_.fill(nullptr);
-    held_ = large_bytes_ = 0;
+    held_ = large_bytes_ = errors_ = 0;
     if (slabs_.size() > kSlabsKept) slabs_.resize(kSlabsKept);
     slab_ = at_ = 0;
   }
@@ -79,6 +80,8 @@ class Arena {
 
   void guard(bool on) { guarded_ = on; }
   std::size_t large_bytes() const { return large_bytes_; }
+  std::size_t errors() const { return errors_; }
+  void note_error() { ++errors_; }
 
   [[noreturn]] void give_up() const {
     if (guarded_) throw ParserMemory::Exhausted();
@@ -159,6 +162,7 @@ class Arena {
   Link* large_ = nullptr;
   std::size_t held_ = 0;  // by slabs in use and large blocks
   std::size_t large_bytes_ = 0;
+  std::size_t errors_ = 0;
   bool guarded_ = false;
 };
 
@@ -171,6 +175,11 @@ void* allocate(std::size_t size) {
   void* const block = arena.allocate(size);
   if (block == nullptr) arena.give_up();
   return block;
+}
+
+void* allocate_block(std::size_t size) {
+  if (size == kSummary) arena.note_error();
+  return allocate(size);
 }
 
 void* allocate_zeroed(std::size_t count, std::size_t size) {
@@ -196,13 +205,15 @@ void* reallocate(void* block, std::size_t size) {
 
 ParserMemory::ParserMemory() {
   static std::once_flag once;
-  std::call_once(once, [] { ts_set_allocator(allocate, allocate_zeroed, reallocate, release); });
+  std::call_once(once,
+                 [] { ts_set_allocator(allocate_block, allocate_zeroed, reallocate, release); });
   arena.begin();
 }
 
 ParserMemory::~ParserMemory() { arena.end(); }
 
 std::size_t ParserMemory::large_bytes() { return arena.large_bytes(); }
+std::size_t ParserMemory::errors() { return arena.errors(); }
 
 ParserMemory::Guard::Guard() { arena.guard(true); }
 ParserMemory::Guard::~Guard() { arena.guard(false); }

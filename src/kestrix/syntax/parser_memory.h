@@ -39,6 +39,10 @@ class ParserMemory {
   /// makes the parser copy long lists at each of its steps, they tell so; else there are few.
   static std::size_t large_bytes();
 
+  /// How often the parser made a summary of its stack, as it does at an error, told by the size of
+  /// the block that it asks for.
+  static std::size_t errors();
+
   /// Several times what the largest files that are parsed need.
   static constexpr std::size_t kLimit = std::size_t{128} << 20U;
 
