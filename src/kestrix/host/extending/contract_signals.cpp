@@ -16,9 +16,9 @@ using index::Role;
 
 constexpr Signal kImplemented{"implemented", 2.0, "{} file implements its contract",
                               "{} files implement its contracts", "mockito, crates.io"};
-constexpr Signal kAsked{"asked_for", 1.0, "{} file asks for its contract",
+constexpr Signal kAsked{"asked_for", 0.8, "{} file asks for its contract",
                         "{} files ask for its contracts", "eShopOnWeb, lazygit"};
-constexpr Signal kServes{"asked_for", 0.6, "{} file asks for its contract",
+constexpr Signal kServes{"asked_for", 0.8, "{} file asks for its contract",
                          "{} files ask for its contracts", "eShopOnWeb, firefly"};
 constexpr Signal kExtended{"extended", 0.6, "{} file extends its base type",
                            "{} files extend its base types", "netbox, BookStack"};
@@ -27,21 +27,22 @@ constexpr Signal kTried{"implemented_in_tests", 1.2, "{} test implements its con
 constexpr Signal kForOthers{"for_others", 3.5, "its base type is for others to extend",
                             "its {} base types are for others to extend", "netbox, flask"};
 
-constexpr Signal kSpread{"implemented_in_folders", 0.8, "{} folder more implements it",
+constexpr Signal kSpread{"implemented_in_folders", 1.0, "{} folder more implements it",
                          "{} folders more implement it", "okhttp, jellyfin"};
 constexpr Signal kTypes{"implemented_beside", 0.8, "{} type of few files implements its contract",
                         "{} types of few files implement its contract", "ripgrep, lazygit"};
-constexpr Signal kLookedUp{"looked_up", 1.5, "{} file hands its contract over as a value",
+constexpr Signal kLookedUp{"looked_up", 1.0, "{} file hands its contract over as a value",
                            "{} files hand its contracts over as values", "halo, mockito"};
 
 constexpr std::size_t kMostLookedUp = 3;
 constexpr std::size_t kMostServed = 8;  // what more ask for is a service
 constexpr std::size_t kFewFiles = 2;
-constexpr std::size_t kManyTypes = 5;
+constexpr std::size_t kManyTypes = 8;
 constexpr double kLoudFactor = 0.35;
 constexpr double kDataFactor = 0.4;
 constexpr double kLeastCalled = 0.3;
 constexpr double kUncalledFactor = 0.6;
+constexpr double kInternalFactor = 0.6;
 
 class ContractSignals {
  public:
@@ -94,6 +95,7 @@ class ContractSignals {
       sheet_.scale(file, kLoudFactor + (1 - kLoudFactor) * of.quiet);
       if (of.called < kLeastCalled) sheet_.scale(file, kUncalledFactor);
       if (of.data) sheet_.scale(file, kDataFactor);
+      if (is_internal(file)) sheet_.scale(file, kInternalFactor);
     }
   }
 
@@ -119,6 +121,14 @@ class ContractSignals {
   }
 
  private:
+  // By convention packages of that name are for their own product alone. Programs in Go keep
+  // everything there.
+  bool is_internal(FileId file) const {
+    const std::string_view path = evidence_.path(file);
+    const bool named = path.starts_with("internal/") || path.find("/internal/") != path.npos;
+    return named && evidence_.index().files()[file].language != "go";
+  }
+
   struct OfFile {
     std::set<FileId> implementing, asking, extending, trying;
     std::set<FileId> serving;  // that ask for a contract of one implementer

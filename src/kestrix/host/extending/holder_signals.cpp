@@ -14,7 +14,7 @@ using index::FileId;
 using index::IndexedReference;
 using index::Role;
 
-constexpr Signal kGathers{"gathers_implementers", 1.8, "names {} file that implements a contract",
+constexpr Signal kGathers{"gathers_implementers", 2.0, "names {} file that implements a contract",
                           "names {} files that implement a contract", "crates.io, lazygit"};
 constexpr Signal kPairs{"pairs_contracts", 2.2, "pairs {} contract with an implementation",
                         "pairs {} contracts with their implementations", "eShopOnWeb, mockito"};

@@ -13,7 +13,7 @@ using index::folder_of;
 using index::IndexedReference;
 using index::Role;
 
-constexpr Signal kWires{"wires_files", 1.1, "few others name {} file that it names",
+constexpr Signal kWires{"wires_files", 1.4, "few others name {} file that it names",
                         "few others name {} files of one kind that it names", "cli, crates.io"};
 
 constexpr RoleSet kWiring{Role::kConstructs, Role::kCalls, Role::kLists, Role::kString};
