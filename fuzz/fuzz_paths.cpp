@@ -7,12 +7,12 @@
 #include <string_view>
 
 #include "fuzz/require.h"
+#include "kestrix/host/path_glob.h"
 #include "kestrix/index/name_pattern.h"
+#include "kestrix/text/decoding.h"
 #include "kestrix/text/paths.h"
 #include "kestrix/utils/path_filter.h"
-#include "kestrix/text/decoding.h"
 #include "kestrix/workers/project_units.h"
-#include "kestrix/host/path_glob.h"
 #include "kestrix/workers/wiki/repo_facts.h"
 
 namespace kestrix {

@@ -32,7 +32,8 @@ Paths paths_of(const WalkResult& result) {
 WalkResult walk_in(const std::filesystem::path& path) {
   WalkResult result = walk(RootDirectory(path));
   SkipCounts counts;
-  for (const LeftOut& left : walk(RootDirectory(path), {.excluded = {}, .name_left_out = true}).left_out) {
+  for (const LeftOut& left :
+       walk(RootDirectory(path), {.excluded = {}, .name_left_out = true}).left_out) {
     EXPECT_FALSE(left.path.empty());
     counts.add(left.reason);
   }

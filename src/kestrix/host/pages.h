@@ -61,8 +61,8 @@ struct Page {
 
 /// Every page, in the order in which they are told.
 inline constexpr std::array<Page, 7> kPages{{
-    {"data_models", "the types that others name as data, and DDL, the most central first", PageScope::kProduction,
-     data_models_answer, data_models_why_not},
+    {"data_models", "the types that others name as data, and DDL, the most central first",
+     PageScope::kProduction, data_models_answer, data_models_why_not},
     {"configuration", "configuration files by name or directory", PageScope::kSource,
      configuration_answer, configuration_why_not},
     {"errors", "the production files that define the most exception classes",

@@ -66,8 +66,8 @@ fs::path default_index_path(const fs::path& root, std::string_view choice) {
   }
   const std::string chosen =
       choice.empty() ? std::string() : fmt::format("-{:016x}", quick_hash(choice));
-  return folder / fmt::format("{}-{:016x}{}.sqlite", readable_name(root),
-                              quick_hash(root.native()), chosen);
+  return folder /
+         fmt::format("{}-{:016x}{}.sqlite", readable_name(root), quick_hash(root.native()), chosen);
 }
 
 void prepare_default_place(const fs::path& index) {

@@ -49,11 +49,11 @@ std::vector<std::string> data_model_files(const PathTexts& texts);
 /// Judged from the paths, and where the caller has put it in force, from what an index knows of the
 /// texts. A design document is prose that lies in a folder named for such documents ("adr",
 /// "decisions", "rfcs", "proposals", "design", "architecture" …), that is called DESIGN,
-/// ARCHITECTURE or DECISIONS, or that is one of a series: of padded numbers, or of numbered or dated
-/// texts that share their headings. By its text prose counts, too, that names source files, folders
-/// and types, that code names, or to which developers are pointed, as far as it neither instructs
-/// nor reports. Templates, index pages, copies and stubs are none, nor is what a test or a dependency
-/// brings along.
+/// ARCHITECTURE or DECISIONS, or that is one of a series: of padded numbers, or of numbered or
+/// dated texts that share their headings. By its text prose counts, too, that names source files,
+/// folders and types, that code names, or to which developers are pointed, as far as it neither
+/// instructs nor reports. Templates, index pages, copies and stubs are none, nor is what a test or
+/// a dependency brings along.
 ///
 /// Order: numbered and dated entries, the highest number or newest date first; the other documents
 /// of folders that hold entries; documents by their own name; those of the folders "design" and
