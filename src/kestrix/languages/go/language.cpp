@@ -85,7 +85,7 @@ class Reader {
     } else if (const auto import = match.node("import")) {
       add_imports(*import);
     } else if (const auto types = match.node("types")) {
-      for_each_child(*types, [this](TSNode spec, std::string_view) { add_type(spec); });
+      for_each_child(*types, [this](TSNode item, std::string_view) { add_type(item); });
       declarations_.push_back(*types);
     } else if (const auto values = match.node("values")) {
       add_values(*values);
@@ -107,19 +107,19 @@ class Reader {
       if (type_of(child) == "import_spec") {
         add_import(child);
       } else {
-        for_each_child(child, [this](TSNode spec, std::string_view) {
-          if (type_of(spec) == "import_spec") add_import(spec);
+        for_each_child(child, [this](TSNode item, std::string_view) {
+          if (type_of(item) == "import_spec") add_import(item);
         });
       }
     });
   }
 
-  void add_import(TSNode spec) {
-    const auto path = field_of(spec, "path");
+  void add_import(TSNode item) {
+    const auto path = field_of(item, "path");
     if (!path || tree_.text(*path).size() < 3) return;
     std::string_view text = tree_.text(*path);
     text = text.substr(1, text.size() - 2);
-    const auto name = field_of(spec, "name");
+    const auto name = field_of(item, "name");
     const std::string_view alias = name ? tree_.text(*name) : std::string_view();
     const GoImport form = alias == "."   ? GoImport::kDot
                           : alias == "_" ? GoImport::kBlank
@@ -127,7 +127,7 @@ class Reader {
     aliases_.push_back(alias);
     facts_.imports.push_back({.module = std::string(text),
                               .form = static_cast<std::uint16_t>(form),
-                              .line = SourceTree::line(spec)});
+                              .line = SourceTree::line(item)});
   }
 
   // What is written goes before what is guessed.
@@ -148,22 +148,22 @@ class Reader {
     }
   }
 
-  void add_symbol(SymbolKind kind, std::string_view word, TSNode name, TSNode spec,
+  void add_symbol(SymbolKind kind, std::string_view word, TSNode name, TSNode item,
                   std::uint32_t end) {
     facts_.symbols.push_back({kind, std::string(tree_.text(name)),
-                              std::string(word) + head_of(tree_, ts_node_start_byte(spec), end),
+                              std::string(word) + head_of(tree_, ts_node_start_byte(item), end),
                               tree_.line(name)});
   }
 
-  void add_type(TSNode spec) {
-    const auto name = field_of(spec, "name");
-    const auto type = field_of(spec, "type");
+  void add_type(TSNode item) {
+    const auto name = field_of(item, "name");
+    const auto type = field_of(item, "type");
     if (!name || !type) return;
     declare(*name);
     const bool structure = type_of(*type) == "struct_type";
     if (!structure && type_of(*type) != "interface_type") return;
     const std::string_view word = structure ? "struct" : "interface";
-    add_symbol(structure ? SymbolKind::kClass : SymbolKind::kInterface, "type ", *name, spec,
+    add_symbol(structure ? SymbolKind::kClass : SymbolKind::kInterface, "type ", *name, item,
                ts_node_start_byte(*type) + static_cast<std::uint32_t>(word.size()));
   }
 
@@ -171,18 +171,18 @@ class Reader {
     const bool constant = type_of(node) == "const_declaration";
     for_each_child(node, [&](TSNode child, std::string_view) {
       if (type_of(child) != "var_spec_list") return add_value(child, constant);
-      for_each_child(child, [&](TSNode spec, std::string_view) { add_value(spec, constant); });
+      for_each_child(child, [&](TSNode item, std::string_view) { add_value(item, constant); });
     });
   }
 
-  void add_value(TSNode spec, bool constant) {
-    const auto value = field_of(spec, "value");
-    const std::uint32_t end = value ? ts_node_start_byte(*value) : ts_node_end_byte(spec);
-    for_each_child(spec, [&](TSNode name, std::string_view field) {
+  void add_value(TSNode item, bool constant) {
+    const auto value = field_of(item, "value");
+    const std::uint32_t end = value ? ts_node_start_byte(*value) : ts_node_end_byte(item);
+    for_each_child(item, [&](TSNode name, std::string_view field) {
       if (field != "name" || type_of(name) != "identifier" || tree_.text(name) == "_") return;
       declare(name);
       add_symbol(constant ? SymbolKind::kConstant : SymbolKind::kVariable,
-                 constant ? "const " : "var ", name, spec, end);
+                 constant ? "const " : "var ", name, item, end);
     });
   }
 
