@@ -4,6 +4,7 @@
 #include <array>
 #include <string_view>
 
+#include "kestrix/languages/code/rule_shapes.h"
 #include "kestrix/languages/packaged/reading.h"
 #include "kestrix/syntax/tree_cursor.h"
 #include "kestrix/text/ascii.h"
@@ -11,21 +12,12 @@
 namespace kestrix::index {
 namespace {
 
-constexpr CodeRule skip(std::string_view node, std::string_view parent = {},
-                        std::string_view field = {}) {
-  return {.node = node, .parent = parent, .field = field, .act = Act::kSkip};
-}
 constexpr CodeRule bind(std::string_view node, std::string_view parent,
                         std::string_view field = {}) {
   return {.node = node, .parent = parent, .field = field, .act = Act::kBind};
 }
-constexpr CodeRule act(std::string_view node, Act act) { return {.node = node, .act = act}; }
-constexpr CodeRule pass(std::string_view node, Role role) { return {.node = node, .role = role}; }
 constexpr CodeRule arguments_of(std::string_view parent) {
   return {.node = "argument_list", .parent = parent, .role = Role::kLists};
-}
-constexpr CodeRule declare(std::string_view node, DeclarationKind kind) {
-  return {.node = node, .act = Act::kDeclare, .kind = kind};
 }
 // A type is not named as one where a value of it is made, caught, extended.
 constexpr CodeRule typed(std::string_view node, Act act, std::string_view field = {}) {

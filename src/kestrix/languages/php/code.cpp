@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "kestrix/languages/code/names.h"
+#include "kestrix/languages/code/rule_shapes.h"
 #include "kestrix/syntax/tree_cursor.h"
 #include "kestrix/text/ascii.h"
 #include "kestrix/text/seeded_hash.h"
@@ -16,15 +17,6 @@
 namespace kestrix::index {
 namespace {
 
-constexpr CodeRule act(std::string_view node, Act act) { return {.node = node, .act = act}; }
-constexpr CodeRule pass(std::string_view node, Role role) { return {.node = node, .role = role}; }
-constexpr CodeRule skip(std::string_view node, std::string_view parent = {},
-                        std::string_view field = {}) {
-  return {.node = node, .parent = parent, .field = field, .act = Act::kSkip};
-}
-constexpr CodeRule declare(std::string_view node, DeclarationKind kind) {
-  return {.node = node, .act = Act::kDeclare, .kind = kind};
-}
 constexpr CodeRule call(std::string_view node, std::string_view name, std::string_view object) {
   return {.node = node, .act = Act::kCall, .name = name, .value = "arguments", .object = object};
 }
