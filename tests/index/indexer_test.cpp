@@ -197,6 +197,29 @@ TEST_F(Indexer, ReportsProgressAndStopsWhenAsked) {
   EXPECT_EQ(open(options())->files().size(), before);
 }
 
+TEST_F(Indexer, TakesMarkupForNoLanguageButThoseWrittenWithinIt) {
+  const std::string markup = "<?xml version=\"1.0\"?>\n<!DOCTYPE TS>\n<TS><!-- \n";
+  const std::string doctype = "\xef\xbb\xbf \n<!DOCTYPE TS><TS>\n";
+  const std::string in_utf16 = [] {
+    std::string bytes = "\xff\xfe";
+    for (const char c : std::string_view("<?xml version=\"1.0\"?><TS/>")) bytes += {c, '\0'};
+    return bytes;
+  }();
+  write("de.ts", markup);
+  write("fr.ts", doctype);
+  write("ja.ts", in_utf16);
+  write("layout.h", markup);
+  write("code.ts", "export const a = <any>1;\n");
+  write("feed.php", markup + "<?php class Feed {}\n");
+  const auto index = refreshed().index;
+  std::string languages;
+  for (const auto& file : index->files()) {
+    languages += fmt::format("{}:{} ", file.path, file.language);
+  }
+  EXPECT_EQ(languages, "code.ts:typescript de.ts: feed.php:php fr.ts: ja.ts: layout.h: ");
+  EXPECT_TRUE(index->statistics().skipped.empty());
+}
+
 TEST_F(Indexer, SkipsWhatCannotBeRead) {
   write("a.py");
   write("secret.py");

@@ -1,9 +1,11 @@
 #include "kestrix/index/refresh/file_scan.h"
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <mutex>
 #include <optional>
+#include <string>
 #include <utility>
 
 #include "kestrix/documents/document_reader.h"
@@ -92,14 +94,30 @@ void take_text(ScannedFile& file, const Language* language, std::string_view tex
   if (language != nullptr && !row.traits.has(Trait::kMinified)) take_facts(file, *language, text);
 }
 
+// By its first bytes: translations, projects and layouts in XML bear extensions of languages.
+bool is_xml(std::string_view text) {
+  const auto start = std::ranges::find_if_not(text, ascii::is_space);
+  text.remove_prefix(static_cast<std::size_t>(start - text.begin()));
+  return text.starts_with("<?xml") || text.starts_with("<!DOCTYPE");
+}
+
+const Language* language_of_text(std::string_view path, std::string_view text) {
+  constexpr std::array<std::string_view, 3> kWithinMarkup = {"php", "svelte", "vue"};
+  const Language* language = language_of(path);
+  if (language == nullptr || !is_xml(text)) return language;
+  const bool holds = std::ranges::find(kWithinMarkup, language->name) != kWithinMarkup.end();
+  return holds ? language : nullptr;
+}
+
 void take_content(ScannedFile& file, FileBytes content) {
   FileRow& row = file.row;
   row.traits.set(Trait::kLarge, content.truncated);
   if (is_binary(content.bytes)) return row.traits.set(Trait::kBinary);
-  const Language* language = language_of(row.path);
+  const std::string text = decode_text(std::move(content.bytes));
+  const Language* language = language_of_text(row.path, text);
   row.traits.set(Trait::kDocument, language == nullptr && is_document_path(row.path));
   if (language != nullptr) row.language = language->name;
-  take_text(file, language, decode_text(std::move(content.bytes)));
+  take_text(file, language, text);
 }
 
 // What was read of a file is what its row and its facts are made of.
