@@ -47,20 +47,39 @@ constexpr std::size_t sequence_length(std::string_view text) {
 }
 
 constexpr char32_t code_point(std::string_view sequence) {
-  char32_t code = sequence.size() == 2 ? byte_at(sequence, 0) & 0x1fU : byte_at(sequence, 0) & 0xfU;
+  char32_t code = byte_at(sequence, 0) & (0x7fU >> sequence.size());
   for (std::size_t i = 1; i < sequence.size(); ++i) {
     code = (code << 6U) | (byte_at(sequence, i) & 0x3fU);
   }
   return code;
 }
 
-// Whether a character beyond ASCII steers a terminal or the direction of a text, or ends a line:
-// the C1 controls, the bidirectional controls, the line and paragraph separators.
+struct CodeRange {
+  char32_t first;
+  char32_t last;
+};
+
+// What beyond ASCII steers a terminal or the direction of a text, ends a line, or is not seen at
+// all, so that two paths would look alike. The joiners that words and emoji need are let be.
+constexpr CodeRange kSteering[] = {
+    {0x80, 0x9f},      // C1 controls
+    {0xad, 0xad},      // soft hyphen
+    {0x61c, 0x61c},    // a mark of direction
+    {0x200b, 0x200b},  // a space of no width
+    {0x200e, 0x200f},  // marks of direction
+    {0x2028, 0x202e},  // separators of lines and paragraphs, embeddings
+    {0x2060, 0x206f},  // invisible operators, isolates
+    {0xfeff, 0xfeff},  // byte-order mark
+    {0xfff9, 0xfffb},  // annotations
+    {0xe0000, 0xe0fff},
+};
+
 constexpr bool steers(std::string_view sequence) {
-  if (sequence.size() != 2 && sequence.size() != 3) return false;
+  if (sequence.size() < 2) return false;
   const char32_t code = code_point(sequence);
-  return (code >= 0x80 && code <= 0x9f) || code == 0x61c || code == 0x200e || code == 0x200f ||
-         (code >= 0x2028 && code <= 0x202e) || (code >= 0x2066 && code <= 0x2069);
+  return std::ranges::any_of(kSteering, [code](const CodeRange& range) {
+    return code >= range.first && code <= range.last;
+  });
 }
 
 // Copies `text`, with `escape` for the ASCII that `is_special` picks, `wide` for characters beyond
@@ -116,7 +135,9 @@ std::string json_escape(unsigned char c) {
 std::string json_string(std::string_view text) {
   const auto stray = [](unsigned char c) { return fmt::format("\\udc{:02x}", c); };
   const auto wide = [](std::string_view sequence) {
-    return fmt::format("\\u{:04x}", static_cast<unsigned>(code_point(sequence)));
+    const auto code = static_cast<unsigned>(code_point(sequence));
+    if (code < 0x10000) return fmt::format("\\u{:04x}", code);
+    return fmt::format("\\u{:04x}\\u{:04x}", 0xd7c0U + (code >> 10U), 0xdc00U + (code & 0x3ffU));
   };
   return '"' + escaped(text, needs_c_escape, json_escape, wide, stray) + '"';
 }

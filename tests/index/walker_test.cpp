@@ -18,8 +18,10 @@
 namespace kestrix::index {
 namespace {
 
+using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::Not;
 using Paths = std::vector<std::string>;
 
 Paths paths_of(const WalkResult& result) {
@@ -123,6 +125,28 @@ TEST_F(GitWalk, AppliesExcludesFromOutsideTheTree) {
   repo(".git/own", "*.swp\n");
   git("config core.excludesFile .git/own");
   expect_as_git();
+}
+
+TEST_F(GitWalk, TellsOfIgnoreFilesThatAreTooLong) {
+  repo("sub/kept");
+  repo("sub/early");
+  std::string rules = "early\n";
+  while (rules.size() < (std::size_t{1} << 20U) - 4) rules += "#";
+  rules += "\nkept-and-more\nlate\n";  // the limit falls within a pattern
+  const auto expect_told = [&](const std::string& file) {
+    const WalkResult result = walk_in(scratch_ / "repo/sub");
+    EXPECT_EQ(result.skipped[skipped::kGitUnreadable], 1U) << file;
+    const auto paths = paths_of(result);
+    EXPECT_THAT(paths, Contains("kept")) << file;
+    return paths;
+  };
+  for (const std::string file : {".gitignore", "sub/.gitignore"}) {
+    repo(file, rules);
+    EXPECT_THAT(expect_told(file), Not(Contains("early"))) << file;
+    std::filesystem::remove(scratch_ / ("repo/" + file));
+  }
+  repo(".git/info/exclude", rules);
+  expect_told("info/exclude");
 }
 
 TEST_F(GitWalk, KeepsTrackedFilesThatRulesIgnore) {

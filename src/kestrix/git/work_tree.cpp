@@ -116,14 +116,19 @@ fs::path default_global_excludes() {
 }
 
 // The user may keep the excludes anywhere, the repository only in itself.
-std::string global_excludes(const std::optional<fs::path>& by_user, const GitConfig& config,
-                            const fs::path& top) {
+FileBytes global_excludes(const std::optional<fs::path>& by_user, const GitConfig& config,
+                          const fs::path& top) {
   const auto named = config.path("core.excludesfile");
   if (named && named != by_user && config.admits(top / *named)) {
-    return whole_text(config.read_admitted(top / *named, kMaxIgnoreBytes));
+    return config.read_admitted(top / *named, kMaxIgnoreBytes);
   }
   const fs::path users = by_user.value_or(default_global_excludes());
-  return users.empty() ? "" : whole_text(read_users_file(top / users, kMaxIgnoreBytes));
+  return users.empty() ? FileBytes() : read_users_file(top / users, kMaxIgnoreBytes);
+}
+
+std::string excludes_of(FileBytes content, WorkTree& tree) {
+  if (content.truncated || content.status == ReadStatus::kUnreadable) ++tree.cut_excludes;
+  return whole_text(std::move(content));
 }
 
 // The directory whose ".git" it is, unless the configuration names one in it.
@@ -170,8 +175,8 @@ WorkTreeLookup read_work_tree(const RootDirectory& holder, const GitDirectories&
   tree.ignore_case = config.is_true("core.ignorecase");
   tree.may_convert = config.value("core.autocrlf").has_value() ||
                      is_there(*top, ".gitattributes") || is_there(git.common, "info/attributes");
-  tree.info_exclude = whole_text(read_file(git.common, "info/exclude", kMaxIgnoreBytes));
-  tree.global_excludes = global_excludes(users_excludes, config, top->path());
+  tree.info_exclude = excludes_of(read_file(git.common, "info/exclude", kMaxIgnoreBytes), tree);
+  tree.global_excludes = excludes_of(global_excludes(users_excludes, config, top->path()), tree);
   tree.top = std::make_shared<const RootDirectory>(*std::move(top));
   if (!read_index(git, config, with_states, tree)) return {{}, kDamaged};
   return {std::move(tree), kNone};

@@ -35,6 +35,7 @@ struct WorkTree {
   /// Text of the ignore files that stand outside the work tree.
   std::string info_exclude;
   std::string global_excludes;
+  std::size_t cut_excludes = 0;  ///< how many of these could not be read, or are too long
   bool ignore_case = false;
   bool may_convert = false;  ///< files may stand otherwise in the work tree than git keeps them
   /// The commit that it is at, in hexadecimal; "" before the first one.

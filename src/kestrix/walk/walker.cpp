@@ -27,6 +27,19 @@ namespace {
 
 constexpr std::size_t kMaxIgnoreBytes = std::size_t{1} << 20;
 
+// As much of an ignore file as is read, in whole lines: a pattern that is cut means another.
+struct IgnoreText {
+  std::string text;
+  bool whole;
+};
+
+IgnoreText read_ignore_file(const RootDirectory& root, const std::string& path) {
+  FileBytes content = read_file(root, path, kMaxIgnoreBytes);
+  if (content.truncated) content.bytes.resize(content.bytes.rfind('\n') + 1);
+  return {std::move(content.bytes),
+          content.status != ReadStatus::kUnreadable && !content.truncated};
+}
+
 // Says what is walked. One implementation for git work trees, one for all else.
 class Policy {
  public:
@@ -131,9 +144,12 @@ class GitPolicy : public Policy {
     Scope scope{directory.path, scopes_.back().rules, std::nullopt};
     const DirectoryEntry* file = directory.find(".gitignore");
     if (file != nullptr && file->kind == EntryKind::kFile) {
-      const auto text = read_file(root_, directory.path_of(file->name), kMaxIgnoreBytes).bytes;
-      scope.rules = std::make_shared<const IgnoreScope>(
-          std::move(scope.rules), from_top(directory.path), IgnoreRules(text, tree_.ignore_case));
+      const std::string path = directory.path_of(file->name);
+      const IgnoreText read = read_ignore_file(root_, path);
+      if (!read.whole) cut_.push_back(path);
+      scope.rules =
+          std::make_shared<const IgnoreScope>(std::move(scope.rules), from_top(directory.path),
+                                              IgnoreRules(read.text, tree_.ignore_case));
     }
     scopes_.push_back(std::move(scope));
   }
@@ -160,6 +176,7 @@ class GitPolicy : public Policy {
   }
 
   void finish(WalkResult& result, bool named) const override {
+    for (const std::string& path : cut_) result.leave_out(path, skipped::kGitUnreadable, named);
     for (const std::string& folder : tree_.left_out) {
       result.leave_out(folder, skipped::kMissing, named);
     }
@@ -225,6 +242,7 @@ class GitPolicy : public Policy {
   const RootDirectory& root_;
   const WorkTree& tree_;
   std::vector<Scope> scopes_;
+  std::vector<std::string> cut_;  // ignore files of which not all was read
   std::size_t tracked_seen_ = 0;
 };
 
@@ -290,17 +308,19 @@ std::shared_ptr<const IgnoreScope> rules_outside(const WorkTree& tree) {
 struct Surroundings {
   std::shared_ptr<const IgnoreScope> rules;
   bool root_is_ignored = false;
+  std::size_t cut = 0;  // ignore files of which not all was read
 };
 
 Surroundings surroundings_of(const WorkTree& tree) {
-  Surroundings result{rules_outside(tree)};
+  Surroundings result{rules_outside(tree), false, tree.cut_excludes};
   if (tree.prefix.empty()) return result;
   for (std::size_t end = 0; end != std::string::npos;) {
     const std::string above = tree.prefix.substr(0, end);
     const std::string file = above.empty() ? ".gitignore" : above + "/.gitignore";
-    result.rules = std::make_shared<const IgnoreScope>(
-        std::move(result.rules), above,
-        IgnoreRules(read_file(*tree.top, file, kMaxIgnoreBytes).bytes, tree.ignore_case));
+    const IgnoreText read = read_ignore_file(*tree.top, file);
+    result.cut += read.whole ? 0 : 1;
+    result.rules = std::make_shared<const IgnoreScope>(std::move(result.rules), above,
+                                                       IgnoreRules(read.text, tree.ignore_case));
     end = tree.prefix.find('/', end == 0 ? 0 : end + 1);
     if (result.rules->ignores(tree.prefix.substr(0, end), true)) {
       result.root_is_ignored = true;
@@ -337,7 +357,12 @@ WalkResult walk(const RootDirectory& root, const WalkOptions& options) {
   Surroundings around = surroundings_of(tree);
   if (around.root_is_ignored && tree.tracked.empty()) return walk_plainly(root, options);
   GitPolicy policy(root, tree, std::move(around.rules), around.root_is_ignored);
-  return Walk(root, options, policy).run();
+  WalkResult result = Walk(root, options, policy).run();
+  for (std::size_t i = 0; i < around.cut; ++i) {
+    result.leave_out("./", skipped::kGitUnreadable, options.name_left_out);
+  }
+  std::ranges::sort(result.left_out);
+  return result;
 }
 
 }  // namespace kestrix::index
