@@ -16,29 +16,28 @@
 namespace kestrix {
 namespace {
 
-constexpr auto kTestDataFolders = std::to_array<std::string_view>(
-    {"golden", "goldens", "fixture", "fixtures", "__fixtures__", "testdata", "test_data",
-     "test-data", "__snapshots__", "snapshots", "cassettes", "corpus"});
-constexpr auto kSampleFolders = std::to_array<std::string_view>(
-    {"example", "examples", "sample", "samples", "demo", "demos", "tutorial", "tutorials",
-     "playground", "benchmark", "benchmarks", "bench", "cookbook", "snippets", "quickstart",
-     "quickstarts"});
+constexpr auto kTestDataFolders =
+    name_set({"golden", "goldens", "fixture", "fixtures", "__fixtures__", "testdata", "test_data",
+              "test-data", "__snapshots__", "snapshots", "cassettes", "corpus"});
+constexpr auto kSampleFolders =
+    name_set({"example", "examples", "sample", "samples", "demo", "demos", "tutorial", "tutorials",
+              "playground", "benchmark", "benchmarks", "bench", "cookbook", "snippets",
+              "quickstart", "quickstarts"});
 constexpr auto kDocumentationFolders =
-    std::to_array<std::string_view>({"doc", "docs", "docs_src", "documentation", "website"});
-constexpr auto kTestWords = std::to_array<std::string_view>(
-    {"test", "tests", "testing", "testutil", "testutils", "testsupport"});
+    name_set({"doc", "docs", "docs_src", "documentation", "website"});
+constexpr auto kTestWords =
+    name_set({"test", "tests", "testing", "testutil", "testutils", "testsupport"});
 // At the top of a repository only: further down they may be a part of the product.
-constexpr auto kToolFolders = std::to_array<std::string_view>(
+constexpr auto kToolFolders = name_set(
     {"script", "scripts", "tool", "tools", "hack", "ci", "contrib", "misc", "etc", "build"});
-constexpr auto kMigrationFolders =
-    std::to_array<std::string_view>({"migrations", "migration", "migrate"});
+constexpr auto kMigrationFolders = name_set({"migrations", "migration", "migrate"});
 constexpr auto kGeneratedFolders =
-    std::to_array<std::string_view>({"generated", "__generated__", "_generated", "gen", "autogen"});
-constexpr auto kVendorFolders = std::to_array<std::string_view>(
-    {"vendor", "_vendor", "_vendored", "third_party", "thirdparty", "third-party", "3rdparty",
-     "3rd_party", "3rd-party", "node_modules", "bower_components"});
-constexpr auto kArchiveFolders = std::to_array<std::string_view>(
-    {"archive", "archived", "old", "superseded", "deprecated", "obsolete"});
+    name_set({"generated", "__generated__", "_generated", "gen", "autogen"});
+constexpr auto kVendorFolders =
+    name_set({"vendor", "_vendor", "_vendored", "third_party", "thirdparty", "third-party",
+              "3rdparty", "3rd_party", "3rd-party", "node_modules", "bower_components"});
+constexpr auto kArchiveFolders =
+    name_set({"archive", "archived", "old", "superseded", "deprecated", "obsolete"});
 
 // "old_migrations" and "post_migrate" too; a "user_migration" may be what the product does.
 bool holds_migrations(std::string_view folder, std::string_view parent) {
@@ -60,6 +59,9 @@ bool serves_tests(std::string_view folder) {
 }
 
 bool has_migration_name(std::string_view name) {
+  constexpr auto kEndings = std::to_array<std::string_view>({".sql", ".rb", ".php", ".ts", ".js"});
+  const auto ends_name = [name](std::string_view ending) { return name.ends_with(ending); };
+  if (std::ranges::none_of(kEndings, ends_name)) return false;
   static const RE2 pattern(
       R"(^[VUR]\d*[\d_.]*__\w+\.sql$|^(?:[a-z]+[_-])?\d{3,}(?:[_.-].*)?\.sql$|)"
       R"(^\d{12,14}_\w+\.(?:rb|php|ts|js)$)");

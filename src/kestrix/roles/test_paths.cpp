@@ -14,21 +14,19 @@
 namespace kestrix {
 namespace {
 
-constexpr auto kTestFolders = std::to_array<std::string_view>(
-    {"test", "tests", "__tests__", "testing", "testdata", "test_data", "e2e", "benches",
-     "__mocks__", "__fixtures__", "__snapshots__", "unittest", "unittests", "integrationtest",
-     "integrationtests"});
-constexpr auto kSpecFolders = std::to_array<std::string_view>({"spec", "specs"});
-constexpr auto kProductionTrees =
-    std::to_array<std::string_view>({"java", "kotlin", "scala", "groovy", "resources"});
+constexpr auto kTestFolders =
+    name_set({"test", "tests", "__tests__", "testing", "testdata", "test_data", "e2e", "benches",
+              "__mocks__", "__fixtures__", "__snapshots__", "unittest", "unittests",
+              "integrationtest", "integrationtests"});
+constexpr auto kSpecFolders = name_set({"spec", "specs"});
+constexpr auto kProductionTrees = name_set({"java", "kotlin", "scala", "groovy", "resources"});
 
 // A folder "spec" may also hold what an interface is specified in.
 constexpr auto kInterfaceEndings =
     std::to_array<std::string_view>({".proto", ".graphql", ".graphqls", ".raml", ".tsp", ".smithy",
                                      ".thrift", ".avsc", ".avdl", ".xsd", ".wsdl"});
-constexpr auto kInterfaceNames =
-    std::to_array<std::string_view>({"openapi", "swagger", "asyncapi", "api"});
-constexpr auto kInterfaceFolders = std::to_array<std::string_view>(
+constexpr auto kInterfaceNames = name_set({"openapi", "swagger", "asyncapi", "api"});
+constexpr auto kInterfaceFolders = name_set(
     {"openapi", "swagger", "asyncapi", "api", "apis", "schema", "schemas", "proto", "protos"});
 
 // A folder of tests of some sort: "unit_tests", "integration-tests".
