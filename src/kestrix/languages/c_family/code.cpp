@@ -5,21 +5,16 @@
 #include <string_view>
 
 #include "kestrix/languages/c_family/naming.h"
+#include "kestrix/languages/code/rule_shapes.h"
 
 namespace kestrix::index {
 namespace {
 
-constexpr CodeRule skip(std::string_view node) { return {.node = node, .act = Act::kSkip}; }
-constexpr CodeRule pass(std::string_view node) { return {.node = node}; }
-constexpr CodeRule scalar(std::string_view node) { return {.node = node, .act = Act::kScalar}; }
 constexpr CodeRule bound(std::string_view parent) {
   return {.node = "identifier", .parent = parent, .field = "declarator", .act = Act::kBind};
 }
 constexpr CodeRule bound_in(std::string_view parent, std::string_view node = "identifier") {
   return {.node = node, .parent = parent, .act = Act::kBind};
-}
-constexpr CodeRule declares(std::string_view node, DeclarationKind kind) {
-  return {.node = node, .act = Act::kDeclare, .kind = kind};
 }
 // A type that is written out where it is used, with a body or without.
 constexpr CodeRule written_type(std::string_view node, DeclarationKind kind) {
@@ -43,16 +38,16 @@ constexpr std::array kCommon = {
     skip("ms_declspec_modifier"),
     skip("gnu_asm_expression"),
 
-    declares("preproc_def", DeclarationKind::kMacro),
-    declares("preproc_function_def", DeclarationKind::kMacro),
+    declare("preproc_def", DeclarationKind::kMacro),
+    declare("preproc_function_def", DeclarationKind::kMacro),
     written_type("struct_specifier", DeclarationKind::kStruct),
     written_type("union_specifier", DeclarationKind::kStruct),
     written_type("enum_specifier", DeclarationKind::kEnum),
-    declares("struct_specifier", DeclarationKind::kStruct),
-    declares("union_specifier", DeclarationKind::kStruct),
-    declares("enum_specifier", DeclarationKind::kEnum),
-    declares("enumerator", DeclarationKind::kMember),
-    declares("function_definition", DeclarationKind::kFunction),
+    declare("struct_specifier", DeclarationKind::kStruct),
+    declare("union_specifier", DeclarationKind::kStruct),
+    declare("enum_specifier", DeclarationKind::kEnum),
+    declare("enumerator", DeclarationKind::kMember),
+    declare("function_definition", DeclarationKind::kFunction),
     declarator("identifier", "declaration"),
     declarator("field_identifier", "field_declaration"),
     declarator("type_identifier", "type_definition", DeclarationKind::kAlias),
@@ -97,13 +92,13 @@ constexpr std::array kCommon = {
              .act = Act::kLiteral,
              .name = "type",
              .value = "value"},
-    CodeRule{.node = "initializer_list", .act = Act::kTable},
-    CodeRule{.node = "initializer_pair", .act = Act::kEntry},
-    CodeRule{.node = "subscript_designator", .act = Act::kPass, .role = Role::kUses},
+    act("initializer_list", Act::kTable),
+    act("initializer_pair", Act::kEntry),
+    pass("subscript_designator", Role::kUses),
 
     CodeRule{.node = "type_descriptor", .act = Act::kPass, .role = Role::kType, .weak = true},
-    CodeRule{.node = "concatenated_string", .act = Act::kPass, .role = Role::kUses},
-    CodeRule{.node = "string_literal", .act = Act::kString},
+    pass("concatenated_string", Role::kUses),
+    act("string_literal", Act::kString),
     scalar("char_literal"),
     scalar("number_literal"),
     scalar("true"),
@@ -111,22 +106,22 @@ constexpr std::array kCommon = {
     scalar("null"),
 
     skip("field_identifier"),
-    CodeRule{.node = "field_expression", .act = Act::kPath},
+    act("field_expression", Act::kPath),
 };
 
 constexpr std::array kOnlyCpp = {
     skip("namespace_alias_definition"),
     skip("namespace_identifier"),
-    declares("namespace_definition", DeclarationKind::kModule),
+    declare("namespace_definition", DeclarationKind::kModule),
     written_type("class_specifier", DeclarationKind::kClass),
-    declares("class_specifier", DeclarationKind::kClass),
-    declares("alias_declaration", DeclarationKind::kAlias),
-    declares("concept_definition", DeclarationKind::kTrait),
+    declare("class_specifier", DeclarationKind::kClass),
+    declare("alias_declaration", DeclarationKind::kAlias),
+    declare("concept_definition", DeclarationKind::kTrait),
     declarator("qualified_identifier", "declaration"),
-    CodeRule{.node = "template_declaration", .act = Act::kScope},
+    act("template_declaration", Act::kScope),
     CodeRule{.node = "for_range_loop", .act = Act::kScope, .role = Role::kUses},
     CodeRule{.node = "catch_clause", .act = Act::kScope, .role = Role::kUses},
-    CodeRule{.node = "lambda_expression", .act = Act::kFunctionValue},
+    act("lambda_expression", Act::kFunctionValue),
     // A friend is no member.
     CodeRule{.node = "declaration", .parent = "friend_declaration", .act = Act::kFunctionValue},
 
@@ -151,13 +146,13 @@ constexpr std::array kOnlyCpp = {
 
     CodeRule{
         .node = "type_identifier", .parent = "class_specifier", .field = "name", .act = Act::kName},
-    CodeRule{.node = "base_class_clause", .act = Act::kPass, .role = Role::kExtends},
-    CodeRule{.node = "throw_statement", .act = Act::kPass, .role = Role::kThrows},
+    pass("base_class_clause", Role::kExtends),
+    pass("throw_statement", Role::kThrows),
     CodeRule{.node = "parameter_list",
              .parent = "catch_clause",
              .act = Act::kPass,
              .role = Role::kCatches},
-    CodeRule{.node = "parameter_declaration", .act = Act::kPass},
+    pass("parameter_declaration"),
     CodeRule{.node = "argument_list",
              .parent = "field_initializer",
              .act = Act::kPass,
@@ -174,28 +169,12 @@ constexpr std::array kOnlyCpp = {
              .parent = "qualified_identifier",
              .field = "name",
              .act = Act::kPass},
-    CodeRule{
-        .node = "identifier", .parent = "qualified_identifier", .field = "name", .act = Act::kSkip},
-    CodeRule{.node = "type_identifier",
-             .parent = "qualified_identifier",
-             .field = "name",
-             .act = Act::kSkip},
-    CodeRule{.node = "qualified_identifier",
-             .parent = "function_declarator",
-             .field = "declarator",
-             .act = Act::kSkip},
-    CodeRule{.node = "qualified_identifier",
-             .parent = "init_declarator",
-             .field = "declarator",
-             .act = Act::kSkip},
-    CodeRule{.node = "qualified_identifier",
-             .parent = "pointer_declarator",
-             .field = "declarator",
-             .act = Act::kSkip},
-    CodeRule{.node = "qualified_identifier",
-             .parent = "array_declarator",
-             .field = "declarator",
-             .act = Act::kSkip},
+    skip("identifier", "qualified_identifier", "name"),
+    skip("type_identifier", "qualified_identifier", "name"),
+    skip("qualified_identifier", "function_declarator", "declarator"),
+    skip("qualified_identifier", "init_declarator", "declarator"),
+    skip("qualified_identifier", "pointer_declarator", "declarator"),
+    skip("qualified_identifier", "array_declarator", "declarator"),
     CodeRule{.node = "qualified_identifier",
              .parent = "case_statement",
              .field = "value",
@@ -206,10 +185,10 @@ constexpr std::array kOnlyCpp = {
              .act = Act::kPath,
              .role = Role::kType,
              .weak = true},
-    CodeRule{.node = "qualified_identifier", .act = Act::kPath},
+    act("qualified_identifier", Act::kPath),
     skip("destructor_name"),
     skip("operator_name"),
-    CodeRule{.node = "identifier", .parent = "using_declaration", .act = Act::kSkip},
+    skip("identifier", "using_declaration"),
 
     CodeRule{.node = "template_type",
              .act = Act::kGeneric,
@@ -221,13 +200,13 @@ constexpr std::array kOnlyCpp = {
     pass("dependent_name"),
     pass("dependent_type"),
     pass("template_argument_list"),
-    CodeRule{.node = "raw_string_literal", .act = Act::kString},
+    act("raw_string_literal", Act::kString),
 };
 
 // Last, as the first rule that fits counts.
 constexpr std::array kNames = {
     CodeRule{.node = "type_identifier", .act = Act::kName, .role = Role::kType, .weak = true},
-    CodeRule{.node = "identifier", .act = Act::kName},
+    act("identifier", Act::kName),
 };
 
 template <std::size_t... kSizes>

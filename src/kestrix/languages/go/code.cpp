@@ -5,6 +5,7 @@
 #include <optional>
 #include <string_view>
 
+#include "kestrix/languages/code/rule_shapes.h"
 #include "kestrix/languages/symbols.h"
 #include "kestrix/syntax/tree_cursor.h"
 
@@ -12,9 +13,9 @@ namespace kestrix::index {
 namespace {
 
 constexpr std::array kRules = {
-    CodeRule{.node = "package_clause", .act = Act::kSkip},
-    CodeRule{.node = "import_declaration", .act = Act::kSkip},
-    CodeRule{.node = "comment", .act = Act::kSkip},
+    skip("package_clause"),
+    skip("import_declaration"),
+    skip("comment"),
 
     CodeRule{.node = "type_spec",
              .act = Act::kDeclare,
@@ -24,12 +25,11 @@ constexpr std::array kRules = {
              .act = Act::kDeclare,
              .kind = DeclarationKind::kAlias,
              .value = "type"},
-    CodeRule{
-        .node = "function_declaration", .act = Act::kDeclare, .kind = DeclarationKind::kFunction},
-    CodeRule{.node = "method_declaration", .act = Act::kDeclare, .kind = DeclarationKind::kMethod},
-    CodeRule{.node = "method_elem", .act = Act::kDeclare, .kind = DeclarationKind::kMethod},
-    CodeRule{.node = "const_spec", .act = Act::kDeclare, .kind = DeclarationKind::kConstant},
-    CodeRule{.node = "var_spec", .act = Act::kDeclare, .kind = DeclarationKind::kVariable},
+    declare("function_declaration", DeclarationKind::kFunction),
+    declare("method_declaration", DeclarationKind::kMethod),
+    declare("method_elem", DeclarationKind::kMethod),
+    declare("const_spec", DeclarationKind::kConstant),
+    declare("var_spec", DeclarationKind::kVariable),
     // A field without a name embeds its type.
     CodeRule{.node = "field_declaration",
              .act = Act::kDeclare,
@@ -37,8 +37,8 @@ constexpr std::array kRules = {
              .kind = DeclarationKind::kField},
     CodeRule{
         .node = "type_elem", .parent = "interface_type", .act = Act::kPass, .role = Role::kExtends},
-    CodeRule{.node = "type_elem", .act = Act::kPass},
-    CodeRule{.node = "func_literal", .act = Act::kFunctionValue},
+    pass("type_elem"),
+    act("func_literal", Act::kFunctionValue),
 
     // Names that belong to a function.
     CodeRule{.node = "identifier",
@@ -84,9 +84,9 @@ constexpr std::array kRules = {
              .act = Act::kPass,
              .role = Role::kLists,
              .errors = Role::kCatches},
-    CodeRule{.node = "statement_list", .act = Act::kPass, .role = Role::kUses},
-    CodeRule{.node = "block", .act = Act::kPass, .role = Role::kUses},
-    CodeRule{.node = "expression_list", .act = Act::kPass},
+    pass("statement_list", Role::kUses),
+    pass("block", Role::kUses),
+    pass("expression_list"),
     CodeRule{.node = "type_identifier",
              .parent = "type_case",
              .act = Act::kName,
@@ -110,51 +110,50 @@ constexpr std::array kRules = {
 
     CodeRule{
         .node = "call_expression", .act = Act::kCall, .name = "function", .value = "arguments"},
-    CodeRule{.node = "argument_list", .act = Act::kPass},
+    pass("argument_list"),
     CodeRule{
         .node = "index_expression", .act = Act::kSubscript, .name = "operand", .value = "index"},
-    CodeRule{.node = "type_arguments", .act = Act::kTypeArguments},
-    CodeRule{.node = "unary_expression", .act = Act::kPass},
-    CodeRule{.node = "parenthesized_expression", .act = Act::kPass},
-    CodeRule{.node = "variadic_argument", .act = Act::kPass},
+    act("type_arguments", Act::kTypeArguments),
+    pass("unary_expression"),
+    pass("parenthesized_expression"),
+    pass("variadic_argument"),
 
     CodeRule{.node = "composite_literal", .act = Act::kLiteral, .name = "type", .value = "body"},
     CodeRule{.node = "literal_value", .parent = "composite_literal", .act = Act::kTable},
     CodeRule{.node = "literal_value", .act = Act::kLiteral, .name = "type", .value = "body"},
     CodeRule{
         .node = "literal_element", .parent = "keyed_element", .field = "key", .act = Act::kKey},
-    CodeRule{.node = "literal_element", .act = Act::kEntry},
-    CodeRule{.node = "keyed_element", .act = Act::kEntry},
+    act("literal_element", Act::kEntry),
+    act("keyed_element", Act::kEntry),
 
-    CodeRule{.node = "pointer_type", .act = Act::kPass},
-    CodeRule{.node = "generic_type", .act = Act::kPass},
-    CodeRule{.node = "parenthesized_type", .act = Act::kPass},
-    CodeRule{.node = "slice_type", .act = Act::kPass, .role = Role::kType},
-    CodeRule{.node = "array_type", .act = Act::kPass, .role = Role::kType},
-    CodeRule{.node = "implicit_length_array_type", .act = Act::kPass, .role = Role::kType},
-    CodeRule{.node = "map_type", .act = Act::kPass, .role = Role::kType},
-    CodeRule{.node = "channel_type", .act = Act::kPass, .role = Role::kType},
-    CodeRule{.node = "function_type", .act = Act::kPass, .role = Role::kType},
+    pass("pointer_type"),
+    pass("generic_type"),
+    pass("parenthesized_type"),
+    pass("slice_type", Role::kType),
+    pass("array_type", Role::kType),
+    pass("implicit_length_array_type", Role::kType),
+    pass("map_type", Role::kType),
+    pass("channel_type", Role::kType),
+    pass("function_type", Role::kType),
     CodeRule{.node = "type_identifier", .act = Act::kName, .role = Role::kType, .weak = true},
     CodeRule{.node = "qualified_type", .act = Act::kPath, .role = Role::kType, .weak = true},
 
-    CodeRule{.node = "raw_string_literal", .parent = "field_declaration", .act = Act::kSkip},
-    CodeRule{
-        .node = "interpreted_string_literal", .parent = "field_declaration", .act = Act::kSkip},
-    CodeRule{.node = "interpreted_string_literal", .act = Act::kString},
-    CodeRule{.node = "raw_string_literal", .act = Act::kString},
-    CodeRule{.node = "rune_literal", .act = Act::kScalar},
-    CodeRule{.node = "int_literal", .act = Act::kScalar},
-    CodeRule{.node = "float_literal", .act = Act::kScalar},
-    CodeRule{.node = "imaginary_literal", .act = Act::kScalar},
-    CodeRule{.node = "true", .act = Act::kScalar},
-    CodeRule{.node = "false", .act = Act::kScalar},
-    CodeRule{.node = "nil", .act = Act::kScalar},
-    CodeRule{.node = "iota", .act = Act::kScalar},
+    skip("raw_string_literal", "field_declaration"),
+    skip("interpreted_string_literal", "field_declaration"),
+    act("interpreted_string_literal", Act::kString),
+    act("raw_string_literal", Act::kString),
+    scalar("rune_literal"),
+    scalar("int_literal"),
+    scalar("float_literal"),
+    scalar("imaginary_literal"),
+    scalar("true"),
+    scalar("false"),
+    scalar("nil"),
+    scalar("iota"),
 
-    CodeRule{.node = "field_identifier", .act = Act::kSkip},
-    CodeRule{.node = "selector_expression", .act = Act::kPath},
-    CodeRule{.node = "identifier", .act = Act::kName},
+    skip("field_identifier"),
+    act("selector_expression", Act::kPath),
+    act("identifier", Act::kName),
 };
 
 constexpr std::array kCalls = {

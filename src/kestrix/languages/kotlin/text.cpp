@@ -5,24 +5,11 @@
 #include <cstddef>
 #include <iterator>
 
+#include "kestrix/languages/jvm/lexis.h"
 #include "kestrix/text/ascii.h"
 
 namespace kestrix::index::kotlin {
 namespace {
-
-constexpr std::array<std::string_view, 1> kComments = {"//"};
-constexpr std::array kStrings = {
-    StringStyle{
-        .open = R"(""")", .close = R"(""")", .multiline = true, .escapes = false, .splice = "${"},
-    StringStyle{.open = "\"", .close = "\"", .splice = "${"},
-    StringStyle{.open = "`", .close = "`", .escapes = false},  // a name of many words
-};
-constexpr Lexis kLexis = {.line_comments = kComments,
-                          .block_open = "/*",
-                          .block_close = "*/",
-                          .nested_blocks = true,
-                          .strings = kStrings,
-                          .char_literals = true};
 
 bool is_name_byte(char c) {
   return ascii::is_word(c) || c == '.' || static_cast<unsigned char>(c) >= 0x80;
@@ -66,7 +53,7 @@ class Mask {
     std::size_t depth = 0;
     for (std::size_t at = open; at < limit; ++at) {
       const std::string_view rest = text_.substr(at, limit - at);
-      if (const std::size_t length = string_length(rest, kLexis)) {
+      if (const std::size_t length = string_length(rest, jvm::kLexis)) {
         at += length - 1;
       } else if (text_[at] == '(') {
         ++depth;
@@ -100,9 +87,9 @@ class Mask {
 };
 
 std::size_t skip_length(std::string_view rest) {
-  if (const std::size_t comment = comment_length(rest, kLexis)) return comment;
+  if (const std::size_t comment = comment_length(rest, jvm::kLexis)) return comment;
   if (rest.size() > 2 && rest[0] == '\'' && rest[2] == '\'') return 3;
-  return string_length(rest, kLexis);
+  return string_length(rest, jvm::kLexis);
 }
 
 std::size_t word_length(std::string_view rest) {
@@ -152,7 +139,7 @@ std::size_t Code::depth_at(std::size_t offset) {
   return depth_;
 }
 
-const Lexis& lexis() { return kLexis; }
+const Lexis& lexis() { return jvm::kLexis; }
 
 std::optional<std::string> mask(std::string_view text) { return Mask(text).run(); }
 

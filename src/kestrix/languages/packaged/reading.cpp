@@ -197,6 +197,25 @@ void add_qualified_names(const SourceTree& tree, std::span<const std::string_vie
   for (auto& [name, fact] : found) facts.imports.push_back(std::move(fact));
 }
 
+void add_calls(const SourceTree& tree, const OwnNames& own_names, const CallWords& words,
+               FileFacts& facts) {
+  std::map<std::string_view, std::uint32_t> calls;
+  std::unordered_set<std::string_view, SeededHash> own(words.keywords.begin(),
+                                                       words.keywords.end());
+  WordScanner scanner(tree.text(), tree.lexis());
+  std::string_view before;
+  for (Word word; scanner.next(word); before = word.text) {
+    if (word.member || is_type_like(word.text)) continue;
+    if (before == words.declares) own.insert(word.text);
+    const std::string_view after = tree.text().substr(word.offset + word.text.size());
+    if (words.is_called(after)) ++calls[word.text];
+  }
+  for (const auto& [name, count] : calls) {
+    if (own_names.contains(name) || own.contains(name)) continue;
+    facts.uses.push_back({std::string(name), count});
+  }
+}
+
 void sort_declared(FileFacts& facts) { sort_distinct(facts.declares); }
 
 }  // namespace kestrix::index::packaged

@@ -63,6 +63,18 @@ class OwnNames {
 void add_qualified_names(const SourceTree& tree, std::span<const std::string_view> statements,
                          std::uint16_t form, FileFacts& facts);
 
+/// How a language's functions are told from other words.
+struct CallWords {
+  std::span<const std::string_view> keywords;  ///< that may stand before a bracket
+  std::string_view declares;                   ///< stands before the name of a function of its own
+  bool (*is_called)(std::string_view after);   ///< by the text behind the word
+};
+
+/// Adds a use for each function that is called by its name alone and that the file does not have:
+/// one that its package, its module or a wildcard may bring in.
+void add_calls(const SourceTree& tree, const OwnNames& own_names, const CallWords& words,
+               FileFacts& facts);
+
 /// Sorts the declared names and drops repeated ones.
 void sort_declared(FileFacts& facts);
 

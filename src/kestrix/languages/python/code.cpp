@@ -4,30 +4,31 @@
 #include <array>
 #include <string_view>
 
+#include "kestrix/languages/code/rule_shapes.h"
+
 namespace kestrix::index {
 namespace {
 
 constexpr std::array kRules = {
-    CodeRule{.node = "import_statement", .act = Act::kSkip},
-    CodeRule{.node = "import_from_statement", .act = Act::kSkip},
-    CodeRule{.node = "future_import_statement", .act = Act::kSkip},
-    CodeRule{.node = "comment", .act = Act::kSkip},
+    skip("import_statement"),
+    skip("import_from_statement"),
+    skip("future_import_statement"),
+    skip("comment"),
 
-    CodeRule{.node = "class_definition", .act = Act::kDeclare, .kind = DeclarationKind::kClass},
-    CodeRule{
-        .node = "function_definition", .act = Act::kDeclare, .kind = DeclarationKind::kFunction},
+    declare("class_definition", DeclarationKind::kClass),
+    declare("function_definition", DeclarationKind::kFunction),
     CodeRule{.node = "assignment",
              .act = Act::kDeclare,
              .kind = DeclarationKind::kVariable,
              .name = "left",
              .value = "right"},
-    CodeRule{.node = "type_alias_statement", .act = Act::kPass, .role = Role::kType},
+    pass("type_alias_statement", Role::kType),
     CodeRule{.node = "argument_list",
              .parent = "class_definition",
              .act = Act::kPass,
              .role = Role::kExtends},
     CodeRule{.node = "decorator", .act = Act::kPass, .role = Role::kAnnotates, .ahead = true},
-    CodeRule{.node = "lambda", .act = Act::kFunctionValue},
+    act("lambda", Act::kFunctionValue),
 
     // Names that belong to a function.
     CodeRule{.node = "identifier", .parent = "parameters", .act = Act::kBind},
@@ -49,12 +50,12 @@ constexpr std::array kRules = {
     CodeRule{
         .node = "identifier", .parent = "named_expression", .field = "name", .act = Act::kBind},
 
-    CodeRule{.node = "raise_statement", .act = Act::kPass, .role = Role::kThrows},
+    pass("raise_statement", Role::kThrows),
     CodeRule{.node = "block", .parent = "except_clause", .act = Act::kPass, .role = Role::kUses},
-    CodeRule{.node = "except_clause", .act = Act::kPass, .role = Role::kCatches},
-    CodeRule{.node = "as_pattern", .act = Act::kPass},
-    CodeRule{.node = "case_pattern", .act = Act::kPass, .role = Role::kLists},
-    CodeRule{.node = "type", .act = Act::kPass, .role = Role::kType},
+    pass("except_clause", Role::kCatches),
+    pass("as_pattern"),
+    pass("case_pattern", Role::kLists),
+    pass("type", Role::kType),
 
     CodeRule{.node = "call", .act = Act::kCall, .name = "function", .value = "arguments"},
     CodeRule{.node = "subscript",
@@ -62,28 +63,27 @@ constexpr std::array kRules = {
              .act = Act::kSubscript,
              .name = "value",
              .value = "subscript"},
-    CodeRule{.node = "keyword_argument", .act = Act::kEntry},
-    CodeRule{
-        .node = "identifier", .parent = "keyword_argument", .field = "name", .act = Act::kSkip},
-    CodeRule{.node = "argument_list", .act = Act::kPass},
-    CodeRule{.node = "list", .act = Act::kTable},
-    CodeRule{.node = "tuple", .act = Act::kTable},
-    CodeRule{.node = "set", .act = Act::kTable},
-    CodeRule{.node = "dictionary", .act = Act::kTable},
-    CodeRule{.node = "pair", .act = Act::kEntry},
-    CodeRule{.node = "list_splat", .act = Act::kEntry},
+    act("keyword_argument", Act::kEntry),
+    skip("identifier", "keyword_argument", "name"),
+    pass("argument_list"),
+    act("list", Act::kTable),
+    act("tuple", Act::kTable),
+    act("set", Act::kTable),
+    act("dictionary", Act::kTable),
+    act("pair", Act::kEntry),
+    act("list_splat", Act::kEntry),
 
-    CodeRule{.node = "string", .act = Act::kString},
-    CodeRule{.node = "concatenated_string", .act = Act::kPass, .role = Role::kUses},
-    CodeRule{.node = "integer", .act = Act::kScalar},
-    CodeRule{.node = "float", .act = Act::kScalar},
-    CodeRule{.node = "true", .act = Act::kScalar},
-    CodeRule{.node = "false", .act = Act::kScalar},
-    CodeRule{.node = "none", .act = Act::kScalar},
+    act("string", Act::kString),
+    pass("concatenated_string", Role::kUses),
+    scalar("integer"),
+    scalar("float"),
+    scalar("true"),
+    scalar("false"),
+    scalar("none"),
 
-    CodeRule{.node = "identifier", .parent = "attribute", .field = "attribute", .act = Act::kSkip},
-    CodeRule{.node = "attribute", .act = Act::kPath},
-    CodeRule{.node = "identifier", .act = Act::kName},
+    skip("identifier", "attribute", "attribute"),
+    act("attribute", Act::kPath),
+    act("identifier", Act::kName),
 };
 
 constexpr std::array kCalls = {

@@ -5,6 +5,7 @@
 #include <optional>
 #include <string_view>
 
+#include "kestrix/languages/code/rule_shapes.h"
 #include "kestrix/languages/rust/attributes.h"
 #include "kestrix/syntax/source_tree.h"
 
@@ -14,15 +15,6 @@ namespace {
 constexpr CodeRule declared(std::string_view node, DeclarationKind kind,
                             std::string_view value = "value") {
   return {.node = node, .act = Act::kDeclare, .kind = kind, .value = value};
-}
-constexpr CodeRule pass(std::string_view node) { return {.node = node, .act = Act::kPass}; }
-constexpr CodeRule skip(std::string_view node) { return {.node = node, .act = Act::kSkip}; }
-constexpr CodeRule scalar(std::string_view node) { return {.node = node, .act = Act::kScalar}; }
-constexpr CodeRule used(std::string_view node) {
-  return {.node = node, .act = Act::kPass, .role = Role::kUses};
-}
-constexpr CodeRule typed(std::string_view node) {
-  return {.node = node, .act = Act::kPass, .role = Role::kType};
 }
 // A name in a pattern: one of the function's own, or a constant or variant.
 constexpr CodeRule pattern(std::string_view parent, std::string_view field = {}) {
@@ -56,14 +48,13 @@ constexpr std::array kRules = {
     declared("static_item", DeclarationKind::kConstant),
     declared("macro_definition", DeclarationKind::kMacro),
     declared("mod_item", DeclarationKind::kModule),
-    CodeRule{.node = "type_identifier", .parent = "type_item", .field = "name", .act = Act::kSkip},
+    skip("type_identifier", "type_item", "name"),
     // One of a trait or an implementation is known by theirs alone.
     CodeRule{
         .node = "type_item", .parent = "declaration_list", .act = Act::kPass, .role = Role::kType},
     declared("type_item", DeclarationKind::kAlias, "type"),
-    CodeRule{
-        .node = "type_identifier", .parent = "associated_type", .field = "name", .act = Act::kSkip},
-    CodeRule{.node = "impl_item", .act = Act::kMembers},
+    skip("type_identifier", "associated_type", "name"),
+    act("impl_item", Act::kMembers),
     CodeRule{.node = "generic_type",
              .parent = "impl_item",
              .field = "trait",
@@ -85,7 +76,7 @@ constexpr std::array kRules = {
              .role = Role::kImplements},
     CodeRule{.node = "attribute_item", .act = Act::kPass, .role = Role::kAnnotates, .ahead = true},
     CodeRule{.node = "attribute", .act = Act::kCall, .name = "", .value = "arguments"},
-    CodeRule{.node = "closure_expression", .act = Act::kFunctionValue},
+    act("closure_expression", Act::kFunctionValue),
 
     // Names that belong to a function.
     CodeRule{.node = "identifier",
@@ -109,7 +100,7 @@ constexpr std::array kRules = {
     pattern("reference_pattern"),
     pattern("field_pattern", "pattern"),
     pattern("const_parameter", "name"),
-    CodeRule{.node = "shorthand_field_identifier", .act = Act::kBind},
+    act("shorthand_field_identifier", Act::kBind),
     CodeRule{
         .node = "type_identifier", .parent = "type_parameter", .field = "name", .act = Act::kBind},
 
@@ -141,43 +132,43 @@ constexpr std::array kRules = {
     CodeRule{.node = "macro_invocation", .act = Act::kCall, .name = "macro", .value = ""},
     pass("generic_function"),
     pass("arguments"),
-    CodeRule{.node = "type_arguments", .act = Act::kTypeArguments},
+    act("type_arguments", Act::kTypeArguments),
     CodeRule{.node = "struct_expression", .act = Act::kLiteral, .value = "body"},
     pass("generic_type_with_turbofish"),
     pass("field_initializer_list"),
     pass("field_initializer"),
     pass("shorthand_field_initializer"),
-    CodeRule{.node = "array_expression", .act = Act::kTable},
-    CodeRule{.node = "tuple_expression", .act = Act::kEntry},
+    act("array_expression", Act::kTable),
+    act("tuple_expression", Act::kEntry),
     pass("reference_expression"),
     pass("parenthesized_expression"),
     pass("try_expression"),
     pass("await_expression"),
-    used("block"),
-    used("expression_statement"),
+    pass("block", Role::kUses),
+    pass("expression_statement", Role::kUses),
 
     pass("generic_type"),
-    typed("reference_type"),
-    typed("pointer_type"),
-    typed("array_type"),
-    typed("tuple_type"),
-    typed("function_type"),
-    typed("dynamic_type"),
-    typed("abstract_type"),
+    pass("reference_type", Role::kType),
+    pass("pointer_type", Role::kType),
+    pass("array_type", Role::kType),
+    pass("tuple_type", Role::kType),
+    pass("function_type", Role::kType),
+    pass("dynamic_type", Role::kType),
+    pass("abstract_type", Role::kType),
     CodeRule{.node = "trait_bounds", .act = Act::kPass, .role = Role::kType, .weak = true},
     CodeRule{.node = "type_identifier", .act = Act::kName, .role = Role::kType, .weak = true},
     CodeRule{
         .node = "scoped_type_identifier", .act = Act::kPath, .role = Role::kType, .weak = true},
 
     skip("token_tree_pattern"),
-    used("macro_rule"),
+    pass("macro_rule", Role::kUses),
     pass("token_tree"),
     pass("token_repetition"),
     CodeRule{.node = "identifier", .parent = "token_tree", .act = Act::kToken},
     CodeRule{.node = "identifier", .parent = "token_repetition", .act = Act::kToken},
 
-    CodeRule{.node = "string_literal", .act = Act::kString},
-    CodeRule{.node = "raw_string_literal", .act = Act::kString},
+    act("string_literal", Act::kString),
+    act("raw_string_literal", Act::kString),
     scalar("char_literal"),
     scalar("boolean_literal"),
     scalar("integer_literal"),
@@ -185,14 +176,10 @@ constexpr std::array kRules = {
     scalar("negative_literal"),
 
     skip("field_identifier"),
-    CodeRule{
-        .node = "identifier", .parent = "scoped_identifier", .field = "name", .act = Act::kSkip},
-    CodeRule{.node = "type_identifier",
-             .parent = "scoped_type_identifier",
-             .field = "name",
-             .act = Act::kSkip},
-    CodeRule{.node = "scoped_identifier", .act = Act::kPath},
-    CodeRule{.node = "identifier", .act = Act::kName},
+    skip("identifier", "scoped_identifier", "name"),
+    skip("type_identifier", "scoped_type_identifier", "name"),
+    act("scoped_identifier", Act::kPath),
+    act("identifier", Act::kName),
 };
 
 constexpr std::array kCalls = {

@@ -5,6 +5,7 @@
 #include <optional>
 #include <string_view>
 
+#include "kestrix/languages/code/rule_shapes.h"
 #include "kestrix/languages/jvm/calls.h"
 #include "kestrix/languages/packaged/reading.h"
 #include "kestrix/syntax/tree_cursor.h"
@@ -13,24 +14,22 @@ namespace kestrix::index {
 namespace {
 
 constexpr std::array kRules = {
-    CodeRule{.node = "package_identifier", .act = Act::kSkip},
-    CodeRule{.node = "import_declaration", .act = Act::kSkip},
-    CodeRule{.node = "export_declaration", .act = Act::kSkip},
-    CodeRule{.node = "comment", .act = Act::kSkip},
-    CodeRule{.node = "block_comment", .act = Act::kSkip},
+    skip("package_identifier"),
+    skip("import_declaration"),
+    skip("export_declaration"),
+    skip("comment"),
+    skip("block_comment"),
 
-    CodeRule{.node = "class_definition", .act = Act::kDeclare, .kind = DeclarationKind::kClass},
-    CodeRule{.node = "object_definition", .act = Act::kDeclare, .kind = DeclarationKind::kObject},
-    CodeRule{.node = "trait_definition", .act = Act::kDeclare, .kind = DeclarationKind::kTrait},
-    CodeRule{.node = "enum_definition", .act = Act::kDeclare, .kind = DeclarationKind::kEnum},
-    CodeRule{.node = "package_object", .act = Act::kDeclare, .kind = DeclarationKind::kModule},
-    CodeRule{.node = "simple_enum_case", .act = Act::kDeclare, .kind = DeclarationKind::kMember},
-    CodeRule{.node = "full_enum_case", .act = Act::kDeclare, .kind = DeclarationKind::kMember},
-    CodeRule{.node = "type_definition", .act = Act::kDeclare, .kind = DeclarationKind::kAlias},
-    CodeRule{
-        .node = "function_definition", .act = Act::kDeclare, .kind = DeclarationKind::kFunction},
-    CodeRule{
-        .node = "function_declaration", .act = Act::kDeclare, .kind = DeclarationKind::kFunction},
+    declare("class_definition", DeclarationKind::kClass),
+    declare("object_definition", DeclarationKind::kObject),
+    declare("trait_definition", DeclarationKind::kTrait),
+    declare("enum_definition", DeclarationKind::kEnum),
+    declare("package_object", DeclarationKind::kModule),
+    declare("simple_enum_case", DeclarationKind::kMember),
+    declare("full_enum_case", DeclarationKind::kMember),
+    declare("type_definition", DeclarationKind::kAlias),
+    declare("function_definition", DeclarationKind::kFunction),
+    declare("function_declaration", DeclarationKind::kFunction),
     CodeRule{.node = "val_definition",
              .act = Act::kDeclare,
              .kind = DeclarationKind::kVariable,
@@ -39,26 +38,26 @@ constexpr std::array kRules = {
              .act = Act::kDeclare,
              .kind = DeclarationKind::kVariable,
              .name = "pattern"},
-    CodeRule{.node = "val_declaration", .act = Act::kDeclare, .kind = DeclarationKind::kVariable},
-    CodeRule{.node = "var_declaration", .act = Act::kDeclare, .kind = DeclarationKind::kVariable},
-    CodeRule{.node = "given_definition", .act = Act::kDeclare, .kind = DeclarationKind::kVariable},
-    CodeRule{.node = "class_parameter", .act = Act::kDeclare, .kind = DeclarationKind::kVariable},
+    declare("val_declaration", DeclarationKind::kVariable),
+    declare("var_declaration", DeclarationKind::kVariable),
+    declare("given_definition", DeclarationKind::kVariable),
+    declare("class_parameter", DeclarationKind::kVariable),
     CodeRule{.node = "template_body", .parent = "instance_expression", .act = Act::kNameless},
-    CodeRule{.node = "block", .act = Act::kFunctionValue},
-    CodeRule{.node = "indented_block", .act = Act::kFunctionValue},
-    CodeRule{.node = "lambda_expression", .act = Act::kFunctionValue},
-    CodeRule{.node = "case_block", .act = Act::kFunctionValue},
-    CodeRule{.node = "case_clause", .act = Act::kScope},
+    act("block", Act::kFunctionValue),
+    act("indented_block", Act::kFunctionValue),
+    act("lambda_expression", Act::kFunctionValue),
+    act("case_block", Act::kFunctionValue),
+    act("case_clause", Act::kScope),
 
     // Of a class or a trait, as the declaration turns out to be.
     CodeRule{
         .node = "arguments", .parent = "extends_clause", .act = Act::kPass, .role = Role::kLists},
-    CodeRule{.node = "extends_clause", .act = Act::kPass, .role = Role::kExtends},
-    CodeRule{.node = "derives_clause", .act = Act::kPass, .role = Role::kAnnotates},
+    pass("extends_clause", Role::kExtends),
+    pass("derives_clause", Role::kAnnotates),
     CodeRule{.node = "arguments", .parent = "annotation", .act = Act::kPass, .role = Role::kUses},
-    CodeRule{.node = "annotation", .act = Act::kPass, .role = Role::kAnnotates},
-    CodeRule{.node = "identifier", .parent = "self_type", .act = Act::kSkip},
-    CodeRule{.node = "identifier", .parent = "access_qualifier", .act = Act::kSkip},
+    pass("annotation", Role::kAnnotates),
+    skip("identifier", "self_type"),
+    skip("identifier", "access_qualifier"),
 
     // Names that belong to a function, or to a generic declaration.
     CodeRule{.node = "identifier", .parent = "type_parameters", .act = Act::kBindType},
@@ -70,7 +69,7 @@ constexpr std::array kRules = {
              .parent = "lambda_expression",
              .field = "parameters",
              .act = Act::kBind},
-    CodeRule{.node = "identifier", .parent = "named_pattern", .act = Act::kSkip},
+    skip("identifier", "named_pattern"),
     CodeRule{.node = "identifier", .parent = "capture_pattern", .field = "name", .act = Act::kBind},
     CodeRule{.node = "identifier", .parent = "tuple_pattern", .act = Act::kPattern},
     CodeRule{.node = "identifier", .parent = "infix_pattern", .act = Act::kPattern},
@@ -92,12 +91,12 @@ constexpr std::array kRules = {
              .parent = "alternative_pattern",
              .act = Act::kPath,
              .role = Role::kLists},
-    CodeRule{.node = "stable_identifier", .act = Act::kPath},
-    CodeRule{.node = "identifier", .parent = "stable_identifier", .act = Act::kSkip},
+    act("stable_identifier", Act::kPath),
+    skip("identifier", "stable_identifier"),
 
-    CodeRule{.node = "throw_expression", .act = Act::kPass, .role = Role::kThrows},
-    CodeRule{.node = "typed_pattern", .act = Act::kPass, .role = Role::kCatches},
-    CodeRule{.node = "case_class_pattern", .act = Act::kPass, .role = Role::kCatches},
+    pass("throw_expression", Role::kThrows),
+    pass("typed_pattern", Role::kCatches),
+    pass("case_class_pattern", Role::kCatches),
 
     CodeRule{
         .node = "call_expression", .act = Act::kCall, .name = "function", .value = "arguments"},
@@ -107,24 +106,23 @@ constexpr std::array kRules = {
              .value = "type_arguments"},
     CodeRule{
         .node = "instance_expression", .act = Act::kConstruct, .name = "", .value = "arguments"},
-    CodeRule{.node = "arguments", .act = Act::kPass},
+    pass("arguments"),
     CodeRule{.node = "assignment_expression", .parent = "arguments", .act = Act::kEntry},
-    CodeRule{.node = "tuple_expression", .act = Act::kEntry},
-    CodeRule{.node = "infix_expression", .act = Act::kPass},
-    CodeRule{
-        .node = "identifier", .parent = "infix_expression", .field = "operator", .act = Act::kSkip},
-    CodeRule{.node = "parenthesized_expression", .act = Act::kPass},
-    CodeRule{.node = "postfix_expression", .act = Act::kPass},
-    CodeRule{.node = "ascription_expression", .act = Act::kPass},
+    act("tuple_expression", Act::kEntry),
+    pass("infix_expression"),
+    skip("identifier", "infix_expression", "operator"),
+    pass("parenthesized_expression"),
+    pass("postfix_expression"),
+    pass("ascription_expression"),
 
     CodeRule{.node = "type_arguments", .parent = "generic_function", .act = Act::kPass},
-    CodeRule{.node = "type_arguments", .act = Act::kTypeArguments},
-    CodeRule{.node = "generic_type", .act = Act::kPass},
-    CodeRule{.node = "compound_type", .act = Act::kPass},
-    CodeRule{.node = "infix_type", .act = Act::kPass},
-    CodeRule{.node = "function_type", .act = Act::kPass, .role = Role::kType},
-    CodeRule{.node = "operator_identifier", .act = Act::kSkip},
-    CodeRule{.node = "type_identifier", .parent = "stable_type_identifier", .act = Act::kSkip},
+    act("type_arguments", Act::kTypeArguments),
+    pass("generic_type"),
+    pass("compound_type"),
+    pass("infix_type"),
+    pass("function_type", Role::kType),
+    skip("operator_identifier"),
+    skip("type_identifier", "stable_type_identifier"),
     CodeRule{.node = "stable_type_identifier",
              .act = Act::kPath,
              .role = Role::kType,
@@ -136,19 +134,18 @@ constexpr std::array kRules = {
              .weak = true,
              .keeps_lists = true},
 
-    CodeRule{.node = "string", .act = Act::kString},
-    CodeRule{.node = "interpolated_string_expression", .act = Act::kString},
-    CodeRule{.node = "identifier", .parent = "interpolated_string_expression", .act = Act::kSkip},
-    CodeRule{.node = "interpolated_string", .act = Act::kPass},
-    CodeRule{.node = "character_literal", .act = Act::kScalar},
-    CodeRule{.node = "integer_literal", .act = Act::kScalar},
-    CodeRule{.node = "floating_point_literal", .act = Act::kScalar},
-    CodeRule{.node = "boolean_literal", .act = Act::kScalar},
+    act("string", Act::kString),
+    act("interpolated_string_expression", Act::kString),
+    skip("identifier", "interpolated_string_expression"),
+    pass("interpolated_string"),
+    scalar("character_literal"),
+    scalar("integer_literal"),
+    scalar("floating_point_literal"),
+    scalar("boolean_literal"),
 
-    CodeRule{
-        .node = "identifier", .parent = "field_expression", .field = "field", .act = Act::kSkip},
-    CodeRule{.node = "field_expression", .act = Act::kPath},
-    CodeRule{.node = "identifier", .act = Act::kName},
+    skip("identifier", "field_expression", "field"),
+    act("field_expression", Act::kPath),
+    act("identifier", Act::kName),
 };
 
 // Words of the language, and types of its own that every file mentions, are no names of the file.

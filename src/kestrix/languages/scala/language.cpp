@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <array>
-#include <map>
 #include <string>
 #include <unordered_set>
 #include <utility>
@@ -35,6 +34,11 @@ constexpr std::array<std::string_view, 14> kKeywords = {
     "case", "catch", "class", "do",     "else",  "extends", "for",
     "if",   "match", "new",   "return", "super", "this",    "while"};
 
+bool is_called(std::string_view after) { return after.starts_with('(') || after.starts_with('['); }
+
+constexpr packaged::CallWords kCallWords = {
+    .keywords = kKeywords, .declares = "def", .is_called = is_called};
+
 class Reader {
  public:
   explicit Reader(const SourceTree& tree) : tree_(tree) {}
@@ -42,7 +46,7 @@ class Reader {
   FileFacts read() {
     tree_.for_each_match([this](const Match& match) { take(match); });
     facts_.uses = own_.foreign_uses(tree_, packaged::Constants::kCount);
-    read_calls();
+    packaged::add_calls(tree_, own_, kCallWords, facts_);
     packaged::add_qualified_names(tree_, kStatements,
                                   static_cast<std::uint16_t>(JvmImport::kInCode), facts_);
     packaged::sort_declared(facts_);
@@ -195,24 +199,6 @@ class Reader {
     const std::uint32_t end =
         ts_node_is_null(body) ? ts_node_end_byte(declaration) : ts_node_start_byte(body);
     facts_.symbols.push_back(packaged::symbol(tree_, kind, declaration, name, end));
-  }
-
-  // Functions that a wildcard or the package may bring in are known by their being called.
-  void read_calls() {
-    std::map<std::string_view, std::uint32_t> calls;
-    std::unordered_set<std::string_view, SeededHash> own(kKeywords.begin(), kKeywords.end());
-    WordScanner scanner(tree_.text(), tree_.lexis());
-    std::string_view before;
-    for (Word word; scanner.next(word); before = word.text) {
-      if (word.member || packaged::is_type_like(word.text)) continue;
-      if (before == "def") own.insert(word.text);
-      const std::string_view after = tree_.text().substr(word.offset + word.text.size());
-      if (after.starts_with('(') || after.starts_with('[')) ++calls[word.text];
-    }
-    for (const auto& [name, count] : calls) {
-      if (own_.contains(name) || own.contains(name)) continue;
-      facts_.uses.push_back({std::string(name), count});
-    }
   }
 
   const SourceTree& tree_;

@@ -4,24 +4,11 @@
 #include <array>
 #include <cstddef>
 
+#include "kestrix/languages/jvm/lexis.h"
 #include "kestrix/text/ascii.h"
 
 namespace kestrix::index::scala {
 namespace {
-
-constexpr std::array<std::string_view, 1> kComments = {"//"};
-constexpr std::array kStrings = {
-    StringStyle{
-        .open = R"(""")", .close = R"(""")", .multiline = true, .escapes = false, .splice = "${"},
-    StringStyle{.open = "\"", .close = "\"", .splice = "${"},
-    StringStyle{.open = "`", .close = "`", .escapes = false},  // a name of many words
-};
-constexpr Lexis kLexis = {.line_comments = kComments,
-                          .block_open = "/*",
-                          .block_close = "*/",
-                          .nested_blocks = true,
-                          .strings = kStrings,
-                          .char_literals = true};
 
 constexpr std::size_t kLongestArguments = 2'000;
 constexpr std::size_t kLongestHead = 500;
@@ -55,7 +42,7 @@ bool follows_class_name(std::string_view text, std::size_t at) {
 
 }  // namespace
 
-const Lexis& lexis() { return kLexis; }
+const Lexis& lexis() { return jvm::kLexis; }
 
 std::optional<std::string> mask(std::string_view text) {
   std::optional<std::string> masked;

@@ -4,9 +4,7 @@
 
 #include <algorithm>
 #include <array>
-#include <map>
 #include <string>
-#include <unordered_set>
 #include <utility>
 
 #include "kestrix/languages/packaged/reading.h"
@@ -31,6 +29,11 @@ constexpr auto kKeywords = std::to_array<std::string_view>(
      "init",  "internal", "package",     "private", "public",  "return", "self",  "set",
      "super", "switch",   "throw",       "throws",  "unowned", "while"});
 
+bool is_called(std::string_view after) { return after.starts_with('('); }
+
+constexpr packaged::CallWords kCallWords = {
+    .keywords = kKeywords, .declares = "func", .is_called = is_called};
+
 class Reader {
  public:
   explicit Reader(const SourceTree& tree) : tree_(tree) {}
@@ -38,7 +41,7 @@ class Reader {
   FileFacts read() {
     tree_.for_each_match([this](const Match& match) { take(match); });
     facts_.uses = own_.foreign_uses(tree_, packaged::Constants::kCount);
-    read_calls();
+    packaged::add_calls(tree_, own_, kCallWords, facts_);
     packaged::sort_declared(facts_);
     return std::move(facts_);
   }
@@ -115,24 +118,6 @@ class Reader {
     const auto body = field_of(declaration, "body");
     const std::uint32_t end = body ? ts_node_start_byte(*body) : ts_node_end_byte(declaration);
     facts_.symbols.push_back(packaged::symbol(tree_, kind, declaration, name, end));
-  }
-
-  // Functions of the module are known by their being called.
-  void read_calls() {
-    std::map<std::string_view, std::uint32_t> calls;
-    std::unordered_set<std::string_view> own(kKeywords.begin(), kKeywords.end());
-    WordScanner scanner(tree_.text(), tree_.lexis());
-    std::string_view before;
-    for (Word word; scanner.next(word); before = word.text) {
-      if (word.member || packaged::is_type_like(word.text)) continue;
-      if (before == "func") own.insert(word.text);
-      const std::string_view after = tree_.text().substr(word.offset + word.text.size());
-      if (after.starts_with('(')) ++calls[word.text];
-    }
-    for (const auto& [name, count] : calls) {
-      if (own_.contains(name) || own.contains(name)) continue;
-      facts_.uses.push_back({std::string(name), count});
-    }
   }
 
   const SourceTree& tree_;
