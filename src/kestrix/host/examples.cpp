@@ -4,7 +4,6 @@
 #include <span>
 
 #include "kestrix/host/examples/example_host.h"
-#include "kestrix/host/examples/test_support.h"
 #include "kestrix/host/index_evidence.h"
 #include "kestrix/host/pages.h"
 #include "kestrix/workers/wiki/page_sources/recipes.h"
@@ -20,10 +19,13 @@ std::vector<Place> places_of(const CodeEvidence& code, std::span<const index::Fi
   return places;
 }
 
-std::vector<Reason> reasons_of(const TestEvidence& evidence, const CodeEvidence& code,
-                               index::FileId file) {
+// Of a file that tests share, how many do; of a test, what it shows.
+std::vector<Reason> reasons_of(const TestEvidence& evidence, const ExampleChoice& choice,
+                               const CodeEvidence& code, index::FileId file) {
   const auto users = evidence.users(file);
   const auto reached = evidence.reached(file);
+  const auto mentions = choice.shared_mentions(file);
+  const auto declared = code.index().declarations(file).size();
   std::vector<Reason> reasons;
   add_counted(reasons, {"used_by_tests", "used by " + counted(users.size(), "test", "tests"),
                         users.size(), places_of(code, users)});
@@ -32,9 +34,15 @@ std::vector<Reason> reasons_of(const TestEvidence& evidence, const CodeEvidence&
                                     counted(reached.size(), "production file", "production files"),
                                     counted(evidence.reach(file), "time", "times")),
                         evidence.reach(file), places_of(code, reached)});
-  const auto helpers = evidence.helpers();
-  const bool helper = !evidence.is_test(file) || std::ranges::find(helpers, file) != helpers.end();
-  if (!helper) std::ranges::reverse(reasons);
+  if (!choice.is_shared(file) && evidence.is_test(file)) {
+    if (!users.empty()) std::ranges::rotate(reasons, reasons.begin() + 1);
+    add_counted(reasons, {"uses_helpers",
+                          "names what tests share " + counted(mentions, "time", "times"),
+                          mentions,
+                          {}});
+    add_counted(reasons,
+                {"test_size", counted(declared, "declaration", "declarations"), declared, {}});
+  }
   if (reasons.empty()) reasons.push_back({"test_path", "a test by its path", 0, {}});
   return reasons;
 }
@@ -44,17 +52,19 @@ std::vector<Reason> reasons_of(const TestEvidence& evidence, const CodeEvidence&
 PageAnswer examples_answer(const WikiGenerator& generator) {
   const CodeEvidence& code = generator.code_evidence();
   const TestEvidence evidence(generator, code);
+  const ExampleChoice choice(evidence, code);
   PageAnswer answer;
-  for (std::string& path : recipes::_example_files(ExampleHost{generator, evidence})) {
+  for (std::string& path : recipes::_example_files(ExampleHost{generator, choice})) {
     const auto file = code.index().find(path);
     answer.files.push_back({std::move(path), {}});
-    if (file) answer.files.back().reasons = reasons_of(evidence, code, *file);
+    if (file) answer.files.back().reasons = reasons_of(evidence, choice, code, *file);
   }
   answer.total = evidence.test_count();
   const std::size_t room = room_for_further(answer.files.size());
-  for (const index::FileId file : test_support(evidence, code)) {
+  for (const index::FileId file : choice.support()) {
     if (answer.further.size() == room) break;
-    answer.further.push_back({std::string(code.path(file)), reasons_of(evidence, code, file)});
+    answer.further.push_back(
+        {std::string(code.path(file)), reasons_of(evidence, choice, code, file)});
   }
   finish(answer, "no tests");
   return answer;
@@ -66,8 +76,9 @@ std::string examples_why_not(const WikiGenerator& generator, std::string_view pa
   const TestEvidence evidence(generator, code);
   const auto file = code.index().find(path);
   if (!file || !evidence.is_test(*file)) return "no test";
+  const ExampleChoice choice(evidence, code);
   return fmt::format("{}; the page's files are used or reach more",
-                     reasons_of(evidence, code, *file).front().text);
+                     reasons_of(evidence, choice, code, *file).front().text);
 }
 
 }  // namespace kestrix

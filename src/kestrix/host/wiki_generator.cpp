@@ -83,7 +83,8 @@ std::vector<std::string> WikiGenerator::_data_model_files() const {
 
 std::vector<std::string> WikiGenerator::_example_files() const {
   const TestEvidence evidence(*this, code_evidence());
-  return recipes::_example_files(ExampleHost{*this, evidence});
+  const ExampleChoice choice(evidence, code_evidence());
+  return recipes::_example_files(ExampleHost{*this, choice});
 }
 
 std::vector<std::string> WikiGenerator::_decision_files() const {

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "kestrix/host/examples/test_evidence.h"
+#include "kestrix/host/examples/example_choice.h"
 
 namespace kestrix {
 
@@ -14,11 +14,11 @@ struct ExampleHost {
   using PathSet = kestrix::PathSet;
 
   const WikiGenerator& generator;
-  const TestEvidence& evidence;
+  const ExampleChoice& choice;
 
-  std::vector<std::string> _test_files() const { return evidence.paths(); }
+  std::vector<std::string> _test_files() const { return choice.paths(); }
   std::vector<std::string> _planner_paths() const { return generator._planner_paths(); }
-  std::vector<FileEdge> _file_edges(const PathSet& paths) const { return evidence.edges(paths); }
+  std::vector<FileEdge> _file_edges(const PathSet& paths) const { return choice.edges(paths); }
 };
 
 }  // namespace kestrix

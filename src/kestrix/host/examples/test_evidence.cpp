@@ -28,8 +28,6 @@ constexpr std::size_t kEnoughNamed = 4;
 constexpr std::size_t kLeastTestsOfInterface = 2;
 // Many tests of one thing show no more than a few do.
 constexpr std::uint32_t kMostOfOneThing = 3;
-// A page shows how tests are written and what they look like: half of it helpers.
-constexpr std::size_t kMostHelpers = kMostPageFiles / 2;
 // Where one file serves so many of the tests, those without it are written another way.
 constexpr double kMostTests = 0.6;
 
@@ -71,7 +69,6 @@ TestEvidence::TestEvidence(const WikiGenerator& generator, const CodeEvidence& c
   give_by_framework();
   for (auto& users : users_) make_distinct(users);
   measure_reach();
-  find_helpers();
 }
 
 void TestEvidence::read_references() {
@@ -123,9 +120,7 @@ void TestEvidence::hand_down() {
   }
 }
 
-std::size_t TestEvidence::least_users() const {
-  std::size_t most = 0;
-  for (const auto& users : users_) most = std::max(most, users.size());
+std::size_t TestEvidence::least_users(std::size_t most) const {
   const auto share = static_cast<std::size_t>(kShareOfMostUsed * static_cast<double>(most));
   return std::max(std::min(1 + test_count_ / kTestsForOneUserMore, kMostLeastUsers), share);
 }
@@ -136,8 +131,10 @@ void TestEvidence::hand_on() {
   make_distinct(handed_on_);
   make_distinct(asked_for_);
   for (auto& users : users_) make_distinct(users);
+  std::size_t most = 0;
+  for (const auto& users : users_) most = std::max(most, users.size());
+  const std::size_t least = least_users(most);
   std::size_t named = 0;
-  const std::size_t least = least_users();
   for (FileId file = 0; file < users_.size(); ++file) {
     if (tests_[file] && users_[file].size() >= least) ++named;
   }
@@ -176,14 +173,6 @@ bool TestEvidence::is_own(FileId file) const {
   return !indexed.generated && !indexed.roles.has(Role::kVendored);
 }
 
-std::vector<std::string> TestEvidence::paths() const {
-  std::vector<std::string> paths;
-  for (FileId file = 0; file < tests_.size(); ++file) {
-    if (tests_[file]) paths.emplace_back(code_.path(file));
-  }
-  return paths;
-}
-
 bool TestEvidence::is_one_tests_own(FileId file) const {
   return test_count_ > kMostPageFiles && users_[file].size() < kLeastTestsOfInterface;
 }
@@ -215,50 +204,6 @@ void TestEvidence::measure_reach() {
     ++reach_[test];
     reached_[test].push_back(file);
   }
-}
-
-void TestEvidence::find_helpers() {
-  const std::size_t least = least_users();
-  for (FileId file = 0; file < users_.size(); ++file) {
-    if (tests_[file] && users_[file].size() >= least) helpers_.push_back(file);
-  }
-  std::ranges::stable_sort(helpers_, std::ranges::greater(),
-                           [&](FileId file) { return users_[file].size(); });
-  if (helpers_.size() > kMostHelpers) helpers_.resize(kMostHelpers);
-}
-
-// The tests that are written with what most of them are written with; all where nothing is that.
-std::vector<bool> TestEvidence::written_alike() const {
-  std::vector<bool> alike = tests_;
-  const auto most = kMostTests * static_cast<double>(test_count_);
-  for (FileId file = 0; file < users_.size(); ++file) {
-    const bool shared = static_cast<double>(users_[file].size()) >= most;
-    if (!shared || test_count_ <= kMostPageFiles) continue;
-    std::vector<bool> users(tests_.size());
-    for (const FileId user : users_[file]) users[user] = true;
-    for (FileId test = 0; test < alike.size(); ++test) alike[test] = alike[test] && users[test];
-  }
-  return std::ranges::find(alike, true) == alike.end() ? tests_ : alike;
-}
-
-std::vector<FileEdge> TestEvidence::edges(const PathSet& paths) const {
-  const auto is_asked = [&](FileId file) { return paths.contains(std::string(code_.path(file))); };
-  std::vector<FileEdge> edges;
-  for (const FileId helper : helpers_) {
-    if (!is_asked(helper)) continue;
-    for (const FileId user : users_[helper]) {
-      edges.push_back({code_.path(user), code_.path(helper), 1});
-    }
-  }
-  const std::vector<bool> alike = written_alike();
-  for (FileId test = 0; test < reach_.size(); ++test) {
-    if (!alike[test] || reached_[test].empty()) continue;
-    for (std::uint32_t at = 0; at < reach_[test]; ++at) {
-      const FileId file = reached_[test][at % reached_[test].size()];
-      edges.push_back({code_.path(test), code_.path(file), 1});
-    }
-  }
-  return edges;
 }
 
 }  // namespace kestrix

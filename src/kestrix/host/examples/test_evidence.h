@@ -20,8 +20,6 @@ class TestEvidence {
 
   bool is_test(index::FileId file) const { return tests_[file]; }
   std::size_t test_count() const { return test_count_; }
-  /// Their paths, ascending.
-  std::vector<std::string> paths() const;
 
   /// The tests that name something of the file, that have it from a base class which does, or that
   /// a framework gives it to; ascending.
@@ -34,12 +32,9 @@ class TestEvidence {
   /// Whether a file names what belongs to a framework of tests.
   bool names_framework(index::FileId file) const { return names_framework_[file]; }
 
-  /// The tests that most other tests share, most shared first, then by path; at most half a page.
-  std::span<const index::FileId> helpers() const { return helpers_; }
-
-  /// What the examples page's rule counts, as edges between `paths`: to the helpers, one from each
-  /// test that uses them; to the product, one for each time that a test names something of it.
-  std::vector<FileEdge> edges(const PathSet& paths) const;
+  /// So many tests use what more than one test's own needs; at least a share of `most`, the users
+  /// of what the most tests use.
+  std::size_t least_users(std::size_t most) const;
 
  private:
   using Pair = std::pair<index::FileId, index::FileId>;
@@ -48,14 +43,11 @@ class TestEvidence {
   void read_edges();
   void hand_down();
   void hand_on();
-  std::size_t least_users() const;
   void give_by_framework();
   void measure_reach();
-  void find_helpers();
   bool is_own(index::FileId file) const;
   bool is_code(index::FileId file) const;
   bool is_one_tests_own(index::FileId file) const;
-  std::vector<bool> written_alike() const;
 
   const CodeEvidence& code_;
   const index::RepositoryIndex& index_;
@@ -65,7 +57,6 @@ class TestEvidence {
   std::vector<std::vector<index::FileId>> reached_;
   std::vector<std::uint32_t> reach_;
   std::vector<bool> names_framework_;
-  std::vector<index::FileId> helpers_;
   std::vector<Pair> held_;       // test, and a file of whose types it has a field
   std::vector<Pair> extends_;    // test, and the file of its base class
   std::vector<Pair> asked_for_;  // file, and a test that has an edge to it

@@ -43,14 +43,11 @@ class Finder {
   std::vector<FileId> find() const {
     std::vector<FileId> files;
     for (FileId file = 0; file < index_.files().size(); ++file) {
-      const bool serves_alone = alone_[file] > 0 && may_serve(file);
+      const bool serves_alone = alone_[file] && may_serve(file);
       if (serves_alone || (may_serve(file) && is_little_named(file) && serves(file))) {
         files.push_back(file);
       }
     }
-    std::ranges::stable_sort(files, std::ranges::greater(), [&](FileId file) {
-      return alone_[file] > 0 ? alone_[file] : tests_.users(file).size();
-    });
     return files;
   }
 
@@ -149,7 +146,7 @@ class Finder {
     for (const auto& [at, count] : counts) {
       if (count.tests < least || !code_.is_product(at.first)) continue;
       if (count.product * kTestsForOneOfProduct > count.tests) continue;
-      alone_[at.first] = std::max(alone_[at.first], count.tests);
+      alone_[at.first] = true;
     }
   }
 
@@ -160,7 +157,7 @@ class Finder {
 
   bool may_serve(FileId file) const {
     if (tests_.is_test(file) || tests_.users(file).size() < kLeastUsers) return false;
-    if (index_.declarations(file).empty() || index_.files()[file].generated) return false;
+    if (index_.files()[file].language.empty() || index_.files()[file].generated) return false;
     const Roles roles = index_.files()[file].roles;
     using enum Role;
     const bool aside = roles.has(kVendored) || roles.has(kSample) || roles.has(kMigration) ||
@@ -193,7 +190,7 @@ class Finder {
   std::map<FileId, Folders> namers_;
   std::map<std::string_view, Folders> namers_of_folder_;
   std::map<std::string_view, double> share_of_tests_;
-  std::vector<std::size_t> alone_;  // by file
+  std::vector<bool> alone_;  // by file
 };
 
 }  // namespace
