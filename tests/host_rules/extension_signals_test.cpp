@@ -108,6 +108,67 @@ Files listeners(std::string_view base, std::string_view member) {
                     base)}});
 }
 
+// Functions of a module, and the value that their bodies name.
+Files registering(std::string_view stem, std::string_view value) {
+  std::string functions;
+  for (const char letter : {'a', 'b', 'c'}) {
+    functions += fmt::format("def {}_{}(given):\n    {}[given] = 1\n\n", stem, letter, value);
+  }
+  return {
+      {"shop/store.py", "all_given = dict()\nlimit = 3\n\ndef given():\n    return all_given\n"},
+      {"shop/entry.py", "from shop.store import all_given, limit\n\n" + functions}};
+}
+
+// A class with a field and a method that is given something.
+Files keeper(std::string_view base, std::string_view field, std::string_view method) {
+  return {{"app/Keeper.php",
+           fmt::format("<?php\nnamespace App;\nclass Keeper{}\n{{\n    {}\n"
+                       "    public function {}(string $event, callable $action)\n    {{\n"
+                       "        $this->kept[$event][] = $action;\n    }}\n}}\n",
+                       base, field, method)}};
+}
+
+Files loader(std::string_view path, std::string_view text) {
+  return {{std::string(path), std::string(text)}};
+}
+
+std::vector<Case> registry_cases() {
+  return {
+      {"FunctionsThatRegisterInAValue", registering("register", "all_given"), "shop/entry.py",
+       "registers", true},
+      {"ValuesThatFunctionsRegisterIn", registering("register", "all_given"), "shop/store.py",
+       "registered_in", true},
+      {"FunctionsThatOnlyFillAValue", registering("count", "all_given"), "shop/entry.py",
+       "registers", false},
+      {"FunctionsThatNameANumber", registering("register", "limit"), "shop/entry.py", "registers",
+       false},
+      {"NumbersThatFunctionsName", registering("register", "limit"), "shop/store.py",
+       "registered_in", false},
+      {"FunctionsThatSeveralRegisterWith", callers("Start"), "core/core.go", "registers", true},
+      {"TypesThatKeepWhatTheyAreGiven", keeper("", "private array $kept = [];", "listenTo"),
+       "app/Keeper.php", "registers", true},
+      {"TypesThatKeepNothing", keeper("", "private int $kept = 2;", "listenTo"), "app/Keeper.php",
+       "registers", false},
+      {"TypesThatAreAskedByTheirBase",
+       keeper(" extends ServiceProvider", "private array $kept = [];", "register"),
+       "app/Keeper.php", "registers", false},
+      {"CodeThatIsLoadedAndLookedUp",
+       loader("src/load.c",
+              "#include <dlfcn.h>\nint load(const char *path) {\n  void *all = dlopen(path, 1);\n"
+              "  return all && dlsym(all, \"start\");\n}\n"),
+       "src/load.c", "loads_by_name", true},
+      {"CodeThatIsImportedByName",
+       loader("shop/late.py",
+              "import importlib\n\ndef late():\n    return importlib.import_module(\"shop\")\n"),
+       "shop/late.py", "loads_by_name", false},
+      {"LoadersOfAFramework",
+       loader("src/main/java/shop/Parts.java",
+              "package shop;\nimport org.pf4j.DefaultPluginManager;\n"
+              "public class Parts extends DefaultPluginManager {}\n"),
+       "src/main/java/shop/Parts.java", "loads_by_name", true},
+  };
+}
+
 std::vector<Case> cases() {
   return {
       {"FunctionsCalledOnLoad", callers("init"), "core/core.go", "called_on_load", true},
@@ -159,6 +220,8 @@ TEST_P(ExtensionSignals, TellExtensionPointsFromTheirLikes) {
   }
 }
 
+INSTANTIATE_TEST_SUITE_P(Registries, ExtensionSignals, testing::ValuesIn(registry_cases()),
+                         [](const auto& one) { return one.param.name; });
 INSTANTIATE_TEST_SUITE_P(Pages, ExtensionSignals, testing::ValuesIn(cases()),
                          [](const auto& one) { return one.param.name; });
 

@@ -4,7 +4,6 @@
 
 #include "kestrix/host/extending/signal_groups.h"
 #include "kestrix/host/index_evidence.h"
-#include "kestrix/languages/frameworks.h"
 #include "kestrix/text/paths.h"
 
 namespace kestrix {
@@ -16,13 +15,8 @@ using index::FileId;
 using index::IndexedReference;
 using index::Role;
 
-constexpr Signal kRegisters{
-    "registers", 1.6, "{} file hands over what it declares to its functions",
-    "{} files hand over what they declare to its functions", "netbox, flask"};
 constexpr Signal kTable{"table_of_declarations", 1.3, "its table lists what {} file declares",
                         "its tables list what {} files declare", "umami, BookStack"};
-constexpr Signal kLoads{"loads_by_name", 2.6, "loads code by name", "loads code by name, {} times",
-                        "flask, netbox"};
 constexpr Signal kFilled{"filled_in_tables", 1.4, "{} file fills a table of its type",
                          "{} files fill tables of its types", "tmux, redis"};
 constexpr Signal kOnLoad{"called_on_load", 1.6, "{} file calls it when it is loaded",
@@ -31,6 +25,7 @@ constexpr Signal kOwnTable{"table_of_its_own", 1.2, "its table lists {} of its d
                            "its tables list {} of its declarations", "tmux, ripgrep"};
 
 constexpr std::size_t kSeveral = 3;
+constexpr std::size_t kFolders = 2;
 constexpr std::uint32_t kNoValue = UINT32_MAX;
 constexpr std::size_t kOwnRows = 5;
 
@@ -39,7 +34,7 @@ class RegistrySignals {
   RegistrySignals(const CodeEvidence& evidence, ScoreSheet& sheet)
       : evidence_(evidence), sheet_(sheet) {}
 
-  // One pass over what each file names, line by line.
+  // One pass over what each file names.
   void add() {
     for (FileId file = 0; file < evidence_.index().files().size(); ++file) {
       if (evidence_.is_product(file)) look_at(file);
@@ -47,8 +42,7 @@ class RegistrySignals {
     for (const auto& [file, users] : filled_) {
       if (users.size() >= kSeveral) sheet_.add(file, kFilled, users.size());
     }
-    add_users(handed_over_, kRegisters, 1);
-    add_users(on_load_, kOnLoad, 2);
+    add_users();
   }
 
  private:
@@ -58,39 +52,31 @@ class RegistrySignals {
     std::vector<Place> at;
   };
 
-  void add_users(const std::map<FileId, Users>& all, const Signal& signal, std::size_t least) {
-    for (const auto& [file, users] : all) {
+  void add_users() {
+    for (const auto& [file, users] : on_load_) {
       if (users.files.size() < kSeveral) continue;
       std::set<std::string_view> folders;
       for (const FileId user : users.files) {
         folders.insert(index::folder_of(evidence_.path(user)));
       }
-      if (folders.size() < least) continue;
-      sheet_.add(file, signal, users.files.size(), users.at, names_and_lines(users.at));
+      if (folders.size() < kFolders) continue;
+      sheet_.add(file, kOnLoad, users.files.size(), users.at, names_and_lines(users.at));
     }
   }
 
-  void note(std::map<FileId, Users>& all, FileId user, DeclarationRef function) const {
-    Users& users = all[function.file];
+  void note(FileId user, DeclarationRef function) {
+    Users& users = on_load_[function.file];
     users.files.insert(user);
     if (users.declared.insert(function).second) users.at.push_back(evidence_.place_of(function));
   }
 
   void look_at(FileId file) {
-    Lines lines;
     std::map<std::uint32_t, std::set<FileId>> tables;
     std::map<std::uint32_t, std::set<std::uint32_t>> own;
-    std::vector<Place> loads;
-    const auto language = evidence_.index().files()[file].language;
     for (const IndexedReference& to : evidence_.index().references_from(file)) {
-      if (to.target == IndexedReference::kOutside) {
-        const bool loader = known_as(language, index::Known::kLoader, to.name) != nullptr;
-        if (loader && to.role == Role::kCalls) loads.push_back(evidence_.place_of(to));
-        continue;
-      }
-      if (to.declaration == 0 && to.role != Role::kString) continue;
-      lines.push_back(&to);
-      if (to.role == Role::kType && to.target != file && to.declaration > 0) look_at_type(to);
+      if (to.target == IndexedReference::kOutside || to.declaration == 0) continue;
+      if (to.role == Role::kType && to.target != file) look_at_type(to);
+      if (to.role == Role::kCalls && to.target != file) look_at_call(to);
       if (to.role == Role::kLists && to.within > 0 && is_table(file, to.within)) {
         if (to.target != file) {
           tables[to.within].insert(to.target);
@@ -99,9 +85,6 @@ class RegistrySignals {
         }
       }
     }
-    std::ranges::stable_sort(lines, {}, &IndexedReference::line);
-    sheet_.add(file, kLoads, loads.empty() ? 0 : 1, loads, names_and_lines(loads));
-    add_registrations(file, lines);
     add_tables(file, tables, kTable, kSeveral);
     add_tables(file, own, kOwnTable, kOwnRows);
   }
@@ -136,41 +119,11 @@ class RegistrySignals {
             holder.shape == index::ValueShape::kRecords);
   }
 
-  using Lines = std::vector<const IndexedReference*>;
-  using Line = std::span<const IndexedReference* const>;
-
-  // By line.
-  template <class Look>
-  static void for_each_line(const Lines& all, Look look) {
-    for (std::size_t at = 0, next = 0; at < all.size(); at = next) {
-      while (next < all.size() && all[next]->line == all[at]->line) ++next;
-      look(Line(all).subspan(at, next - at));
-    }
-  }
-
-  // A call that hands over a function or type, or a decorator: registration with what it calls.
-  void add_registrations(FileId file, const Lines& lines) {
-    for_each_line(lines, [&](Line references) {
-      // Handed over is what the file declares, or at the top of the file anything.
-      const bool hands_over = std::ranges::any_of(references, [&](const IndexedReference* to) {
-        return to->role == Role::kLists && to->declaration > 0 &&
-               (to->target == file || to->within == 0) &&
-               is_code(DeclarationRef{to->target, to->declaration - 1});
-      });
-      for (const IndexedReference* to : references) {
-        if (to->declaration == 0 || to->target == file) continue;
-        const DeclarationRef function{to->target, to->declaration - 1};
-        const DeclarationKind kind = evidence_[function].kind;
-        const bool callable =
-            kind == DeclarationKind::kFunction || kind == DeclarationKind::kMethod;
-        if (!callable || !evidence_.is_product(to->target)) continue;
-        if (to->role == Role::kAnnotates || (to->role == Role::kCalls && hands_over)) {
-          note(handed_over_, file, function);
-        } else if (to->role == Role::kCalls && runs_on_load(*to)) {
-          note(on_load_, file, function);
-        }
-      }
-    });
+  void look_at_call(const IndexedReference& to) {
+    const DeclarationRef function{to.target, to.declaration - 1};
+    const DeclarationKind kind = evidence_[function].kind;
+    const bool callable = kind == DeclarationKind::kFunction || kind == DeclarationKind::kMethod;
+    if (callable && evidence_.is_product(to.target) && runs_on_load(to)) note(to.source, function);
   }
 
   // A call outside of every declaration; Go's init functions are none.
@@ -203,8 +156,7 @@ class RegistrySignals {
   const CodeEvidence& evidence_;
   ScoreSheet& sheet_;
   std::map<FileId, std::set<FileId>> filled_;  // by the file of the type
-  std::map<FileId, Users> handed_over_;        // by the file of the function
-  std::map<FileId, Users> on_load_;
+  std::map<FileId, Users> on_load_;            // by the file of the function
 };
 
 }  // namespace

@@ -16,8 +16,11 @@ void add_contract_signals(const CodeEvidence& evidence, std::span<const Contract
 /// Of the files that hold implementations: that list, pair or take them.
 void add_holder_signals(const CodeEvidence& evidence, std::span<const Contract> contracts,
                         ScoreSheet& sheet);
-/// Of the files that code is handed over to, by a call, a table or a name.
+/// Of the files that code is handed over to when it is loaded or by a table.
 void add_registry_signals(const CodeEvidence& evidence, ScoreSheet& sheet);
+/// Of the files whose functions register what others give them, that hold it, or that load it by
+/// name.
+void add_store_signals(const CodeEvidence& evidence, ScoreSheet& sheet);
 /// Of the files through which alone the product knows others of its files.
 void add_wiring_signals(const CodeEvidence& evidence, ScoreSheet& sheet);
 
