@@ -2,6 +2,7 @@
 
 #include <span>
 
+#include "kestrix/host/evidence/error_types.h"
 #include "kestrix/host/evidence/score_sheet.h"
 #include "kestrix/host/flows/handlers.h"
 #include "kestrix/host/flows/naming_graph.h"
@@ -15,11 +16,13 @@ struct FlowEvidence {
       : code(generator.code_evidence()),
         graph(code),
         handlers(framework_handlers(code)),
+        errors(error_types(code)),
         tables(generator.repo_root()) {}
 
   const CodeEvidence& code;
   NamingGraph graph;
   std::map<index::FileId, HandlerSign> handlers;
+  std::set<index::DeclarationRef> errors;
   mutable TableTexts tables;  // fills itself
 };
 

@@ -28,10 +28,11 @@ constexpr std::size_t kMostHolders = 10;
 
 class Bases {
  public:
-  Bases(const CodeEvidence& evidence, const DispatchRoots& roots)
-      : evidence_(evidence), roots_(roots) {}
+  Bases(const CodeEvidence& evidence, const DispatchRoots& roots,
+        const std::set<DeclarationRef>& errors)
+      : evidence_(evidence), roots_(roots), errors_(errors) {}
 
-  void add_to(ScoreSheet& sheet) const {
+  std::vector<FileId> add_to(ScoreSheet& sheet) const {
     const std::size_t least = std::max<std::size_t>(1, (roots_.size() + 2) / 3);
     SeenBy direct;
     SeenBy far;
@@ -53,10 +54,13 @@ class Bases {
       if (direct.contains(file)) continue;
       sheet.add(file, kFarBase, seen.files.size(), seen.at, names_and_lines(seen.at));
     }
+    std::vector<FileId> few;
     for (auto& [file, seen] : holders) {
       if (direct.contains(file) || far.contains(file)) continue;
+      if (holders.size() <= kFewHolders) few.push_back(file);
       sheet.add(file, holders.size() <= kFewHolders ? kOfFew : kHolder, seen.declarations, seen.at);
     }
+    return few;
   }
 
  private:
@@ -78,6 +82,9 @@ class Bases {
     for (const FileId root : roots_.files()) {
       std::set<DeclarationRef> known;
       take_bases_of(root, 0, known);
+      const auto own =
+          std::ranges::equal_range(roots_.headers(), root, {}, &DispatchRoots::Header::root);
+      for (const auto& header : own) take_bases_of(header.file, 0, known);
       for (const DeclarationRef base : known) bases[base].direct.insert(root);
       std::set<DeclarationRef> open = known;
       for (std::size_t hop = 0; !open.empty() && hop < kMostBaseHops; ++hop) {
@@ -90,8 +97,9 @@ class Bases {
       }
       for (const DeclarationRef base : known) bases[base].all.insert(root);
     }
-    std::erase_if(bases,
-                  [this](const auto& entry) { return !roots_.may_dispatch(entry.first.file); });
+    std::erase_if(bases, [this](const auto& entry) {
+      return errors_.contains(entry.first) || !roots_.may_dispatch(entry.first.file);
+    });
     return bases;
   }
 
@@ -125,12 +133,15 @@ class Bases {
 
   const CodeEvidence& evidence_;
   const DispatchRoots& roots_;
+  const std::set<DeclarationRef>& errors_;
 };
 
 }  // namespace
 
-void add_bases(ScoreSheet& sheet, const CodeEvidence& evidence, const DispatchRoots& roots) {
-  Bases(evidence, roots).add_to(sheet);
+std::vector<index::FileId> add_bases(ScoreSheet& sheet, const CodeEvidence& evidence,
+                                     const DispatchRoots& roots,
+                                     const std::set<index::DeclarationRef>& errors) {
+  return Bases(evidence, roots, errors).add_to(sheet);
 }
 
 }  // namespace kestrix

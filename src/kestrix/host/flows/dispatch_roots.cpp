@@ -1,5 +1,9 @@
 #include "kestrix/host/flows/dispatch_roots.h"
 
+#include <algorithm>
+
+#include "kestrix/host/flows/family_signs.h"
+
 namespace kestrix {
 namespace {
 
@@ -9,7 +13,20 @@ using index::FileId;
 constexpr std::size_t kBaseShare = 10;
 constexpr std::size_t kLeastDerived = 2;
 
+std::string_view stem_of(std::string_view path) {
+  const std::string_view name = path.substr(path.rfind('/') + 1);
+  return name.substr(0, name.rfind('.'));
+}
+
 }  // namespace
+
+// Where it is named; where no reference shows that, what is named.
+void Seen::take(const CodeEvidence& evidence, const Naming& naming, FileId named) {
+  files.insert(named);
+  declarations += naming.declarations;
+  const FileId shown = naming.line > 0 ? naming.from : naming.to;
+  at.push_back({std::string(evidence.path(shown)), naming.line, {}});
+}
 
 DispatchRoots::DispatchRoots(const CodeEvidence& evidence, std::span<const FileId> roots)
     : evidence_(evidence),
@@ -22,6 +39,18 @@ DispatchRoots::DispatchRoots(const CodeEvidence& evidence, std::span<const FileI
   }
   of_product_ = product * 2 >= files_.size();
   is_base_ = bases();
+  take_headers();
+}
+
+void DispatchRoots::take_headers() {
+  for (const FileId root : files_) {
+    if (is_header(evidence_.path(root))) continue;
+    for (const auto& edge : evidence_.index().edges_from(root)) {
+      const std::string_view path = evidence_.path(edge.target);
+      if (!is_header(path) || stem_of(path) != stem_of(evidence_.path(root))) continue;
+      if (!is_root_[edge.target]) headers_.push_back({edge.target, root});
+    }
+  }
 }
 
 std::vector<bool> DispatchRoots::bases() const {

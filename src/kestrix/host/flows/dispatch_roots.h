@@ -3,9 +3,11 @@
 #include <map>
 #include <set>
 #include <span>
+#include <utility>
 #include <vector>
 
 #include "kestrix/host/evidence/score_sheet.h"
+#include "kestrix/host/flows/naming_graph.h"
 
 namespace kestrix {
 
@@ -16,14 +18,22 @@ class DispatchRoots {
 
   const std::vector<index::FileId>& files() const { return files_; }
   std::size_t size() const { return files_.size(); }
+  /// Headers that declare what an entry point defines, each with the entry point; by this.
+  struct Header {
+    index::FileId file;
+    index::FileId root;
+  };
+  const std::vector<Header>& headers() const { return headers_; }
   /// No entry point but one that others of them are made from.
   bool may_dispatch(index::FileId file) const;
 
  private:
   std::vector<bool> bases() const;
+  void take_headers();
 
   const CodeEvidence& evidence_;
   std::vector<index::FileId> files_;
+  std::vector<Header> headers_;
   std::vector<bool> is_root_;  // by file
   std::vector<bool> is_base_;  // by file
   bool of_product_ = true;
@@ -34,10 +44,15 @@ struct Seen {
   std::set<index::FileId> files;
   std::size_t declarations = 0;
   std::vector<Place> at;
+
+  void take(const CodeEvidence& evidence, const Naming& naming, index::FileId named);
 };
 using SeenBy = std::map<index::FileId, Seen>;
 
-/// Adds the types that the entry points come from, and who has to do with these.
-void add_bases(ScoreSheet& sheet, const CodeEvidence& evidence, const DispatchRoots& roots);
+/// Adds the types that the entry points come from, and who has to do with these; returns the latter
+/// where they are few, ascending.
+std::vector<index::FileId> add_bases(ScoreSheet& sheet, const CodeEvidence& evidence,
+                                     const DispatchRoots& roots,
+                                     const std::set<index::DeclarationRef>& errors);
 
 }  // namespace kestrix

@@ -1,0 +1,163 @@
+#include "kestrix/host/flows/dispatch_hops.h"
+
+#include <algorithm>
+#include <string_view>
+
+#include "kestrix/host/flows/dispatch_hubs.h"
+#include "kestrix/host/index_evidence.h"
+#include "kestrix/text/sorting.h"
+#include "kestrix/workers/wiki/page_sources/path_text.h"
+
+namespace kestrix {
+namespace {
+
+using index::DeclarationRef;
+using index::FileId;
+using index::IndexedReference;
+using index::Role;
+
+constexpr Signal kShared{"serves_entry_points", 1.5, "declares what {} entry point calls or bears",
+                         "declares what {} entry points call or bear", "netbox, umami"};
+constexpr Signal kTaken{"taken_by_entry_points", 1.5, "declares what {} entry point takes",
+                        "declares what {} entry points take", "?"};
+constexpr Signal kCaller{
+    "names_dispatch", 2.5, "is one of few that have to do with {} dispatching file",
+    "is one of few that have to do with {} dispatching files", "BookStack, firefly"};
+constexpr Signal kDispatchBase{"serves_dispatch", 2.0, "declares what {} dispatching file calls",
+                               "declares what {} dispatching files call", "netbox, lobsters"};
+constexpr Signal kBeside{"beside_entry_points", 2.5,
+                         "lies among them, and {} dispatching file uses it",
+                         "lies among them, and {} dispatching files use it", "lazygit, polar"};
+
+// What more files have to do with is known all over the product.
+constexpr std::size_t kFewCallers = 3;
+// Of those who call what entry points share, so many have to be entry points.
+constexpr double kServesMostly = 0.5;
+// So few roots or so many hubs tell nothing about the folder.
+constexpr std::size_t kFewRoots = 3;
+constexpr std::size_t kFewHubs = 3;
+
+class Hops {
+ public:
+  Hops(const CodeEvidence& evidence, const NamingGraph& graph, const DispatchRoots& roots,
+       const std::vector<FileId>& hubs, const std::vector<FileId>& holders)
+      : evidence_(evidence), graph_(graph), roots_(roots), hubs_(hubs), holders_(holders) {}
+
+  void add_to(ScoreSheet& sheet) const {
+    add_shared(sheet, roots_.files(), {Role::kCalls, Role::kAnnotates}, kShared);
+    add_shared(sheet, roots_.files(), {Role::kType, Role::kLists}, kTaken);
+    std::vector<FileId> leading = hubs_;
+    leading.insert(leading.end(), holders_.begin(), holders_.end());
+    sort_distinct(leading);
+    add_callers(sheet, leading);
+    if (hubs_.empty()) return;
+    if (hubs_.size() > 2) add_shared(sheet, hubs_, {Role::kCalls, Role::kAnnotates}, kDispatchBase);
+    add_beside(sheet);
+  }
+
+ private:
+  bool known_to_dispatch(const ScoreSheet& sheet, DeclarationRef type) const {
+    for (const std::uint32_t at : evidence_.references_to(type)) {
+      const FileId from = evidence_.reference(at).source;
+      if (from != type.file && sheet.score(from) > 0) return true;
+    }
+    return false;
+  }
+
+  // What half of the files call or bear, and few others do.
+  void add_shared(ScoreSheet& sheet, const std::vector<FileId>& files, RoleSet serving,
+                  const Signal& signal) const {
+    if (files.size() < 2) return;
+    std::map<DeclarationRef, std::set<FileId>> callers;
+    for (const FileId file : files) {
+      for (const IndexedReference& to : evidence_.index().references_from(file)) {
+        if (to.declaration == 0 || !serving.has(to.role) || !roots_.may_dispatch(to.target))
+          continue;
+        callers[{to.target, to.declaration - 1}].insert(file);
+      }
+    }
+    SeenBy by_file;
+    for (const auto& [called, by] : callers) {
+      if (by.size() * 2 < files.size() || by.size() < 2) continue;
+      if (serving.has(Role::kType) && !known_to_dispatch(sheet, called)) continue;
+      const auto all = evidence_.files_naming(called, serving).size();
+      if (static_cast<double>(by.size()) < kServesMostly * static_cast<double>(all)) continue;
+      Seen& seen = by_file[called.file];
+      seen.files.insert(by.begin(), by.end());
+      seen.at.push_back(evidence_.place_of(called));
+    }
+    for (auto& [file, seen] : by_file) {
+      sheet.add(file, signal, seen.files.size(), seen.at, names_and_lines(seen.at));
+    }
+  }
+
+  // The types that a file's own types come from, if hardly anything else does.
+  std::set<FileId> contracts_of(FileId file) const {
+    std::set<FileId> contracts;
+    for (const Naming& naming : graph_.from(file)) {
+      if (!naming.derives) continue;
+      const auto deriving =
+          std::ranges::count_if(graph_.to(naming.to), [](const Naming& to) { return to.derives; });
+      if (deriving == 1) contracts.insert(naming.to);
+    }
+    return contracts;
+  }
+
+  // Who has one of them, or the interface that it alone implements.
+  void add_callers(ScoreSheet& sheet, const std::vector<FileId>& leading) const {
+    SeenBy callers;
+    for (const FileId hub : leading) {
+      std::set<FileId> faces = contracts_of(hub);
+      faces.insert(hub);
+      SeenBy found;
+      for (const FileId face : faces) {
+        for (const Naming& naming : graph_.to(face)) {
+          if (!naming.used || naming.derives || !roots_.may_dispatch(naming.from)) continue;
+          found[naming.from].take(evidence_, naming, hub);
+        }
+      }
+      if (found.size() > kFewCallers) continue;
+      for (auto& [file, seen] : found) {
+        Seen& caller = callers[file];
+        caller.files.insert(hub);
+        std::ranges::move(seen.at, std::back_inserter(caller.at));
+      }
+    }
+    for (const auto& [file, seen] : callers) sheet.add(file, kCaller, seen.files.size(), seen.at);
+  }
+
+  // What lies among the entry points and is called by their dispatch takes part in it.
+  void add_beside(ScoreSheet& sheet) const {
+    if (roots_.size() < kFewRoots || hubs_.size() > kFewHubs) return;
+    std::set<std::string_view> folders;
+    for (const FileId root : roots_.files()) folders.insert(directory_of(evidence_.path(root)));
+    SeenBy beside;
+    for (const FileId hub : hubs_) {
+      for (const Naming& naming : graph_.from(hub)) {
+        const bool used = naming.names && naming.used;
+        if (!used || !roots_.may_dispatch(naming.to)) continue;
+        if (!folders.contains(directory_of(evidence_.path(naming.to)))) continue;
+        beside[naming.to].take(evidence_, naming, hub);
+      }
+    }
+    if (beside.size() * 3 > std::max(roots_.size(), 2 * kFewRoots))
+      return;  // a folder of many things
+    for (const auto& [file, seen] : beside) sheet.add(file, kBeside, seen.at.size(), seen.at);
+  }
+
+  const CodeEvidence& evidence_;
+  const NamingGraph& graph_;
+  const DispatchRoots& roots_;
+  const std::vector<FileId>& hubs_;
+  const std::vector<FileId>& holders_;
+};
+
+}  // namespace
+
+void add_hops(ScoreSheet& sheet, const CodeEvidence& evidence, const NamingGraph& graph,
+              const DispatchRoots& roots, const std::vector<FileId>& hubs,
+              const std::vector<FileId>& holders) {
+  Hops(evidence, graph, roots, hubs, holders).add_to(sheet);
+}
+
+}  // namespace kestrix

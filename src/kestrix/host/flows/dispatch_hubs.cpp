@@ -1,0 +1,206 @@
+#include "kestrix/host/flows/dispatch_hubs.h"
+
+#include <algorithm>
+#include <string_view>
+
+#include "kestrix/text/sorting.h"
+
+namespace kestrix {
+namespace {
+
+using index::FileId;
+
+constexpr Signal kHub{"names_entry_points", 3.0, "names {} entry point", "names {} entry points",
+                      "lazygit, BookStack"};
+constexpr Signal kUser{"uses_entry_points", 1.8, "uses {} entry point", "uses {} entry points",
+                       "lobsters, nowinandroid"};
+constexpr Signal kFellow{"names_its_entry_point", 1.5, "names {} handler of the class",
+                         "names {} handlers of the class", "netbox, lobsters"};
+
+// A quarter: a route table may be split by area or by version.
+constexpr std::size_t kHubShare = 4;
+// Who is named by more files than this is of use to many; naming it shows nothing.
+constexpr std::size_t kFewNamers = 5;
+// A group's own hub names so many of it, and so many are looked for.
+constexpr std::size_t kLeastOfGroup = 4;
+constexpr std::size_t kMostGroupHubs = 6;
+// A table names hardly anything but so many entry points.
+constexpr std::size_t kLeastOfTable = 3;
+constexpr std::size_t kMostUsers = 3;
+// So few roots tell nothing about who names a share of them.
+constexpr std::size_t kFewRoots = 3;
+constexpr double kLeastOwn = 0.5;
+
+class Hubs {
+ public:
+  Hubs(const CodeEvidence& evidence, const NamingGraph& graph, const DispatchRoots& roots)
+      : evidence_(evidence), graph_(graph), roots_(roots) {
+    std::vector<DispatchRoots::Header> named = roots.headers();
+    for (const FileId root : roots.files()) named.push_back({root, root});
+    namers_ = namers_of(evidence, graph, roots, named);
+    add_registering();
+  }
+
+  std::vector<FileId> add_to(ScoreSheet& sheet) {
+    for (const FileId file : leading()) {
+      hubs_.push_back(file);
+      sheet.add(file, kHub, namers_.at(file).files.size(), namers_.at(file).at);
+    }
+    if (hubs_.empty()) add_fellows(sheet);
+    if (hubs_.empty() && namers_.size() <= kFewNamers) add_all(sheet);
+    if (hubs_.empty()) add_users(sheet);
+    sort_distinct(hubs_);
+    return hubs_;
+  }
+
+ private:
+  std::size_t least() const {
+    return roots_.size() < kFewRoots
+               ? 1
+               : std::max<std::size_t>(2, (roots_.size() + kHubShare - 1) / kHubShare);
+  }
+
+  // Who has half of them for type arguments hands them over to something.
+  void add_registering() {
+    std::map<FileId, std::size_t> uses;
+    for (const FileId root : roots_.files()) {
+      for (const Naming& naming : graph_.to(root)) uses[naming.from] += naming.used ? 1U : 0U;
+    }
+    for (const FileId root : roots_.files()) {
+      for (const Naming& naming : graph_.to(root)) {
+        const std::size_t count = uses[naming.from];
+        if (count < kFewRoots || count * 2 < roots_.size() || naming.names || naming.derives ||
+            !naming.used || !roots_.may_dispatch(naming.from)) {
+          continue;
+        }
+        namers_[naming.from].take(evidence_, naming, root);
+      }
+    }
+  }
+
+  // Half of all that it names are entry points.
+  bool is_table(FileId file, std::size_t named) const {
+    return named >= kLeastOfTable && named * 2 >= graph_.from(file).size();
+  }
+
+  // Those that name many; where that leaves many out, those that name several, most first: each
+  // group of entry points may have its own.
+  std::vector<FileId> leading() const {
+    std::vector<FileId> order;
+    for (const auto& [file, seen] : namers_) order.push_back(file);
+    std::ranges::stable_sort(order, std::ranges::greater(),
+                             [&](FileId file) { return namers_.at(file).files.size(); });
+    if (roots_.size() < kFewRoots && order.size() > kFewNamers) return most_of(order);
+    std::vector<FileId> hubs;
+    std::set<FileId> named;
+    for (const FileId file : order) {
+      const auto& files = namers_.at(file).files;
+      const bool enough = 3 * named.size() >= 2 * roots_.size() || hubs.size() >= kMostGroupHubs;
+      const bool of_group = !enough && files.size() >= kLeastOfGroup;
+      if (files.size() < least() && !of_group && !is_table(file, files.size())) continue;
+      hubs.push_back(file);
+      named.insert(files.begin(), files.end());
+    }
+    return hubs;
+  }
+
+  // Anyone who calls one of two entry points names a share of them: those that name the most of
+  // what hardly anyone else does.
+  std::vector<FileId> most_of(std::vector<FileId> files) const {
+    std::map<FileId, double> own;
+    for (const FileId root : roots_.files()) add_own_names(root, own);
+    std::erase_if(files, [&](FileId file) { return own[file] < kLeastOwn; });
+    std::ranges::stable_sort(files, std::ranges::greater(),
+                             [&](FileId file) { return own.at(file); });
+    files.resize(std::min(files.size(), kFewNamers));
+    return files;
+  }
+
+  // For each that names it, by the declarations that it names and by how few others do.
+  void add_own_names(FileId file, std::map<FileId, double>& own) const {
+    std::map<std::uint32_t, std::set<FileId>> by_declaration;
+    for (const std::uint32_t at : evidence_.references_to(file)) {
+      const index::IndexedReference& to = evidence_.reference(at);
+      if (namers_.contains(to.source)) by_declaration[to.declaration].insert(to.source);
+    }
+    for (const auto& [declaration, from] : by_declaration) {
+      for (const FileId each : from) own[each] += 1.0 / static_cast<double>(from.size());
+    }
+  }
+
+  // Nobody leads to many: those that make use of the most of them.
+  void add_users(ScoreSheet& sheet) const {
+    std::size_t most = 0;
+    for (const auto& [file, seen] : namers_) most = std::max(most, seen.files.size());
+    std::size_t added = 0;
+    for (std::size_t count = most; count > 1 && added < kMostUsers; --count) {
+      for (const auto& [file, seen] : namers_) {
+        if (seen.files.size() != count || added == kMostUsers) continue;
+        sheet.add(file, kUser, count, seen.at);
+        ++added;
+      }
+    }
+  }
+
+  // A package with one face: nobody names the other files.
+  void add_all(ScoreSheet& sheet) {
+    for (const auto& [file, seen] : namers_) {
+      sheet.add(file, kHub, seen.files.size(), seen.at);
+      hubs_.push_back(file);
+    }
+  }
+
+  // "urls.py", of "user.module.ts" the last words.
+  static std::string_view kind_of(std::string_view path) {
+    const std::string_view name = path.substr(path.rfind('/') + 1);
+    const std::string_view stem = name.substr(0, name.rfind('.'));
+    const auto word = stem.find_last_of("._-");
+    return word == std::string_view::npos ? name : name.substr(word);
+  }
+
+  // Each entry point has a file beside it that names it, all of one name.
+  void add_fellows(ScoreSheet& sheet) {
+    std::map<std::string_view, std::pair<std::vector<FileId>, std::set<FileId>>> by_name;
+    for (const auto& [file, seen] : namers_) {
+      auto& [files, named] = by_name[kind_of(evidence_.path(file))];
+      files.push_back(file);
+      named.insert(seen.files.begin(), seen.files.end());
+    }
+    for (const auto& [name, group] : by_name) {
+      const auto& [files, named] = group;
+      if (files.size() < 2 || named.size() * 2 < roots_.size()) continue;
+      for (const FileId file : files) {
+        sheet.add(file, kFellow, namers_.at(file).declarations, namers_.at(file).at);
+        hubs_.push_back(file);
+      }
+    }
+    sort_distinct(hubs_);
+  }
+
+  const CodeEvidence& evidence_;
+  const NamingGraph& graph_;
+  const DispatchRoots& roots_;
+  SeenBy namers_;
+  std::vector<FileId> hubs_;
+};
+
+}  // namespace
+
+SeenBy namers_of(const CodeEvidence& evidence, const NamingGraph& graph, const DispatchRoots& roots,
+                 const std::vector<DispatchRoots::Header>& named) {
+  SeenBy namers;
+  for (const auto& [file, root] : named) {
+    for (const Naming& naming : graph.to(file)) {
+      if (!naming.names || naming.derives || !roots.may_dispatch(naming.from)) continue;
+      namers[naming.from].take(evidence, naming, root);
+    }
+  }
+  return namers;
+}
+
+std::vector<FileId> add_hubs(ScoreSheet& sheet, const CodeEvidence& evidence,
+                             const NamingGraph& graph, const DispatchRoots& roots) {
+  return Hubs(evidence, graph, roots).add_to(sheet);
+}
+
+}  // namespace kestrix
