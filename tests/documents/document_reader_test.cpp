@@ -63,6 +63,13 @@ TEST(ReadDocument, TakesWhatLooksLikePathsAndTypes) {
               ElementsAre("Order", "OrderBook", "cmd/main.go", "server.c", "src/core"));
 }
 
+TEST(ReadDocument, TakesNamesOfSeveralWords) {
+  const auto facts = read_document(
+      "a.md",
+      "`page_size`, `server.pageCount` and PAGE_LIMIT are set; page and well-known are not.\n");
+  EXPECT_THAT(facts.names, ElementsAre("PAGE_LIMIT", "pageCount", "page_size"));
+}
+
 TEST(ReadDocument, TakesLinksWithinTheRepository) {
   EXPECT_THAT(read_document("a.md",
                             "[x](docs/x.md#part) [y](https://y.example) [z](../z.md \"Z\")"

@@ -86,6 +86,7 @@ class Reader {
       take(text.substr(0, end));
       text.remove_prefix(std::min(end + 1, text.size()));
     }
+    names_.merge(keys_);
     facts_.names.assign(names_.begin(), names_.end());
     facts_.links.assign(links_.begin(), links_.end());
     return std::move(facts_);
@@ -207,8 +208,13 @@ class Reader {
     if (before == ':' && token.starts_with("//")) return;  // an address of another site
     while (token.starts_with("./")) token.remove_prefix(2);
     while (!token.empty() && (token.back() == '.' || token.back() == '/')) token.remove_suffix(1);
-    if (token.size() < 3 || token.size() > kLongestName || names_.size() >= kMostNames) return;
-    if (looks_like_path(token) || looks_like_type(token, before)) names_.emplace(token);
+    if (token.size() < 3 || token.size() > kLongestName) return;
+    if (looks_like_path(token) || looks_like_type(token, before)) {
+      if (names_.size() < kMostNames) names_.emplace(token);
+    }
+    if (keys_.size() >= kMostNames) return;
+    const auto key = token.substr(token.rfind('.') + 1);
+    if (looks_like_key(key)) keys_.emplace(key);
   }
 
   static bool looks_like_path(std::string_view token) {
@@ -225,6 +231,15 @@ class Reader {
     const auto capitals = std::ranges::count_if(token, ascii::is_upper);
     if (capitals == std::ssize(token)) return false;
     return before == '`' || capitals > 1;
+  }
+
+  // "page_size", "pageSize": of several words, in lower case.
+  static bool looks_like_key(std::string_view token) {
+    if (token.size() < 3 || !ascii::is_lower(token.front()) ||
+        !std::ranges::all_of(token, ascii::is_word)) {
+      return false;
+    }
+    return std::ranges::any_of(token, [](char c) { return c == '_' || ascii::is_upper(c); });
   }
 
   void take_links(std::string_view line, std::string_view text) {
@@ -253,6 +268,7 @@ class Reader {
   bool in_list_ = false;
   bool in_contents_ = false;
   std::set<std::string, std::less<>> names_;
+  std::set<std::string, std::less<>> keys_;  // apart, for one kind may crowd the other out
   std::set<std::string, std::less<>> links_;
 };
 

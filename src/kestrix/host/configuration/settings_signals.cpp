@@ -64,13 +64,14 @@ class Signals {
     for (FileId file = 0; file < evidence_.index().files().size(); ++file) {
       if (evidence_.is_product(file)) look_at(file);
     }
+    add_settings_files();
     add_reads();
     add_readers();
     add_types();
-    add_settings_files();
     add_places();
     add_settings_names(evidence_, sheet_);
     take_texts_off();
+    add_settings_company(evidence_, sheet_);
     return std::move(sheet_);
   }
 
@@ -121,9 +122,20 @@ class Signals {
 
   void add_reads() {
     for (const auto& [file, places] : keys_.by_file()) {
-      sheet_.add(file, kReads, places.size(), places, names_and_lines(places));
+      std::vector<Place> own;
+      std::ranges::copy_if(places, std::back_inserter(own),
+                           [this](const Place& place) { return !is_held(place.name); });
+      const std::string names = names_and_lines(own);
+      const std::size_t count = own.size();
+      sheet_.add(file, kReads, count, std::move(own), names);
       if (places.size() >= kShared) add_access(file);
     }
+  }
+
+  // Whether the setting stands in one of the product's own files, which is what reads it.
+  bool is_held(std::string_view key) const {
+    const std::size_t dot = key.find('.');
+    return dot != std::string_view::npos && holders_.contains(key.substr(0, dot));
   }
 
   // Who names what a file of settings declares.
@@ -229,7 +241,11 @@ class Signals {
     }
     for (const auto& [folder, files] : folders) {
       if (files.size() < kShared) continue;
-      for (const auto& [file, keys] : files) sheet_.add(file, kKeys, keys);
+      for (const auto& [file, keys] : files) {
+        sheet_.add(file, kKeys, keys);
+        const std::string_view name = index::base_name(evidence_.path(file));
+        holders_.insert(name.substr(0, name.find('.')));
+      }
     }
   }
 
@@ -294,6 +310,7 @@ class Signals {
   std::set<DeclarationRef> readers_;      // functions that read settings
   std::set<DeclarationRef> reads_fixed_;  // functions that say themselves what they read
   std::set<FileId> accessed_;
+  std::set<std::string_view> holders_;  // first parts of keys that files answer to
 };
 
 }  // namespace

@@ -12,4 +12,7 @@ ScoreSheet settings_sheet(const CodeEvidence& evidence);
 /// gives them, tables of options.
 void add_settings_names(const CodeEvidence& evidence, ScoreSheet& sheet);
 
+/// Adds what the other signals do not see, but what they see leads to.
+void add_settings_company(const CodeEvidence& evidence, ScoreSheet& sheet);
+
 }  // namespace kestrix

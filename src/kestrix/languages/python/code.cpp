@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "kestrix/languages/code/rule_shapes.h"
+#include "kestrix/text/ascii.h"
 
 namespace kestrix::index {
 namespace {
@@ -101,10 +102,23 @@ constexpr std::array kCalls = {
     CallRule{"environ.setdefault", Role::kReads},
     CallRule{"getenv", Role::kReads},
     CallRule{"config.from_envvar", Role::kReads},
+    CallRule{"config.get", Role::kReads},
+    CallRule{"settings.get", Role::kReads},
+    CallRule{"settings.getbool", Role::kReads},
+    CallRule{"settings.getdict", Role::kReads},
+    CallRule{"settings.getfloat", Role::kReads},
+    CallRule{"settings.getint", Role::kReads},
+    CallRule{"settings.getlist", Role::kReads},
 };
 
 constexpr std::array<std::string_view, 4> kSelf = {"self", "cls", "super", "_"};
 constexpr std::array<std::string_view, 2> kEnvironments = {"os.environ", "environ"};
+constexpr std::array<std::string_view, 2> kSettings = {"config", "settings"};
+
+// Settings are written as constants are. Other tables that are called so have other keys.
+std::string_view key_of(std::string_view content) {
+  return std::ranges::any_of(content, ascii::is_upper) ? content : std::string_view();
+}
 
 // A method is abstract if it says so, or does nothing but raise that it is not implemented.
 bool is_abstract(const SourceTree& tree, TSNode node, const Declaration& as) {
@@ -149,8 +163,10 @@ constinit const CodeRules python_code = {.rules = kRules,
                                          .self = kSelf,
                                          .own_fields = OwnFields{"self", "__init__"},
                                          .environments = kEnvironments,
+                                         .keyed_settings = kSettings,
                                          .exported = exported,
                                          .is_abstract = is_abstract,
+                                         .key_of = key_of,
                                          .injected = injected};
 
 }  // namespace kestrix::index

@@ -171,6 +171,7 @@ constexpr auto kSettings = std::to_array<std::string_view>(
     {"Rails.application.config.x", "Rails.application.config", "Rails.configuration.x",
      "Rails.configuration", "Rails.application.credentials", "Rails.application.secrets",
      "Figaro.env"});
+constexpr auto kKeyedSettings = std::to_array<std::string_view>({"config", "settings", "Settings"});
 constexpr auto kMakers = std::to_array<std::string_view>({"new"});
 constexpr auto kWrappers = std::to_array<std::string_view>(
     {"freeze", "with_indifferent_access", "to_set", "Set.new", "Hash.new"});
@@ -261,6 +262,7 @@ constinit const CodeRules ruby_code = {.rules = kRules,
                                        .self = kSelf,
                                        .environments = kEnvironments,
                                        .settings = kSettings,
+                                       .keyed_settings = kKeyedSettings,
                                        .makers = kMakers,
                                        .capital_types = true,
                                        .thrown_types = true,

@@ -1,0 +1,174 @@
+// What shows that a product is configured in a file, each beside what only looks like it.
+
+#include <fmt/format.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "kestrix/host/evidence/score_sheet.h"
+#include "tests/host_rules/answered_repository.h"
+
+namespace kestrix {
+namespace {
+
+using Files = AnsweredRepository::Files;
+
+struct Case {
+  std::string name;
+  Files files;
+  std::string path;
+  std::string kind;  // of the reason
+  bool shown;
+};
+
+// `count` times a pattern in which {0} is a letter.
+std::string repeated(std::size_t count, std::string_view pattern) {
+  std::string text;
+  for (std::size_t at = 0; at < count; ++at) {
+    text += fmt::format(fmt::runtime(pattern), static_cast<char>('a' + at));
+  }
+  return text;
+}
+
+Files files_of(std::size_t count, std::string_view path, std::string_view text, Files more) {
+  for (std::size_t at = 0; at < count; ++at) {
+    const char letter = static_cast<char>('a' + at);
+    more.emplace_back(fmt::format(fmt::runtime(path), letter),
+                      fmt::format(fmt::runtime(text), letter));
+  }
+  return more;
+}
+
+// Parts that read the environment, and a file that puts them together.
+Files parts(std::string_view reading, std::size_t users, Files more) {
+  const std::string text = fmt::format(
+      "export const {{0}} = () => [{0}.{{0}}_HOST, {0}.{{0}}_PORT, {0}.{{0}}_KEY];\n", reading);
+  more.emplace_back("src/all.ts", repeated(6, "import {{ {0} }} from './parts/{0}';\n") +
+                                      "export const all = [" + repeated(6, "{0}, ") + "];\n");
+  for (std::size_t at = 0; at < users; ++at) {
+    more.emplace_back(fmt::format("src/user{}.ts", at),
+                      repeated(6, "import {{ {0} }} from './parts/{0}';\n") +
+                          "import { shared } from './shared';\n" + "export const user = [" +
+                          repeated(6, "{0}(), ") + "shared];\n");
+  }
+  more.emplace_back("src/shared.ts", "export const shared = 1;\n");
+  return files_of(6, "src/parts/{0}.ts", text, std::move(more));
+}
+
+// Code that reads settings by their keys, and a text.
+Files described(std::string_view path, std::string_view text) {
+  return {{"shop/app.py", "import os\n" + repeated(10, "{0} = os.environ['SHOP_{0}_SIZE']\n")},
+          {std::string(path), std::string(text)}};
+}
+
+// Settings as fields, and a file of keys.
+Files kept(std::string_view keys) {
+  return {{"go.mod", "module shop\n\ngo 1.22\n"},
+          {"core/core.go", "package core\n\ntype UserConfig struct {\n" +
+                               repeated(9, "\tPage{0}Size int\n") + "}\n"},
+          {"a/a.go", "package a\n\nimport \"shop/core\"\n\nfunc A(c core.UserConfig) {}\n"},
+          {"b/b.go", "package b\n\nimport \"shop/core\"\n\nfunc B(c core.UserConfig) {}\n"},
+          {"assets/preset.yml", std::string(keys)}};
+}
+
+// Files that answer to the first parts of keys, and who reads these.
+Files keyed(std::string_view read) {
+  return files_of(
+      3, "config/{0}.php", "<?php\nreturn ['name' => env('SHOP_{0}')];\n",
+      {{"app/Boot.php",
+        "<?php\nclass Boot {\n  function go() {\n    return [config('a.name'), "
+        "config('b.name'), config('c.name')];\n  }\n}\n"},
+       {"app/Reader.php",
+        fmt::format("<?php\nclass Reader {{\n  function go() {{\n    return {};\n  }}\n}}\n",
+                    read)}});
+}
+
+std::vector<Case> company() {
+  return {
+      {"WhatPutsSettingsTogether", parts("process.env", 1, {}), "src/all.ts", "gathers_settings",
+       true},
+      {"WhatPutsOtherPartsTogether", parts("table", 1, {}), "src/all.ts", "gathers_settings",
+       false},
+      {"WhatUsesPartsThatAllUse", parts("process.env", 5, {}), "src/all.ts", "gathers_settings",
+       false},
+      {"TextsThatExplainSettings",
+       described("docs/setup.md",
+                 repeated(10, "## `SHOP_{0}_SIZE`\n\nHow much of {0} there is.\n")),
+       "docs/setup.md", "explains_settings", true},
+      {"SettingsThatAreWrittenInAnotherWay",
+       described("docs/setup.rst", repeated(10, "* ``shop_{0}_size``: how much of it there is\n")),
+       "docs/setup.rst", "explains_settings", true},
+      {"HistoriesThatNameSettings",
+       described("CHANGES.md", repeated(10, "- Add `SHOP_{0}_SIZE`, " +
+                                                repeated(26, "and tell why it is so and how ") +
+                                                "not otherwise, as was said before.\n")),
+       "CHANGES.md", "explains_settings", false},
+      {"TextsThatNameOtherThings",
+       described("docs/api.md", repeated(10,
+                                         "`SHOP_{0}_SIZE` goes with `{0}_one`, `{0}_two`, "
+                                         "`{0}_three` and `{0}_four`.\n")),
+       "docs/api.md", "explains_settings", false},
+      {"FilesThatHoldFieldsOfSettings", kept(repeated(9, "page{0}_size: 1\n")), "assets/preset.yml",
+       "holds_settings", true},
+      {"FilesThatHoldOtherKeys", kept(repeated(9, "page{0}_name: 1\n")), "assets/preset.yml",
+       "holds_settings", false},
+  };
+}
+
+std::vector<Case> reads() {
+  return {
+      {"KeysThatNoFileHolds", keyed("[env('SHOP_X'), config('mail.name')]"), "app/Reader.php",
+       "reads_settings", true},
+      {"KeysThatAFileHolds", keyed("[config('a.name'), config('b.name')]"), "app/Reader.php",
+       "reads_settings", false},
+      {"KeysOfAnObjectThatIsCalledSettings",
+       {{"shop/app.py",
+         "def go(app):\n  return app.config['PAGE_SIZE'], "
+         "app.settings.getint('PAGE_COUNT')\n"}},
+       "shop/app.py",
+       "reads_settings",
+       true},
+      {"KeysOfAnyTable",
+       {{"shop/app.py",
+         "def go(table, config):\n  return table['PAGE_SIZE'], "
+         "config['model'], config.get('url')\n"}},
+       "shop/app.py",
+       "reads_settings",
+       false},
+      {"KeysOfRubysSettings",
+       {{"lib/site.rb", "class Site\n  def go(site)\n    site.config['page_size']\n  end\nend\n"}},
+       "lib/site.rb",
+       "reads_settings",
+       true},
+  };
+}
+
+class SettingsSignals : public testing::TestWithParam<Case> {};
+
+TEST_P(SettingsSignals, TellSettingsFromTheirLikes) {
+  const AnsweredRepository repository(GetParam().files);
+  const WikiGenerator& generator = repository.generator();
+  const auto file = generator.indexed().find(GetParam().path);
+  ASSERT_TRUE(file);
+  std::vector<std::string> kinds;
+  for (const Reason& reason : generator.settings_evidence().reasons(*file)) {
+    kinds.push_back(reason.kind);
+  }
+  if (GetParam().shown) {
+    EXPECT_THAT(kinds, testing::Contains(GetParam().kind));
+  } else {
+    EXPECT_THAT(kinds, testing::Not(testing::Contains(GetParam().kind)));
+  }
+}
+
+const auto kName = [](const auto& one) { return one.param.name; };
+
+INSTANTIATE_TEST_SUITE_P(Company, SettingsSignals, testing::ValuesIn(company()), kName);
+INSTANTIATE_TEST_SUITE_P(Reads, SettingsSignals, testing::ValuesIn(reads()), kName);
+
+}  // namespace
+}  // namespace kestrix
