@@ -108,6 +108,95 @@ TEST(ExampleFiles, KnowFactoriesByTheirFilesAndWhatIsMixedIntoAllTests) {
   EXPECT_EQ(reason_of(answer, "spec/support/sign_in.rb", "used_by_tests"), "used by 6 tests");
 }
 
+// A file beside the product's own is support where its name and its users say so and the product
+// doesn't know it; what the product names, too, is its own, however it is called.
+TEST(ExampleFiles, AddWhatIsNamedForTestsUnlessTheProductUsesIt) {
+  for (const bool used : {false, true}) {
+    Files files{{"shop/__init__.py", ""},
+                {"shop/tools/__init__.py", ""},
+                {"shop/tools/test.py", "def get_shop(): pass\n"},
+                {"shop/tools/text.py", "def words(): pass\n"},
+                {"shop/desk.py", used ? "from shop.tools.test import get_shop\n\n\n"
+                                        "def open():\n    get_shop()\n"
+                                      : "def open(): pass\n"}};
+    for (const std::string name : {"a", "b", "c", "d"}) {
+      files.emplace_back("tests/test_" + name + ".py",
+                         "from shop.tools.test import get_shop\nfrom shop.tools.text import words\n"
+                         "\n\ndef test_it():\n    get_shop()\n    words()\n");
+    }
+    const AnsweredRepository repository(files);
+    const auto further = paths_of(examples_answer(repository.generator()).further);
+    EXPECT_EQ(std::ranges::count(further, "shop/tools/test.py"), used ? 0 : 1);
+    EXPECT_THAT(further, Not(Contains("shop/tools/text.py")));
+  }
+}
+
+// Where so much is shared outside of the tests that it does not fit behind a full page, the page
+// has fewer tests: those that show the most.
+TEST(ExampleFiles, MakeRoomForWhatIsSharedOutsideOfTheTests) {
+  Files files{
+      {"go.mod", "module shop\n\ngo 1.22\n"},
+      {"main.go",
+       "package main\n\nimport \"shop/shop\"\n\nfunc main() {\n\tshop.Sell()\n\tshop.Buy()\n}\n"},
+      {"shop/shop.go", "package shop\n\nfunc Sell() {}\n\nfunc Buy() {}\n"}};
+  std::string imports;
+  std::string calls;
+  for (const std::string name : {"a", "b", "c", "d", "e", "f"}) {
+    files.emplace_back("testutil/" + name + "/" + name + ".go",
+                       "package " + name + "\n\nfunc Help() {}\n");
+    imports += "\t\"shop/testutil/" + name + "\"\n";
+    calls += "\t" + name + ".Help()\n";
+  }
+  for (int i = 10; i < 28; ++i) {
+    const std::string number = std::to_string(i);
+    const bool shows_more = i % 4 == 0;
+    files.emplace_back("checks/t" + number + "/all_test.go",
+                       "package t" + number + "\n\nimport (\n\t\"shop/shop\"\n" + imports +
+                           ")\n\nfunc TestIt() {\n" + calls + "\tshop.Sell()\n" +
+                           (shows_more ? "\tshop.Buy()\n" : "") + "}\n");
+  }
+  const AnsweredRepository repository(files);
+  const PageAnswer answer = examples_answer(repository.generator());
+  EXPECT_THAT(
+      paths_of(answer.files),
+      ElementsAre("checks/t12/all_test.go", "checks/t16/all_test.go", "checks/t20/all_test.go",
+                  "checks/t24/all_test.go", "checks/t10/all_test.go", "checks/t11/all_test.go"));
+  EXPECT_EQ(answer.further.size(), 6U);
+  EXPECT_EQ(reason_of(answer.further, "testutil/a/a.go", "used_by_tests"), "used by 18 tests");
+  EXPECT_EQ(reason_of(answer.files, "checks/t12/all_test.go", "uses_helpers"),
+            "names what tests share 6 times");
+}
+
+// What a library shows of itself: whole programs, the shorter the better; neither parts of them nor
+// measurements, and nothing of a program, which shows no use of itself.
+TEST(ExampleFiles, AddTheSamplesOfALibrary) {
+  for (const bool application : {false, true}) {
+    Files files{{"composer.json", R"({"autoload": {"psr-4": {"Shop\\": "src/"}}})"},
+                {"src/Desk.php", "<?php\nnamespace Shop;\nclass Desk {}\n"},
+                {"src/Till.php", "<?php\nnamespace Shop;\nclass Till {}\n"}};
+    const std::string body = "<?php\nuse Shop\\Desk;\nuse Shop\\Till;\n";
+    const std::string uses = "new Desk();\nnew Till();\n";
+    files.emplace_back("samples/short/run.php", body + uses);
+    files.emplace_back("samples/long/run.php",
+                       body + "use Samples\\Part;\nfunction a() {}\nfunction b() {}\n" + uses);
+    files.emplace_back("samples/one/run.php", "<?php\nuse Shop\\Desk;\nnew Desk();\n");
+    files.emplace_back("benchmarks/run.php", body + uses);
+    files.emplace_back("tests/DeskTest.php",
+                       "<?php\nuse Shop\\Desk;\nclass DeskTest { function t() { new Desk(); } }\n");
+    if (application) files.emplace_back("public/index.php", body + uses);
+    const AnsweredRepository repository(files);
+    const PageAnswer answer = examples_answer(repository.generator());
+    if (application) {
+      EXPECT_THAT(paths_of(answer.further), testing::IsEmpty());
+    } else {
+      EXPECT_THAT(paths_of(answer.further),
+                  ElementsAre("samples/short/run.php", "samples/long/run.php"));
+      EXPECT_EQ(reason_of(answer.further, "samples/short/run.php", "sample"),
+                "a sample that reaches 2 production files");
+    }
+  }
+}
+
 TEST(ExampleFiles, LeaveOutOthersTestsAndWhatOnlyHandsOn) {
   Files files{{"app/shop.py", "def sell(): pass\n"},
               {"tests/help/__init__.py", "from tests.help.desk import desk\n"},

@@ -47,6 +47,12 @@ std::vector<Reason> reasons_of(const TestEvidence& evidence, const ExampleChoice
   return reasons;
 }
 
+Reason sample_reason(const CodeEvidence& code, const Sample& sample) {
+  const auto reached = counted(sample.reached.size(), "production file", "production files");
+  return {"sample", "a sample that reaches " + reached, sample.reached.size(),
+          places_of(code, sample.reached)};
+}
+
 }  // namespace
 
 PageAnswer examples_answer(const WikiGenerator& generator) {
@@ -65,6 +71,10 @@ PageAnswer examples_answer(const WikiGenerator& generator) {
     if (answer.further.size() == room) break;
     answer.further.push_back(
         {std::string(code.path(file)), reasons_of(evidence, choice, code, file)});
+  }
+  for (const Sample& sample : choice.samples()) {
+    if (answer.further.size() == room) break;
+    answer.further.push_back({std::string(code.path(sample.file)), {sample_reason(code, sample)}});
   }
   finish(answer, "no tests");
   return answer;

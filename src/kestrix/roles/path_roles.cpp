@@ -47,17 +47,6 @@ bool holds_migrations(std::string_view folder, std::string_view parent) {
          (folder == "versions" && parent == "alembic");
 }
 
-// A folder of what tests are written with: "test-utils", "testing_support". Its files are no tests,
-// and nothing that the product consists of.
-bool serves_tests(std::string_view folder) {
-  while (!folder.empty()) {
-    const auto end = std::min(folder.find_first_of("-_."), folder.size());
-    if (is_among(kTestWords, folder.substr(0, end))) return true;
-    folder.remove_prefix(std::min(end + 1, folder.size()));
-  }
-  return false;
-}
-
 bool has_migration_name(std::string_view name) {
   constexpr auto kEndings = std::to_array<std::string_view>({".sql", ".rb", ".php", ".ts", ".js"});
   const auto ends_name = [name](std::string_view ending) { return name.ends_with(ending); };
@@ -124,7 +113,8 @@ void PathSigns::add_folder_signs(std::string_view path) {
     if (!in_sources && is_among(kDocumentationFolders, piece)) {
       add(Role::kDocumentation, "below the folder of documentation", folder, true);
     }
-    if (!roles_.has(Role::kTest) && serves_tests(piece))
+    // Its files are no tests, and nothing that the product consists of.
+    if (!roles_.has(Role::kTest) && is_named_for_tests(piece))
       add(Role::kTool, "below the folder of test tools", folder);
     if (top && (piece.starts_with('.') || is_among(kToolFolders, piece))) {
       add(Role::kTool, "below the folder of tools", folder, !piece.starts_with('.'));
@@ -148,6 +138,15 @@ std::vector<RoleEvidence> explain_path_roles(std::string_view path) {
 
 bool is_test_by_path(std::string_view path) {
   return test_sign(path).kind != TestSign::Kind::kNone;
+}
+
+bool is_named_for_tests(std::string_view name) {
+  while (!name.empty()) {
+    const auto end = std::min(name.find_first_of("-_."), name.size());
+    if (is_among(kTestWords, name.substr(0, end))) return true;
+    name.remove_prefix(std::min(end + 1, name.size()));
+  }
+  return false;
 }
 
 }  // namespace kestrix

@@ -46,4 +46,8 @@ std::vector<RoleEvidence> explain_path_roles(std::string_view path);
 /// it of every path, often.
 bool is_test_by_path(std::string_view path);
 
+/// Whether a folder, or a file without its ending, is named for what tests are written with:
+/// "test-utils", "testing_support".
+bool is_named_for_tests(std::string_view name);
+
 }  // namespace kestrix

@@ -22,6 +22,7 @@ using index::IndexedReference;
 // the former, and not one folder's alone.
 constexpr std::size_t kMostShared = 2 * kMostPageFiles / 3;
 constexpr std::size_t kMostSharedOfFolder = 5;
+constexpr std::size_t kMostSamples = 2;
 // Where one file serves so many of the tests, those without it are written another way.
 constexpr double kMostTests = 0.6;
 // What a test goes through tells more than how long it is and how often it names what tests share.
@@ -38,6 +39,8 @@ ExampleChoice::ExampleChoice(const TestEvidence& tests, const CodeEvidence& code
   shared_.resize(code.index().files().size());
   mentions_.resize(shared_.size());
   find_shared();
+  samples_ = samples_of(code);
+  if (samples_.size() > kMostSamples) samples_.resize(kMostSamples);
   count_mentions();
   rank_tests();
 }
@@ -104,7 +107,7 @@ void ExampleChoice::rank_tests() {
   for (std::size_t at = 0; at < room; ++at) ranked_.push_back(tests[at].second);
 }
 
-bool ExampleChoice::is_narrowed() const { return support_.size() > kFurtherOfFullPage; }
+bool ExampleChoice::is_narrowed() const { return outside() > kFurtherOfFullPage; }
 
 std::vector<std::string> ExampleChoice::paths() const {
   std::vector<bool> chosen(shared_.size());
@@ -112,7 +115,7 @@ std::vector<std::string> ExampleChoice::paths() const {
     chosen[file] = tests_.is_test(file) && !is_narrowed();
   }
   for (const FileId file : helpers_) chosen[file] = true;
-  std::size_t room = kMostPageFiles - helpers_.size() - support_.size();
+  std::size_t room = kMostPageFiles - helpers_.size() - outside();
   for (const FileId test : ranked_) {
     if (room == 0) break;
     chosen[test] = true;

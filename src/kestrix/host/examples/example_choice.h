@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "kestrix/host/evidence/code_evidence.h"
+#include "kestrix/host/examples/samples.h"
 #include "kestrix/host/examples/test_evidence.h"
 
 namespace kestrix {
@@ -27,6 +28,8 @@ class ExampleChoice {
   bool is_shared(index::FileId file) const { return shared_[file]; }
   /// What tests share outside of them, that of the most tests first, then by path.
   std::span<const index::FileId> support() const { return support_; }
+  /// Where a library has them, a few samples of its use, best first.
+  std::span<const Sample> samples() const { return samples_; }
   /// How often a test names what tests share.
   std::uint32_t shared_mentions(index::FileId test) const { return mentions_[test]; }
 
@@ -36,13 +39,15 @@ class ExampleChoice {
   void rank_tests();
   double points(index::FileId test) const;
   std::vector<bool> written_alike() const;
+  std::size_t outside() const { return support_.size() + samples_.size(); }
   bool is_narrowed() const;
 
   const TestEvidence& tests_;
   const CodeEvidence& code_;
-  std::vector<bool> shared_;             // by file
-  std::vector<index::FileId> helpers_;   // of what is shared, the tests, most shared first
-  std::vector<index::FileId> support_;   // the others
+  std::vector<bool> shared_;            // by file
+  std::vector<index::FileId> helpers_;  // of what is shared, the tests, most shared first
+  std::vector<index::FileId> support_;  // the others
+  std::vector<Sample> samples_;
   std::vector<std::uint32_t> mentions_;  // by file
   std::vector<index::FileId> ranked_;    // the other tests, the best first; no more than a page has
 };

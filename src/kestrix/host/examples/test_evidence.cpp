@@ -150,7 +150,6 @@ void TestEvidence::hand_on() {
 
 void TestEvidence::give_by_framework() {
   for (FileId file = 0; file < tests_.size(); ++file) {
-    if (!tests_[file]) continue;
     const auto& indexed = index_.files()[file];
     const auto names = index::framework_names(indexed.language);
     const bool given = std::ranges::any_of(names, [&](const index::FrameworkName& row) {

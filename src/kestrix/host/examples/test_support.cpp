@@ -5,7 +5,8 @@
 #include <set>
 #include <string_view>
 
-#include "kestrix/languages/frameworks.h"
+#include "kestrix/host/examples/program.h"
+#include "kestrix/roles/path_roles.h"
 #include "kestrix/text/paths.h"
 
 namespace kestrix {
@@ -24,9 +25,6 @@ constexpr double kAmongTests = 0.75;
 constexpr std::size_t kLeastUsersAlone = 5;
 constexpr double kLeastShareAlone = 0.04;
 constexpr std::size_t kTestsForOneOfProduct = 20;
-// A program starts somewhere and reaches so much of its code from there. The tests of a library
-// stand for those who use it: they alone name what it is there for.
-constexpr double kOfProgram = 0.5;
 // Support may be wired into the product's start; what more folders use is the product's.
 constexpr std::size_t kFewFolders = 2;
 
@@ -34,10 +32,12 @@ class Finder {
  public:
   Finder(const TestEvidence& tests, const CodeEvidence& code)
       : tests_(tests), code_(code), index_(code.index()) {
+    namer_files_.resize(index_.files().size());
     count_namers();
     count_tests();
     alone_.resize(index_.files().size());
-    if (is_program()) count_alone();
+    // The tests of a library stand for those who use it: they alone name what it is there for.
+    if (is_program(code)) count_alone();
   }
 
   std::vector<FileId> find() const {
@@ -56,11 +56,15 @@ class Finder {
 
   std::string_view folder(FileId file) const { return index::folder_of(code_.path(file)); }
 
-  // The product's folders that name a file of another one, and that one as a whole.
+  // The product's folders that name a file of another one, and that one as a whole; and its files.
   void count_namers() {
+    std::vector<FileId> last(index_.files().size(), IndexedReference::kOutside);
     for (const IndexedReference& to : index_.references()) {
       if (to.target == IndexedReference::kOutside || !code_.is_product(to.source)) continue;
-      if (tests_.is_test(to.source) || folder(to.source) == folder(to.target)) continue;
+      if (tests_.is_test(to.source) || to.source == to.target) continue;
+      if (last[to.target] != to.source) ++namer_files_[to.target];
+      last[to.target] = to.source;
+      if (folder(to.source) == folder(to.target)) continue;
       namers_of_folder_[folder(to.target)].insert(folder(to.source));
       if (!tests_.users(to.target).empty()) namers_[to.target].insert(folder(to.source));
     }
@@ -81,42 +85,6 @@ class Finder {
   static bool is_made_or_called(index::DeclarationKind kind, index::Role role) {
     if (is_type(kind)) return role == index::Role::kConstructs || kSubtyping.has(role);
     return kind == index::DeclarationKind::kFunction || kind == index::DeclarationKind::kMethod;
-  }
-
-  bool starts(FileId file) const {
-    const auto language = index_.files()[file].language;
-    return code_.is_product(file) &&
-           std::ranges::any_of(index_.declarations(file), [&](const auto& row) {
-             return row.kind == index::DeclarationKind::kFunction && row.container == 0 &&
-                    index::known_as(language, index::Known::kMain, row.name) != nullptr;
-           });
-  }
-
-  bool is_program() const {
-    std::vector<std::vector<FileId>> targets(index_.files().size());
-    for (const auto& edge : index_.edges()) targets[edge.source].push_back(edge.target);
-    std::vector<bool> reached(targets.size());
-    std::vector<FileId> open;
-    for (FileId file = 0; file < targets.size(); ++file) {
-      reached[file] = starts(file);
-      if (reached[file]) open.push_back(file);
-    }
-    while (!open.empty()) {
-      const FileId file = open.back();
-      open.pop_back();
-      for (const FileId target : targets[file]) {
-        if (!reached[target]) open.push_back(target);
-        reached[target] = true;
-      }
-    }
-    double all = 0;
-    double from_start = 0;
-    for (FileId file = 0; file < targets.size(); ++file) {
-      if (!code_.is_product(file) || index_.declarations(file).empty()) continue;
-      ++all;
-      from_start += reached[file] ? 1 : 0;
-    }
-    return from_start > kOfProgram * all;
   }
 
   // By file, the tests that name what most of them do of what the product itself never names.
@@ -169,9 +137,16 @@ class Finder {
 
   bool serves(FileId file) const {
     if (!code_.is_product(file) || tests_.names_framework(file)) return true;
+    if (is_for_tests_by_name(file)) return true;
     const auto around = index::folder_of(folder(file));
     if (!around.empty() && share_of_tests_.at(around) >= kAmongTests) return true;
     return is_cut_off(file);
+  }
+
+  bool is_for_tests_by_name(FileId file) const {
+    const auto name = index::base_name(code_.path(file));
+    if (!is_named_for_tests(name.substr(0, name.rfind('.')))) return false;
+    return namer_files_[file] * kTestsForOneOfProduct <= tests_.users(file).size();
   }
 
   // Nothing of the product names its folder, and tests of many folders do.
@@ -187,6 +162,7 @@ class Finder {
   const TestEvidence& tests_;
   const CodeEvidence& code_;
   const index::RepositoryIndex& index_;
+  std::vector<std::size_t> namer_files_;  // by file
   std::map<FileId, Folders> namers_;
   std::map<std::string_view, Folders> namers_of_folder_;
   std::map<std::string_view, double> share_of_tests_;
