@@ -1,5 +1,6 @@
 #include "kestrix/syntax/parser_memory.h"
 
+#include <sys/mman.h>
 #include <tree_sitter/api.h>
 
 #include <algorithm>
@@ -11,6 +12,7 @@
 #include <memory>
 #include <mutex>
 #include <new>
+#include <utility>
 #include <vector>
 
 namespace kestrix::index {
@@ -46,6 +48,20 @@ struct Link {
 };
 
 Header* header_of(void* block) { return static_cast<Header*>(block) - 1; }
+
+// Slabs come from the system itself: the general allocator would keep those of a long text for the
+// thread that has parsed it.
+struct Unmap {
+  void operator()(std::byte* slab) const { ::munmap(slab, kSlab); }
+};
+using Slab = std::unique_ptr<std::byte[], Unmap>;
+
+// Null when there is no memory.
+Slab map_slab() {
+  void* const memory =
+      ::mmap(nullptr, kSlab, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+  return Slab(memory == MAP_FAILED ? nullptr : static_cast<std::byte*>(memory));
+}
 
 // NOLINTBEGIN(cppcoreguidelines-no-malloc): this is an allocator
 
@@ -123,7 +139,11 @@ class Arena {
     const std::size_t bytes = sizeof(Header) + units * kUnit;
     if (slab_ == slabs_.size() || at_ + bytes > kSlab) {
       if (slab_ < slabs_.size()) ++slab_;
-      if (slab_ == slabs_.size()) slabs_.emplace_back(new std::byte[kSlab]);
+      if (slab_ == slabs_.size()) {
+        Slab slab = map_slab();
+        if (slab == nullptr) return nullptr;
+        slabs_.push_back(std::move(slab));
+      }
       hold(kSlab);
       at_ = 0;
     }
@@ -155,7 +175,7 @@ class Arena {
   }
 
   bool active_ = false;
-  std::vector<std::unique_ptr<std::byte[]>> slabs_;
+  std::vector<Slab> slabs_;
   std::size_t slab_ = 0;                       // the one that is being filled
   std::size_t at_ = 0;                         // its first free byte
   std::array<void*, kSmallUnits + 1> free_{};  // by units

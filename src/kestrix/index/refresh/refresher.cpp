@@ -1,6 +1,9 @@
 #include "kestrix/index/refresh/refresher.h"
 
 #include <fmt/format.h>
+#if __has_include(<malloc.h>)
+#include <malloc.h>
+#endif
 
 #include <algorithm>
 #include <filesystem>
@@ -20,6 +23,15 @@
 
 namespace kestrix::index {
 namespace {
+
+constexpr std::size_t kManyTasks = 200;
+
+// Behind a stage that held much, which the allocator would keep for the threads that had it.
+void return_free_memory() {
+#ifdef __GLIBC__
+  malloc_trim(0);
+#endif
+}
 
 namespace fs = std::filesystem;
 
@@ -141,8 +153,10 @@ void Refresher::carry_out(RefreshPlan plan) {
   rows_ = std::move(plan.kept);
   for (const FileRow& row : plan.gone) remove(row);
   scan(plan);
+  if (plan.tasks.size() > kManyTasks) return_free_memory();
   std::ranges::sort(rows_, {}, &FileRow::path);
   resolve();
+  if (plan.tasks.size() > kManyTasks) return_free_memory();
   store_.set_skip_counts(skipped_);
 }
 
