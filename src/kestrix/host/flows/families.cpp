@@ -1,6 +1,9 @@
 #include "kestrix/host/flows/families.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
+#include <cmath>
 #include <iterator>
 
 namespace kestrix {
@@ -8,10 +11,16 @@ namespace {
 
 using index::FileId;
 
-// Three files that one file names and nobody else.
-constexpr double kLeastScore = 2.0;
+// Three files that one file names and nobody else have 2.
+constexpr double kLeastScore = 1.5;
 // What falls this far behind the best of its sort is a part of something.
-constexpr double kLeastOfBest = 0.25;
+constexpr double kLeastOfBest = 0.2;
+// Who comes in through a door gets to a part of the product behind it: to so many files, or to one
+// in so many of a small product.
+constexpr std::size_t kReach = 5;
+constexpr std::size_t kReachShare = 20;
+constexpr double kLeastReachFactor = 0.6;
+constexpr double kNextToFactor = 0.7;
 
 bool overlap(const Family& a, const Family& b) {
   std::vector<FileId> both;
@@ -46,34 +55,82 @@ void best_first(std::vector<Family>& families) {
   });
 }
 
-void take(std::vector<Family> found, const NamingGraph& graph, double least,
-          std::vector<Family>& best) {
-  for (Family& family : found) {
-    if (family.score < least) break;
-    const auto overlaps = [&](const Family& other) { return overlap(family, other); };
-    if (std::ranges::any_of(best, overlaps)) continue;
-    if (family.key != 0 && is_next_to(graph, family, best)) continue;
-    best.push_back(std::move(family));
+// By how many files of the product most of them name.
+void weigh_by_reach(const FlowEvidence& evidence, Family& family) {
+  std::vector<std::size_t> reach;
+  for (const FileId file : family.files) {
+    reach.push_back(static_cast<std::size_t>(std::ranges::count_if(
+        evidence.graph.from(file),
+        [&](const Naming& naming) { return evidence.code.is_product(naming.to); })));
   }
+  const auto middle = reach.begin() + static_cast<std::ptrdiff_t>(reach.size() / 2);
+  std::ranges::nth_element(reach, middle);
+  const std::size_t enough =
+      std::clamp<std::size_t>(evidence.code.product_count() / kReachShare, 1, kReach);
+  const double share = std::min(1.0, static_cast<double>(*middle) / static_cast<double>(enough));
+  family.score *= kLeastReachFactor + (1 - kLeastReachFactor) * share;
 }
+
+class Chooser {
+ public:
+  Chooser(const FlowEvidence& evidence, const PathPatterns& patterns)
+      : graph_(evidence.graph), patterns_(patterns), taken_(evidence.code.index().files().size()) {}
+
+  void take(std::vector<Family> found, double least) {
+    for (Family& family : found) {
+      if (family.score < least) break;
+      const auto overlaps = [&](const Family& other) { return overlap(family, other); };
+      if (std::ranges::any_of(best_, overlaps) && !leave_rest(family)) continue;
+      if (family.key != 0 && is_next_to(graph_, family, best_)) family.score *= kNextToFactor;
+      if (family.score < least) continue;
+      for (const FileId file : family.files) taken_[file] = true;
+      best_.push_back(std::move(family));
+    }
+  }
+
+  std::vector<Family> best() {
+    best_first(best_);
+    return std::move(best_);
+  }
+
+ private:
+  // Without the files of better families it may still be one.
+  bool leave_rest(Family& family) const {
+    const std::size_t all = family.files.size();
+    std::erase_if(family.files, [this](FileId file) { return taken_[file]; });
+    const std::size_t rest = family.files.size();
+    if (rest < kLeastFamily || rest * 2 <= all) return false;
+    family.score *=
+        std::log2(1.0 + static_cast<double>(rest)) / std::log2(1.0 + static_cast<double>(all));
+    family.sign += fmt::format("; {} of them shown elsewhere", all - rest);
+    family.glob = patterns_.glob_of(family.files);
+    return true;
+  }
+
+  const NamingGraph& graph_;
+  const PathPatterns& patterns_;
+  std::vector<bool> taken_;  // by file: whether a family of the best has it
+  std::vector<Family> best_;
+};
 
 }  // namespace
 
 std::vector<Family> families(const FlowEvidence& evidence) {
   const PathPatterns patterns(evidence.code);
-  std::vector<Family> best;
   std::vector<Family> handlers = handler_families(evidence, patterns);
   std::vector<Family> others = hub_families(evidence, patterns);
   std::ranges::move(type_families(evidence, patterns), std::back_inserter(others));
+  for (Family& family : handlers) weigh_by_reach(evidence, family);
+  for (Family& family : others) weigh_by_reach(evidence, family);
   best_first(handlers);
   best_first(others);
   const double best_handlers = handlers.empty() ? 0 : handlers.front().score / kHandlerWeight;
   const double best_other = others.empty() ? 0 : others.front().score;
-  take(std::move(handlers), evidence.graph, 0, best);
-  take(std::move(others), evidence.graph,
-       std::max(kLeastScore, kLeastOfBest * std::max(best_handlers, best_other)), best);
-  best_first(best);
-  return best;
+  Chooser chooser(evidence, patterns);
+  chooser.take(std::move(handlers), 0);
+  chooser.take(std::move(others),
+               std::max(kLeastScore, kLeastOfBest * std::max(best_handlers, best_other)));
+  return chooser.best();
 }
 
 }  // namespace kestrix

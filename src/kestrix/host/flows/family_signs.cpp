@@ -11,6 +11,7 @@ namespace {
 using index::FileId;
 
 constexpr double kLeastAlike = 0.6;
+constexpr std::size_t kPartOfMembers = 5;
 
 }  // namespace
 
@@ -34,6 +35,35 @@ bool is_base(const CodeEvidence& evidence, FileId file) {
     bases += derived.size() > before ? 1U : 0U;
   }
   return derived.size() > 1 && bases * 2 >= types;
+}
+
+bool is_base_of(const CodeEvidence& evidence, FileId file, std::span<const FileId> members) {
+  if (!is_base(evidence, file)) return false;
+  std::set<FileId> derived;
+  const std::size_t count = evidence.index().declarations(file).size();
+  for (std::uint32_t place = 0; place < count; ++place) {
+    for (const auto subtype : evidence.subtypes({file, place})) derived.insert(subtype.file);
+  }
+  std::erase_if(derived, [&](FileId each) {
+    return each == file || !std::ranges::binary_search(members, each);
+  });
+  return derived.empty() || derived.size() * kPartOfMembers >= members.size();
+}
+
+bool is_mostly(const CodeEvidence& evidence, FileId file,
+               const std::set<index::DeclarationRef>& types) {
+  const auto declarations = evidence.index().declarations(file);
+  std::size_t all = 0;
+  std::size_t found = 0;
+  for (std::uint32_t place = 0; place < declarations.size(); ++place) {
+    if (types.contains({file, place})) ++found;
+    const auto& row = declarations[place];
+    all += row.container == 0 &&
+                   (index::is_type(row.kind) || row.kind == index::DeclarationKind::kFunction)
+               ? 1U
+               : 0U;
+  }
+  return found > 0 && found * 2 >= all;
 }
 
 bool have_a_sign(const CodeEvidence& evidence, std::span<const FileId> members) {

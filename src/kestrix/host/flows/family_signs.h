@@ -1,5 +1,6 @@
 #pragma once
 
+#include <set>
 #include <span>
 #include <string_view>
 #include <vector>
@@ -18,6 +19,15 @@ bool leads(const CodeEvidence& evidence, const Naming& naming);
 
 /// Whether several others are made from what the file declares: they are called through it.
 bool is_base(const CodeEvidence& evidence, index::FileId file);
+
+/// Whether a part of `members` is made from what the file declares: they are called through it.
+/// What a few of many extend is one of them.
+bool is_base_of(const CodeEvidence& evidence, index::FileId file,
+                std::span<const index::FileId> members);
+
+/// Whether at least half of what stands at the top of the file is among `types`.
+bool is_mostly(const CodeEvidence& evidence, index::FileId file,
+               const std::set<index::DeclarationRef>& types);
 
 /// Whether they derive from, bear, make or call one thing of the product that few others do.
 bool have_a_sign(const CodeEvidence& evidence, std::span<const index::FileId> members);

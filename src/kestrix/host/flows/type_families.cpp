@@ -10,9 +10,8 @@
 #include "kestrix/host/evidence/overriding.h"
 #include "kestrix/host/flows/families.h"
 #include "kestrix/host/flows/family_signs.h"
+#include "kestrix/host/flows/type_signs.h"
 #include "kestrix/host/index_evidence.h"
-#include "kestrix/languages/frameworks.h"
-#include "kestrix/text/paths.h"
 #include "kestrix/text/sorting.h"
 
 namespace kestrix {
@@ -22,8 +21,6 @@ using index::DeclarationKind;
 using index::DeclarationRef;
 using index::FileId;
 using index::IndexedReference;
-using index::Known;
-using index::Role;
 
 // One thing that files have in common which others call them through.
 struct Sign {
@@ -38,6 +35,7 @@ constexpr Sign kOwnBase{"extend", 1.5, 0};
 constexpr Sign kOwnMarker{"bear", 1.4, 0.6};
 constexpr Sign kOutsideBase{"extend", 0.9, 0.6};
 constexpr Sign kTable{"fill a table of type", 1.3, 0.6};
+constexpr Sign kOnLoad{"call, when loaded,", 1.2, 0.6};
 constexpr Sign kSameName{"each define", 1.1, 0.6, true};
 
 // What so many name is something that these files do, not what they are.
@@ -52,94 +50,32 @@ constexpr double kTogether = 0.8;
 constexpr double kMostOverride = 0.5;
 constexpr double kMostPassive = 0.5;
 
-std::string_view last_word(std::string_view name) {
-  return name.substr(name.find_last_of(".:/\\") + 1);
-}
-
 class TypeFamilies {
  public:
   TypeFamilies(const FlowEvidence& evidence, const PathPatterns& patterns)
       : code_(evidence.code),
         graph_(evidence.graph),
         patterns_(patterns),
-        descendants_(evidence.code) {}
+        descendants_(evidence.code),
+        signs_(type_signs(evidence.code)),
+        errors_(error_types(evidence.code)) {}
 
   std::vector<Family> find() {
-    errors_.resize(code_.index().files().size());
-    for (const DeclarationRef type : error_types(code_)) errors_[type.file] = true;
-    take_references();
-    take_names();
-    for (auto& [base, files] : bases_) {
+    for (auto& [base, files] : signs_.bases) {
       take_descendants(base, files);
       sort_distinct(files);
       if (calls_them(base, files)) examine(kOwnBase, code_[base].name, std::move(files));
     }
-    for (auto& [mark, files] : markers_) examine(kOwnMarker, code_[mark].name, std::move(files));
-    for (auto& [type, files] : tables_) examine(kTable, code_[type].name, std::move(files));
-    for (auto& [name, files] : outside_) examine(kOutsideBase, name.second, std::move(files));
-    for (auto& [name, files] : same_) examine(kSameName, name.second, std::move(files));
+    for (auto& [mark, files] : signs_.markers) examine(kOwnMarker, code_[mark].name, files);
+    for (auto& [type, files] : signs_.tables) examine(kTable, code_[type].name, files);
+    for (auto& [call, files] : signs_.on_load) examine(kOnLoad, code_[call].name, files);
+    for (auto& [name, files] : signs_.outside) examine(kOutsideBase, name.second, files);
+    for (auto& [name, files] : signs_.same) examine(kSameName, name.second, files);
     return std::move(families_);
   }
 
  private:
-  using Files = std::vector<FileId>;
-
-  void take_references() {
-    const auto files = code_.index().files();
-    for (const IndexedReference& to : code_.index().references()) {
-      if (!code_.is_product(to.source)) continue;
-      if (to.target == IndexedReference::kOutside) {
-        take_outside(files[to.source].language, to);
-      } else if (to.declaration > 0 && to.target != to.source && code_.is_product(to.target)) {
-        take_inside({to.target, to.declaration - 1}, to);
-      }
-    }
-  }
-
-  void take_inside(DeclarationRef named, const IndexedReference& to) {
-    if (kSubtyping.has(to.role)) {
-      if (index::is_type(code_[named].kind)) bases_[named].push_back(to.source);
-    } else if (to.role == Role::kAnnotates) {
-      markers_[named].push_back(to.source);
-    } else if (to.role == Role::kType && to.within > 0 && code_[named].fields > 0) {
-      const auto& holder = code_[DeclarationRef{to.source, to.within - 1}];
-      const bool value =
-          holder.kind == DeclarationKind::kConstant || holder.kind == DeclarationKind::kVariable;
-      if (value && holder.container == 0 && holder.size > 1) tables_[named].push_back(to.source);
-    }
-  }
-
-  // What a library calls through its own base types, whoever it is.
-  void take_outside(std::string_view language, const IndexedReference& to) {
-    if (!kSubtyping.has(to.role) || to.within == 0) return;
-    static constexpr Known kOther[] = {Known::kModelBase, Known::kRecordBase,
-                                       Known::kErrorBase, Known::kSettingsBase,
-                                       Known::kTestBase,  Known::kHandlerBase};
-    for (const Known known : kOther) {
-      if (known_as(language, known, to.name) != nullptr) return;
-    }
-    const std::string_view name = last_word(to.name);
-    if (name != to.name) outside_[{language, name}].push_back(to.source);  // not the language's own
-  }
-
-  // Functions of one name in several files of a folder: one of them is called, or each by whoever
-  // loads its file.
-  void take_names() {
-    const auto files = code_.index().files();
-    std::map<std::pair<std::string_view, std::string_view>, Files> all;
-    for (FileId file = 0; file < files.size(); ++file) {
-      if (!code_.is_product(file) || is_header(files[file].path)) continue;
-      for (const auto& declared : code_.index().declarations(file)) {
-        if (declared.kind != DeclarationKind::kFunction || declared.container != 0) continue;
-        if (declared.exported)
-          all[{index::folder_of(files[file].path), declared.name}].push_back(file);
-      }
-    }
-    for (auto& [name, found] : all) {
-      sort_distinct(found);
-      if (found.size() >= kLeastFamily) same_.emplace(name, std::move(found));
-    }
-  }
+  using Files = TypeSigns::Files;
 
   void take_descendants(DeclarationRef base, Files& files) {
     for (const DeclarationRef subtype : descendants_.of(base)) {
@@ -156,9 +92,21 @@ class TypeFamilies {
     return declared.kind == DeclarationKind::kClass && patterns_.likeness(files) >= kTogether;
   }
 
-  // Whether all types of a file are without behaviour.
-  bool is_passive(FileId file) const {
+  bool is_data(FileId file) const {
+    return defines_data(code_, file) || is_mostly(code_, file, errors_) ||
+           is_mostly(code_, file, signs_.data);
+  }
+
+  // Whether all types of a file are without behaviour, but for what another of them has.
+  bool is_passive(FileId file, const Files& members) const {
     const auto declarations = code_.index().declarations(file);
+    const auto named = code_.index().references_from(file);
+    if (std::ranges::any_of(named, [&](const IndexedReference& to) {
+          return kSubtyping.has(to.role) && to.target != file &&
+                 std::ranges::binary_search(members, to.target);
+        })) {
+      return false;
+    }
     bool types = false;
     for (const auto& row : declarations) {
       if (row.kind == DeclarationKind::kFunction) return false;
@@ -172,7 +120,8 @@ class TypeFamilies {
   void examine(const Sign& sign, std::string_view name, Files files) {
     sort_distinct(files);
     if (files.size() < kLeastFamily) return;
-    std::erase_if(files, [this](FileId file) { return is_base(code_, file); });
+    const Files all = files;
+    std::erase_if(files, [&](FileId file) { return is_base_of(code_, file, all); });
     if (files.size() < kLeastFamily) return;
     const double alike = patterns_.likeness(files);
     if (alike < sign.least_alike) return;
@@ -180,11 +129,10 @@ class TypeFamilies {
       return static_cast<double>(std::ranges::count_if(files, holds)) /
              static_cast<double>(files.size());
     };
-    if (share_of([&](FileId file) { return defines_data(code_, file) || errors_[file]; }) >
-        kMostData) {
+    if (share_of([&](FileId file) { return is_data(file); }) > kMostData) {
       return;
     }
-    if (share_of([&](FileId file) { return is_passive(file); }) > kMostPassive) return;
+    if (share_of([&](FileId file) { return is_passive(file, all); }) > kMostPassive) return;
     const std::set<FileId> hubs = hubs_of(files);
     const double quiet = share_of([&](FileId file) { return is_quiet(file, files, hubs); });
     if (quiet < kLeastQuiet || (sign.strict && !are_on_their_own(files))) return;
@@ -243,12 +191,8 @@ class TypeFamilies {
   const NamingGraph& graph_;
   const PathPatterns& patterns_;
   Descendants descendants_;
-  std::vector<bool> errors_;  // by file: whether it defines one
-  std::map<DeclarationRef, Files> bases_;
-  std::map<DeclarationRef, Files> markers_;
-  std::map<DeclarationRef, Files> tables_;
-  std::map<std::pair<std::string_view, std::string_view>, Files> outside_;  // by language and name
-  std::map<std::pair<std::string_view, std::string_view>, Files> same_;     // by folder and name
+  TypeSigns signs_;
+  std::set<DeclarationRef> errors_;
   std::vector<Family> families_;
 };
 

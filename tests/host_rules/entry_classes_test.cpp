@@ -1,0 +1,160 @@
+// Which classes of entry points the flows page finds by itself, by what makes files one class.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "tests/host_rules/answered_repository.h"
+
+namespace kestrix {
+namespace {
+
+using Files = AnsweredRepository::Files;
+using Strings = std::vector<std::string>;
+
+Strings classes_of(const Files& files) {
+  const AnsweredRepository repository(files);
+  Strings names;
+  for (const FlowClass& each : flows_answer(repository.generator(), {}).classes) {
+    names.push_back(each.entry_points);
+  }
+  return names;
+}
+
+struct Case {
+  const char* what;
+  Files files;
+  Strings classes;
+};
+
+void expect(const std::vector<Case>& cases) {
+  for (const Case& each : cases) EXPECT_EQ(classes_of(each.files), each.classes) << each.what;
+}
+
+// One file for each name, "{}" in the path and the text replaced by it.
+Files each_of(const Strings& names, const std::string& path, const std::string& text) {
+  const auto filled = [](std::string form, const std::string& name) {
+    for (std::size_t at = 0; (at = form.find("{}", at)) != std::string::npos; at += name.size()) {
+      form.replace(at, 2, name);
+    }
+    return form;
+  };
+  Files files;
+  for (const std::string& name : names) files.emplace_back(filled(path, name), filled(text, name));
+  return files;
+}
+
+Files together(Files files, const Files& more) {
+  files.insert(files.end(), more.begin(), more.end());
+  return files;
+}
+
+const Strings kNames{"Red", "Green", "Blue", "Grey"};
+
+TEST(EntryClasses, OfWhatFilesHaveInCommon) {
+  const Files directives{{"go.mod", "module example.org/m\n"},
+                         {"conf/conf.go",
+                          "package conf\nvar all = map[string]func(){}\n"
+                          "func Register(name string, run func()) { all[name] = run }\n"
+                          "func Helper() int { return 1 }\n"}};
+  const std::string init =
+      "package {}\nimport \"example.org/m/conf\"\n"
+      "func init() { conf.Register(\"{}\", run) }\nfunc run() { conf.Helper() }\n";
+  const std::string later =
+      "package {}\nimport \"example.org/m/conf\"\nfunc Start() { conf.Register(\"{}\", nil) }\n";
+  const Files record{{"mode.h", "struct mode {\n  int id;\n  void (*run)(int);\n};\n"}};
+  const std::string table =
+      "#include \"mode.h\"\nstatic void run_{}(int x) { (void)x; }\n"
+      "const struct mode mode_{} = {\n  .id = 1,\n  .run = run_{},\n};\n";
+  const std::string announced =
+      "#include \"mode.h\"\nstatic struct mode mode_{};\nstatic void run_{}(int x) { (void)x; }\n"
+      "static struct mode mode_{} = {\n  .id = 1,\n  .run = run_{},\n};\n";
+  const std::string pointer = "#include \"mode.h\"\nstatic struct mode *mode_{};\nint {}(void);\n";
+  const Files work{
+      {"app/work.py", "TASKS = []\ndef task(run):\n  TASKS.append(run)\n  return run\n"},
+      {"app/errors.py", "class AppError(Exception): pass\n"}};
+  const std::string failing =
+      "from app.work import task\nfrom app.errors import AppError\nclass Lost{}(AppError): pass\n"
+      "@task\ndef go(): raise Lost{}()\n@task\ndef come(): pass\n";
+  const Files plugin{{"src/plugin.ts", "export function define(p: object) { return p }\n"},
+                     {"src/Page.ts", "export const page = 1\n"}};
+  expect({
+      {"Go files that register themselves when they are loaded",
+       together(directives, each_of(kNames, "mods/{}/directive.go", init)),
+       {"mods/**/directive.go"}},
+      {"what registers only when somebody asks it to",
+       together(directives, each_of(kNames, "mods/{}/directive.go", later)),
+       {}},
+      {"modules that export what one function makes",
+       together(plugin, each_of(kNames, "src/modules/{}/module.ts",
+                                "import { define } from '../../plugin'\nimport { page } from "
+                                "'../../Page'\nexport default define({ page })\n")),
+       {"src/modules/**/module.ts"}},
+      {"tables of functions in C",
+       together(record, each_of(kNames, "src/mode-{}.c", table)),
+       {"src/*.c"}},
+      {"tables that are announced first",
+       together(record, each_of(kNames, "src/mode-{}.c", announced)),
+       {"src/*.c"}},
+      {"pointers to tables", together(record, each_of(kNames, "src/mode-{}.c", pointer)), {}},
+      {"tasks that declare what they throw beside",
+       together(work, each_of(kNames, "app/{}/tasks.py", failing)),
+       {"app/**/tasks.py"}},
+      {"files of errors alone",
+       together(work, each_of(kNames, "app/{}/errors.py",
+                              "from app.errors import AppError\nclass Lost{}(AppError): pass\n")),
+       {}},
+  });
+}
+
+const std::string kReport =
+    "<?php\nnamespace App\\Report\\{};\nuse App\\Report\\Report;\nuse App\\Store;\n"
+    "class Month implements Report {\n  public function make() { return (new Store())->load(); "
+    "}\n}\n";
+const std::string kYear = "<?php\nnamespace App\\Report\\{};\nclass Year extends Month {\n}\n";
+
+TEST(EntryClasses, KeepHeirsOfTheirMembers) {
+  const Files base{
+      {"composer.json", R"({"autoload": {"psr-4": {"App\\": "app/"}}})"},
+      {"app/Store.php", "<?php\nnamespace App;\nclass Store { public function load() {} }\n"},
+      {"app/Report/Report.php",
+       "<?php\nnamespace App\\Report;\ninterface Report { public function make(); }\n"}};
+  expect({{"a year is a month with nothing added",
+           together(together(base, each_of(kNames, "app/Report/{}/Month.php", kReport)),
+                    each_of(kNames, "app/Report/{}/Year.php", kYear)),
+           {"app/Report/**/*.php"}}});
+  const AnsweredRepository repository(
+      together(together(base, each_of(kNames, "app/Report/{}/Month.php", kReport)),
+               each_of(kNames, "app/Report/{}/Year.php", kYear)));
+  const FlowsAnswer answer = flows_answer(repository.generator(), {});
+  ASSERT_EQ(answer.classes.size(), 1U);
+  EXPECT_EQ(answer.classes.front().roots.size(), 8U);
+}
+
+TEST(EntryClasses, LeaveToOthersWhatIsTheirs) {
+  // Jobs are services that a framework calls, too.
+  const Files base{
+      {"composer.json", R"({"autoload": {"psr-4": {"App\\": "app/"}}})"},
+      {"app/Store.php", "<?php\nnamespace App;\nclass Store { public function load() {} }\n"},
+      {"app/Service.php",
+       "<?php\nnamespace App;\nabstract class Service { abstract public function execute(); }\n"}};
+  const std::string service =
+      "<?php\nnamespace App\\Services;\nuse App\\Service;\nuse App\\Store;\n"
+      "class {} extends Service {\n  public function execute() { return (new Store())->load(); "
+      "}\n}\n";
+  const std::string job =
+      "<?php\nnamespace App\\Jobs;\nuse App\\Service;\nuse App\\Store;\n"
+      "use Illuminate\\Contracts\\Queue\\ShouldQueue;\n"
+      "class {} extends Service implements ShouldQueue {\n"
+      "  public function execute() { return (new Store())->load(); }\n}\n";
+  const Strings names{"A", "B", "C", "D", "E", "F", "G", "H"};
+  expect({{"both",
+           together(together(base, each_of(names, "app/Services/Make{}.php", service)),
+                    each_of(kNames, "app/Jobs/Send{}.php", job)),
+           {"app/Services/*.php", "app/Jobs/*.php"}}});
+}
+
+}  // namespace
+}  // namespace kestrix
