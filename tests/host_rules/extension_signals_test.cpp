@@ -169,6 +169,94 @@ std::vector<Case> registry_cases() {
   };
 }
 
+// A protocol, and classes that never name it.
+Files shaped(std::string_view second) {
+  return repeated(2, "shop/kinds/{0}.py",
+                  fmt::format("class Kind{{0}}:\n    def first(self):\n        return 1\n\n"
+                              "    def {}(self):\n        return 2\n",
+                              second),
+                  {{"shop/kind.py",
+                    "from typing import Protocol\n\n\nclass Kind(Protocol):\n"
+                    "    def first(self) -> int: ...\n    def second(self) -> int: ...\n"}});
+}
+
+std::string uses_of_options(std::string_view user) {
+  std::string fields;
+  for (char letter = 'a'; letter < 'j'; ++letter) {
+    fields += fmt::format("  private Options{0}? {0};\n", letter);
+  }
+  return fmt::format("namespace Shop.Options;\npublic class {}\n{{\n{}}}\n", user, fields);
+}
+
+// A type without members of its own, and many beside it that extend it.
+Files family(std::string_view head) {
+  return repeated(
+      9, "Shop/Options/Options{0}.cs",
+      "namespace Shop.Options;\npublic class Options{0} : Base {{ public int All {{ get; set; }} "
+      "}}\n"
+      "public class Used{0} {{ private Options{0}? one; }}\n",
+      {{"Shop/Options/Base.cs",
+        fmt::format(
+            "namespace Shop.Options;\npublic {} Base {{ public int Size {{ get; set; }} }}\n",
+            head)},
+       {"Shop/A.cs", uses_of_options("A")},
+       {"Shop/B.cs", uses_of_options("B")},
+       {"Shop/C.cs", uses_of_options("C")},
+       {"Shop/D.cs", uses_of_options("D")}});
+}
+
+// An interface that the product asks for and tests implement.
+Files tried(std::size_t tests) {
+  return repeated(
+      tests, "src/test/java/shop/Heard{0}Test.java",
+      "package shop;\npublic class Heard{0}Test implements Hears {{\n"
+      "  public void hear(int a) {{}}\n}}\n",
+      repeated(2, "src/main/java/shop/Use{0}.java",
+               "package shop;\npublic class Use{0} {{\n  private Hears hears;\n}}\n",
+               {{"src/main/java/shop/Hears.java",
+                 "package shop;\npublic interface Hears {\n  void hear(int a);\n}\n"}}));
+}
+
+// Jobs that are given a type, which others may name, too.
+Files jobs(std::size_t others) {
+  return repeated(
+      others, "shop/pages/{0}.go",
+      "package pages\n\nimport \"shop/core\"\n\nfunc Page{0}(all core.Setup) {{}}\n",
+      repeated(
+          6, "jobs/{0}/job.go",
+          "package {0}\n\nimport \"shop/core\"\n\ntype Job struct{{}}\n\n"
+          "func (j *Job) Run(all core.Setup) error {{\n\treturn nil\n}}\n",
+          {{"go.mod", "module shop\n\ngo 1.22\n"},
+           {"core/setup.go", "package core\n\ntype Setup struct {\n\tName string\n}\n"},
+           {"core/job.go", "package core\n\ntype Job interface {\n\tRun(all Setup) error\n}\n"}}));
+}
+
+Files records(std::size_t count) {
+  std::string rows;
+  for (std::size_t at = 0; at < count; ++at) {
+    rows += fmt::format("  {{ id: '{0}', label: 'Label {0}', wide: {0} }},\n", at);
+  }
+  return {{"src/kinds.ts", "export const kinds = [\n" + rows + "];\n"}};
+}
+
+std::vector<Case> contract_cases() {
+  return {
+      {"ProtocolsThatTypesHaveTheShapeOf", shaped("second"), "shop/kind.py", "implemented", true},
+      {"ProtocolsThatTypesHaveHalfOf", shaped("other"), "shop/kind.py", "implemented", false},
+      {"AbstractBasesOfAFamily", family("abstract class"), "Shop/Options/Base.cs", "extended",
+       true},
+      {"BasesOfAFamilyThatManyName", family("class"), "Shop/Options/Base.cs", "extended", false},
+      {"ContractsThatTestsImplement", tried(2), "src/main/java/shop/Hears.java",
+       "implemented_in_tests", true},
+      {"ContractsThatOneTestImplements", tried(1), "src/main/java/shop/Hears.java",
+       "implemented_in_tests", false},
+      {"WhatImplementersAreGiven", jobs(1), "core/setup.go", "given_to_implementers", true},
+      {"WhatOthersAreGivenToo", jobs(6), "core/setup.go", "given_to_implementers", false},
+      {"TablesOfRecords", records(14), "src/kinds.ts", "table_of_records", true},
+      {"TablesOfFewRecords", records(6), "src/kinds.ts", "table_of_records", false},
+  };
+}
+
 std::vector<Case> cases() {
   return {
       {"FunctionsCalledOnLoad", callers("init"), "core/core.go", "called_on_load", true},
@@ -221,6 +309,8 @@ TEST_P(ExtensionSignals, TellExtensionPointsFromTheirLikes) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Registries, ExtensionSignals, testing::ValuesIn(registry_cases()),
+                         [](const auto& one) { return one.param.name; });
+INSTANTIATE_TEST_SUITE_P(Contracts, ExtensionSignals, testing::ValuesIn(contract_cases()),
                          [](const auto& one) { return one.param.name; });
 INSTANTIATE_TEST_SUITE_P(Pages, ExtensionSignals, testing::ValuesIn(cases()),
                          [](const auto& one) { return one.param.name; });

@@ -22,8 +22,11 @@ using index::IndexedReference;
 constexpr std::size_t kAskedFor = 3;   // so many files name a contract that one type implements
 constexpr std::size_t kPlainBase = 3;  // so many files extend a type that is no open one
 constexpr std::size_t kPlainFolders = 2;
-constexpr std::size_t kFamily = 8;     // so many make a family of a base wherever they lie
-constexpr std::size_t kManyTypes = 5;  // so many types implement a contract beside it
+constexpr std::size_t kFamily = 8;        // so many make a family of a base wherever they lie
+constexpr std::size_t kManyTypes = 5;     // so many types implement a contract beside it
+constexpr std::size_t kShapeMethods = 2;  // types have one in common by accident
+constexpr std::size_t kMostShapeMethods = 40;
+constexpr std::size_t kMostOfShape = 200;
 constexpr double kMostCalled = 0.6;
 constexpr std::size_t kMostDependents = 3;  // what more name serves them
 
@@ -40,11 +43,16 @@ class Finder {
   std::vector<Contract> find() {
     std::set<DeclarationRef> bases;
     for (const IndexedReference& to : evidence_.index().references()) {
-      if (to.declaration == 0 || to.target == IndexedReference::kOutside) continue;
-      if (kSubtyping.has(to.role) && evidence_.is_product(to.target)) {
+      if (!kSubtyping.has(to.role)) continue;
+      if (to.target == IndexedReference::kOutside) {
+        const bool shape = to.within > 0 && evidence_.is_product(to.source) && is_shape(to);
+        if (shape) shapes_.insert({to.source, to.within - 1});
+      } else if (to.declaration > 0 && evidence_.is_product(to.target)) {
         bases.insert({to.target, to.declaration - 1});
       }
     }
+    bases.insert(shapes_.begin(), shapes_.end());
+    collect_methods_of_shapes();
     std::vector<Contract> contracts;
     for (const DeclarationRef type : bases) {
       if (!is_type(evidence_[type].kind) || errors_.contains(type)) continue;
@@ -63,6 +71,9 @@ class Finder {
     contract.open = declared.abstract_methods > 0 || derives_from(type, index::Known::kOpenBase) ||
                     (members && declared.kind == DeclarationKind::kInterface);
     contract.implementers = descendants_.of(type);
+    if (contract.implementers.empty() && shapes_.contains(type)) {
+      contract.implementers = shaped_like(type);
+    }
     std::set<std::string_view> folders;
     for (const DeclarationRef implementer : contract.implementers) {
       if (implementer.file == type.file) continue;
@@ -99,10 +110,74 @@ class Finder {
         if (to.role == index::Role::kLists) lookups.insert(to.source);
       }
     }
+    for (const DeclarationRef implementer : contract.implementers) {
+      if (implementer.file != type.file) continue;
+      for (const std::uint32_t at : evidence_.references_to(implementer)) {
+        const IndexedReference& to = evidence_.reference(at);
+        if (kSubtyping.has(to.role) && evidence_.is_test(to.source)) tests.insert(to.source);
+      }
+    }
     contract.users = users.size();
     contract.test_implementers = tests.size();
     contract.lookups = lookups.size();
     return contract;
+  }
+
+  // What derives from it names the methods that it takes, and types that have them need not name
+  // it.
+  bool is_shape(const IndexedReference& to) const {
+    return evidence_.index().files()[to.source].language == "python" &&
+           (to.name == "Protocol" || to.name.ends_with(".Protocol"));
+  }
+
+  std::vector<std::string_view> methods_of(DeclarationRef type) const {
+    std::vector<std::string_view> methods;
+    for (const auto& row : evidence_.index().declarations(type.file)) {
+      const bool own = row.kind == DeclarationKind::kMethod && row.container == type.place + 1;
+      if (own && !row.name.starts_with("__")) methods.push_back(row.name);
+    }
+    return methods;
+  }
+
+  // Who has a method that a shape asks for, too; of those that many have, the first.
+  void collect_methods_of_shapes() {
+    for (const DeclarationRef shape : shapes_) {
+      for (const std::string_view method : methods_of(shape)) having_.try_emplace(method);
+    }
+    const auto files = evidence_.index().files();
+    for (FileId file = 0; file < files.size() && !having_.empty(); ++file) {
+      if (files[file].language != "python" || !evidence_.is_product(file)) continue;
+      const auto rows = evidence_.index().declarations(file);
+      for (const auto& row : rows) {
+        if (row.kind != DeclarationKind::kMethod || row.container == 0) continue;
+        const DeclarationRef type{file, row.container - 1};
+        const auto found = having_.find(row.name);
+        if (found == having_.end() || !is_type(rows[type.place].kind)) continue;
+        if (!shapes_.contains(type) && found->second.size() < kMostOfShape) {
+          found->second.push_back(type);
+        }
+      }
+    }
+  }
+
+  // The product's types that have all of its methods, if those are several.
+  std::vector<DeclarationRef> shaped_like(DeclarationRef type) const {
+    const auto methods = methods_of(type);
+    if (methods.size() < kShapeMethods || methods.size() > kMostShapeMethods) return {};
+    const auto holders = [this](std::string_view method) -> const auto& {
+      return having_.find(method)->second;
+    };
+    const auto rarest = std::ranges::min(
+        methods, {}, [&](std::string_view method) { return holders(method).size(); });
+    const auto& table = evidence_.index().declarations();
+    std::set<DeclarationRef> types;
+    for (const DeclarationRef other : holders(rarest)) {
+      const auto has = [&](std::string_view method) {
+        return table.find_member(other, method).has_value();
+      };
+      if (std::ranges::all_of(methods, has)) types.insert(other);
+    }
+    return {types.begin(), types.end()};
   }
 
   bool counts(const Contract& contract) const {
@@ -120,13 +195,16 @@ class Finder {
       if (contract.implementers.size() >= kManyTypes && declared.methods > 0) return true;
       if (contract.lookups > 0 && !contract.files.empty()) return true;
       const bool tried = contract.test_implementers > 0 || contract.users >= 2;
+      const bool mixin = declared.kind == DeclarationKind::kTrait && declared.abstract_methods == 0;
+      if (contract.test_implementers >= 2 && contract.users >= 2 && !mixin) return true;
       return (tried && !contract.implementers.empty()) ||
              (contract.files.size() == 1 && contract.users >= kAskedFor &&
               folder_of(evidence_.path(contract.files.front())) !=
                   folder_of(evidence_.path(contract.type.file)));
     }
     if (is_interface(declared.kind)) return false;
-    if (contract.files.size() >= kFamily && contract.quiet >= kMostCalled) return true;
+    const bool meant = contract.quiet >= kMostCalled || declared.is_abstract;
+    if (contract.files.size() >= kFamily && meant) return true;
     const bool elsewhere = contract.folders >= kPlainFolders || leaves(contract);
     return contract.files.size() >= kPlainBase && elsewhere &&
            !derives_from(contract.type, index::Known::kHandlerBase);
@@ -150,6 +228,8 @@ class Finder {
 
   const CodeEvidence& evidence_;
   const std::set<DeclarationRef> errors_;
+  std::set<DeclarationRef> shapes_;
+  std::map<std::string_view, std::vector<DeclarationRef>> having_;  // by method
   Descendants descendants_;
 };
 

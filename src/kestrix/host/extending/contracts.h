@@ -30,9 +30,10 @@ struct Contract {
 ///
 /// An interface, trait, protocol or abstract type counts when two other files of the product
 /// implement it, when one in another folder does and several files ask for it by name, or when the
-/// product brings an implementation and tests bring others. A type that says nothing of what to
-/// implement counts when files of several folders extend it. Error types, mixins and markers are no
-/// contracts.
+/// product brings an implementation and tests bring others, or when the product asks for it and
+/// several tests implement it. Types that have all methods of a protocol implement it, whether they
+/// name it or not. A type that says nothing of what to implement counts when files of several
+/// folders extend it, or very many. Error types, mixins and markers are no contracts.
 std::vector<Contract> contracts_of(const CodeEvidence& evidence);
 
 /// How much a contract weighs on the page, by who implements it and who asks for it.

@@ -37,6 +37,7 @@ ScoreSheet extension_sheet(const CodeEvidence& evidence, std::span<const Contrac
   ScoreSheet sheet(evidence);
   add_contract_signals(evidence, contracts, sheet);
   add_holder_signals(evidence, contracts, sheet);
+  add_context_signals(evidence, contracts, sheet);
   add_registry_signals(evidence, sheet);
   add_store_signals(evidence, sheet);
   add_wiring_signals(evidence, sheet);

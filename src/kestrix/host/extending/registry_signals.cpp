@@ -24,7 +24,14 @@ constexpr Signal kOnLoad{"called_on_load", 1.6, "{} file calls it when it is loa
 constexpr Signal kOwnTable{"table_of_its_own", 1.2, "its table lists {} of its declarations",
                            "its tables list {} of its declarations", "tmux, ripgrep"};
 
+// Where little else shows, one extends a product by the records of its longest tables.
+constexpr Signal kRecords{"table_of_records", 0.3, "its table has {} record",
+                          "its table has {} records", "umami, ripgrep"};
+
 constexpr std::size_t kSeveral = 3;
+constexpr std::uint32_t kManyRecords = 12;
+constexpr std::uint32_t kMostRecords = 64;  // more tell nothing more
+constexpr std::size_t kLongestTables = 4;
 constexpr std::size_t kFolders = 2;
 constexpr std::uint32_t kNoValue = UINT32_MAX;
 constexpr std::size_t kOwnRows = 5;
@@ -37,15 +44,23 @@ class RegistrySignals {
   // One pass over what each file names.
   void add() {
     for (FileId file = 0; file < evidence_.index().files().size(); ++file) {
-      if (evidence_.is_product(file)) look_at(file);
+      if (!evidence_.is_product(file)) continue;
+      look_at(file);
+      look_at_records(file);
     }
     for (const auto& [file, users] : filled_) {
       if (users.size() >= kSeveral) sheet_.add(file, kFilled, users.size());
     }
     add_users();
+    add_longest();
   }
 
  private:
+  struct Longest {
+    std::uint32_t records;
+    DeclarationRef table;
+  };
+
   struct Users {
     std::set<FileId> files;
     std::set<DeclarationRef> declared;
@@ -62,6 +77,29 @@ class RegistrySignals {
       if (folders.size() < kFolders) continue;
       sheet_.add(file, kOnLoad, users.files.size(), users.at, names_and_lines(users.at));
     }
+  }
+
+  void add_longest() {
+    std::ranges::sort(records_, {}, [](const Longest& each) {
+      return std::pair(-static_cast<std::int64_t>(each.records), each.table);
+    });
+    if (records_.size() > kLongestTables) records_.resize(kLongestTables);
+    for (const auto& [records, table] : records_) {
+      std::vector<Place> places{evidence_.place_of(table)};
+      const std::string names = names_and_lines(places);
+      sheet_.add(table.file, kRecords, std::min(records, kMostRecords), std::move(places), names);
+    }
+  }
+
+  // The longest table of a file.
+  void look_at_records(FileId file) {
+    Longest longest{kManyRecords - 1, {file, 0}};
+    const auto rows = evidence_.index().declarations(file);
+    for (std::uint32_t at = 0; at < rows.size(); ++at) {
+      const bool table = rows[at].shape == index::ValueShape::kRecords && is_table(file, at + 1);
+      if (table && rows[at].size > longest.records) longest = {rows[at].size, {file, at}};
+    }
+    if (longest.records >= kManyRecords) records_.push_back(longest);
   }
 
   void note(FileId user, DeclarationRef function) {
@@ -156,7 +194,8 @@ class RegistrySignals {
   const CodeEvidence& evidence_;
   ScoreSheet& sheet_;
   std::map<FileId, std::set<FileId>> filled_;  // by the file of the type
-  std::map<FileId, Users> on_load_;            // by the file of the function
+  std::vector<Longest> records_;
+  std::map<FileId, Users> on_load_;  // by the file of the function
 };
 
 }  // namespace

@@ -16,6 +16,9 @@ void add_contract_signals(const CodeEvidence& evidence, std::span<const Contract
 /// Of the files that hold implementations: that list, pair or take them.
 void add_holder_signals(const CodeEvidence& evidence, std::span<const Contract> contracts,
                         ScoreSheet& sheet);
+/// Of the files that declare what those who implement a contract are given, and hardly others.
+void add_context_signals(const CodeEvidence& evidence, std::span<const Contract> contracts,
+                         ScoreSheet& sheet);
 /// Of the files that code is handed over to when it is loaded or by a table.
 void add_registry_signals(const CodeEvidence& evidence, ScoreSheet& sheet);
 /// Of the files whose functions register what others give them, that hold it, or that load it by
