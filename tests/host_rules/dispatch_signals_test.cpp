@@ -124,6 +124,70 @@ TEST(Dispatch, HasTheTypesThatTheyComeFrom) {
   });
 }
 
+TEST(Dispatch, HasTheBaseOfAGroup) {
+  const Files pages =
+      with(each_of({"A", "B", "C", "D", "E", "F", "G", "H", "I"}, "app/controllers/",
+                   "_controller.rb", "class %Controller < PageController\nend\n"),
+           each_of({"X", "Y", "Z"}, "app/controllers/", "_controller.rb",
+                   "class %Controller < AdminController\n  include Logs\nend\n"));
+  expect_all({
+      {"which extends the base of all; no module that a group takes in",
+       with(pages, {{"app/web/page_controller.rb", "class PageController\nend\n"},
+                    {"app/web/admin_controller.rb", "class AdminController\nend\n"},
+                    {"app/web/logs.rb", "module Logs\n  def log(what) = puts(what)\nend\n"}}),
+       "app/controllers/*_controller.rb", "app/web/admin_controller.rb", "entry_point_base",
+       "app/web/logs.rb"},
+  });
+}
+
+TEST(Dispatch, StartsWhereItsFrameworkSays) {
+  const Files web = each_of({"users", "posts", "tags"}, "app/controllers/", "_controller.rb",
+                            "class %Controller < ApplicationController\nend\n");
+  expect_all({
+      {"not where other entry points are listed",
+       with(with(web, each_of({"Mail", "Clean"}, "app/jobs/", "_job.rb",
+                              "class %Job < ApplicationJob\n  def perform = nil\nend\n")),
+            {{"config/application.rb",
+              "module App\n  class Application < Rails::Application\n"
+              "  end\nend\n"},
+             {"config/routes.rb",
+              "Rails.application.routes.draw do\n  get '/u', to: 'users#index'\n"
+              "  get '/p', to: 'posts#index'\n  get '/t', to: 'tags#index'\nend\n"}}),
+       "app/jobs/*_job.rb", "config/application.rb", "framework_start", "config/routes.rb"},
+      {"among the pages, not where another product's pages start",
+       with(each_of({"home", "shop", "user"}, "phone/app/", "/index.tsx",
+                    "export default function Page() { return <p>%</p>; }\n"),
+            {{"phone/app/_layout.tsx", "export default function Layout() { return <main />; }\n"},
+             {"site/app/layout.tsx", "export default function Layout() { return <main />; }\n"}}),
+       "phone/app/**/index.tsx", "phone/app/_layout.tsx", "framework_start", "site/app/layout.tsx"},
+  });
+}
+
+TEST(Dispatch, IsListedWithoutCode) {
+  const Files jobs = each_of({"Mail", "Clean", "Sync"}, "app/jobs/", "Job.rb",
+                             "class %Job < ApplicationJob\n  def perform = nil\nend\n");
+  const Files tools = each_of({"parse", "read"}, "util/", ".cpp", "int main() { return 0; }\n");
+  expect_all({
+      {"a schedule that names types",
+       with(jobs, {{"config/recurring.yml",
+                    "mail:\n  class: MailJob\n  every: 1h\nclean:\n  class: CleanJob\n"},
+                   {"config/other.yml", "mail: Clean\nsync: 5\n"}}),
+       "app/jobs/*Job.rb", "config/recurring.yml", "table_of_entry_points", "config/other.yml"},
+      {"programs beside their list",
+       with(with(tools, each_of({"api", "tree", "text", "list"}, "src/", ".cpp",
+                                "int %() { return 0; }\n")),
+            {{"util/CMakeLists.txt",
+              "add_executable(parse parse.cpp)\nadd_executable(read read.cpp)\n"}}),
+       "util/*.cpp", "util/CMakeLists.txt", "table_of_entry_points", "CMakeLists.txt"},
+      {"not by what lists all sources",
+       with(each_of({"api", "tree", "text", "list"}, "src/", ".cpp", "int %() { return 0; }\n"),
+            {{"CMakeLists.txt",
+              "add_library(all src/api.cpp src/tree.cpp src/text.cpp src/list.cpp)\n"},
+             {"src/main.cpp", "int api();\nint tree();\nint main() { return api() + tree(); }\n"}}),
+       "src/{api,tree}.cpp", "src/main.cpp", "names_entry_points", "CMakeLists.txt"},
+  });
+}
+
 TEST(Dispatch, HasWhoCallsIt) {
   const Files handlers =
       each_of({"Mail", "Text", "Call"}, "src/handlers/", "Handler.java",

@@ -27,8 +27,8 @@ ScoreSheet dispatch_sheet(const FlowEvidence& evidence, std::span<const index::F
   const auto holders = add_bases(sheet, code, own, evidence.errors);
   add_hops(sheet, code, evidence.graph, own, hubs, holders);
   add_tables(sheet, code, evidence.tables, own.files());
-  if (found_by_framework(evidence, own)) {
-    add_starts(sheet, code, evidence.graph, own.files(), hubs.empty());
+  if (found_by_framework(evidence, own) || sheet.ranked().empty()) {
+    add_starts(sheet, code, evidence.graph, own.files(), evidence.handlers, hubs.empty());
   }
   return sheet;
 }

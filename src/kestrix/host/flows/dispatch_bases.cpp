@@ -15,6 +15,8 @@ constexpr Signal kBase{"entry_point_base", 2.0, "declares what {} entry point ex
                        "declares what {} entry points extend", "netbox, mockito"};
 constexpr Signal kFarBase{"entry_point_base", 0.8, "declares what {} entry point comes from",
                           "declares what {} entry points come from", "netbox, lobsters"};
+constexpr Signal kGroupBase{"entry_point_base", 1.5, "declares what {} entry point extends",
+                            "declares what {} entry points extend", "monica, lobsters"};
 constexpr Signal kHolder{"holds_entry_points", 1.3, "names their base type {} time",
                          "names their base type {} times", "crates.io, mockito"};
 
@@ -23,6 +25,9 @@ constexpr Signal kOfFew{"holds_entry_points", 1.9,
                         "is one of few that name their base type, {} times", "jekyll, halo"};
 constexpr std::size_t kFewHolders = 5;
 constexpr std::size_t kMostBaseHops = 6;
+// The base of a group among them: so many, and so many groups.
+constexpr std::size_t kLeastOfGroup = 3;
+constexpr std::size_t kMostGroups = 3;
 // What more files have to do with is known all over the product.
 constexpr std::size_t kMostHolders = 10;
 
@@ -37,8 +42,13 @@ class Bases {
     SeenBy direct;
     SeenBy far;
     SeenBy holders;
+    std::vector<std::pair<std::size_t, DeclarationRef>> groups;
     for (const auto& [base, files] : bases()) {
-      if (files.all.size() < least) continue;
+      if (files.all.size() < least) {
+        if (files.direct.size() >= kLeastOfGroup && !is_mixin(base))
+          groups.emplace_back(files.direct.size(), base);
+        continue;
+      }
       const bool near = files.direct.size() >= least;
       if (!near && is_mixin(base)) continue;
       Seen& seen = (near ? direct : far)[base.file];
@@ -53,6 +63,13 @@ class Bases {
     for (auto& [file, seen] : far) {
       if (direct.contains(file)) continue;
       sheet.add(file, kFarBase, seen.files.size(), seen.at, names_and_lines(seen.at));
+    }
+    std::ranges::stable_sort(groups, std::ranges::greater(), [](const auto& g) { return g.first; });
+    if (groups.size() > kMostGroups) groups.resize(kMostGroups);
+    for (const auto& [count, base] : groups) {
+      if (direct.contains(base.file) || far.contains(base.file)) continue;
+      sheet.add(base.file, kGroupBase, count, {evidence_.place_of(base)});
+      note_holders(base, holders);
     }
     std::vector<FileId> few;
     for (auto& [file, seen] : holders) {

@@ -96,6 +96,21 @@ void keep_nearest(const CodeEvidence& evidence, std::string_view folder,
   });
 }
 
+// Pages have their starts among and above them; where some lie so, others are of other products.
+void keep_around_pages(const CodeEvidence& evidence, std::string_view folder,
+                       std::vector<Start>& starts) {
+  const auto around = [&](const Start& start) {
+    const std::string_view own = directory_of(evidence.path(start.file));
+    return lies_in(folder, own) || lies_in(own, folder) || own == folder;
+  };
+  const auto pages = [&](const Start& start) {
+    return evidence.index().files()[start.file].language == kPages;
+  };
+  const bool any = std::ranges::any_of(
+      starts, [&](const Start& start) { return pages(start) && around(start); });
+  if (any) std::erase_if(starts, [&](const Start& start) { return !around(start); });
+}
+
 // Where there is one for each part of the product, those of the parts that hold entry points.
 void keep_of_parts(const CodeEvidence& evidence, const std::vector<FileId>& roots,
                    std::vector<Start>& starts) {
@@ -112,14 +127,28 @@ void keep_of_parts(const CodeEvidence& evidence, const std::vector<FileId>& root
   });
 }
 
+// A list of what other entry points there are.
+bool lists_others(const NamingGraph& graph, const std::vector<FileId>& roots,
+                  const std::map<FileId, HandlerSign>& handlers, FileId file) {
+  std::size_t others = 0;
+  for (const Naming& naming : graph.from(file)) {
+    if (!naming.names || !handlers.contains(naming.to)) continue;
+    if (std::ranges::binary_search(roots, naming.to)) return false;
+    ++others;
+  }
+  return others >= kSetsUp && others * 2 >= graph.from(file).size();
+}
+
 // What a start alone names, and sets something up. Where that is much, the start is a list.
 void add_followers(ScoreSheet& sheet, const CodeEvidence& evidence, const NamingGraph& graph,
-                   const std::vector<FileId>& roots, FileId start) {
+                   const std::vector<FileId>& roots, const std::map<FileId, HandlerSign>& handlers,
+                   FileId start) {
   std::map<FileId, std::uint32_t> followers;
   for (const Naming& naming : graph.from(start)) {
     const bool only = graph.to(naming.to).size() == 1 && naming.names;
     if (!only || !evidence.is_product(naming.to)) continue;
     if (std::ranges::binary_search(roots, naming.to)) continue;
+    if (lists_others(graph, roots, handlers, naming.to)) continue;
     if (graph.from(naming.to).size() >= kSetsUp) followers.emplace(naming.to, naming.line);
   }
   if (followers.size() > kMostFollowers) return;
@@ -131,18 +160,22 @@ void add_followers(ScoreSheet& sheet, const CodeEvidence& evidence, const Naming
 }  // namespace
 
 void add_starts(ScoreSheet& sheet, const CodeEvidence& evidence, const NamingGraph& graph,
-                const std::vector<FileId>& roots, bool alone) {
+                const std::vector<FileId>& roots, const std::map<FileId, HandlerSign>& handlers,
+                bool alone) {
   std::vector<Start> starts = starts_of(evidence, roots);
+  const std::string_view folder = common_folder(evidence, roots);
+  keep_around_pages(evidence, folder, starts);
   keep_of_parts(evidence, roots, starts);
-  keep_nearest(evidence, common_folder(evidence, roots), starts);
+  keep_nearest(evidence, folder, starts);
   for (const Start& start : starts) {
+    if (lists_others(graph, roots, handlers, start.file)) continue;
     const auto named = static_cast<std::uint64_t>(std::ranges::count_if(
         graph.from(start.file), [&](const Naming& to) { return evidence.is_product(to.to); }));
     // One that knows the product sets it up; one that knows nothing of it hands on to one that
     // does.
     sheet.add(start.file, alone ? kStart : kStartToo, std::max<std::uint64_t>(1, named), {},
               std::string(start.framework));
-    if (alone) add_followers(sheet, evidence, graph, roots, start.file);
+    if (alone) add_followers(sheet, evidence, graph, roots, handlers, start.file);
   }
 }
 

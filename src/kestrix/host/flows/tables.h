@@ -21,8 +21,9 @@ class TableTexts {
   std::map<index::FileId, std::string> texts_;
 };
 
-/// Adds the files without code that name entry points, by a path ("scripts/check.js") or a dotted
-/// name ("app.cli:main"): those in the folders above them.
+/// Adds the files without code that name entry points, by a path ("scripts/check.js"), a dotted name
+/// ("app.cli:main") or what they declare ("CleanUpJob"): those in the folders above them, and what
+/// sets a product up there.
 void add_tables(ScoreSheet& sheet, const CodeEvidence& evidence, TableTexts& texts,
                 const std::vector<index::FileId>& roots);
 

@@ -206,6 +206,7 @@ constexpr FrameworkName kNames[] = {
     {"netlify", Known::kHandlerPath, "**/netlify/functions/**/*.js"},
     {"redwood", Known::kHandlerPath, "**/api/src/functions/**/*.ts"},
     {"next", Known::kStartPath, "**/app/**/layout.tsx"},
+    {"expo", Known::kStartPath, "**/app/**/_layout.tsx"},
     {"next", Known::kStartPath, "**/next.config.*"},
     {"next", Known::kStartPath, "**/proxy.ts"},
     {"next", Known::kStartPath, "**/pages/_app.tsx"},

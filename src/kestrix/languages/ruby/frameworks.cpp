@@ -113,7 +113,6 @@ constexpr FrameworkName kNames[] = {
 
     {"rails", Known::kStartPath, "config/routes.rb"},
     {"rails", Known::kStartPath, "config/application.rb"},
-    {"rails", Known::kStartPath, "config/environment.rb"},
     {"rails", Known::kSettingsPath, "config/database.yml"},
     {"rails", Known::kSettingsPath, "config/application.rb"},
     {"rails", Known::kSettingsPath, "config/environments/*.rb"},
