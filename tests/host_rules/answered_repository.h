@@ -1,5 +1,7 @@
 #pragma once
 
+#include <fmt/format.h>
+
 #include <memory>
 #include <optional>
 #include <string>
@@ -34,6 +36,18 @@ class AnsweredRepository {
   std::unique_ptr<index::RepositoryIndex> index_;
   std::optional<WikiGenerator> generator_;
 };
+
+/// `count` files of a pattern in which {0} is a letter, behind `more`.
+inline AnsweredRepository::Files repeated(std::size_t count, std::string_view path,
+                                          std::string_view text,
+                                          AnsweredRepository::Files more = {}) {
+  for (std::size_t at = 0; at < count; ++at) {
+    const char letter = static_cast<char>('a' + at);
+    more.emplace_back(fmt::format(fmt::runtime(path), letter),
+                      fmt::format(fmt::runtime(text), letter));
+  }
+  return more;
+}
 
 inline std::vector<std::string> paths_of(const std::vector<Pick>& picks) {
   std::vector<std::string> paths;

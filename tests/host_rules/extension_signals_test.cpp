@@ -5,18 +5,16 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "kestrix/host/evidence/score_sheet.h"
 #include "kestrix/host/wiki_generator.h"
-#include "kestrix/index/refresh/indexer.h"
-#include "tests/index/scratch.h"
+#include "tests/host_rules/answered_repository.h"
 
 namespace kestrix {
 namespace {
 
-using Files = std::vector<std::pair<std::string, std::string>>;
+using Files = AnsweredRepository::Files;
 
 struct Case {
   std::string name;
@@ -25,16 +23,6 @@ struct Case {
   std::string kind;  // of the reason
   bool shown;
 };
-
-// `count` files of a pattern in which {0} is a letter.
-Files repeated(std::size_t count, std::string_view path, std::string_view text, Files more) {
-  for (std::size_t at = 0; at < count; ++at) {
-    const char letter = static_cast<char>('a' + at);
-    more.emplace_back(fmt::format(fmt::runtime(path), letter),
-                      fmt::format(fmt::runtime(text), letter));
-  }
-  return more;
-}
 
 // Packages that call a function, in what runs when they are loaded or later.
 Files callers(std::string_view function) {
@@ -290,14 +278,9 @@ std::vector<Case> cases() {
 class ExtensionSignals : public testing::TestWithParam<Case> {};
 
 TEST_P(ExtensionSignals, TellExtensionPointsFromTheirLikes) {
-  const index::Scratch scratch;
-  for (const auto& [path, text] : GetParam().files) scratch.write("repo/" + path, text);
-  index::IndexOptions options;
-  options.root = scratch / "repo";
-  options.file = scratch / "index.sqlite";
-  const auto opened = index::refresh_and_open(options);
-  const WikiGenerator generator(*opened.index, options.root);
-  const auto file = opened.index->find(GetParam().path);
+  const AnsweredRepository repository(GetParam().files);
+  const WikiGenerator& generator = repository.generator();
+  const auto file = generator.indexed().find(GetParam().path);
   ASSERT_TRUE(file);
   std::vector<std::string> kinds;
   for (const Reason& reason : generator.extensions().reasons(*file)) kinds.push_back(reason.kind);

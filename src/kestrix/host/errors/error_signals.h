@@ -16,12 +16,4 @@ struct ErrorEvidence {
 /// Where errors are defined, made, told apart, handled and answered.
 ErrorEvidence error_evidence_of(const CodeEvidence& evidence);
 
-/// Adds what the names of declarations say of errors, by who uses them, and what frameworks find by
-/// such names. `types` are scored by what is done with them instead.
-void add_error_names(const CodeEvidence& evidence, const std::set<index::DeclarationRef>& types,
-                     ScoreSheet& sheet);
-
-/// Whether a declaration's name says that it is about errors.
-bool names_error(std::string_view name);
-
 }  // namespace kestrix

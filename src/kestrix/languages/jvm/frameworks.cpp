@@ -9,6 +9,8 @@ namespace {
 constexpr FrameworkName kNames[] = {
     {"spring", Known::kResponse, "ResponseEntity"},
     {"spring", Known::kResponse, "ProblemDetail"},
+    {"spring", Known::kResponse, "ResponseStatus"},
+    {"spring", Known::kResponse, "ErrorResponse"},
     {"java", Known::kEndsProgram, "System.exit"},
     {"java", Known::kErrorBase, "AssertionError"},
     {"java", Known::kErrorBase, "Error"},

@@ -8,6 +8,8 @@ namespace {
 
 constexpr FrameworkName kNames[] = {
     {"laravel", Known::kResponse, "JsonResponse"},
+    {"laravel", Known::kResponse, "Responsable"},
+    {"symfony", Known::kResponse, "HttpExceptionInterface"},
     {"symfony", Known::kResponse, "Response"},
     {"php", Known::kErrorBase, "Exception"},
     {"php", Known::kErrorBase, "RuntimeException"},
