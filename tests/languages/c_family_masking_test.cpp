@@ -57,6 +57,8 @@ TEST(CFamilyMask, TakesOutMacrosThatAreNoCode) {
        "void f(int a) ~~~~~~~~~~ override;\nvoid f() ~~~;\n"},
       {"behind a name", "ns::Mutex mutex_;\nns::Map map_ GUARDED_BY(mutex_);\n",
        "ns::Mutex mutex_;\nns::Map map_ ~~~~~~~~~~~~~~~~~~;\n"},
+      {"announcements", "class API Name;\nstruct NAME name;\nclass NAME;\n",
+       "class ~~~ Name;\nstruct NAME name;\nclass NAME;\n"},
       {"statements", "if (a) RETURN(b);\nFOO(a);\nelse FOO(b);\n", ""},
       {"lists of enumerators", "enum e {\n#define X(n) A_##n,\n  MAP(X)\n#undef X\n  LAST\n};\n",
        "enum e {\n~~~~~~~~~~~~~~~~~~~\n  ~~~~~~\n#undef X\n  LAST\n};\n"},

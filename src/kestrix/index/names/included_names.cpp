@@ -39,7 +39,9 @@ NamedThing IncludedNames::resolve(std::string_view name, std::uint32_t within) {
 IncludedNames::Found IncludedNames::find(std::string_view& rest, std::uint32_t within) {
   const std::string_view root = first_part(rest);
   auto found = find_around(root, within);
-  if (!found) found = find_included(root, namespace_of(table_, file_, within), false);
+  const std::string space = namespace_of(table_, file_, within);
+  if (!found) found = find_included(root, space, false);
+  if (!found) found = find_announced(root, space);
   if (found && table_[*found].kind != DeclarationKind::kModule) {
     rest = behind(rest, root.size());
     return found;
@@ -82,6 +84,34 @@ IncludedNames::Found IncludedNames::find_included(std::string_view name, std::st
     return at.file == found.front().file;
   });
   return sure ? Found(found.front()) : std::nullopt;
+}
+
+// A type that the file only announces ("class Name;") and one file defines, included or not.
+IncludedNames::Found IncludedNames::find_announced(std::string_view name, std::string_view space) {
+  auto found = table_.find_each(name, kMostDeclarations);
+  std::erase_if(found, [&](DeclarationRef at) {
+    const std::string_view language = files_.language(at.file);
+    const bool included = language == "c" || language == "cpp";
+    const DeclarationKind kind = table_[at].kind;
+    return !included || !is_type(kind) || kind == DeclarationKind::kAlias ||
+           namespace_of(table_, at) != space;
+  });
+  if (found.size() != 1 || !announces(name)) return std::nullopt;
+  return found.front();
+}
+
+// Whether the file names it outside of all functions and types, as nothing but announcements do.
+bool IncludedNames::announces(std::string_view name) {
+  if (!announced_) {
+    announced_.emplace();
+    const auto mine = table_.of(file_);
+    for (Mention& mention : files_.mentions(file_)) {
+      const bool outside = mention.within == 0 || mention.within > mine.size() ||
+                           mine[mention.within - 1].kind == DeclarationKind::kModule;
+      if (mention.role == Role::kUses && outside) announced_->insert(std::move(mention.name));
+    }
+  }
+  return announced_->contains(name);
 }
 
 // "a::b::Name": what stands before the name are the namespaces that it stands in.

@@ -3,6 +3,8 @@
 #include <cstdint>
 #include <map>
 #include <optional>
+#include <set>
+#include <string>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
@@ -38,6 +40,8 @@ class IncludedNames {
   Found find(std::string_view& rest, std::uint32_t within);
   Found find_around(std::string_view name, std::uint32_t within);
   Found find_included(std::string_view name, std::string_view space, bool exactly);
+  Found find_announced(std::string_view name, std::string_view space);
+  bool announces(std::string_view name);
   Found find_qualified(std::string_view& rest);
   Found find_member(DeclarationRef type, std::string_view name);
   Found find_own_member(DeclarationRef type, std::string_view name) const;
@@ -52,7 +56,8 @@ class IncludedNames {
   const Scopes& scopes_;
   const DeclarationTable& table_;
   FileId file_;
-  std::optional<Reached> included_;  // made when one is first asked
+  std::optional<Reached> included_;                              // made when one is first asked
+  std::optional<std::set<std::string, std::less<>>> announced_;  // likewise
   std::unordered_map<std::uint32_t, Found> owners_;
   std::map<DeclarationRef, std::vector<DeclarationRef>> ancestors_;
   int depth_ = 0;

@@ -58,7 +58,8 @@ class Masking {
         at = skip_space(text_, at + word_at(text_, at).size());
       }
       if (contains(kTypeWords, word_at(text_, at))) {
-        mask_in_head(at + word_at(text_, at).size());
+        const std::string_view word = word_at(text_, at);
+        mask_in_head(at + word.size(), word == "class");
       }
       mask_specifiers(at);
     }
@@ -92,22 +93,26 @@ class Masking {
     return next;
   }
 
-  // "class MACRO(x) MACRO Name {"; `at` is behind "class".
-  void mask_in_head(std::size_t at) {
+  // "class MACRO(x) MACRO Name {"; `at` is behind "class". Only classes are also announced so: what
+  // "struct NAME name;" says may be a value.
+  void mask_in_head(std::size_t at, bool announced) {
     at = skip_space(text_, at);
     while (is_macro(word_at(text_, at))) {
       const std::size_t end = macro_end(at);
       const std::size_t next = skip_space(text_, end);
-      if (next == end || !(is_macro(word_at(text_, next)) || opens_body(next))) return;
+      if (next == end || !(is_macro(word_at(text_, next)) || opens_body(next, announced))) {
+        return;
+      }
       blank(at, end);
       at = next;
     }
   }
 
-  // Whether a class's name stands at `at`, and behind it its bases or its body.
-  bool opens_body(std::size_t at) const {
+  // Whether a class's name stands at `at`, and behind it its bases or its body, or nothing.
+  bool opens_body(std::size_t at, bool announced) const {
     const std::string_view name = word_at(text_, at);
     if (name.empty() || name == "final") return false;
+    if (announced && text_.substr(at + name.size()).starts_with(';')) return true;
     at = skip_parameters(at + name.size());
     if (word_at(text_, at) == "final") at = skip_space(text_, at + 5);
     if (at >= text_.size()) return false;
