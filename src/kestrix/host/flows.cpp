@@ -37,23 +37,27 @@ Reason reach_of(const WikiGenerator& generator, std::string_view path,
 constexpr double kLeastScore = 1.5;
 constexpr double kLeastShare = 0.12;
 
-// From the strongest on the sheet to the roots: so the rule sees what leads to them by base types,
-// strings, registration or the framework's start, too.
-FlowEdgesScope::Edges edges_of(const WikiGenerator& generator, const ScoreSheet& sheet,
-                               std::span<const index::FileId> roots) {
+// From the strongest on the sheet to those roots that they lead to: so the rule sees what leads to
+// them by base types, strings, registration or the framework's start, too. Those that lead to fewer
+// than the rule wants leave their place to others.
+FlowEdgesScope::Edges edges_of(const WikiGenerator& generator, const Dispatch& dispatch) {
   FlowEdgesScope::Edges edges;
   const auto files = generator.indexed().files();
+  const std::size_t third = (dispatch.roots.size() + DISPATCH_MIN_ROOTS - 1) / DISPATCH_MIN_ROOTS;
   std::size_t taken = 0;
-  for (const auto& [points, file] : sheet.ranked()) {
+  for (const auto& [points, file] : dispatch.sheet.ranked()) {
     if (taken == DISPATCH_FILES || points < kLeastScore) break;
     const std::string_view path = files[file].path;
-    if (!generator.is_planned(path)) continue;
+    const auto reached = dispatch.reached.find(file);
+    if (!generator.is_planned(path) || reached == dispatch.reached.end()) continue;
     const std::size_t before = edges.size();
-    for (const index::FileId root : roots) {
+    for (const index::FileId root : reached->second) {
       if (directory_of(files[root].path) == directory_of(path)) continue;
       edges.push_back({path, files[root].path, 1});
     }
-    taken += edges.size() > before ? 1U : 0U;
+    const bool enough = edges.size() - before >= std::max<std::size_t>(2, third);
+    if (!enough) edges.resize(before);
+    taken += enough ? 1U : 0U;
   }
   return edges;
 }
@@ -65,8 +69,9 @@ FlowClass flow_of(const WikiGenerator& generator, const IndexEvidence& evidence,
   for (const std::string& path : flow.roots) {
     if (const auto file = generator.indexed().find(path)) roots.push_back(*file);
   }
-  const ScoreSheet sheet = dispatch_sheet(flows, roots);
-  const FlowEdgesScope::Edges edges = edges_of(generator, sheet, roots);
+  const Dispatch dispatch = dispatch_of(flows, roots);
+  const ScoreSheet& sheet = dispatch.sheet;
+  const FlowEdgesScope::Edges edges = edges_of(generator, dispatch);
   const FlowEdgesScope scope(edges);
   for (std::string& path : generator._flow_dispatch(flow.roots)) {
     Pick pick{std::move(path), {}};

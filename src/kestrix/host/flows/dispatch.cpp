@@ -4,7 +4,6 @@
 
 #include "kestrix/host/flows/dispatch_hops.h"
 #include "kestrix/host/flows/dispatch_hubs.h"
-#include "kestrix/host/flows/dispatch_roots.h"
 #include "kestrix/host/flows/starts.h"
 
 namespace kestrix {
@@ -18,19 +17,18 @@ bool found_by_framework(const FlowEvidence& evidence, const DispatchRoots& roots
 
 }  // namespace
 
-ScoreSheet dispatch_sheet(const FlowEvidence& evidence, std::span<const index::FileId> roots) {
+Dispatch dispatch_of(const FlowEvidence& evidence, std::span<const index::FileId> roots) {
   const CodeEvidence& code = evidence.code;
-  ScoreSheet sheet(code);
-  if (roots.empty()) return sheet;
-  const DispatchRoots own(code, roots);
-  const auto hubs = add_hubs(sheet, code, evidence.graph, own);
-  const auto holders = add_bases(sheet, code, own, evidence.errors);
-  add_hops(sheet, code, evidence.graph, own, hubs, holders);
-  add_tables(sheet, code, evidence.tables, own.files());
-  if (found_by_framework(evidence, own) || sheet.ranked().empty()) {
-    add_starts(sheet, code, evidence.graph, own.files(), evidence.handlers, hubs.empty());
+  Dispatch dispatch{code, evidence.graph, DispatchRoots(code, roots), ScoreSheet(code), {}, {}, {}};
+  if (roots.empty()) return dispatch;
+  add_hubs(dispatch);
+  add_bases(dispatch, evidence.errors);
+  add_hops(dispatch);
+  add_tables(dispatch, evidence.tables);
+  if (found_by_framework(evidence, dispatch.roots) || dispatch.sheet.ranked().empty()) {
+    add_starts(dispatch, evidence.handlers);
   }
-  return sheet;
+  return dispatch;
 }
 
 }  // namespace kestrix

@@ -3,7 +3,7 @@
 #include <span>
 
 #include "kestrix/host/evidence/error_types.h"
-#include "kestrix/host/evidence/score_sheet.h"
+#include "kestrix/host/flows/dispatch_roots.h"
 #include "kestrix/host/flows/handlers.h"
 #include "kestrix/host/flows/naming_graph.h"
 #include "kestrix/host/flows/tables.h"
@@ -29,6 +29,6 @@ struct FlowEvidence {
 /// What leads from outside of a repository to one class of entry points: who names them, through
 /// what they are called, where such a product starts. No root is on the sheet but one that others
 /// of them extend.
-ScoreSheet dispatch_sheet(const FlowEvidence& evidence, std::span<const index::FileId> roots);
+Dispatch dispatch_of(const FlowEvidence& evidence, std::span<const index::FileId> roots);
 
 }  // namespace kestrix

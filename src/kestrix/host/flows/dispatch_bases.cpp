@@ -33,51 +33,32 @@ constexpr std::size_t kMostHolders = 10;
 
 class Bases {
  public:
-  Bases(const CodeEvidence& evidence, const DispatchRoots& roots,
-        const std::set<DeclarationRef>& errors)
-      : evidence_(evidence), roots_(roots), errors_(errors) {}
+  Bases(Dispatch& dispatch, const std::set<DeclarationRef>& errors)
+      : dispatch_(dispatch),
+        evidence_(dispatch.evidence),
+        roots_(dispatch.roots),
+        errors_(errors) {}
 
-  std::vector<FileId> add_to(ScoreSheet& sheet) const {
+  void add() {
+    const std::map<DeclarationRef, Base> bases = find();
     const std::size_t least = std::max<std::size_t>(1, (roots_.size() + 2) / 3);
-    SeenBy direct;
-    SeenBy far;
-    SeenBy holders;
-    std::vector<std::pair<std::size_t, DeclarationRef>> groups;
-    for (const auto& [base, files] : bases()) {
-      if (files.all.size() < least) {
-        if (files.direct.size() >= kLeastOfGroup && !is_mixin(base))
-          groups.emplace_back(files.direct.size(), base);
-        continue;
-      }
+    std::vector<const Entry*> groups;
+    for (const Entry& entry : bases) {
+      const auto& [base, files] = entry;
       const bool near = files.direct.size() >= least;
       if (!near && is_mixin(base)) continue;
-      Seen& seen = (near ? direct : far)[base.file];
-      const auto& named = near ? files.direct : files.all;
-      seen.files.insert(named.begin(), named.end());
-      seen.at.push_back(evidence_.place_of(base));
-      note_holders(base, holders);
+      if (files.all.size() >= least) {
+        take(base, near ? files.direct : files.all, near ? direct_ : far_);
+        note_holders(base, files);
+      } else if (files.direct.size() >= kLeastOfGroup) {
+        groups.push_back(&entry);
+      }
     }
-    for (auto& [file, seen] : direct) {
-      sheet.add(file, kBase, seen.files.size(), seen.at, names_and_lines(seen.at));
-    }
-    for (auto& [file, seen] : far) {
-      if (direct.contains(file)) continue;
-      sheet.add(file, kFarBase, seen.files.size(), seen.at, names_and_lines(seen.at));
-    }
-    std::ranges::stable_sort(groups, std::ranges::greater(), [](const auto& g) { return g.first; });
-    if (groups.size() > kMostGroups) groups.resize(kMostGroups);
-    for (const auto& [count, base] : groups) {
-      if (direct.contains(base.file) || far.contains(base.file)) continue;
-      sheet.add(base.file, kGroupBase, count, {evidence_.place_of(base)});
-      note_holders(base, holders);
-    }
-    std::vector<FileId> few;
-    for (auto& [file, seen] : holders) {
-      if (direct.contains(file) || far.contains(file)) continue;
-      if (holders.size() <= kFewHolders) few.push_back(file);
-      sheet.add(file, holders.size() <= kFewHolders ? kOfFew : kHolder, seen.declarations, seen.at);
-    }
-    return few;
+    add_types(direct_, kBase);
+    std::erase_if(far_, [this](const auto& entry) { return direct_.contains(entry.first); });
+    add_types(far_, kFarBase);
+    add_groups(groups);
+    add_holders();
   }
 
  private:
@@ -85,6 +66,46 @@ class Bases {
     std::set<FileId> direct;  // the entry points that name it themselves
     std::set<FileId> all;
   };
+  using Entry = std::pair<const DeclarationRef, Base>;
+
+  void take(DeclarationRef base, const std::set<FileId>& files, SeenBy& types) const {
+    Seen& seen = types[base.file];
+    seen.files.insert(files.begin(), files.end());
+    seen.at.push_back(evidence_.place_of(base));
+  }
+
+  void add_types(const SeenBy& types, const Signal& signal) {
+    for (const auto& [file, seen] : types) {
+      dispatch_.sheet.add(file, signal, seen.files.size(), seen.at, names_and_lines(seen.at));
+      dispatch_.lead(file, seen.files);
+    }
+  }
+
+  bool is_known(FileId file) const { return direct_.contains(file) || far_.contains(file); }
+
+  // What only some of them come from, those of the most first.
+  void add_groups(std::vector<const Entry*>& groups) {
+    std::ranges::stable_sort(groups, std::ranges::greater(),
+                             [](const Entry* entry) { return entry->second.direct.size(); });
+    groups.resize(std::min(groups.size(), kMostGroups));
+    SeenBy types;
+    for (const Entry* entry : groups) {
+      if (is_known(entry->first.file)) continue;
+      take(entry->first, entry->second.direct, types);
+      note_holders(entry->first, entry->second);
+    }
+    add_types(types, kGroupBase);
+  }
+
+  void add_holders() {
+    const bool few = holders_.size() <= kFewHolders;
+    for (const auto& [file, seen] : holders_) {
+      if (is_known(file)) continue;
+      if (few) dispatch_.holders.push_back(file);
+      dispatch_.sheet.add(file, few ? kOfFew : kHolder, seen.declarations, seen.at);
+      dispatch_.lead(file, seen.files);
+    }
+  }
 
   void take_bases_of(FileId file, std::uint32_t within, std::set<DeclarationRef>& bases) const {
     for (const IndexedReference& to : evidence_.index().references_from(file)) {
@@ -94,7 +115,7 @@ class Bases {
   }
 
   // The types of the product that the entry points' own types come from.
-  std::map<DeclarationRef, Base> bases() const {
+  std::map<DeclarationRef, Base> find() const {
     std::map<DeclarationRef, Base> bases;
     for (const FileId root : roots_.files()) {
       std::set<DeclarationRef> known;
@@ -121,7 +142,7 @@ class Bases {
   }
 
   // Who has to do with the base type without deriving from it.
-  void note_holders(DeclarationRef base, SeenBy& holders) const {
+  void note_holders(DeclarationRef base, const Base& files) {
     SeenBy found;
     std::set<FileId> deriving;
     for (const std::uint32_t at : evidence_.references_to(base)) {
@@ -135,7 +156,8 @@ class Bases {
     std::erase_if(found, [&](const auto& entry) { return deriving.contains(entry.first); });
     if (found.size() > kMostHolders) return;
     for (auto& [file, seen] : found) {
-      Seen& holder = holders[file];
+      Seen& holder = holders_[file];
+      holder.files.insert(files.all.begin(), files.all.end());
       holder.declarations += seen.declarations;
       std::ranges::move(seen.at, std::back_inserter(holder.at));
     }
@@ -148,17 +170,19 @@ class Bases {
            evidence_[type].abstract_methods == 0;
   }
 
+  Dispatch& dispatch_;
   const CodeEvidence& evidence_;
   const DispatchRoots& roots_;
   const std::set<DeclarationRef>& errors_;
+  SeenBy direct_;
+  SeenBy far_;
+  SeenBy holders_;
 };
 
 }  // namespace
 
-std::vector<index::FileId> add_bases(ScoreSheet& sheet, const CodeEvidence& evidence,
-                                     const DispatchRoots& roots,
-                                     const std::set<index::DeclarationRef>& errors) {
-  return Bases(evidence, roots, errors).add_to(sheet);
+void add_bases(Dispatch& dispatch, const std::set<DeclarationRef>& errors) {
+  Bases(dispatch, errors).add();
 }
 
 }  // namespace kestrix

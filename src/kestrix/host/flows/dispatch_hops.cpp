@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <string_view>
 
-#include "kestrix/host/flows/dispatch_hubs.h"
 #include "kestrix/host/index_evidence.h"
 #include "kestrix/text/sorting.h"
 #include "kestrix/workers/wiki/page_sources/path_text.h"
@@ -39,34 +38,33 @@ constexpr std::size_t kFewHubs = 3;
 
 class Hops {
  public:
-  Hops(const CodeEvidence& evidence, const NamingGraph& graph, const DispatchRoots& roots,
-       const std::vector<FileId>& hubs, const std::vector<FileId>& holders)
-      : evidence_(evidence), graph_(graph), roots_(roots), hubs_(hubs), holders_(holders) {}
+  explicit Hops(Dispatch& dispatch)
+      : dispatch_(dispatch),
+        evidence_(dispatch.evidence),
+        graph_(dispatch.graph),
+        roots_(dispatch.roots),
+        hubs_(dispatch.hubs) {}
 
-  void add_to(ScoreSheet& sheet) const {
-    add_shared(sheet, roots_.files(), {Role::kCalls, Role::kAnnotates}, kShared);
-    add_shared(sheet, roots_.files(), {Role::kType, Role::kLists}, kTaken);
-    std::vector<FileId> leading = hubs_;
-    leading.insert(leading.end(), holders_.begin(), holders_.end());
-    sort_distinct(leading);
-    add_callers(sheet, leading);
+  void add() {
+    add_shared(roots_.files(), {Role::kCalls, Role::kAnnotates}, kShared);
+    add_shared(roots_.files(), {Role::kType, Role::kLists}, kTaken);
+    add_callers();
     if (hubs_.empty()) return;
-    if (hubs_.size() > 2) add_shared(sheet, hubs_, {Role::kCalls, Role::kAnnotates}, kDispatchBase);
-    add_beside(sheet);
+    if (hubs_.size() > 2) add_shared(hubs_, {Role::kCalls, Role::kAnnotates}, kDispatchBase);
+    add_beside();
   }
 
  private:
-  bool known_to_dispatch(const ScoreSheet& sheet, DeclarationRef type) const {
+  bool known_to_dispatch(DeclarationRef type) const {
     for (const std::uint32_t at : evidence_.references_to(type)) {
       const FileId from = evidence_.reference(at).source;
-      if (from != type.file && sheet.score(from) > 0) return true;
+      if (from != type.file && dispatch_.sheet.score(from) > 0) return true;
     }
     return false;
   }
 
   // What half of the files call or bear, and few others do.
-  void add_shared(ScoreSheet& sheet, const std::vector<FileId>& files, RoleSet serving,
-                  const Signal& signal) const {
+  void add_shared(const std::vector<FileId>& files, RoleSet serving, const Signal& signal) {
     if (files.size() < 2) return;
     std::map<DeclarationRef, std::set<FileId>> callers;
     for (const FileId file : files) {
@@ -79,7 +77,7 @@ class Hops {
     SeenBy by_file;
     for (const auto& [called, by] : callers) {
       if (by.size() * 2 < files.size() || by.size() < 2) continue;
-      if (serving.has(Role::kType) && !known_to_dispatch(sheet, called)) continue;
+      if (serving.has(Role::kType) && !known_to_dispatch(called)) continue;
       const auto all = evidence_.files_naming(called, serving).size();
       if (static_cast<double>(by.size()) < kServesMostly * static_cast<double>(all)) continue;
       Seen& seen = by_file[called.file];
@@ -87,7 +85,7 @@ class Hops {
       seen.at.push_back(evidence_.place_of(called));
     }
     for (auto& [file, seen] : by_file) {
-      sheet.add(file, signal, seen.files.size(), seen.at, names_and_lines(seen.at));
+      dispatch_.sheet.add(file, signal, seen.files.size(), seen.at, names_and_lines(seen.at));
     }
   }
 
@@ -104,7 +102,10 @@ class Hops {
   }
 
   // Who has one of them, or the interface that it alone implements.
-  void add_callers(ScoreSheet& sheet, const std::vector<FileId>& leading) const {
+  void add_callers() {
+    std::vector<FileId> leading = hubs_;
+    leading.insert(leading.end(), dispatch_.holders.begin(), dispatch_.holders.end());
+    sort_distinct(leading);
     SeenBy callers;
     for (const FileId hub : leading) {
       std::set<FileId> faces = contracts_of(hub);
@@ -123,11 +124,14 @@ class Hops {
         std::ranges::move(seen.at, std::back_inserter(caller.at));
       }
     }
-    for (const auto& [file, seen] : callers) sheet.add(file, kCaller, seen.files.size(), seen.at);
+    for (const auto& [file, seen] : callers) {
+      dispatch_.sheet.add(file, kCaller, seen.files.size(), seen.at);
+      for (const FileId hub : seen.files) dispatch_.lead(file, dispatch_.reached[hub]);
+    }
   }
 
   // What lies among the entry points and is called by their dispatch takes part in it.
-  void add_beside(ScoreSheet& sheet) const {
+  void add_beside() {
     if (roots_.size() < kFewRoots || hubs_.size() > kFewHubs) return;
     std::set<std::string_view> folders;
     for (const FileId root : roots_.files()) folders.insert(directory_of(evidence_.path(root)));
@@ -142,22 +146,19 @@ class Hops {
     }
     if (beside.size() * 3 > std::max(roots_.size(), 2 * kFewRoots))
       return;  // a folder of many things
-    for (const auto& [file, seen] : beside) sheet.add(file, kBeside, seen.at.size(), seen.at);
+    for (const auto& [file, seen] : beside)
+      dispatch_.sheet.add(file, kBeside, seen.at.size(), seen.at);
   }
 
+  Dispatch& dispatch_;
   const CodeEvidence& evidence_;
   const NamingGraph& graph_;
   const DispatchRoots& roots_;
   const std::vector<FileId>& hubs_;
-  const std::vector<FileId>& holders_;
 };
 
 }  // namespace
 
-void add_hops(ScoreSheet& sheet, const CodeEvidence& evidence, const NamingGraph& graph,
-              const DispatchRoots& roots, const std::vector<FileId>& hubs,
-              const std::vector<FileId>& holders) {
-  Hops(evidence, graph, roots, hubs, holders).add_to(sheet);
-}
+void add_hops(Dispatch& dispatch) { Hops(dispatch).add(); }
 
 }  // namespace kestrix

@@ -33,27 +33,46 @@ constexpr double kLeastOwn = 0.5;
 
 class Hubs {
  public:
-  Hubs(const CodeEvidence& evidence, const NamingGraph& graph, const DispatchRoots& roots)
-      : evidence_(evidence), graph_(graph), roots_(roots) {
-    std::vector<DispatchRoots::Header> named = roots.headers();
-    for (const FileId root : roots.files()) named.push_back({root, root});
-    namers_ = namers_of(evidence, graph, roots, named);
+  explicit Hubs(Dispatch& dispatch)
+      : dispatch_(dispatch),
+        evidence_(dispatch.evidence),
+        graph_(dispatch.graph),
+        roots_(dispatch.roots) {
+    for (const auto& [header, root] : roots_.headers()) take_namers(header, root);
+    for (const FileId root : roots_.files()) take_namers(root, root);
     add_registering();
   }
 
-  std::vector<FileId> add_to(ScoreSheet& sheet) {
-    for (const FileId file : leading()) {
-      hubs_.push_back(file);
-      sheet.add(file, kHub, namers_.at(file).files.size(), namers_.at(file).at);
-    }
-    if (hubs_.empty()) add_fellows(sheet);
-    if (hubs_.empty() && namers_.size() <= kFewNamers) add_all(sheet);
-    if (hubs_.empty()) add_users(sheet);
-    sort_distinct(hubs_);
-    return hubs_;
+  void add() {
+    for (const FileId file : leading()) add_hub(file, kHub, namers_.at(file).files.size());
+    if (hubs().empty()) add_fellows();
+    if (hubs().empty() && namers_.size() <= kFewNamers) add_all();
+    if (hubs().empty()) add_users();
+    sort_distinct(hubs());
   }
 
  private:
+  std::vector<FileId>& hubs() { return dispatch_.hubs; }
+
+  void add_hub(FileId file, const Signal& signal, std::size_t count) {
+    add(file, signal, count);
+    hubs().push_back(file);
+  }
+
+  void add(FileId file, const Signal& signal, std::size_t count) {
+    const Seen& seen = namers_.at(file);
+    dispatch_.sheet.add(file, signal, count, seen.at);
+    dispatch_.lead(file, seen.files);
+  }
+
+  // `root` stands for `file` on the page.
+  void take_namers(FileId file, FileId root) {
+    for (const Naming& naming : graph_.to(file)) {
+      if (!naming.names || naming.derives || !roots_.may_dispatch(naming.from)) continue;
+      namers_[naming.from].take(evidence_, naming, root);
+    }
+  }
+
   std::size_t least() const {
     return roots_.size() < kFewRoots
                ? 1
@@ -129,25 +148,22 @@ class Hubs {
   }
 
   // Nobody leads to many: those that make use of the most of them.
-  void add_users(ScoreSheet& sheet) const {
+  void add_users() {
     std::size_t most = 0;
     for (const auto& [file, seen] : namers_) most = std::max(most, seen.files.size());
     std::size_t added = 0;
     for (std::size_t count = most; count > 1 && added < kMostUsers; --count) {
       for (const auto& [file, seen] : namers_) {
         if (seen.files.size() != count || added == kMostUsers) continue;
-        sheet.add(file, kUser, count, seen.at);
+        add(file, kUser, count);
         ++added;
       }
     }
   }
 
   // A package with one face: nobody names the other files.
-  void add_all(ScoreSheet& sheet) {
-    for (const auto& [file, seen] : namers_) {
-      sheet.add(file, kHub, seen.files.size(), seen.at);
-      hubs_.push_back(file);
-    }
+  void add_all() {
+    for (const auto& [file, seen] : namers_) add_hub(file, kHub, seen.files.size());
   }
 
   // "urls.py", of "user.module.ts" the last words.
@@ -159,7 +175,7 @@ class Hubs {
   }
 
   // Each entry point has a file beside it that names it, all of one name.
-  void add_fellows(ScoreSheet& sheet) {
+  void add_fellows() {
     std::map<std::string_view, std::pair<std::vector<FileId>, std::set<FileId>>> by_name;
     for (const auto& [file, seen] : namers_) {
       auto& [files, named] = by_name[kind_of(evidence_.path(file))];
@@ -169,38 +185,19 @@ class Hubs {
     for (const auto& [name, group] : by_name) {
       const auto& [files, named] = group;
       if (files.size() < 2 || named.size() * 2 < roots_.size()) continue;
-      for (const FileId file : files) {
-        sheet.add(file, kFellow, namers_.at(file).declarations, namers_.at(file).at);
-        hubs_.push_back(file);
-      }
+      for (const FileId file : files) add_hub(file, kFellow, namers_.at(file).declarations);
     }
-    sort_distinct(hubs_);
   }
 
+  Dispatch& dispatch_;
   const CodeEvidence& evidence_;
   const NamingGraph& graph_;
   const DispatchRoots& roots_;
   SeenBy namers_;
-  std::vector<FileId> hubs_;
 };
 
 }  // namespace
 
-SeenBy namers_of(const CodeEvidence& evidence, const NamingGraph& graph, const DispatchRoots& roots,
-                 const std::vector<DispatchRoots::Header>& named) {
-  SeenBy namers;
-  for (const auto& [file, root] : named) {
-    for (const Naming& naming : graph.to(file)) {
-      if (!naming.names || naming.derives || !roots.may_dispatch(naming.from)) continue;
-      namers[naming.from].take(evidence, naming, root);
-    }
-  }
-  return namers;
-}
-
-std::vector<FileId> add_hubs(ScoreSheet& sheet, const CodeEvidence& evidence,
-                             const NamingGraph& graph, const DispatchRoots& roots) {
-  return Hubs(evidence, graph, roots).add_to(sheet);
-}
+void add_hubs(Dispatch& dispatch) { Hubs(dispatch).add(); }
 
 }  // namespace kestrix

@@ -49,10 +49,24 @@ struct Seen {
 };
 using SeenBy = std::map<index::FileId, Seen>;
 
-/// Adds the types that the entry points come from, and who has to do with these; returns the latter
-/// where they are few, ascending.
-std::vector<index::FileId> add_bases(ScoreSheet& sheet, const CodeEvidence& evidence,
-                                     const DispatchRoots& roots,
-                                     const std::set<index::DeclarationRef>& errors);
+/// What leads to one class of entry points, as it is found.
+struct Dispatch {
+  const CodeEvidence& evidence;
+  const NamingGraph& graph;
+  DispatchRoots roots;
+  ScoreSheet sheet;
+  std::map<index::FileId, std::set<index::FileId>>
+      reached;                         ///< the entry points by what leads there
+  std::vector<index::FileId> hubs;     ///< those that name them; ascending
+  std::vector<index::FileId> holders;  ///< the few that hold what they come from; ascending
+
+  void lead(index::FileId file, const std::set<index::FileId>& to) {
+    reached[file].insert(to.begin(), to.end());
+  }
+};
+
+/// Adds the types that the entry points come from, and who has to do with these. Errors that they
+/// raise are none.
+void add_bases(Dispatch& dispatch, const std::set<index::DeclarationRef>& errors);
 
 }  // namespace kestrix

@@ -140,42 +140,46 @@ bool lists_others(const NamingGraph& graph, const std::vector<FileId>& roots,
 }
 
 // What a start alone names, and sets something up. Where that is much, the start is a list.
-void add_followers(ScoreSheet& sheet, const CodeEvidence& evidence, const NamingGraph& graph,
-                   const std::vector<FileId>& roots, const std::map<FileId, HandlerSign>& handlers,
+void add_followers(Dispatch& dispatch, const std::map<FileId, HandlerSign>& handlers,
                    FileId start) {
+  const std::vector<FileId>& roots = dispatch.roots.files();
+  const NamingGraph& graph = dispatch.graph;
   std::map<FileId, std::uint32_t> followers;
   for (const Naming& naming : graph.from(start)) {
     const bool only = graph.to(naming.to).size() == 1 && naming.names;
-    if (!only || !evidence.is_product(naming.to)) continue;
+    if (!only || !dispatch.evidence.is_product(naming.to)) continue;
     if (std::ranges::binary_search(roots, naming.to)) continue;
     if (lists_others(graph, roots, handlers, naming.to)) continue;
     if (graph.from(naming.to).size() >= kSetsUp) followers.emplace(naming.to, naming.line);
   }
   if (followers.size() > kMostFollowers) return;
   for (const auto& [file, line] : followers) {
-    sheet.add(file, kFollows, 1, {{std::string(evidence.path(start)), line, {}}});
+    dispatch.sheet.add(file, kFollows, 1, {{std::string(dispatch.evidence.path(start)), line, {}}});
   }
 }
 
 }  // namespace
 
-void add_starts(ScoreSheet& sheet, const CodeEvidence& evidence, const NamingGraph& graph,
-                const std::vector<FileId>& roots, const std::map<FileId, HandlerSign>& handlers,
-                bool alone) {
+void add_starts(Dispatch& dispatch, const std::map<FileId, HandlerSign>& handlers) {
+  const CodeEvidence& evidence = dispatch.evidence;
+  const std::vector<FileId>& roots = dispatch.roots.files();
   std::vector<Start> starts = starts_of(evidence, roots);
   const std::string_view folder = common_folder(evidence, roots);
   keep_around_pages(evidence, folder, starts);
   keep_of_parts(evidence, roots, starts);
   keep_nearest(evidence, folder, starts);
+  const bool alone = dispatch.hubs.empty();
   for (const Start& start : starts) {
-    if (lists_others(graph, roots, handlers, start.file)) continue;
-    const auto named = static_cast<std::uint64_t>(std::ranges::count_if(
-        graph.from(start.file), [&](const Naming& to) { return evidence.is_product(to.to); }));
+    if (lists_others(dispatch.graph, roots, handlers, start.file)) continue;
+    const auto named = static_cast<std::uint64_t>(
+        std::ranges::count_if(dispatch.graph.from(start.file),
+                              [&](const Naming& to) { return evidence.is_product(to.to); }));
     // One that knows the product sets it up; one that knows nothing of it hands on to one that
     // does.
-    sheet.add(start.file, alone ? kStart : kStartToo, std::max<std::uint64_t>(1, named), {},
-              std::string(start.framework));
-    if (alone) add_followers(sheet, evidence, graph, roots, handlers, start.file);
+    dispatch.sheet.add(start.file, alone ? kStart : kStartToo, std::max<std::uint64_t>(1, named),
+                       {}, std::string(start.framework));
+    dispatch.lead(start.file, {roots.begin(), roots.end()});
+    if (alone) add_followers(dispatch, handlers, start.file);
   }
 }
 

@@ -165,8 +165,9 @@ const std::string& TableTexts::of(const CodeEvidence& evidence, FileId file) {
   return entry->second;
 }
 
-void add_tables(ScoreSheet& sheet, const CodeEvidence& evidence, TableTexts& texts,
-                const std::vector<FileId>& roots) {
+void add_tables(Dispatch& dispatch, TableTexts& texts) {
+  const CodeEvidence& evidence = dispatch.evidence;
+  const std::vector<FileId>& roots = dispatch.roots.files();
   const std::vector<FileId> others = others_beside(evidence, roots);
   const Named names = names_of(evidence, roots);
   const Named other_names = names_of(evidence, others);
@@ -181,7 +182,8 @@ void add_tables(ScoreSheet& sheet, const CodeEvidence& evidence, TableTexts& tex
     if (kListsAll * too.size() * roots.size() > found.size() * others.size()) continue;
     std::vector<Place> at;
     for (const FileId root : found) at.push_back({std::string(evidence.path(root)), 0, {}});
-    sheet.add(table, kTable, found.size(), std::move(at));
+    dispatch.sheet.add(table, kTable, found.size(), std::move(at));
+    dispatch.lead(table, found);
   }
 }
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "kestrix/host/evidence/score_sheet.h"
+#include "kestrix/host/flows/dispatch_roots.h"
 #include "kestrix/workers/wiki/repo_facts.h"
 
 namespace kestrix {
@@ -21,10 +21,10 @@ class TableTexts {
   std::map<index::FileId, std::string> texts_;
 };
 
-/// Adds the files without code that name entry points, by a path ("scripts/check.js"), a dotted name
+/// Adds the files without code that name entry points, by a path ("scripts/check.js"), a dotted
+/// name
 /// ("app.cli:main") or what they declare ("CleanUpJob"): those in the folders above them, and what
 /// sets a product up there.
-void add_tables(ScoreSheet& sheet, const CodeEvidence& evidence, TableTexts& texts,
-                const std::vector<index::FileId>& roots);
+void add_tables(Dispatch& dispatch, TableTexts& texts);
 
 }  // namespace kestrix
