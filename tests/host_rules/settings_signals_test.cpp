@@ -119,6 +119,85 @@ std::vector<Case> company() {
   };
 }
 
+// A builder whose fields start with values or not, and what makes one of these.
+Files builder(std::string_view name, std::string_view first) {
+  return {{"src/main/java/shop/Limits.java",
+           "package shop;\npublic class Limits {\n  static Limits of() { return null; }\n}\n"},
+          {"src/main/java/shop/Client.java",
+           fmt::format("package shop;\npublic class Client {{\n  public static class {} {{\n"
+                       "    private Limits limits{};\n",
+                       name, first.empty() ? "" : " = new Limits()") +
+               repeated(8, fmt::format("    private int {{0}}{};\n", first)) + "  }\n}\n"}};
+}
+
+// A module of an Android build.
+Files android(std::string_view resources) {
+  return {{"app/build.gradle.kts", "plugins {\n    id(\"shop.app\")\n}\n"},
+          {"gradle.properties", "org.gradle.caching=true\n"},
+          {"app/src/main/kotlin/App.kt", "class App\n"},
+          {fmt::format("app/src/main/res/{}", resources), "<adaptive-icon/>\n"}};
+}
+
+// A table of values.
+Files table(std::string_view name) {
+  return {{"src/table.c", fmt::format("static const char *{}[] = {{\"a\", \"b\", \"c\", \"d\", "
+                                      "\"e\", \"f\"}};\nint go(int a) {{ return {}[a] != 0; }}\n",
+                                      name, name)}};
+}
+
+// A type that only its own file uses.
+Files own(std::string_view path, std::string_view head, std::size_t fields) {
+  return {{"Cargo.toml", "[package]\nname = \"shop\"\nversion = \"0.1.0\"\n"},
+          {std::string(path), std::string(head) + repeated(fields, "    {0}: u32,\n") + "}\n"}};
+}
+
+// A type and two files that use it.
+Files typed(std::string_view name, std::string_view language) {
+  if (language == "java") {
+    return files_of(2, "src/main/java/shop/{0}.java",
+                    fmt::format("package shop;\nclass {{0}} {{{{ {} all; }}}}\n", name),
+                    {{fmt::format("src/main/java/shop/{}.java", name),
+                      fmt::format("package shop;\nclass {} {{ int a; int b; int c; }}\n", name)}});
+  }
+  return files_of(
+      2, "src/{0}.ts",
+      fmt::format("import {{{{ {0} }}}} from './types';\nexport const {{0}} = (all: {0}) => 1;\n",
+                  name),
+      {{"src/types.ts",
+        fmt::format("export interface {} {{ a: number; b: number; c: number; }}\n", name)}});
+}
+
+std::vector<Case> shapes() {
+  const std::string client = "src/main/java/shop/Client.java";
+  const std::string limits = "src/main/java/shop/Limits.java";
+  return {
+      {"BuildersOfOptions", builder("Builder", " = 1"), client, "builder_options", true},
+      {"BuildersOfValues", builder("Builder", ""), client, "builder_options", false},
+      {"OtherTypesWithFirstValues", builder("State", " = 1"), client, "builder_options", false},
+      {"WhatAnOptionIsByDefault", builder("Builder", " = 1"), limits, "default_option", true},
+      {"WhatAnotherFieldStartsWith", builder("State", " = 1"), limits, "default_option", false},
+      {"BuildsOfAndroidApplications", android("mipmap-anydpi/launcher.xml"), "app/build.gradle.kts",
+       "settings_path", true},
+      {"SettingsOfSuchBuilds", android("mipmap-anydpi/launcher.xml"), "gradle.properties",
+       "settings_path", true},
+      {"BuildsOfAndroidLibraries", android("values/strings.xml"), "gradle.properties",
+       "settings_path", false},
+      {"TablesOfSettings", table("server_options"), "src/table.c", "settings_table", true},
+      {"TablesThatAreCalledFlagsAlone", table("FLAGS"), "src/table.c", "settings_table", true},
+      {"TablesOfFlagsOfAnything", table("node_flags"), "src/table.c", "settings_table", false},
+      {"SettingsOfManyFieldsInTheirOwnFile", own("src/lib.rs", "struct Config {\n", 12),
+       "src/lib.rs", "settings_fields", true},
+      {"SettingsOfFewFieldsInTheirOwnFile", own("src/lib.rs", "struct Config {\n", 5), "src/lib.rs",
+       "settings_fields", false},
+      {"PropertiesWhereSettingsAreCalledSo", typed("ShopProperties", "java"),
+       "src/main/java/shop/ShopProperties.java", "settings_named", true},
+      {"PropertiesOfAnything", typed("ShopProperties", "typescript"), "src/types.ts",
+       "settings_named", false},
+      {"TypesThatAreCalledSettings", typed("ShopSettings", "typescript"), "src/types.ts",
+       "settings_named", true},
+  };
+}
+
 std::vector<Case> reads() {
   return {
       {"KeysThatNoFileHolds", keyed("[env('SHOP_X'), config('mail.name')]"), "app/Reader.php",
@@ -168,6 +247,7 @@ TEST_P(SettingsSignals, TellSettingsFromTheirLikes) {
 const auto kName = [](const auto& one) { return one.param.name; };
 
 INSTANTIATE_TEST_SUITE_P(Company, SettingsSignals, testing::ValuesIn(company()), kName);
+INSTANTIATE_TEST_SUITE_P(Shapes, SettingsSignals, testing::ValuesIn(shapes()), kName);
 INSTANTIATE_TEST_SUITE_P(Reads, SettingsSignals, testing::ValuesIn(reads()), kName);
 
 }  // namespace

@@ -58,7 +58,7 @@ SettingsHost::SettingsHost(const WikiGenerator& generator, const ScoreSheet& she
     const bool environment = index::base_name(path).starts_with(".env");
     const double score = sheet.score(*file);
     const bool used = score > 0 || code.product_dependents(*file) > 0;
-    const bool named = environment || (used && is_named(path));
+    const bool named = used && (environment || is_named(path));
     const bool plain = path.starts_with("config/") && !index.notes(*file).keys.empty() &&
                        code.roles(*file).empty();
     if (named || plain || score >= kLeastPoints) all.push_back({named, score, std::move(path)});

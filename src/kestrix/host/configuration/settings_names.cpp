@@ -2,6 +2,7 @@
 #include <array>
 #include <map>
 #include <set>
+#include <span>
 
 #include "kestrix/host/configuration/settings_signals.h"
 #include "kestrix/host/evidence/name_words.h"
@@ -31,14 +32,15 @@ constexpr Signal kDeclares{"declares_settings", 0.9, "declares settings by {} ca
                            "declares settings by {} calls", "redis, caddy"};
 constexpr Signal kTable{"settings_table", 0.9, "a table of {} setting", "a table of {} settings",
                         "netbox, redis"};
-constexpr Signal kBase{"settings_base", 1.4, "{} settings type extends one of it",
-                       "{} settings types extend one of it", "Polly, mockito"};
 constexpr Signal kKind{"settings_kind", 1.0, "is settings by what it extends, as {} type",
                        "is settings by what it extends, as {} types", "Polly, solidus"};
 
-constexpr std::array<std::string_view, 10> kTypeWords{
+constexpr std::array<std::string_view, 9> kTypeWords{
     "config",   "configs", "configuration", "configurations", "conf",
-    "settings", "setting", "preferences",   "prefs",          "properties"};
+    "settings", "setting", "preferences",   "prefs"};
+// Where a platform's files of settings are called so; elsewhere anything has properties.
+constexpr std::array<std::string_view, 1> kPropertyWords{"properties"};
+constexpr std::array<std::string_view, 3> kPropertyLanguages{"java", "kotlin", "scala"};
 // What is handed to one function is called so, too.
 constexpr std::array<std::string_view, 1> kOptionWords{"options"};
 constexpr std::array<std::string_view, 16> kTails{
@@ -47,9 +49,11 @@ constexpr std::array<std::string_view, 16> kTails{
 constexpr std::array<std::string_view, 10> kValueWords{
     "config",      "configuration", "conf",  "settings", "setting",
     "preferences", "env",           "prefs", "options",  "option"};
-constexpr std::array<std::string_view, 15> kTableWords{
-    "config", "configs", "configuration", "conf",   "settings",   "setting",  "options", "option",
-    "opts",   "prefs",   "preferences",   "params", "parameters", "defaults", "flags"};
+constexpr std::array<std::string_view, 11> kTableWords{
+    "config",  "configs", "configuration", "conf",  "settings",   "setting",
+    "options", "option",  "opts",          "prefs", "preferences"};
+// By themselves; with a word before them they are of anything.
+constexpr std::array<std::string_view, 4> kWholeTables{"defaults", "flags", "parameters", "params"};
 
 constexpr std::array<std::string_view, 6> kDeclaring{"register", "add",     "create",
                                                      "define",   "declare", "preference"};
@@ -58,6 +62,15 @@ constexpr std::uint64_t kManyCalls = 8;
 constexpr std::size_t kShared = 2;
 constexpr std::uint32_t kSmallTable = 5;
 constexpr std::uint32_t kFewFields = 3;
+constexpr std::uint32_t kManyFields = 10;  // so many are settings, whoever uses them
+
+bool is_options(const DeclarationView& row) {
+  return ends_with_word(row.name, kOptionWords, kTails);
+}
+
+bool is_settings_type(const DeclarationView& row) {
+  return is_type(row.kind) && (ends_with_word(row.name, kTypeWords, kTails) || is_options(row));
+}
 
 class Names {
  public:
@@ -71,9 +84,8 @@ class Names {
     for (const DeclarationRef type : types_) {
       std::set<DeclarationRef> kinds;
       for (const DeclarationRef subtype : evidence_.subtypes(type)) {
-        if (is_settings_type(evidence_[subtype])) kinds.insert(subtype);
+        if (is_settings(subtype)) kinds.insert(subtype);
       }
-      bases_[type.file].insert(kinds.begin(), kinds.end());
       for (const DeclarationRef kind : kinds) {
         auto& most = kinds_[kind.file];
         most = std::max(most, kinds.size());
@@ -82,35 +94,38 @@ class Names {
     for (const auto& [file, count] : declared_) {
       if (count >= kManyCalls) sheet_.add(file, kDeclares, count);
     }
-    for (const auto& [file, subtypes] : bases_) add_types(file, kBase, subtypes);
     for (const auto& [file, alike] : kinds_) {
       if (evidence_.is_product(file)) sheet_.add(file, kKind, alike + 1);
     }
   }
 
  private:
-  static bool is_settings_type(const DeclarationView& row) {
-    return is_type(row.kind) && (ends_with_word(row.name, kTypeWords, kTails) || is_options(row));
+  static bool is_one_of(std::span<const std::string_view> words, std::string_view name) {
+    return std::ranges::any_of(words, [name](std::string_view word) {
+      return std::ranges::equal(name, word, {}, ascii::lower);
+    });
   }
 
-  static bool is_options(const DeclarationView& row) {
-    return ends_with_word(row.name, kOptionWords, kTails);
+  bool is_settings(DeclarationRef at) const {
+    const DeclarationView& row = evidence_[at];
+    const auto language = evidence_.index().files()[at.file].language;
+    return is_settings_type(row) ||
+           (is_type(row.kind) && ends_with_word(row.name, kPropertyWords, kTails) &&
+            std::ranges::find(kPropertyLanguages, language) != kPropertyLanguages.end());
   }
 
   // "Config", "Options": without a word of what for.
   static bool is_itself(const DeclarationView& row) {
-    const auto same = [&row](std::string_view word) {
-      return std::ranges::equal(row.name, word, {}, ascii::lower);
-    };
     return is_type(row.kind) &&
-           (std::ranges::any_of(kTypeWords, same) || std::ranges::any_of(kOptionWords, same));
+           (is_one_of(kTypeWords, row.name) || is_one_of(kOptionWords, row.name));
   }
 
   static bool is_table(const DeclarationView& row) {
     const bool value = row.kind == DeclarationKind::kConstant ||
                        row.kind == DeclarationKind::kVariable ||
                        row.kind == DeclarationKind::kField;
-    return value && row.size >= kSmallTable && has_word(row.name, kTableWords);
+    return value && row.size >= kSmallTable &&
+           (has_word(row.name, kTableWords) || is_one_of(kWholeTables, row.name));
   }
 
   // "registerOption", "createBoolConfig".
@@ -129,8 +144,9 @@ class Names {
     }
   }
 
-  static bool is_offer(const DeclarationView& row) {
-    if (is_settings_type(row)) return true;
+  bool is_offer(DeclarationRef at) const {
+    if (is_settings(at)) return true;
+    const DeclarationView& row = evidence_[at];
     const bool value = row.container == 0 && (row.kind == DeclarationKind::kFunction ||
                                               row.kind == DeclarationKind::kConstant ||
                                               row.kind == DeclarationKind::kVariable);
@@ -144,22 +160,27 @@ class Names {
     std::vector<Place> tables;
     std::uint32_t entries = 0;
     std::uint32_t fields = 0;
+    std::uint32_t most = 0;
     bool options = true;
     bool itself = false;
     for (std::uint32_t place = 0; place < declared.size(); ++place) {
       const DeclarationView& row = declared[place];
       const DeclarationRef at{file, place};
-      if (is_settings_type(row)) types_.push_back(at);
+      if (is_settings(at)) {
+        types_.push_back(at);
+        if (!is_options(row)) most = std::max(most, row.fields);
+      }
       if (declares_settings(row)) count_calls(at);
       if (is_table(row)) {
         tables.push_back(evidence_.place_of(at));
         entries += row.size;
       }
-      if (row.container > 0 && is_settings_type(declared[row.container - 1])) {
+      if (row.container > 0 && is_settings({file, row.container - 1})) {
         const auto naming = evidence_.files_naming(at, kEveryRole);
         users.insert(naming.begin(), naming.end());
+        if (is_type(row.kind)) fields += row.fields;  // a group of settings
       }
-      if (!is_offer(row)) continue;
+      if (!is_offer(at)) continue;
       const auto naming = evidence_.files_naming(at, kEveryRole);
       if (naming.empty()) continue;
       users.insert(naming.begin(), naming.end());
@@ -170,7 +191,10 @@ class Names {
     }
     const std::string named = names_and_lines(tables);
     sheet_.add(file, kTable, entries, std::move(tables), named);
-    if (users.size() < kShared) return;
+    if (users.size() < kShared) {
+      if (most >= kManyFields) sheet_.add(file, kFields, most);
+      return;
+    }
     std::ranges::stable_sort(used, std::ranges::greater(), &std::pair<std::size_t, Place>::first);
     std::vector<Place> places;
     for (auto& [count, place] : used) places.push_back(std::move(place));
@@ -180,21 +204,11 @@ class Names {
     if (fields >= kFewFields) sheet_.add(file, options ? kOptionFields : kFields, fields);
   }
 
-  void add_types(FileId file, const Signal& signal, const std::set<DeclarationRef>& types) {
-    if (!evidence_.is_product(file)) return;
-    std::vector<Place> places;
-    places.reserve(types.size());
-    for (const DeclarationRef type : types) places.push_back(evidence_.place_of(type));
-    const std::string names = names_and_lines(places);
-    sheet_.add(file, signal, types.size(), std::move(places), names);
-  }
-
   const CodeEvidence& evidence_;
   ScoreSheet& sheet_;
   std::vector<DeclarationRef> types_;
   std::map<FileId, std::uint64_t> declared_;  // calls that declare settings
-  std::map<FileId, std::set<DeclarationRef>> bases_;
-  std::map<FileId, std::size_t> kinds_;  // how many are alike, at most
+  std::map<FileId, std::size_t> kinds_;       // how many are alike, at most
 };
 
 }  // namespace

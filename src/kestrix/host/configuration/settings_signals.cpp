@@ -7,7 +7,6 @@
 #include "kestrix/host/configuration/read_keys.h"
 #include "kestrix/host/evidence/name_words.h"
 #include "kestrix/host/index_evidence.h"
-#include "kestrix/host/path_glob.h"
 #include "kestrix/languages/frameworks.h"
 #include "kestrix/languages/language.h"
 #include "kestrix/text/paths.h"
@@ -32,24 +31,18 @@ constexpr Signal kBound{"settings_type", 3.0, "{} type of it is filled from sett
                         "{} types of it are filled from settings", "eShopOnWeb, crates.io"};
 constexpr Signal kCalls{"settings_calls", 1.2, "takes in settings: {} call",
                         "takes in settings: {} calls", "eShopOnWeb, lazygit"};
-constexpr Signal kAccess{"settings_access", 0.6, "{} file asks it for settings",
-                         "{} files ask it for settings", "netbox, BookStack"};
 constexpr Signal kKeys{"keys_read", 1.7, "holds {} key that the code reads",
                        "holds {} keys that the code reads", "crates.io, BookStack"};
-constexpr Signal kPlace{"settings_path", 4.5, "is where a framework looks for settings", "",
-                        "eShopOnWeb, umami"};
 constexpr Signal kTemplate{"environment_template", 0.9, "a template of {} variable",
                            "a template of {} variables", "BookStack, crates.io"};
 
-constexpr Signal kSample{"settings_sample", 4.0, "is a sample to be copied", "",
-                         "netbox, lobsters"};
 constexpr Signal kDirective{"directives", 0.8, "holds {} directive", "holds {} directives",
                             "redis, nowinandroid"};
 
 constexpr std::array<std::string_view, 4> kTextFolders{"locales/", "locale/", "lang/", "i18n/"};
 constexpr std::size_t kDirectives = 10;
 constexpr std::ptrdiff_t kDeepest = 2;
-constexpr std::size_t kShared = 3;  // so many files that ask make an accessor
+constexpr std::size_t kShared = 3;
 
 bool is_callable(DeclarationKind kind) {
   return kind == DeclarationKind::kFunction || kind == DeclarationKind::kMethod;
@@ -68,8 +61,9 @@ class Signals {
     add_reads();
     add_readers();
     add_types();
-    add_places();
+    add_settings_places(evidence_, sheet_);
     add_settings_names(evidence_, sheet_);
+    add_settings_builders(evidence_, sheet_);
     take_texts_off();
     add_settings_company(evidence_, sheet_);
     return std::move(sheet_);
@@ -128,7 +122,6 @@ class Signals {
       const std::string names = names_and_lines(own);
       const std::size_t count = own.size();
       sheet_.add(file, kReads, count, std::move(own), names);
-      if (places.size() >= kShared) add_access(file);
     }
   }
 
@@ -136,34 +129,6 @@ class Signals {
   bool is_held(std::string_view key) const {
     const std::size_t dot = key.find('.');
     return dot != std::string_view::npos && holders_.contains(key.substr(0, dot));
-  }
-
-  // Who names what a file of settings declares.
-  void add_access(FileId file) {
-    if (!accessed_.insert(file).second) return;
-    std::set<FileId> users;
-    for (const std::uint32_t place : readers_in(file)) {
-      const auto naming = evidence_.files_naming(DeclarationRef{file, place}, kEveryRole);
-      users.insert(naming.begin(), naming.end());
-    }
-    if (users.size() >= kShared) sheet_.add(file, kAccess, users.size());
-  }
-
-  // The places of what reads settings in a file, of what holds that, and of types filled from them.
-  std::set<std::uint32_t> readers_in(FileId file) const {
-    std::set<std::uint32_t> places;
-    const auto declared = evidence_.index().declarations(file);
-    for (const IndexedReference& to : evidence_.index().references_from(file)) {
-      if (to.role != Role::kReads) continue;
-      for (std::uint32_t at = to.within; at > 0; at = declared[at - 1].container) {
-        places.insert(at - 1);
-      }
-    }
-    for (std::uint32_t place = 0; place < declared.size(); ++place) {
-      const DeclarationRef at{file, place};
-      if (types_.contains(at) || readers_.contains(at)) places.insert(place);
-    }
-    return places;
   }
 
   // Functions that are told the name of what they read.
@@ -196,7 +161,6 @@ class Signals {
       const std::string names = names_and_lines(places);
       const std::size_t count = places.size();
       sheet_.add(file, kBound, count, std::move(places), names);
-      add_access(file);
     }
   }
 
@@ -254,16 +218,6 @@ class Signals {
            name.find(".env.") != std::string_view::npos;
   }
 
-  // What one copies to make one's own settings.
-  bool is_sample(FileId file) const {
-    const std::string_view name = index::base_name(evidence_.path(file));
-    if (name.ends_with(".sample") || name.ends_with(".example")) return true;
-    constexpr std::array<std::string_view, 2> kMade{"example", "sample"};
-    constexpr std::array<std::string_view, 6> kOf{"config",   "configuration", "conf",
-                                                  "settings", "env",           "options"};
-    return has_word(name, kMade) && has_word(name, kOf);
-  }
-
   // Texts of messages are read by keys, too.
   void take_texts_off() {
     for (FileId file = 0; file < evidence_.index().files().size(); ++file) {
@@ -283,34 +237,13 @@ class Signals {
     });
   }
 
-  void add_places() {
-    std::set<std::string_view> languages;
-    for (const auto& file : evidence_.index().files()) languages.insert(file.language);
-    std::set<std::string_view> patterns;
-    for (const std::string_view language : languages) {
-      for (const index::FrameworkName& row : index::framework_names(language)) {
-        if (row.known == Known::kSettingsPath) patterns.insert(row.name);
-      }
-    }
-    std::vector<PathGlob> globs;
-    for (const std::string_view pattern : patterns) globs.emplace_back(pattern);
-    for (FileId file = 0; file < evidence_.index().files().size(); ++file) {
-      const std::string_view path = evidence_.path(file);
-      const auto matches = [path](const PathGlob& glob) { return glob.matches(path); };
-      if (!evidence_.roles(file).empty() || evidence_.index().files()[file].document) continue;
-      if (std::ranges::any_of(globs, matches)) sheet_.add(file, kPlace, 1);
-      if (is_sample(file)) sheet_.add(file, kSample, 1);
-    }
-  }
-
   const CodeEvidence& evidence_;
   const ReadKeys keys_;
   ScoreSheet sheet_;
   std::set<DeclarationRef> types_;        // filled from settings
   std::set<DeclarationRef> readers_;      // functions that read settings
   std::set<DeclarationRef> reads_fixed_;  // functions that say themselves what they read
-  std::set<FileId> accessed_;
-  std::set<std::string_view> holders_;  // first parts of keys that files answer to
+  std::set<std::string_view> holders_;    // first parts of keys that files answer to
 };
 
 }  // namespace

@@ -12,6 +12,12 @@ ScoreSheet settings_sheet(const CodeEvidence& evidence);
 /// gives them, tables of options.
 void add_settings_names(const CodeEvidence& evidence, ScoreSheet& sheet);
 
+/// Adds what the paths say: where frameworks look for settings, and samples to be copied.
+void add_settings_places(const CodeEvidence& evidence, ScoreSheet& sheet);
+
+/// Adds builders of what has many options, and what these are by default.
+void add_settings_builders(const CodeEvidence& evidence, ScoreSheet& sheet);
+
 /// Adds what the other signals do not see, but what they see leads to.
 void add_settings_company(const CodeEvidence& evidence, ScoreSheet& sheet);
 
