@@ -6,6 +6,7 @@
 #include <string>
 #include <thread>
 
+#include "kestrix/host/decisions/document_text.h"
 #include "kestrix/host/wiki_generator.h"
 #include "tests/host_rules/answered_repository.h"
 #include "tests/index/index_fixture.h"
@@ -137,6 +138,37 @@ TEST_F(DesignDocuments, KnowsASeriesByTheFormOfItsTexts) {
   EXPECT_EQ(found[0].reasons[0].text, "10, one of 3 entries");
 }
 
+// By its headings, in any of the languages that they are known in, and wherever it lies; but not
+// what entries and issues are begun from, nor a manual's page with one such heading.
+TEST_F(DesignDocuments, KnowsAProposalByItsHeadings) {
+  const std::string english = "# Queues\n\n## Goals\n\nNone is lost.\n\n## Non-Goals\n\nSpeed.\n";
+  write("docs/queues/README.md", english);
+  write("docs/ledger.md", "# Ledger\n\n## \u80cc\u666f\n\nA B C D E\n\n## \u76ee\u6807\n\nF\n");
+  write(".github/ISSUE_TEMPLATE/idea.md", english + "Issue.\n");
+  write("docs/proposal-template.md", english + "Template.\n");
+  write("README.md", english + "Root.\n");
+  write("tests/plan.md", english + "Tests.\n");
+  write("docs/manual.md",
+        "# Manual\n\n## Goals\n\nNone is lost, ever and ever.\n\n## Use\n\nIt.\n");
+  const auto found = picks();
+  EXPECT_THAT(paths(), ElementsAre("docs/ledger.md", "docs/queues/README.md"));
+  EXPECT_EQ(found[0].reasons[0].text, "in the form of a proposal");
+}
+
+// An entry may be a folder: its design tells, not what else lies in it; and chapters are none.
+TEST_F(DesignDocuments, KnowsAnEntryByItsFolder) {
+  for (const std::string day : {"2024-01-09", "2024-02-01", "2023-12-30"}) {
+    write("changes/" + day + "-thing/design.md", "# Thing of " + day + "\n\nIt is so and so.\n");
+    write("changes/" + day + "-thing/tasks.md", "# Tasks of " + day + "\n\n- do so and so\n");
+    write("course/" + day.substr(5, 2) + "-chapter/README.md", "# Chapter\n\nRead " + day + ".\n");
+  }
+  const auto found = picks();
+  EXPECT_THAT(paths(), ElementsAre("changes/2024-02-01-thing/design.md",
+                                   "changes/2024-01-09-thing/design.md",
+                                   "changes/2023-12-30-thing/design.md"));
+  EXPECT_EQ(found[0].reasons[0].text, "2024-02-01, one of 3 entries");
+}
+
 TEST_F(DesignDocuments, AreInForceOnOneThreadForOneScope) {
   write("docs/queue.md", essay(kNamesCode));
   const index::IndexFixture other;
@@ -150,6 +182,44 @@ TEST_F(DesignDocuments, AreInForceOnOneThreadForOneScope) {
     std::thread([] { EXPECT_EQ(DocumentEvidenceScope::current(), nullptr); }).join();
   }
   EXPECT_EQ(DocumentEvidenceScope::current(), nullptr);
+}
+
+TEST(Reasons, AreCountedInProse) {
+  const std::pair<std::string_view, std::size_t> cases[] = {
+      {"", 0},
+      {"It is so because it was.", 1},
+      {"Because of this, rather\nthan that; a trade-off. Why not?", 4},
+      {"A trade, and off it goes. Other than this, of instead.", 0},
+      {"```\n// because of it\n```\nTherefore.", 1},
+      {"reasonable, becauses, whyever", 0},
+  };
+  for (const auto& [text, count] : cases) EXPECT_EQ(count_reasons(text), count) << text;
+}
+
+// Pages on which reasons are given, code is named or that code names; never pages that show or tell
+// what to do. The more designs there are, the fewer are added.
+TEST(HintingDocuments, PreferReasonsToInstructions) {
+  const auto page = [](std::string_view line) {
+    std::string text = "# Page\n\n";
+    for (int i = 0; i < 20; ++i) text.append(line).append(std::to_string(i)).append(".\n");
+    return text;
+  };
+  const std::string plain =
+      page("The queue holds what was asked for until somebody comes in year ");
+  AnsweredRepository::Files files{
+      {"src/queue.py", "# see guide/named.md\nclass Queue:\n    pass\n"},
+      {"guide/weighed.md", page("It waits rather than fails because of the trade-off of rule ")},
+      {"guide/named.md", plain + "Named.\n"},
+      {"guide/plain.md", plain},
+      {"guide/told.md", page("You do your part because your queue needs you, rather than rule ")},
+      {"guide/shown.md", "# Shown\n\n```\n" + page("because(rather, than, ") + "```\n" + plain}};
+  EXPECT_THAT(paths_of(decisions_answer(AnsweredRepository(files).generator()).further),
+              ElementsAre("guide/weighed.md", "guide/named.md"));
+  for (const std::string number : {"1", "2", "3", "4"}) {
+    files.emplace_back("docs/adr/000" + number + "-it.md", "# It " + number + "\n\nIt is so.\n");
+  }
+  EXPECT_THAT(paths_of(decisions_answer(AnsweredRepository(files).generator()).further),
+              ElementsAre("guide/weighed.md"));
 }
 
 // The root page of a part tells of the code beside it; a manual's page that names the same does
@@ -166,7 +236,7 @@ TEST(HintingDocuments, AreFilledUpWithProseBesideTheCodeThatItNames) {
   EXPECT_THAT(answer.files, testing::IsEmpty());
   EXPECT_THAT(paths_of(answer.further), testing::ElementsAre("parts/README.md"));
   EXPECT_EQ(reason_of(answer.further, "parts/README.md", "design_document"),
-            "prose about the code beside it, names 2 types");
+            "prose about the code beside it that gives 1 reason, names 2 types");
 }
 
 }  // namespace

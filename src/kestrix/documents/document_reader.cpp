@@ -9,6 +9,7 @@
 
 #include "kestrix/documents/link_targets.h"
 #include "kestrix/text/ascii.h"
+#include "kestrix/text/heading_hash.h"
 #include "kestrix/text/paths.h"
 
 namespace kestrix::index {
@@ -66,14 +67,6 @@ bool is_list_item(std::string_view line) {
   const auto number = digits(line);
   return number > 0 && number + 1 < line.size() && (line[number] == '.' || line[number] == ')') &&
          line[number + 1] == ' ';
-}
-
-std::uint32_t hash_of(std::string_view text) {
-  std::uint32_t hash = 2166136261U;
-  for (const char c : text) {
-    hash = (hash ^ static_cast<unsigned char>(ascii::lower(c))) * 16777619U;
-  }
-  return hash;
 }
 
 class Reader {
@@ -172,7 +165,7 @@ class Reader {
   }
 
   void add_heading(std::string_view text) {
-    if (facts_.headings.size() < kMostHeadings) facts_.headings.push_back(hash_of(text));
+    if (facts_.headings.size() < kMostHeadings) facts_.headings.push_back(heading_hash(text));
     const auto number = digits(text);
     const bool step = text.size() > 5 && ascii::equals(text.substr(0, 5), "step ");
     if (step ||

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "kestrix/host/decisions/design_documents.h"
+#include "kestrix/host/decisions/hinting_documents.h"
 #include "kestrix/host/evidence/code_evidence.h"
 #include "kestrix/host/index_evidence.h"
 #include "kestrix/host/pages.h"
@@ -10,9 +11,8 @@
 namespace kestrix {
 namespace {
 
-// A page with fewer documents is filled up with so much prose that hints at designs.
-constexpr std::size_t kFewDocuments = 6;
-constexpr std::size_t kMostHints = 3;
+// So much of a text is asked for reasons.
+constexpr std::size_t kMostCharsRead = 65536;
 
 std::vector<std::string> all_documents(const WikiGenerator& generator) {
   std::vector<std::string> documents;
@@ -26,6 +26,12 @@ bool is_others(const WikiGenerator& generator, std::string_view path) {
   const auto& index = generator.code_evidence().index();
   const auto file = index.find(path);
   return file && index.files()[*file].roles.has(Role::kVendored);
+}
+
+std::vector<std::string> documents_of_own(const WikiGenerator& generator) {
+  auto documents = all_documents(generator);
+  std::erase_if(documents, [&](const auto& path) { return is_others(generator, path); });
+  return documents;
 }
 
 // All that the rule would take, the current ones first, as the detector orders them.
@@ -55,12 +61,12 @@ PageAnswer decisions_answer(const WikiGenerator& generator) {
     if (found != all.end()) reasons = reasons_of(*found);
     answer.files.push_back({std::move(path), std::move(reasons)});
   }
-  if (answer.files.size() < kFewDocuments) {
-    answer.further = hinting_documents(all_documents(generator), generator.document_evidence());
-    std::erase_if(answer.further,
-                  [&](const Pick& pick) { return is_others(generator, pick.path); });
-    if (answer.further.size() > kMostHints) answer.further.resize(kMostHints);
-  }
+  const auto read = [&](std::string_view path) {
+    const ReadTextOptions options{.max_chars = kMostCharsRead};
+    return _read_text({&generator.repo_root(), std::string(path)}, options).str();
+  };
+  answer.further = hinting_documents(documents_of_own(generator), generator.document_evidence(),
+                                     answer.files, read);
   finish(answer, "no decision records, no design documents");
   return answer;
 }

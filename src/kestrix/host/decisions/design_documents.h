@@ -16,9 +16,4 @@ namespace kestrix {
 std::vector<Pick> rank_design_documents(const std::vector<std::string>& documents,
                                         const DocumentEvidence* evidence);
 
-/// Prose that is no design document by `rank_design_documents`, but that code names, or that stands
-/// beside the code that it names: what there is to read where there are no better ones, best first.
-std::vector<Pick> hinting_documents(const std::vector<std::string>& documents,
-                                    const DocumentEvidence& evidence);
-
 }  // namespace kestrix

@@ -4,19 +4,20 @@
 #include <utility>
 
 #include "kestrix/host/decisions/design_names.h"
-#include "kestrix/text/paths.h"
+#include "kestrix/host/decisions/document_place.h"
 
 namespace kestrix {
 
 AllSeries::AllSeries(const std::vector<std::string>& documents, const DocumentEvidence* evidence) {
   for (const auto& path : documents) {
-    const auto entry = entry_name(index::base_name(path));
+    const Naming naming = naming_of(path);
+    const auto entry = entry_name(naming.name);
     if (!entry) continue;
-    Series& series = series_[index::folder_of(path)];
+    Series& series = series_[naming.folder];
     ++series.numbered;
     if (entry->padded()) ++series.padded;
     const auto* view = evidence == nullptr ? nullptr : evidence->of(path);
-    if (view != nullptr) count_headings(index::folder_of(path), view->facts.headings);
+    if (view != nullptr) count_headings(naming.folder, view->facts.headings);
   }
   for (auto& [folder, series] : series_) series.one_skeleton = has_skeleton(folder, series);
 }
