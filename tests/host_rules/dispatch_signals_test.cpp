@@ -229,5 +229,48 @@ TEST(Dispatch, HasWhoCallsIt) {
   });
 }
 
+TEST(Dispatch, MakesWhatEachOfThemTakes) {
+  const std::vector<std::string> three{"Order", "User", "Item"};
+  const std::string handler =
+      "using MediatR;\nusing App.Requests;\nnamespace App.Features;\n"
+      "public class %Handler : IRequestHandler<Get%, string>\n{\n"
+      "  public Task<string> Handle(Get% request) { return null; }\n}\n";
+  const std::string request = "namespace App.Requests;\npublic class Get% : Request { }\n";
+  const Files features =
+      with(with(each_of(three, "App/Features/", "Handler.cs", handler),
+                each_of(three, "App/Requests/Get", ".cs", request)),
+           {{"App/Requests/Request.cs", "namespace App.Requests;\npublic class Request { }\n"}});
+  const Files senders{
+      {"App/Web/Pages.cs",
+       "using App.Requests;\nnamespace App.Web;\npublic class Pages\n{\n"
+       "  public void All() { Send(new GetOrder()); Send(new GetUser()); Send(new GetItem()); }\n"
+       "}\n"},
+      {"App/Web/One.cs",
+       "using App.Requests;\nnamespace App.Web;\npublic class One\n{\n"
+       "  public void Go() { Send(new GetOrder()); }\n}\n"}};
+  expect_all({
+      {"of several", with(features, senders), "App/Features/*Handler.cs", "App/Web/Pages.cs",
+       "makes_what_they_take", "App/Web/One.cs"},
+      {"what that comes from", with(features, senders), "App/Features/*Handler.cs",
+       "App/Requests/Request.cs", "base_of_what_they_take", "App/Requests/GetUser.cs"},
+  });
+}
+
+TEST(Dispatch, IsOneFileForEachEntryPoint) {
+  const std::vector<std::string> names{"Bill", "Cart", "Note", "Page", "Shop", "User"};
+  const Files observers = each_of(names, "app/Observers/", "Observer.php",
+                                  "<?php\nnamespace App\\Observers;\n"
+                                  "class %Observer { public function created() {} }\n");
+  const Files models = each_of(names, "app/Models/", ".php",
+                               "<?php\nnamespace App\\Models;\nuse App\\Observers\\%Observer;\n"
+                               "#[ObservedBy([%Observer::class])]\nclass % {}\n");
+  expect_all({
+      {"in one folder",
+       with(with(observers, models), {{"app/Other.php", "<?php\nclass Other {}\n"}}),
+       "app/Observers/*Observer.php", "app/Models/Note.php", "names_its_entry_point",
+       "app/Other.php"},
+  });
+}
+
 }  // namespace
 }  // namespace kestrix

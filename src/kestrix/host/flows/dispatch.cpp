@@ -24,6 +24,7 @@ Dispatch dispatch_of(const FlowEvidence& evidence, std::span<const index::FileId
   add_hubs(dispatch);
   add_bases(dispatch, evidence.errors);
   add_hops(dispatch);
+  if (dispatch.hubs.empty()) add_messages(dispatch);
   add_tables(dispatch, evidence.tables);
   if (found_by_framework(evidence, dispatch.roots) || dispatch.sheet.ranked().empty()) {
     add_starts(dispatch, evidence.handlers);

@@ -35,6 +35,7 @@ constexpr double kServesMostly = 0.5;
 // So few roots or so many hubs tell nothing about the folder.
 constexpr std::size_t kFewRoots = 3;
 constexpr std::size_t kFewHubs = 3;
+constexpr std::size_t kShareOfMany = 4;
 
 class Hops {
  public:
@@ -50,7 +51,7 @@ class Hops {
     add_shared(roots_.files(), {Role::kType, Role::kLists}, kTaken);
     add_callers();
     if (hubs_.empty()) return;
-    if (hubs_.size() > 2) add_shared(hubs_, {Role::kCalls, Role::kAnnotates}, kDispatchBase);
+    if (hubs_.size() > kFewHubs) add_shared(hubs_, {Role::kCalls, Role::kAnnotates}, kDispatchBase);
     add_beside();
   }
 
@@ -101,11 +102,18 @@ class Hops {
     return contracts;
   }
 
+  std::vector<FileId> leading_files() const {
+    std::vector<FileId> leading = hubs_;
+    if (dispatch_.holders.size() < kFewHubs) {
+      leading.insert(leading.end(), dispatch_.holders.begin(), dispatch_.holders.end());
+    }
+    sort_distinct(leading);
+    return leading;
+  }
+
   // Who has one of them, or the interface that it alone implements.
   void add_callers() {
-    std::vector<FileId> leading = hubs_;
-    leading.insert(leading.end(), dispatch_.holders.begin(), dispatch_.holders.end());
-    sort_distinct(leading);
+    const std::vector<FileId> leading = leading_files();
     SeenBy callers;
     for (const FileId hub : leading) {
       std::set<FileId> faces = contracts_of(hub);
@@ -124,7 +132,11 @@ class Hops {
         std::ranges::move(seen.at, std::back_inserter(caller.at));
       }
     }
+    // Of many it is the one that several have to do with.
+    const std::size_t least =
+        leading.size() <= kFewHubs ? 1 : std::max<std::size_t>(2, leading.size() / kShareOfMany);
     for (const auto& [file, seen] : callers) {
+      if (seen.files.size() < least) continue;
       dispatch_.sheet.add(file, kCaller, seen.files.size(), seen.at);
       for (const FileId hub : seen.files) dispatch_.lead(file, dispatch_.reached[hub]);
     }

@@ -8,4 +8,7 @@ namespace kestrix {
 /// entry points call or bear.
 void add_hops(Dispatch& dispatch);
 
+/// Adds who makes what each of the entry points takes for its own, and what that comes from.
+void add_messages(Dispatch& dispatch);
+
 }  // namespace kestrix

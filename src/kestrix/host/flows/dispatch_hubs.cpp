@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "kestrix/text/sorting.h"
+#include "kestrix/workers/wiki/page_sources/path_text.h"
 
 namespace kestrix {
 namespace {
@@ -26,10 +27,14 @@ constexpr std::size_t kLeastOfGroup = 4;
 constexpr std::size_t kMostGroupHubs = 6;
 // A table names hardly anything but so many entry points.
 constexpr std::size_t kLeastOfTable = 3;
+// A fellow is one entry point's, not of use to many.
+constexpr std::size_t kMostOfFellow = 2;
 constexpr std::size_t kMostUsers = 3;
 // So few roots tell nothing about who names a share of them.
 constexpr std::size_t kFewRoots = 3;
 constexpr double kLeastOwn = 0.5;
+
+bool is_upper(char c) { return c >= 'A' && c <= 'Z'; }
 
 class Hubs {
  public:
@@ -166,27 +171,38 @@ class Hubs {
     for (const auto& [file, seen] : namers_) add_hub(file, kHub, seen.files.size());
   }
 
-  // "urls.py", of "user.module.ts" the last words.
+  // "urls.py", of "user.module.ts" and "UserScreen.kt" the last words.
   static std::string_view kind_of(std::string_view path) {
     const std::string_view name = path.substr(path.rfind('/') + 1);
     const std::string_view stem = name.substr(0, name.rfind('.'));
-    const auto word = stem.find_last_of("._-");
+    auto word = stem.find_last_of("._-");
+    if (word == std::string_view::npos) {
+      const auto last = std::find_if(stem.rbegin(), stem.rend(), is_upper);
+      if (last != stem.rend()) word = static_cast<std::size_t>(stem.rend() - last) - 1;
+    }
     return word == std::string_view::npos ? name : name.substr(word);
   }
 
-  // Each entry point has a file beside it that names it, all of one name.
+  // Each entry point has a file that names it, all of one name or in one folder.
   void add_fellows() {
-    std::map<std::string_view, std::pair<std::vector<FileId>, std::set<FileId>>> by_name;
+    if (add_alike(kind_of)) return;
+    add_alike(directory_of);
+  }
+
+  bool add_alike(std::string_view (*alike)(std::string_view)) {
+    std::map<std::string_view, std::pair<std::vector<FileId>, std::set<FileId>>> groups;
     for (const auto& [file, seen] : namers_) {
-      auto& [files, named] = by_name[kind_of(evidence_.path(file))];
+      if (seen.files.size() > kMostOfFellow) continue;
+      auto& [files, named] = groups[alike(evidence_.path(file))];
       files.push_back(file);
       named.insert(seen.files.begin(), seen.files.end());
     }
-    for (const auto& [name, group] : by_name) {
+    for (const auto& [name, group] : groups) {
       const auto& [files, named] = group;
       if (files.size() < 2 || named.size() * 2 < roots_.size()) continue;
       for (const FileId file : files) add_hub(file, kFellow, namers_.at(file).declarations);
     }
+    return !hubs().empty();
   }
 
   Dispatch& dispatch_;
