@@ -94,10 +94,10 @@ TEST(EntryClasses, OfWhatFilesHaveInCommon) {
        {"src/modules/**/module.ts"}},
       {"tables of functions in C",
        together(record, each_of(kNames, "src/mode-{}.c", table)),
-       {"src/*.c"}},
+       {"src/mode-*.c"}},
       {"tables that are announced first",
        together(record, each_of(kNames, "src/mode-{}.c", announced)),
-       {"src/*.c"}},
+       {"src/mode-*.c"}},
       {"pointers to tables", together(record, each_of(kNames, "src/mode-{}.c", pointer)), {}},
       {"tasks that declare what they throw beside",
        together(work, each_of(kNames, "app/{}/tasks.py", failing)),
@@ -154,6 +154,108 @@ TEST(EntryClasses, LeaveToOthersWhatIsTheirs) {
            together(together(base, each_of(names, "app/Services/Make{}.php", service)),
                     each_of(kNames, "app/Jobs/Send{}.php", job)),
            {"app/Services/*.php", "app/Jobs/*.php"}}});
+}
+
+TEST(EntryClasses, OfWhatFrameworksFind) {
+  const std::string page =
+      "<template><p>{}</p></template>\n<script setup>\nconst n = 1\n</script>\n";
+  const std::string screen = "export default function {}() { return null }\n";
+  const auto manifest = [](const std::string& path, const std::string& package) {
+    return Files{{path, R"({"name": "a", "dependencies": {")" + package + R"(": "1"}})"}};
+  };
+  expect({
+      {"pages of a package that has the framework",
+       together(manifest("web/package.json", "nuxt"), each_of(kNames, "web/pages/{}.vue", page)),
+       {"web/pages/*.vue"}},
+      {"pages of one that has none",
+       together(manifest("web/package.json", "vue"), each_of(kNames, "web/pages/{}.vue", page)),
+       {}},
+      {"a server's pages",
+       together(manifest("package.json", "@inertiajs/vue3"),
+                each_of(kNames, "resources/js/Pages/{}/Show.vue", page)),
+       {"resources/js/Pages/**/Show.vue"}},
+      {"screens below the folder of screens, and nothing beside it",
+       together(manifest("apps/app/package.json", "expo-router"),
+                together(each_of(kNames, "apps/app/app/{}/index.tsx", screen),
+                         each_of(kNames, "apps/app/parts/{}.tsx", screen))),
+       {"apps/app/app/**/index.tsx"}},
+      {"templates that no language reads",
+       together({{"src/Admin/Program.cs", "class Program { static void Main() {} }\n"}},
+                each_of(kNames, "src/Admin/Pages/{}.razor", "@page \"/{}\"\n<h1>{}</h1>\n")),
+       {"src/Admin/Pages/*.razor"}},
+      {"two workers, of which one bears a mark, too",
+       {{"app/SyncWorker.kt",
+         "package app\nimport androidx.hilt.work.HiltWorker\nimport androidx.work.CoroutineWorker\n"
+         "@HiltWorker\nclass SyncWorker : CoroutineWorker() { fun work() {} }\n"},
+        {"app/OtherWorker.kt",
+         "package app\nimport androidx.work.CoroutineWorker\n"
+         "class OtherWorker : CoroutineWorker() { fun work() {} }\n"},
+        {"app/Main.kt", "package app\nfun main() {}\n"}},
+       {"app/*Worker.kt"}},
+  });
+}
+
+TEST(EntryClasses, OfMarksThatSomebodyLooksFor) {
+  const Files marks{
+      {"src/a/Store.java", "package a;\npublic class Store { public void load() {} }\n"},
+      {"src/a/Finder.java", "package a;\npublic @interface Finder { String value(); }\n"}};
+  const Files finders = together(
+      marks, each_of(kNames, "src/a/finders/{}Finder.java",
+                     "package a.finders;\nimport a.Finder;\nimport a.Store;\n@Finder(\"{}\")\n"
+                     "public class {}Finder {\n  public void find() { new Store().load(); }\n}\n"));
+  const Files registry{{"src/a/Registry.java",
+                        "package a;\npublic class Registry {\n  public void start(Context c) {\n"
+                        "    c.beansWith(Finder.class);\n  }\n}\n"}};
+  expect({{"looked up", together(finders, registry), {"src/a/finders/*Finder.java"}},
+          {"for readers alone", finders, {}}});
+}
+
+TEST(EntryClasses, ComeApartWhereOthersLeadToThem) {
+  // Twelve views of each part of a product, which one table names; alike in all but who does.
+  const auto views = [](const std::string& part) {
+    Files files;
+    std::string table;
+    std::string list = "VIEWS = [";
+    for (char view = 'a'; view < 'm'; ++view) {
+      const std::string name = part + "_" + std::string(1, view);
+      files.emplace_back("app/" + part + "/" + name + "/views.py",
+                         "from django.views.generic import View\n"
+                         "class Show(View):\n  def get(self): return 1\n");
+      table += "from app." + part + "." + name + " import views as " + name + "\n";
+      list += name + ".Show, ";
+    }
+    files.emplace_back("app/" + part + "/table.py", table + list + "]\n");
+    return files;
+  };
+  expect({{"two parts",
+           together(views("office"), views("shop")),
+           {"app/office/**/views.py", "app/shop/**/views.py"}}});
+
+  Files commands{{"go.mod", "module example.org/m\n"}};
+  for (char group = 'a'; group < 'k'; ++group) {
+    const std::string name = std::string("group") + group;
+    std::string imports;
+    std::string calls;
+    for (const std::string each : {"list", "show", "edit"}) {
+      const std::string package = name + each;
+      commands.emplace_back("cmd/" + name + "/" + package + "/" + package + ".go",
+                            "package " + package +
+                                "\nimport \"github.com/spf13/cobra\"\nfunc New() *cobra.Command {\n"
+                                "  return &cobra.Command{Use: \"x\"}\n}\n");
+      imports.append("import \"example.org/m/cmd/").append(name).append("/");
+      imports.append(package).append("\"\n");
+      calls.append("  c.AddCommand(").append(package).append(".New())\n");
+    }
+    commands.emplace_back("cmd/" + name + "/" + name + ".go",
+                          "package " + name + "\nimport \"github.com/spf13/cobra\"\n" + imports +
+                              "func New() *cobra.Command {\n  c := &cobra.Command{Use: \"x\"}\n" +
+                              calls + "  return c\n}\n");
+  }
+  const AnsweredRepository repository(commands);
+  const FlowsAnswer answer = flows_answer(repository.generator(), {});
+  std::vector<std::size_t> sizes;
+  for (const FlowClass& each : answer.classes) sizes.push_back(each.roots.size());
+  EXPECT_THAT(sizes, testing::UnorderedElementsAre(30, 10));
 }
 
 }  // namespace

@@ -15,15 +15,15 @@ struct FlowEvidence {
   explicit FlowEvidence(const WikiGenerator& generator)
       : code(generator.code_evidence()),
         graph(code),
-        handlers(framework_handlers(code)),
-        errors(error_types(code)),
-        tables(generator.repo_root()) {}
+        tables(generator.repo_root()),
+        handlers(framework_handlers(code, tables)),
+        errors(error_types(code)) {}
 
   const CodeEvidence& code;
   NamingGraph graph;
+  mutable TableTexts tables;  // fills itself
   std::map<index::FileId, HandlerSign> handlers;
   std::set<index::DeclarationRef> errors;
-  mutable TableTexts tables;  // fills itself
 };
 
 /// What leads from outside of a repository to one class of entry points: who names them, through

@@ -6,47 +6,27 @@
 #include <cmath>
 #include <iterator>
 
+#include "kestrix/host/flows/family_parts.h"
+
 namespace kestrix {
 namespace {
 
 using index::FileId;
 
 // Three files that one file names and nobody else have 2.
-constexpr double kLeastScore = 1.5;
+constexpr double kLeastScore = 1.2;
 // What falls this far behind the best of its sort is a part of something.
 constexpr double kLeastOfBest = 0.2;
 // Who comes in through a door gets to a part of the product behind it: to so many files, or to one
 // in so many of a small product.
-constexpr std::size_t kReach = 5;
+constexpr std::size_t kReach = 8;
 constexpr std::size_t kReachShare = 20;
-constexpr double kLeastReachFactor = 0.6;
-constexpr double kNextToFactor = 0.7;
+constexpr double kLeastReachFactor = 0.5;
 
 bool overlap(const Family& a, const Family& b) {
   std::vector<FileId> both;
   std::ranges::set_intersection(a.files, b.files, std::back_inserter(both));
   return both.size() * 2 > std::min(a.files.size(), b.files.size());
-}
-
-// Whether most files of a family name files of others, or are named by them: it is what leads to
-// those, or what they make use of.
-bool is_next_to(const NamingGraph& graph, const Family& family, const std::vector<Family>& others) {
-  const auto is_of_another = [&](FileId file) {
-    return std::ranges::any_of(others, [file](const Family& other) {
-      return file != other.hub && std::ranges::binary_search(other.files, file);
-    });
-  };
-  std::size_t naming = 0;
-  std::size_t named = 0;
-  for (const FileId file : family.files) {
-    const bool names = std::ranges::any_of(
-        graph.from(file), [&](const Naming& to) { return to.names && is_of_another(to.to); });
-    const bool is_named = std::ranges::any_of(
-        graph.to(file), [&](const Naming& by) { return by.names && is_of_another(by.from); });
-    naming += names ? 1U : 0U;
-    named += is_named ? 1U : 0U;
-  }
-  return std::max(naming, named) * 2 > family.files.size();
 }
 
 void best_first(std::vector<Family>& families) {
@@ -71,17 +51,26 @@ void weigh_by_reach(const FlowEvidence& evidence, Family& family) {
   family.score *= kLeastReachFactor + (1 - kLeastReachFactor) * share;
 }
 
+std::vector<Family> in_parts(const FlowEvidence& evidence, const PathPatterns& patterns,
+                             std::vector<Family> families) {
+  std::vector<Family> parts;
+  for (Family& family : families) {
+    std::ranges::move(parts_of(evidence, patterns, std::move(family)), std::back_inserter(parts));
+  }
+  for (Family& part : parts) weigh_by_reach(evidence, part);
+  return parts;
+}
+
 class Chooser {
  public:
   Chooser(const FlowEvidence& evidence, const PathPatterns& patterns)
-      : graph_(evidence.graph), patterns_(patterns), taken_(evidence.code.index().files().size()) {}
+      : patterns_(patterns), taken_(evidence.code.index().files().size()) {}
 
   void take(std::vector<Family> found, double least) {
     for (Family& family : found) {
       if (family.score < least) break;
       const auto overlaps = [&](const Family& other) { return overlap(family, other); };
       if (std::ranges::any_of(best_, overlaps) && !leave_rest(family)) continue;
-      if (family.key != 0 && is_next_to(graph_, family, best_)) family.score *= kNextToFactor;
       if (family.score < least) continue;
       for (const FileId file : family.files) taken_[file] = true;
       best_.push_back(std::move(family));
@@ -96,6 +85,7 @@ class Chooser {
  private:
   // Without the files of better families it may still be one.
   bool leave_rest(Family& family) const {
+    if (family.key != 0) return false;  // a hub named all of it, not the rest
     const std::size_t all = family.files.size();
     std::erase_if(family.files, [this](FileId file) { return taken_[file]; });
     const std::size_t rest = family.files.size();
@@ -107,7 +97,6 @@ class Chooser {
     return true;
   }
 
-  const NamingGraph& graph_;
   const PathPatterns& patterns_;
   std::vector<bool> taken_;  // by file: whether a family of the best has it
   std::vector<Family> best_;
@@ -120,16 +109,22 @@ std::vector<Family> families(const FlowEvidence& evidence) {
   std::vector<Family> handlers = handler_families(evidence, patterns);
   std::vector<Family> others = hub_families(evidence, patterns);
   std::ranges::move(type_families(evidence, patterns), std::back_inserter(others));
-  for (Family& family : handlers) weigh_by_reach(evidence, family);
-  for (Family& family : others) weigh_by_reach(evidence, family);
+  handlers = in_parts(evidence, patterns, std::move(handlers));
+  others = in_parts(evidence, patterns, std::move(others));
   best_first(handlers);
   best_first(others);
   const double best_handlers = handlers.empty() ? 0 : handlers.front().score / kHandlerWeight;
   const double best_other = others.empty() ? 0 : others.front().score;
   Chooser chooser(evidence, patterns);
   chooser.take(std::move(handlers), 0);
-  chooser.take(std::move(others),
-               std::max(kLeastScore, kLeastOfBest * std::max(best_handlers, best_other)));
+  const auto loose =
+      std::ranges::stable_partition(others, [](const Family& family) { return !family.loose; });
+  std::vector<Family> last(std::make_move_iterator(loose.begin()),
+                           std::make_move_iterator(loose.end()));
+  others.erase(loose.begin(), loose.end());
+  const double least = std::max(kLeastScore, kLeastOfBest * std::max(best_handlers, best_other));
+  chooser.take(std::move(others), least);
+  chooser.take(std::move(last), least);
   return chooser.best();
 }
 

@@ -17,6 +17,8 @@ struct Family {
   PathPatterns::Key key = 0;  ///< of a family that hubs show
   index::FileId hub = 0;      ///< the one that names the most of it
   std::size_t named = 0;      ///< how many hubs name
+  bool by_type = false;       ///< whether a framework calls them through what they are or bear
+  bool loose = false;         ///< whether they are many and have nothing but the sign in common
 };
 
 /// How much more a framework's word counts than that of the files' use.

@@ -6,8 +6,8 @@
 #include <set>
 
 #include "kestrix/host/flows/families.h"
+#include "kestrix/host/flows/family_parts.h"
 #include "kestrix/host/flows/family_signs.h"
-#include "kestrix/host/flows/folders.h"
 #include "kestrix/host/index_evidence.h"
 #include "kestrix/text/sorting.h"
 #include "kestrix/workers/wiki/page_sources/path_text.h"
@@ -22,8 +22,6 @@ using index::Known;
 // A name that one in so many has stands for a class of its own.
 constexpr std::size_t kNameShare = 4;
 constexpr std::size_t kTwo = 2;
-constexpr std::size_t kLeastArea = 20;
-constexpr std::size_t kAreaShare = 6;
 
 std::string_view last_folders(std::string_view path, int count) {
   std::size_t at = path.size();
@@ -55,33 +53,6 @@ Named by_name(const CodeEvidence& evidence, const std::vector<FileId>& files) {
   }
   parts.emplace("", std::move(rest));
   return parts;
-}
-
-// Where a product has a few large parts, the handlers of each are a class.
-std::vector<std::vector<FileId>> areas_of(const CodeEvidence& evidence,
-                                          const std::vector<FileId>& files) {
-  if (files.size() < kLeastArea) return {files};
-  const std::string_view folder = common_folder(evidence, files);
-  const std::size_t below = folder.empty() ? 0 : folder.size() + 1;
-  std::map<std::string_view, std::vector<FileId>> areas;
-  for (const FileId file : files) {
-    const std::string_view rest = evidence.path(file).substr(below);
-    areas[rest.substr(0, rest.find('/'))].push_back(file);
-  }
-  std::vector<std::vector<FileId>> split;
-  std::vector<FileId> others;
-  for (auto& [name, area] : areas) {
-    // Folders right above the files are a part's own order, not parts.
-    const bool is_part = common_folder(evidence, area).size() > below + name.size();
-    if (is_part && area.size() >= std::max(kLeastArea, files.size() / kAreaShare)) {
-      split.push_back(std::move(area));
-    } else {
-      std::ranges::move(area, std::back_inserter(others));
-    }
-  }
-  if (split.size() < 2 || others.size() * 3 > files.size()) return {files};
-  split.push_back(std::move(others));
-  return split;
 }
 
 std::string sign_of(const FrameworkName& row, std::size_t count) {
@@ -154,6 +125,7 @@ std::vector<Family> handler_families(const FlowEvidence& evidence, const PathPat
                     .sign = sign_of(*part.row, std::min(part.told, files.size()))};
       family.score = kHandlerWeight * std::log2(1.0 + static_cast<double>(files.size()));
       family.files = std::move(files);
+      family.by_type = part.row->known != Known::kHandlerPath;
       join_alike(families, std::move(family));
     }
   }

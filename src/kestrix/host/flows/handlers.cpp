@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "kestrix/text/wildmatch.h"
+#include "kestrix/workers/wiki/page_sources/path_text.h"
 
 namespace kestrix {
 namespace {
@@ -23,9 +24,26 @@ bool bears(std::string_view language, Role role) {
   return role == Role::kAnnotates || (role == Role::kConstructs && language == "go");
 }
 
+// Folders of these names are common, so the framework has to be used there.
+struct Package {
+  std::string_view framework;
+  std::string_view name;     // as a manifest has it
+  std::string_view place{};  // below the manifest's folder, or below its src
+};
+constexpr std::array<Package, 9> kPackages{{{"astro", "\"astro\""},
+                                            {"expo", "\"expo-router\"", "app/"},
+                                            {"inertia", "\"@inertiajs/"},
+                                            {"next", "\"next\""},
+                                            {"nuxt", "\"nuxt"},
+                                            {"redwood", "\"@redwoodjs/"},
+                                            {"remix", "\"@remix-run/"},
+                                            {"sveltekit", "\"@sveltejs/kit\""},
+                                            {"tanstack", "\"@tanstack/"}}};
+constexpr const char* kManifest = "package.json";
+
 class Finder {
  public:
-  explicit Finder(const CodeEvidence& evidence) : evidence_(evidence) {}
+  Finder(const CodeEvidence& evidence, TableTexts& texts) : evidence_(evidence), texts_(texts) {}
 
   std::map<FileId, HandlerSign> find() {
     for (const IndexedReference& to : evidence_.index().references()) {
@@ -62,8 +80,12 @@ class Finder {
     if (known_.insert(type).second) open_.emplace_back(type, &row);
   }
 
+  // What something is tells more than what it bears.
   void note(FileId file, const FrameworkName& row, Place at) {
-    found_.try_emplace(file, HandlerSign{&row, std::move(at)});
+    const auto [entry, fresh] = found_.try_emplace(file, HandlerSign{&row, at});
+    const bool better =
+        row.known == Known::kHandlerBase && entry->second.row->known == Known::kHandlerMarker;
+    if (!fresh && better) entry->second = {&row, std::move(at)};
   }
 
   void look_at_paths() {
@@ -71,14 +93,40 @@ class Finder {
     const auto files = evidence_.index().files();
     for (FileId file = 0; file < files.size(); ++file) {
       if (files[file].document || evidence_.is_test(file)) continue;
-      const auto [entry, fresh] = by_language.try_emplace(files[file].language);
-      if (fresh) entry->second = patterns_of(files[file].language);
+      const std::string_view language = language_of(files[file]);
+      const auto [entry, fresh] = by_language.try_emplace(language);
+      if (fresh) entry->second = patterns_of(language);
       for (const Pattern& pattern : entry->second) {
         if (!pattern.glob.matches(files[file].path)) continue;
+        if (!is_there(pattern.row->framework, files[file].path)) continue;
         note(file, *pattern.row, {std::string(files[file].path), 0, {}});
         break;
       }
     }
+  }
+
+  // Templates that nobody reads are found where their language's framework looks for them.
+  static std::string_view language_of(const index::IndexedFile& file) {
+    return file.language.empty() && file.path.ends_with(".razor") ? "csharp" : file.language;
+  }
+
+  // Whether the manifest next above the file names the framework's package; true without one.
+  bool is_there(std::string_view framework, std::string_view path) {
+    const auto package = std::ranges::find(kPackages, framework, &Package::framework);
+    if (package == kPackages.end()) return true;
+    const auto [known, fresh] = there_.try_emplace({framework, directory_of(path)}, true);
+    for (std::string_view folder = directory_of(path); fresh; folder = directory_of(folder)) {
+      const std::string above = folder.empty() ? std::string() : std::string(folder) + '/';
+      if (const auto manifest = evidence_.index().find(above + kManifest)) {
+        const std::string_view rest = path.substr(above.size());
+        known->second = texts_.of(evidence_, *manifest).find(package->name) != std::string::npos &&
+                        (package->place.empty() || rest.starts_with(package->place) ||
+                         rest.starts_with("src/" + std::string(package->place)));
+        break;
+      }
+      if (folder.empty()) break;
+    }
+    return known->second;
   }
 
   struct Pattern {
@@ -95,6 +143,8 @@ class Finder {
   }
 
   const CodeEvidence& evidence_;
+  TableTexts& texts_;
+  std::map<std::pair<std::string_view, std::string_view>, bool> there_;  // framework and folder
   std::map<FileId, HandlerSign> found_;
   std::set<DeclarationRef> known_;
   std::deque<std::pair<DeclarationRef, const FrameworkName*>> open_;
@@ -102,8 +152,8 @@ class Finder {
 
 }  // namespace
 
-std::map<FileId, HandlerSign> framework_handlers(const CodeEvidence& evidence) {
-  return Finder(evidence).find();
+std::map<FileId, HandlerSign> framework_handlers(const CodeEvidence& evidence, TableTexts& texts) {
+  return Finder(evidence, texts).find();
 }
 
 }  // namespace kestrix

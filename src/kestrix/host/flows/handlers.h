@@ -3,6 +3,7 @@
 #include <map>
 
 #include "kestrix/host/evidence/code_evidence.h"
+#include "kestrix/host/flows/tables.h"
 #include "kestrix/languages/frameworks.h"
 
 namespace kestrix {
@@ -14,7 +15,8 @@ struct HandlerSign {
 };
 
 /// The files with something that a framework calls by convention: by base type (through any number
-/// of the repository's own), by annotation, by place.
-std::map<index::FileId, HandlerSign> framework_handlers(const CodeEvidence& evidence);
+/// of the repository's own), by annotation, by place where no manifest above says otherwise.
+std::map<index::FileId, HandlerSign> framework_handlers(const CodeEvidence& evidence,
+                                                        TableTexts& texts);
 
 }  // namespace kestrix

@@ -5,7 +5,6 @@
 #include <map>
 #include <set>
 
-#include "kestrix/host/evidence/error_types.h"
 #include "kestrix/host/flows/families.h"
 #include "kestrix/host/flows/family_signs.h"
 #include "kestrix/host/flows/hub_candidates.h"
@@ -41,12 +40,15 @@ constexpr double kAlikeFactor = 1.5;
 class HubFamilies {
  public:
   HubFamilies(const FlowEvidence& evidence, const PathPatterns& patterns)
-      : code_(evidence.code), graph_(evidence.graph), patterns_(patterns) {}
+      : code_(evidence.code),
+        graph_(evidence.graph),
+        all_errors_(evidence.errors),
+        patterns_(patterns) {}
 
   std::vector<Family> find() {
     const auto files = code_.index().files();
     errors_.resize(files.size());
-    for (const auto type : error_types(code_)) errors_[type.file] = true;
+    for (const auto type : all_errors_) errors_[type.file] = true;
     std::vector<Family> families;
     for (const HubCandidate& candidate : hub_candidates(code_, graph_, patterns_)) {
       Family family = examine(candidate);
@@ -82,6 +84,8 @@ class HubFamilies {
                                 counted(joined.files.size(), "file", "files"));
       joined.score = std::log2(1.0 + static_cast<double>(joined.files.size())) * quality /
                      static_cast<double>(parts.size());
+      // Modules list their parts, too.
+      if (!have_a_sign(code_, joined.files)) joined.score *= kIndexFactor;
       if (hubs.size() >= kLeastFamily) families.push_back(std::move(joined));
     }
   }
@@ -201,6 +205,7 @@ class HubFamilies {
 
   const CodeEvidence& code_;
   const NamingGraph& graph_;
+  const std::set<index::DeclarationRef>& all_errors_;
   const PathPatterns& patterns_;
   std::vector<bool> errors_;  // by file: whether it defines one
 };

@@ -11,6 +11,10 @@ namespace {
 
 using index::FileId;
 
+// Fewer are named each, where nothing else tells them from what lies beside.
+constexpr std::size_t kMostListed = 6;
+constexpr FileId kMostLookedAt = 200;
+
 bool is_separator(char c) { return c == '_' || c == '-' || c == '.'; }
 bool is_upper(char c) { return c >= 'A' && c <= 'Z'; }
 bool is_lower(char c) { return (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9'); }
@@ -113,8 +117,11 @@ PathPatterns::Key PathPatterns::above(Key key) const {
 }
 
 std::pair<FileId, FileId> PathPatterns::range(Key key) const {
+  return range_of(folders_[folder_of(key)]);
+}
+
+std::pair<FileId, FileId> PathPatterns::range_of(std::string_view folder) const {
   const auto files = evidence_.index().files();
-  const std::string_view folder = folders_[folder_of(key)];
   if (folder.empty()) return {0, static_cast<FileId>(files.size())};
   const std::string first = std::string(folder) + '/';
   const std::string last = std::string(folder) + static_cast<char>('/' + 1);
@@ -148,34 +155,73 @@ std::string PathPatterns::glob_of(const std::vector<FileId>& files) const {
   std::string_view folder = directory_of(evidence_.path(files.front()));
   std::set<std::string_view> folders;
   std::set<std::string_view> names;
-  std::set<std::string_view> words;
+  std::set<std::string_view> first;
+  std::set<std::string_view> last;
   std::set<std::string_view> extensions;
   for (const FileId file : files) {
     const std::string_view path = evidence_.path(file);
     while (!lies_in(path, folder)) folder = directory_of(folder);
     const std::string_view name = name_of_path(path);
     const std::string_view extension = extension_of(name);
+    const std::string_view stem = name.substr(0, name.size() - extension.size());
     folders.insert(directory_of(path));
     names.insert(name);
     extensions.insert(extension);
-    words.insert(last_word(name.substr(0, name.size() - extension.size())));
+    first.insert(first_word(stem));
+    last.insert(last_word(stem));
   }
+  const bool one = extensions.size() == 1;
   std::string name("*");
-  if (words.size() == 1) name.append(*words.begin());
   if (names.size() == 1) {
     name = *names.begin();
-  } else if (extensions.size() == 1) {
+  } else if (last.size() == 1 && !last.begin()->empty()) {
+    name.append(*last.begin());
+  } else if (first.size() == 1 && one) {
+    name.insert(0, *first.begin());
+  } else if (one && files.size() <= kMostListed && says_more(files, folder, *extensions.begin())) {
+    return listed(files, folder, *extensions.begin());
+  }
+  if (names.size() > 1 && one) {
     name.append(*extensions.begin());
-  } else {
+  } else if (names.size() > 1) {
     name += '{';
     for (const auto extension : extensions) name.append(extension).append(",");
     name.back() = '}';
   }
-  const std::string_view last = name_of_path(*folders.begin());
+  const std::string_view above = name_of_path(*folders.begin());
   const bool alike = std::ranges::all_of(
-      folders, [last](std::string_view each) { return name_of_path(each) == last; });
-  if (folders.size() > 1 && alike) name = std::string(last).append("/").append(name);
+      folders, [above](std::string_view each) { return name_of_path(each) == above; });
+  if (folders.size() > 1 && alike) name = std::string(above).append("/").append(name);
   return below(folder, folders.size() > 1 || !folders.contains(folder), name);
+}
+
+// Whether what lies there with that ending is more than the files; of many it is taken for granted.
+bool PathPatterns::says_more(const std::vector<FileId>& files, std::string_view folder,
+                             std::string_view extension) const {
+  const auto [begin, end] = range_of(folder);
+  if (end - begin > kMostLookedAt) return true;
+  const bool flat = std::ranges::all_of(
+      files, [&](FileId file) { return folder_[file] == folder_[files.front()]; });
+  for (FileId file = begin; file < end; ++file) {
+    if (folder_[file] == 0 || (flat && folder_[file] != folder_[files.front()])) continue;
+    if (!evidence_.path(file).ends_with(extension)) continue;
+    if (!std::ranges::binary_search(files, file)) return true;
+  }
+  return false;
+}
+
+// "commands/{add,list/all}.go"
+std::string PathPatterns::listed(const std::vector<FileId>& files, std::string_view folder,
+                                 std::string_view extension) const {
+  std::string list("{");
+  for (const FileId file : files) {
+    std::string_view path = evidence_.path(file);
+    path.remove_prefix(folder.empty() ? 0 : folder.size() + 1);
+    path.remove_suffix(extension.size());
+    list.append(path).append(",");
+  }
+  list.back() = '}';
+  return below(folder, false, list.append(extension));
 }
 
 }  // namespace kestrix

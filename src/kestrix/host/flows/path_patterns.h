@@ -57,6 +57,11 @@ class PathPatterns {
   }
   static std::uint32_t folder_of(Key key) { return static_cast<std::uint32_t>(key >> 32U); }
   static std::uint32_t pattern_of(Key key) { return static_cast<std::uint32_t>(key); }
+  std::pair<index::FileId, index::FileId> range_of(std::string_view folder) const;
+  bool says_more(const std::vector<index::FileId>& files, std::string_view folder,
+                 std::string_view extension) const;
+  std::string listed(const std::vector<index::FileId>& files, std::string_view folder,
+                     std::string_view extension) const;
   std::uint32_t folder_number(std::string_view folder);
   std::uint32_t pattern_number(std::string glob);
   void take(index::FileId file);

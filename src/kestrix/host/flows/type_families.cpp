@@ -6,7 +6,6 @@
 #include <set>
 
 #include "kestrix/host/evidence/descendants.h"
-#include "kestrix/host/evidence/error_types.h"
 #include "kestrix/host/evidence/overriding.h"
 #include "kestrix/host/flows/families.h"
 #include "kestrix/host/flows/family_signs.h"
@@ -46,6 +45,7 @@ constexpr double kMostHeld = 0.5;
 constexpr double kHeldFactor = 0.4;
 constexpr double kUnlikeFactor = 0.6;
 constexpr double kAlike = 0.6;
+constexpr std::size_t kMany = 20;
 constexpr double kTogether = 0.8;
 constexpr double kMostOverride = 0.5;
 constexpr double kMostPassive = 0.5;
@@ -58,7 +58,7 @@ class TypeFamilies {
         patterns_(patterns),
         descendants_(evidence.code),
         signs_(type_signs(evidence.code)),
-        errors_(error_types(evidence.code)) {}
+        errors_(evidence.errors) {}
 
   std::vector<Family> find() {
     for (auto& [base, files] : signs_.bases) {
@@ -66,7 +66,9 @@ class TypeFamilies {
       sort_distinct(files);
       if (calls_them(base, files)) examine(kOwnBase, code_[base].name, std::move(files));
     }
-    for (auto& [mark, files] : signs_.markers) examine(kOwnMarker, code_[mark].name, files);
+    for (auto& [mark, files] : signs_.markers) {
+      if (is_looked_up(mark)) examine(kOwnMarker, code_[mark].name, files);
+    }
     for (auto& [type, files] : signs_.tables) examine(kTable, code_[type].name, files);
     for (auto& [call, files] : signs_.on_load) examine(kOnLoad, code_[call].name, files);
     for (auto& [name, files] : signs_.outside) examine(kOutsideBase, name.second, files);
@@ -141,11 +143,33 @@ class TypeFamilies {
         .sign = fmt::format("{} {} {}", counted(files.size(), "file", "files"), sign.verb, name)};
     family.score = sign.weight * quiet * std::log2(1.0 + static_cast<double>(files.size()));
     if (alike < kAlike) family.score *= kUnlikeFactor;
-    if (share_of([&](FileId file) { return is_field_elsewhere(code_, file, files); }) > kMostHeld) {
-      family.score *= kHeldFactor;
-    }
+    family.loose = alike < kAlike && files.size() >= kMany;
+    const auto held = static_cast<double>(count_held(files, hubs, &sign == &kOwnBase));
+    if (held > kMostHeld * static_cast<double>(files.size())) family.score *= kHeldFactor;
     family.files = std::move(files);
     families_.push_back(std::move(family));
+  }
+
+  // Of the files, how many others hold, or call through an interface of its own. Who names most of
+  // them calls them through what it holds.
+  std::size_t count_held(const Files& files, const std::set<FileId>& hubs, bool own) const {
+    Files apart(files);
+    apart.insert(apart.end(), hubs.begin(), hubs.end());
+    sort_distinct(apart);
+    return static_cast<std::size_t>(std::ranges::count_if(files, [&](FileId file) {
+      return is_field_elsewhere(code_, file, apart) ||
+             (own && has_own_interface(code_, file, apart));
+    }));
+  }
+
+  // An annotation that nobody looks for says something to a compiler or a reader.
+  bool is_looked_up(DeclarationRef mark) const {
+    if (!index::is_type(code_[mark].kind)) return true;  // a function is called with what bears it
+    return std::ranges::any_of(code_.references_to(mark), [&](std::uint32_t at) {
+      const IndexedReference& by = code_.reference(at);
+      return by.role != index::Role::kAnnotates && by.source != mark.file &&
+             code_.is_product(by.source);
+    });
   }
 
   // To hold one as a field or take one as an argument is to make use of it, too.
@@ -192,7 +216,7 @@ class TypeFamilies {
   const PathPatterns& patterns_;
   Descendants descendants_;
   TypeSigns signs_;
-  std::set<DeclarationRef> errors_;
+  const std::set<DeclarationRef>& errors_;
   std::vector<Family> families_;
 };
 

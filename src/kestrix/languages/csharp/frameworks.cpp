@@ -144,6 +144,7 @@ constexpr FrameworkName kNames[] = {
     {"azure", Known::kHandlerMarker, "Function"},
     {"aspnet", Known::kHandlerPath, "**/Pages/**/*.cshtml.cs"},
     {"aspnet", Known::kHandlerPath, "**/Controllers/**/*.cs"},
+    {"blazor", Known::kHandlerPath, "**/Pages/**/*.razor"},
     {"aspnet", Known::kStartPath, "**/Program.cs"},
     {"aspnet", Known::kStartPath, "**/Startup.cs"},
     {"dotnet", Known::kSettingsPath, "**/appsettings.json"},

@@ -62,6 +62,7 @@ constexpr FrameworkName kNames[] = {
     {"doctrine", Known::kModelMarker, "ODM.Document"},
     {"apiplatform", Known::kRecordMarker, "ApiResource"},
     {"laravel", Known::kRecordBase, "Resources.Json.JsonResource"},
+    {"laravel", Known::kRecordBase, "Foundation.Http.FormRequest"},
     {"laravel", Known::kRecordBase, "Resources.Json.ResourceCollection"},
     {"php", Known::kRecordBase, "JsonSerializable"},
     {"php", Known::kSettingsCall, "env"},
