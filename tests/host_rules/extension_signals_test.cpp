@@ -219,6 +219,32 @@ Files jobs(std::size_t others) {
            {"core/job.go", "package core\n\ntype Job interface {\n\tRun(all Setup) error\n}\n"}}));
 }
 
+// A struct, and files with a value of it; one announces it first.
+Files tables_of(std::string_view fields, std::string_view value) {
+  const std::string text = fmt::format(
+      "#include \"ops.h\"\nstatic struct ops {{0}}_ops;\n"
+      "int open_{{0}}(int a) {{{{ return {{0}}_ops.size; }}}}\n"
+      "static struct ops {{0}}_ops = {{{{ {} }}}};\n",
+      value);
+  return repeated(2, "{0}.c", text,
+                  {{"ops.h", fmt::format("struct ops {{\n  int size;\n{}}};\n", fields)}});
+}
+
+// A trait of PHP, which classes are made of rather than implement.
+Files parts_of(std::string_view kind, std::string_view base, std::string_view used) {
+  return repeated(
+      3, "app/{0}/Kind{0}.php",
+      fmt::format("<?php\nnamespace App\\{{0}};\nuse App\\Part;\n"
+                  "class Kind{{0}} {}\n{{{{\n{}    public function made(): int\n    {{{{\n"
+                  "        return 1;\n    }}}}\n}}}}\n",
+                  base, used),
+      {{"app/Part.php",
+        fmt::format("<?php\nnamespace App;\n{} Part\n{{\n"
+                    "    abstract public function made(): int;\n\n"
+                    "    public function twice(): int\n    {{\n        return 2;\n    }}\n}}\n",
+                    kind)}});
+}
+
 Files records(std::size_t count) {
   std::string rows;
   for (std::size_t at = 0; at < count; ++at) {
@@ -240,6 +266,14 @@ std::vector<Case> contract_cases() {
        "implemented_in_tests", false},
       {"WhatImplementersAreGiven", jobs(1), "core/setup.go", "given_to_implementers", true},
       {"WhatOthersAreGivenToo", jobs(6), "core/setup.go", "given_to_implementers", false},
+      {"StructsOfFunctions", tables_of("  int (*open)(int);\n  int (*shut)(int);\n", "1, 0, 0"),
+       "ops.h", "implemented", true},
+      {"StructsOfNumbers", tables_of("  int first;\n  int last;\n", "1, 0, 0"), "ops.h",
+       "implemented", false},
+      {"BasesWithMembersToFill", parts_of("abstract class", "extends Part", ""), "app/Part.php",
+       "implemented", true},
+      {"TraitsThatAskForAMember", parts_of("trait", "", "    use Part;\n"), "app/Part.php",
+       "implemented", false},
       {"TablesOfRecords", records(14), "src/kinds.ts", "table_of_records", true},
       {"TablesOfFewRecords", records(6), "src/kinds.ts", "table_of_records", false},
   };

@@ -7,6 +7,7 @@
 #include "kestrix/host/evidence/descendants.h"
 #include "kestrix/host/evidence/error_types.h"
 #include "kestrix/host/evidence/overriding.h"
+#include "kestrix/host/evidence/typed_values.h"
 #include "kestrix/languages/frameworks.h"
 #include "kestrix/text/paths.h"
 
@@ -24,6 +25,7 @@ constexpr std::size_t kPlainBase = 3;  // so many files extend a type that is no
 constexpr std::size_t kPlainFolders = 2;
 constexpr std::size_t kFamily = 8;        // so many make a family of a base wherever they lie
 constexpr std::size_t kManyTypes = 5;     // so many types implement a contract beside it
+constexpr std::uint32_t kPointers = 2;    // to functions
 constexpr std::size_t kShapeMethods = 2;  // types have one in common by accident
 constexpr std::size_t kMostShapeMethods = 40;
 constexpr std::size_t kMostOfShape = 200;
@@ -52,6 +54,7 @@ class Finder {
       }
     }
     bases.insert(shapes_.begin(), shapes_.end());
+    add_tables_of_functions(bases);
     collect_methods_of_shapes();
     std::vector<Contract> contracts;
     for (const DeclarationRef type : bases) {
@@ -63,16 +66,28 @@ class Finder {
   }
 
  private:
+  std::string_view language_of(DeclarationRef type) const {
+    return evidence_.index().files()[type.file].language;
+  }
+
   Contract look_at(DeclarationRef type) {
     Contract contract{.type = type, .implementers = {}, .files = {}};
     const auto& declared = evidence_[type];
     // An interface may be made of others alone; a class says by what it leaves open that it is one.
     const bool members = declared.methods + declared.fields > 0 || !declared.bases().empty();
-    contract.open = declared.abstract_methods > 0 || derives_from(type, index::Known::kOpenBase) ||
+    // What a mixin leaves open, it asks of what it is mixed into, for its own members.
+    const bool mixin = declared.kind == DeclarationKind::kTrait && language_of(type) == "php";
+    contract.open = (declared.abstract_methods > 0 && !mixin) ||
+                    derives_from(type, index::Known::kOpenBase) ||
                     (members && declared.kind == DeclarationKind::kInterface);
     contract.implementers = descendants_.of(type);
     if (contract.implementers.empty() && shapes_.contains(type)) {
       contract.implementers = shaped_like(type);
+    }
+    if (is_table_of_functions(type)) {
+      const auto filled = values_of(type);
+      contract.implementers.insert(contract.implementers.end(), filled.begin(), filled.end());
+      std::ranges::sort(contract.implementers);
     }
     std::set<std::string_view> folders;
     for (const DeclarationRef implementer : contract.implementers) {
@@ -93,7 +108,7 @@ class Finder {
     contract.open |= declared.is_abstract && contract.called >= kMostCalled &&
                      !derives_from(type, index::Known::kHandlerBase);
     // Languages without a word for it leave a member open by giving it a body that nobody wants.
-    contract.open |= filling_share(evidence_, type, contract.files) >= kMostCalled &&
+    contract.open |= !mixin && filling_share(evidence_, type, contract.files) >= kMostCalled &&
                      contract.quiet >= kMostCalled && contract.files.size() >= kPlainBase &&
                      !derives_from(type, index::Known::kHandlerBase);
     contract.data = declared.methods == 0 && declared.bases().empty();
@@ -121,6 +136,44 @@ class Finder {
     contract.test_implementers = tests.size();
     contract.lookups = lookups.size();
     return contract;
+  }
+
+  // In C what one implements is a struct of pointers to functions.
+  bool is_table_of_functions(DeclarationRef type) const {
+    const std::string_view language = language_of(type);
+    const auto& row = evidence_[type];
+    return (language == "c" || language == "cpp") && row.kind == DeclarationKind::kStruct &&
+           row.abstract_methods >= kPointers && row.methods == 0;
+  }
+
+  void add_tables_of_functions(std::set<DeclarationRef>& bases) const {
+    for (FileId file = 0; file < evidence_.index().files().size(); ++file) {
+      if (!evidence_.is_product(file)) continue;
+      const auto rows = evidence_.index().declarations(file).size();
+      for (std::uint32_t at = 0; at < rows; ++at) {
+        if (is_table_of_functions({file, at})) bases.insert({file, at});
+      }
+    }
+  }
+
+  // The values of a type, at the top of files, that hold something from the start.
+  std::set<DeclarationRef> values_of(DeclarationRef type) const {
+    std::set<DeclarationRef> values;
+    for (const std::uint32_t at : evidence_.references_to(type)) {
+      const IndexedReference& to = evidence_.reference(at);
+      if (to.role != index::Role::kType || !evidence_.is_product(to.source)) continue;
+      const auto value = value_of_type(evidence_, to);
+      if (!value) continue;
+      // It may be announced before.
+      const auto rows = evidence_.index().declarations(to.source);
+      for (std::uint32_t place = value->place; place < rows.size(); ++place) {
+        if (rows[place].name != evidence_[*value].name || rows[place].container != 0) continue;
+        if (rows[place].shape == index::ValueShape::kUnknown) continue;
+        values.insert({to.source, place});
+        break;
+      }
+    }
+    return values;
   }
 
   // What derives from it names the methods that it takes, and types that have them need not name
@@ -184,8 +237,7 @@ class Finder {
     const auto& declared = evidence_[contract.type];
     // What only its own package can name is for nobody else to implement; where types satisfy
     // interfaces without naming them, not even where others do.
-    const bool coincides = evidence_.index().files()[contract.type.file].language == "go" &&
-                           is_interface(declared.kind);
+    const bool coincides = language_of(contract.type) == "go" && is_interface(declared.kind);
     const bool family = contract.files.size() >= kFamily || contract.implementers.size() >= kFamily;
     if (!declared.exported && (coincides || (contract.folders < kPlainFolders && !family))) {
       return false;
@@ -217,7 +269,7 @@ class Finder {
   }
 
   bool derives_from(DeclarationRef type, index::Known known) const {
-    const std::string_view language = evidence_.index().files()[type.file].language;
+    const std::string_view language = language_of(type);
     return std::ranges::any_of(evidence_.index().references_from(type.file),
                                [&](const IndexedReference& to) {
                                  return to.within == type.place + 1 && kSubtyping.has(to.role) &&

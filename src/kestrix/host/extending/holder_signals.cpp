@@ -77,6 +77,7 @@ class HolderSignals {
           note(evidence_.reference(at), type.file, namers);
         }
       }
+      if (!is_type(evidence_[type].kind)) continue;  // of a value its file says little
       for (const std::uint32_t at : evidence_.references_to(type.file)) {
         note(evidence_.reference(at), type.file, namers);
       }

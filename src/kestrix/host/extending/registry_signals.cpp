@@ -2,6 +2,7 @@
 #include <map>
 #include <set>
 
+#include "kestrix/host/evidence/typed_values.h"
 #include "kestrix/host/extending/signal_groups.h"
 #include "kestrix/host/index_evidence.h"
 #include "kestrix/text/paths.h"
@@ -33,7 +34,6 @@ constexpr std::uint32_t kManyRecords = 12;
 constexpr std::uint32_t kMostRecords = 64;  // more tell nothing more
 constexpr std::size_t kLongestTables = 4;
 constexpr std::size_t kFolders = 2;
-constexpr std::uint32_t kNoValue = UINT32_MAX;
 constexpr std::size_t kOwnRows = 5;
 
 class RegistrySignals {
@@ -127,23 +127,11 @@ class RegistrySignals {
     add_tables(file, own, kOwnTable, kOwnRows);
   }
 
-  // The value whose declaration begins with its type; a reference there stands in nothing yet.
-  std::uint32_t value_at(const IndexedReference& to) const {
-    const auto declared = evidence_.index().declarations(to.source);
-    const auto at = std::ranges::lower_bound(declared, to.line, {}, &index::DeclarationView::line);
-    return at == declared.end() || at->line != to.line
-               ? kNoValue
-               : static_cast<std::uint32_t>(at - declared.begin());
-  }
-
   // A type of which a value at the top of the file is a table.
   void look_at_type(const IndexedReference& to) {
     const DeclarationRef type{to.target, to.declaration - 1};
-    const auto place = to.within > 0 ? to.within - 1 : value_at(to);
-    if (place == kNoValue) return;
-    const auto& holder = evidence_[DeclarationRef{to.source, place}];
-    if ((holder.kind == DeclarationKind::kConstant || holder.kind == DeclarationKind::kVariable) &&
-        holder.container == 0 && holder.size > 1 && evidence_[type].fields > 1 &&
+    const auto value = value_of_type(evidence_, to);
+    if (value && evidence_[*value].size > 1 && evidence_[type].fields > 1 &&
         evidence_.is_product(to.target)) {
       filled_[to.target].insert(to.source);
     }

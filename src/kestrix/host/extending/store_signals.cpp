@@ -19,11 +19,11 @@ using index::IndexedReference;
 using index::Role;
 using index::ValueShape;
 
-constexpr Signal kRegisters{"registers", 3.0, "{} function registers what it is given",
+constexpr Signal kRegisters{"registers", 3.4, "{} function registers what it is given",
                             "{} functions register what they are given", "netbox, caddy"};
 constexpr Signal kStore{"registered_in", 3.0, "{} function registers in its values",
                         "{} functions register in its values", "netbox, redis"};
-constexpr Signal kLoads{"loads_by_name", 2.0, "loads code by name", "loads code by name in {} ways",
+constexpr Signal kLoads{"loads_by_name", 2.4, "loads code by name", "loads code by name in {} ways",
                         "redis, scrapy"};
 
 constexpr RoleSet kNaming{Role::kUses, Role::kLists, Role::kCalls};
