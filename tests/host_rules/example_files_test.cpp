@@ -167,6 +167,33 @@ TEST(ExampleFiles, MakeRoomForWhatIsSharedOutsideOfTheTests) {
             "names what tests share 6 times");
 }
 
+// Scripts are tests where most tests are such: they share what they take in, by whatever way they
+// write it, and of the others the longest shows most. Functions of a test are its own.
+TEST(ExampleFiles, KnowScriptsThatTestAProgram) {
+  Files files{
+      {"main.c", "int main(void) { return 0; }\n"},
+      {"tests/lib.tcl", "proc start_it {code} {\n  uplevel 1 $code\n}\n"},
+      {"tests/lib.sh", "finish() {\n  exit 0\n}\n"},
+      {"tests/run.tcl", "source tests/lib.tcl\nsource tests/more.tcl\nproc run_all {} {}\n"},
+      {"tests/more.tcl", "# nothing\n"}};
+  for (const std::string name : {"a", "b", "c", "d"}) {
+    std::string steps;
+    for (int i = 0; i < (name == "c" ? 9 : 3); ++i) steps += "step " + name + "\n";
+    files.emplace_back("tests/" + name + ".tcl", "start_it {\n" + steps + "}\n");
+    files.emplace_back("tests/" + name + ".sh", ". \"${0%/*}/lib.sh\"\ncheck_" + name +
+                                                    "() {\n  true\n}\ncheck_a\nfinish\n");
+  }
+  const AnsweredRepository repository(files);
+  const auto answer = examples_answer(repository.generator()).files;
+  const auto paths = paths_of(answer);
+  EXPECT_THAT(std::vector(paths.begin(), paths.begin() + 4),
+              ElementsAre("tests/lib.tcl", "tests/lib.sh", "tests/more.tcl", "tests/c.tcl"));
+  EXPECT_EQ(reason_of(answer, "tests/lib.sh", "used_by_tests"), "used by 4 tests");
+  EXPECT_EQ(reason_of(answer, "tests/lib.tcl", "used_by_tests"), "used by 5 tests");
+  EXPECT_EQ(reason_of(answer, "tests/a.sh", "used_by_tests"), "");
+  EXPECT_EQ(reason_of(answer, "tests/c.tcl", "test_size"), "11 lines");
+}
+
 // What a library shows of itself: whole programs, the shorter the better; neither parts of them nor
 // measurements, and nothing of a program, which shows no use of itself.
 TEST(ExampleFiles, AddTheSamplesOfALibrary) {

@@ -42,6 +42,8 @@ std::vector<Reason> reasons_of(const TestEvidence& evidence, const ExampleChoice
                           {}});
     add_counted(reasons,
                 {"test_size", counted(declared, "declaration", "declarations"), declared, {}});
+    const auto lines = evidence.script_lines(file);
+    add_counted(reasons, {"test_size", counted(lines, "line", "lines"), lines, {}});
   }
   if (reasons.empty()) reasons.push_back({"test_path", "a test by its path", 0, {}});
   return reasons;

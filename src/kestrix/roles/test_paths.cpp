@@ -17,7 +17,7 @@ namespace {
 constexpr auto kTestFolders =
     name_set({"test", "tests", "__tests__", "testing", "testdata", "test_data", "e2e", "benches",
               "__mocks__", "__fixtures__", "__snapshots__", "unittest", "unittests",
-              "integrationtest", "integrationtests"});
+              "integrationtest", "integrationtests", "regress"});
 constexpr auto kSpecFolders = name_set({"spec", "specs"});
 constexpr auto kProductionTrees = name_set({"java", "kotlin", "scala", "groovy", "resources"});
 

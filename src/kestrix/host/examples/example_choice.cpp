@@ -29,6 +29,8 @@ constexpr double kMostTests = 0.6;
 constexpr double kWeightOfReach = 1;
 constexpr double kWeightOfMentions = 0.5;
 constexpr double kWeightOfSize = 0.5;
+// A script runs the product as a whole: there is no telling what it reaches but by its length.
+constexpr double kWeightOfLines = 0.75;
 
 double logarithm(std::size_t count) { return std::log2(1.0 + static_cast<double>(count)); }
 
@@ -72,9 +74,17 @@ void ExampleChoice::count_mentions() {
                         shared_[to.target] && tests_.is_test(to.source);
     if (counts) mentions_[to.source] += to.count;
   }
+  for (const FileId helper : helpers_) {
+    for (const FileId user : tests_.users(helper)) {
+      mentions_[user] += tests_.script_mentions(user, helper);
+    }
+  }
 }
 
 double ExampleChoice::points(FileId test) const {
+  if (const auto lines = tests_.script_lines(test); lines > 0) {
+    return kWeightOfLines * logarithm(lines) + kWeightOfMentions * logarithm(mentions_[test]);
+  }
   return kWeightOfReach * logarithm(tests_.reach(test)) +
          kWeightOfMentions * logarithm(mentions_[test]) +
          kWeightOfSize * logarithm(code_.index().declarations(test).size());

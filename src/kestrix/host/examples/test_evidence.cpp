@@ -4,6 +4,7 @@
 #include <map>
 #include <set>
 
+#include "kestrix/host/examples/test_scripts.h"
 #include "kestrix/host/page_answer.h"
 #include "kestrix/languages/frameworks.h"
 #include "kestrix/text/paths.h"
@@ -31,6 +32,11 @@ constexpr std::uint32_t kMostOfOneThing = 3;
 // Where one file serves so many of the tests, those without it are written another way.
 constexpr double kMostTests = 0.6;
 
+constexpr std::size_t kLeastScripts = 8;
+// Scripts are read when they are asked for.
+constexpr std::size_t kMostScripts = 1024;
+constexpr std::size_t kMostCharsOfScript = 200000;
+
 void make_distinct(std::vector<FileId>& files) {
   std::ranges::sort(files);
   files.erase(std::unique(files.begin(), files.end()), files.end());
@@ -50,18 +56,12 @@ bool may_be_field(DeclarationKind kind) {
 TestEvidence::TestEvidence(const WikiGenerator& generator, const CodeEvidence& code)
     : code_(code), index_(code.index()) {
   const std::size_t files = index_.files().size();
-  tests_.resize(files);
-  std::vector<bool> others(files);
-  for (const std::string& path : generator._test_files()) {
-    const auto file = is_fixture_path(path) ? std::nullopt : index_.find(path);
-    if (file) (is_own(*file) && is_code(*file) ? tests_ : others)[*file] = true;
-  }
-  if (std::ranges::find(tests_, true) == tests_.end()) tests_ = std::move(others);
-  test_count_ = static_cast<std::size_t>(std::ranges::count(tests_, true));
+  choose_tests(generator);
   users_.resize(files);
   reached_.resize(files);
   reach_.resize(files);
   names_framework_.resize(files);
+  read_scripts(generator);
   read_references();
   read_edges();
   hand_down();
@@ -69,6 +69,65 @@ TestEvidence::TestEvidence(const WikiGenerator& generator, const CodeEvidence& c
   give_by_framework();
   for (auto& users : users_) make_distinct(users);
   measure_reach();
+}
+
+void TestEvidence::choose_tests(const WikiGenerator& generator) {
+  tests_.resize(index_.files().size());
+  std::vector<bool> others(tests_.size());
+  std::vector<FileId> scripts;
+  for (const std::string& path : generator._test_files()) {
+    const auto file = is_fixture_path(path) ? std::nullopt : index_.find(path);
+    if (!file) continue;
+    const bool own = is_own(*file);
+    (own && is_code(*file) ? tests_ : others)[*file] = true;
+    if (own && !is_code(*file) && is_script_path(path)) scripts.push_back(*file);
+  }
+  // A few serve other tests; where they are the most, they are the tests.
+  test_count_ = static_cast<std::size_t>(std::ranges::count(tests_, true));
+  if (scripts.size() >= std::max(kLeastScripts, test_count_)) {
+    for (const FileId file : scripts) tests_[file] = true;
+  }
+  if (std::ranges::find(tests_, true) == tests_.end()) tests_ = std::move(others);
+  test_count_ = static_cast<std::size_t>(std::ranges::count(tests_, true));
+}
+
+void TestEvidence::read_scripts(const WikiGenerator& generator) {
+  const auto is_script = [&](FileId file) {
+    return !is_code(file) && is_script_path(code_.path(file));
+  };
+  std::vector<FileId> files;
+  std::vector<std::string_view> paths;
+  std::vector<std::string> texts;
+  std::size_t scripts = 0;
+  for (FileId file = 0; file < tests_.size(); ++file) {
+    if (!tests_[file]) continue;
+    // What is none has a name that scripts may take it in by.
+    files.push_back(file);
+    paths.push_back(code_.path(file));
+    texts.emplace_back();
+    if (!is_script(file) || ++scripts > kMostScripts) continue;
+    const ReadTextOptions options{.max_chars = kMostCharsOfScript};
+    texts.back() = _read_text({&generator.repo_root(), std::string(paths.back())}, options).str();
+  }
+  if (scripts == 0) return;
+  const ScriptUses found = uses_among_scripts(paths, texts);
+  for (const ScriptUse& use : found.uses) {
+    users_[files[use.helper]].push_back(files[use.user]);
+    script_mentions_[{files[use.user], files[use.helper]}] = use.count;
+  }
+  for (std::size_t at = 0; at < files.size(); ++at) {
+    if (found.lines[at] > 0) script_lines_[files[at]] = found.lines[at];
+  }
+}
+
+std::uint32_t TestEvidence::script_mentions(FileId script, FileId helper) const {
+  const auto found = script_mentions_.find({script, helper});
+  return found == script_mentions_.end() ? 0 : found->second;
+}
+
+std::uint32_t TestEvidence::script_lines(FileId file) const {
+  const auto found = script_lines_.find(file);
+  return found == script_lines_.end() ? 0 : found->second;
 }
 
 void TestEvidence::read_references() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <span>
 #include <string>
 #include <string_view>
@@ -14,8 +15,9 @@ namespace kestrix {
 /// What tests name of each other and of the product, by file. Views the index.
 class TestEvidence {
  public:
-  /// Linear in references and edges. `code` must outlive the object; the tests are the generator's,
-  /// without test data, and without what others wrote unless there are no others.
+  /// Linear in references and edges, and in the texts of such tests as are scripts. `code` must
+  /// outlive the object; the tests are the generator's, without test data, and without what others
+  /// wrote unless there are no others.
   TestEvidence(const WikiGenerator& generator, const CodeEvidence& code);
 
   bool is_test(index::FileId file) const { return tests_[file]; }
@@ -29,6 +31,10 @@ class TestEvidence {
   /// How much of them it names: each declaration once for each of its own that does, and at most
   /// three times.
   std::uint32_t reach(index::FileId file) const { return reach_[file]; }
+  /// How often a script among the tests calls another one: of these no reference tells.
+  std::uint32_t script_mentions(index::FileId script, index::FileId helper) const;
+  /// The lines of a script among the tests; 0 for all that is none.
+  std::uint32_t script_lines(index::FileId file) const;
   /// Whether a file names what belongs to a framework of tests.
   bool names_framework(index::FileId file) const { return names_framework_[file]; }
 
@@ -39,6 +45,8 @@ class TestEvidence {
  private:
   using Pair = std::pair<index::FileId, index::FileId>;
 
+  void choose_tests(const WikiGenerator& generator);
+  void read_scripts(const WikiGenerator& generator);
   void read_references();
   void read_edges();
   void hand_down();
@@ -57,6 +65,8 @@ class TestEvidence {
   std::vector<std::vector<index::FileId>> reached_;
   std::vector<std::uint32_t> reach_;
   std::vector<bool> names_framework_;
+  std::map<Pair, std::uint32_t> script_mentions_;  // by script and helper
+  std::map<index::FileId, std::uint32_t> script_lines_;
   std::vector<Pair> held_;       // test, and a file of whose types it has a field
   std::vector<Pair> extends_;    // test, and the file of its base class
   std::vector<Pair> asked_for_;  // file, and a test that has an edge to it
