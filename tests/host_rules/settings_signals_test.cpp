@@ -65,16 +65,6 @@ Files described(std::string_view path, std::string_view text) {
           {std::string(path), std::string(text)}};
 }
 
-// Settings as fields, and a file of keys.
-Files kept(std::string_view keys) {
-  return {{"go.mod", "module shop\n\ngo 1.22\n"},
-          {"core/core.go", "package core\n\ntype UserConfig struct {\n" +
-                               repeated(9, "\tPage{0}Size int\n") + "}\n"},
-          {"a/a.go", "package a\n\nimport \"shop/core\"\n\nfunc A(c core.UserConfig) {}\n"},
-          {"b/b.go", "package b\n\nimport \"shop/core\"\n\nfunc B(c core.UserConfig) {}\n"},
-          {"assets/preset.yml", std::string(keys)}};
-}
-
 // Files that answer to the first parts of keys, and who reads these.
 Files keyed(std::string_view read) {
   return files_of(
@@ -112,10 +102,6 @@ std::vector<Case> company() {
                                          "`SHOP_{0}_SIZE` goes with `{0}_one`, `{0}_two`, "
                                          "`{0}_three` and `{0}_four`.\n")),
        "docs/api.md", "explains_settings", false},
-      {"FilesThatHoldFieldsOfSettings", kept(repeated(9, "page{0}_size: 1\n")), "assets/preset.yml",
-       "holds_settings", true},
-      {"FilesThatHoldOtherKeys", kept(repeated(9, "page{0}_name: 1\n")), "assets/preset.yml",
-       "holds_settings", false},
   };
 }
 
@@ -167,6 +153,31 @@ Files typed(std::string_view name, std::string_view language) {
         fmt::format("export interface {} {{ a: number; b: number; c: number; }}\n", name)}});
 }
 
+// Constants in a namespace, and two files that use one of them.
+Files namespaced(std::string_view name) {
+  return files_of(
+      2, "src/{0}.cc",
+      fmt::format("#include \"limits.h\"\nint {{0}}() {{{{ return {0}::kFirst + {0}::kSecond + "
+                  "{0}::kThird; }}}}\n",
+                  name),
+      {{"src/limits.h",
+        fmt::format("namespace {} {{\nstatic const int kFirst = 1;\nstatic const int kSecond = 2;\n"
+                    "static const int kThird = 3;\n}}\n",
+                    name)}});
+}
+
+// Files of directives in one folder.
+Files directives(std::size_t count) {
+  return files_of(count, "conf/{0}.conf", repeated(12, "{0}key value\n"),
+                  {{"src/a.c", "int a;\n"}});
+}
+
+// Code that reads settings, and what a settings file is made from.
+Files made_from(std::string_view path, std::string_view line) {
+  return {{"shop/app.py", "import os\nA = os.environ['SHOP_A']\nB = os.getenv('SHOP_B')\n"},
+          {std::string(path), "# Settings of $project\n\n" + std::string(line)}};
+}
+
 std::vector<Case> shapes() {
   const std::string client = "src/main/java/shop/Client.java";
   const std::string limits = "src/main/java/shop/Limits.java";
@@ -193,6 +204,20 @@ std::vector<Case> shapes() {
        "src/main/java/shop/ShopProperties.java", "settings_named", true},
       {"PropertiesOfAnything", typed("ShopProperties", "typescript"), "src/types.ts",
        "settings_named", false},
+      {"NamespacesOfSettings", namespaced("config"), "src/limits.h", "settings_fields", true},
+      {"NamespacesOfAnything", namespaced("limits"), "src/limits.h", "settings_fields", false},
+      {"FilesOfDirectives", directives(2), "conf/a.conf", "directives", true},
+      {"FilesOfDirectivesToTryThingsWith", directives(6), "conf/a.conf", "directives", false},
+      {"WhatSettingsAreMadeFrom", made_from("shop/settings.py.tmpl", "SHOP_A = '$name'\n"),
+       "shop/settings.py.tmpl", "keys_read", true},
+      {"WhatIsOnlyShownThere", made_from("shop/settings.py.tmpl", "#SHOP_B = 2\n"),
+       "shop/settings.py.tmpl", "keys_read", true},
+      {"WhatIsComparedThere", made_from("shop/settings.py.tmpl", "SHOP_A == 1\n"),
+       "shop/settings.py.tmpl", "keys_read", false},
+      {"SamplesToBeCopied", made_from("deploy/.env.template", "SHOP_A=1\n"), "deploy/.env.template",
+       "settings_sample", true},
+      {"TemplatesOfAnything", made_from("deploy/page.html.template", "SHOP_A=1\n"),
+       "deploy/page.html.template", "settings_sample", false},
       {"TypesThatAreCalledSettings", typed("ShopSettings", "typescript"), "src/types.ts",
        "settings_named", true},
   };
@@ -218,6 +243,20 @@ std::vector<Case> reads() {
        "shop/app.py",
        "reads_settings",
        false},
+      {"KeysOfThePlatform",
+       {{"lib/Place.java",
+         "class Place {\n  String a = System.getProperty(\"java.version\");\n"
+         "  String b = System.getenv(\"HOME\");\n}\n"}},
+       "lib/Place.java",
+       "reads_settings",
+       false},
+      {"KeysOfTheProductBesideThem",
+       {{"lib/Place.java",
+         "class Place {\n  String a = System.getProperty(\"java.version\");\n"
+         "  String b = System.getenv(\"SHOP_HOME\");\n}\n"}},
+       "lib/Place.java",
+       "reads_settings",
+       true},
       {"KeysOfRubysSettings",
        {{"lib/site.rb", "class Site\n  def go(site)\n    site.config['page_size']\n  end\nend\n"}},
        "lib/site.rb",

@@ -12,6 +12,9 @@ namespace {
 
 constexpr double kLeastScore = 2.4;
 constexpr double kLeastShare = 0.15;
+// Where little is found, what shows less is better than nothing.
+constexpr double kLeastOfFew = 1.5;
+constexpr std::size_t kFew = 8;
 
 // What `is_config_path` saw in a path that it accepts.
 Reason sign_of(std::string_view path) {
@@ -39,6 +42,10 @@ PageAnswer configuration_answer(const WikiGenerator& generator) {
   add_reasons(sheet, code, answer.files);
   answer.further =
       sheet.further(answer.files, room_for_further(answer.files.size()), kLeastScore, kLeastShare);
+  if (const std::size_t found = answer.files.size() + answer.further.size(); found < kFew) {
+    const std::size_t room = kFew - answer.files.size();
+    answer.further = sheet.further(answer.files, room, kLeastOfFew, kLeastShare);
+  }
   finish(answer, "no file named like a configuration file, no directory named config");
   return answer;
 }

@@ -1,6 +1,7 @@
 #include "kestrix/host/configuration/read_keys.h"
 
 #include <algorithm>
+#include <array>
 
 #include "kestrix/text/ascii.h"
 
@@ -10,6 +11,15 @@ namespace {
 using index::IndexedReference;
 
 constexpr std::size_t kShortestKey = 3;
+
+constexpr std::array<std::string_view, 22> kOfPlatform{
+    "APPDATA",  "BUNDLE_GEMFILE", "CI",   "COLORTERM", "COMSPEC",
+    "DISPLAY",  "GITHUB_ACTIONS", "HOME", "HOMEDRIVE", "HOMEPATH",
+    "HOSTNAME", "JAVA_HOME",      "LANG", "PATH",      "PWD",
+    "SHELL",    "TEMP",           "TERM", "TMP",       "TMPDIR",
+    "USER",     "USERPROFILE"};
+constexpr std::array<std::string_view, 8> kStartsOfPlatform{"CARGO_", "LC_", "file.", "java.",
+                                                            "line.",  "os.", "path.", "user."};
 
 // "ConnectionStrings:Catalog", "connection_strings__catalog" and "CONNECTION-STRINGS.CATALOG"
 // alike.
@@ -47,6 +57,12 @@ bool ReadKeys::reads(std::string_view key) const {
   const std::string last = normal(key.substr(key.rfind('.') + 1));
   const bool several = last.find('_') != std::string::npos;
   return several && last.size() >= 2 * kShortestKey && keys_.contains(last);
+}
+
+bool ReadKeys::of_platform(std::string_view key) {
+  return std::ranges::find(kOfPlatform, key) != kOfPlatform.end() ||
+         std::ranges::any_of(kStartsOfPlatform,
+                             [key](std::string_view start) { return key.starts_with(start); });
 }
 
 std::size_t ReadKeys::below(std::string_view name) const {

@@ -22,6 +22,10 @@ class ReadKeys {
   /// last part where that has several words.
   bool reads(std::string_view key) const;
 
+  /// Whether the key is none of the product's, but tells where it runs: the user's home, the
+  /// system.
+  static bool of_platform(std::string_view key);
+
   /// How many keys start with "name.": those that a framework looks for in a file of that name.
   std::size_t below(std::string_view name) const;
 

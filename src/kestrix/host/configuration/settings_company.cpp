@@ -17,11 +17,9 @@ using index::IndexedEdge;
 using index::Role;
 
 constexpr Signal kGathers{"gathers_settings", 2.4, "uses {} file of settings that few others use",
-                          "uses {} files of settings that few others use", "crates.io, jekyll"};
+                          "uses {} files of settings that few others use", "crates.io, nestjs"};
 constexpr Signal kExplains{"explains_settings", 1.0, "explains {} setting", "explains {} settings",
                            "flask, lazygit"};
-constexpr Signal kHolds{"holds_settings", 1.0, "holds {} setting of the code",
-                        "holds {} settings of the code", ""};
 
 constexpr double kSettings = 2.4;  // what scores so much is a file of settings
 constexpr std::size_t kSeveral = 5;
@@ -91,16 +89,11 @@ class Company {
     std::vector<std::pair<FileId, SettingNames::Share>> documents;
     evidence_.index().for_each_noted([&](FileId file) {
       const index::FileNotes notes = evidence_.index().notes(file);
-      const bool prose = notes.document.has_value();
-      auto share = names_.share_of(prose ? notes.document->names : notes.keys);
+      if (!notes.document) return;
+      auto share = names_.share_of(notes.document->names);
       const std::size_t count = share.settings.size();
       if (count < kExplained || kSpokenOf * count < share.names) return;
-      if (prose) {
-        if (kWords * count < notes.document->words) return;
-        documents.emplace_back(file, std::move(share));
-      } else if (!settings_[file] && evidence_.roles(file).empty()) {
-        sheet_.add(file, kHolds, count, places(file, share.settings));
-      }
+      if (kWords * count >= notes.document->words) documents.emplace_back(file, std::move(share));
     });
     std::ranges::sort(documents, {}, [](const auto& each) {
       return std::pair(-static_cast<std::ptrdiff_t>(each.second.settings.size()), each.first);

@@ -19,19 +19,19 @@ using index::FileId;
 using index::Role;
 
 constexpr Signal kNamed{"settings_named", 0.8, "{} file uses its settings",
-                        "{} files use its settings", "lazygit, leveldb"};
+                        "{} files use its settings", "scrapy, tmux"};
 constexpr Signal kOptions{"options_named", 0.5, "{} file uses its options",
-                          "{} files use its options", "Polly, jellyfin"};
+                          "{} files use its options", "Polly, caddy"};
 constexpr Signal kFields{"settings_fields", 0.6, "{} member of settings", "{} members of settings",
-                         "lazygit, leveldb"};
+                         "redis, jellyfin"};
 constexpr Signal kOptionFields{"option_fields", 0.4, "{} member of options",
-                               "{} members of options", "Polly, jellyfin"};
+                               "{} members of options", "Polly, caddy"};
 constexpr Signal kItself{"settings_itself", 1.6, "a type of it is called settings and no more", "",
-                         "flask, leveldb"};
+                         "halo"};
 constexpr Signal kDeclares{"declares_settings", 0.9, "declares settings by {} call",
                            "declares settings by {} calls", "redis, caddy"};
 constexpr Signal kTable{"settings_table", 0.9, "a table of {} setting", "a table of {} settings",
-                        "netbox, redis"};
+                        "ripgrep, jellyfin"};
 constexpr Signal kKind{"settings_kind", 1.0, "is settings by what it extends, as {} type",
                        "is settings by what it extends, as {} types", "Polly, solidus"};
 
@@ -110,6 +110,7 @@ class Names {
     const DeclarationView& row = evidence_[at];
     const auto language = evidence_.index().files()[at.file].language;
     return is_settings_type(row) ||
+           (row.kind == DeclarationKind::kModule && is_one_of(kTypeWords, row.name)) ||
            (is_type(row.kind) && ends_with_word(row.name, kPropertyWords, kTails) &&
             std::ranges::find(kPropertyLanguages, language) != kPropertyLanguages.end());
   }
@@ -178,7 +179,10 @@ class Names {
       if (row.container > 0 && is_settings({file, row.container - 1})) {
         const auto naming = evidence_.files_naming(at, kEveryRole);
         users.insert(naming.begin(), naming.end());
+        const DeclarationView& around = declared[row.container - 1];
         if (is_type(row.kind)) fields += row.fields;  // a group of settings
+        if (around.kind == DeclarationKind::kModule && !naming.empty()) ++fields;
+        options = options && is_options(around);
       }
       if (!is_offer(at)) continue;
       const auto naming = evidence_.files_naming(at, kEveryRole);

@@ -17,9 +17,8 @@ using index::FileId;
 using index::Known;
 
 constexpr Signal kPlace{"settings_path", 4.5, "is where a framework looks for settings", "",
-                        "eShopOnWeb, umami"};
-constexpr Signal kSample{"settings_sample", 4.0, "is a sample to be copied", "",
-                         "netbox, lobsters"};
+                        "eShopOnWeb, nowinandroid"};
+constexpr Signal kSample{"settings_sample", 4.0, "is a sample to be copied", "", "netbox, tmux"};
 
 constexpr std::string_view kLauncher = "src/main/res/mipmap";
 constexpr std::array<std::string_view, 2> kBuildFiles{"build.gradle.kts", "build.gradle"};
@@ -30,7 +29,7 @@ constexpr std::array<std::string_view, 2> kBuildSettings{"gradle.properties",
 bool is_sample(std::string_view path) {
   const std::string_view name = index::base_name(path);
   if (name.ends_with(".sample") || name.ends_with(".example")) return true;
-  constexpr std::array<std::string_view, 2> kMade{"example", "sample"};
+  constexpr std::array<std::string_view, 4> kMade{"dist", "example", "sample", "template"};
   constexpr std::array<std::string_view, 6> kOf{"config",   "configuration", "conf",
                                                 "settings", "env",           "options"};
   return has_word(name, kMade) && has_word(name, kOf);

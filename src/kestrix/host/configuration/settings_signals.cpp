@@ -22,22 +22,19 @@ using index::Known;
 using index::Role;
 
 constexpr Signal kReads{"reads_settings", 1.6, "reads {} setting", "reads {} settings",
-                        "umami, crates.io"};
+                        "flask, umami"};
 constexpr Signal kReader{"settings_reader", 1.5, "{} file reads settings through its functions",
-                         "{} files read settings through its functions", "crates.io, netbox"};
+                         "{} files read settings through its functions", "crates.io, jellyfin"};
 constexpr Signal kReadsThrough{"reads_through", 1.2, "reads settings through {} function",
-                               "reads settings through functions, {} times", "crates.io, netbox"};
+                               "reads settings through functions, {} times", "cli, lazygit"};
 constexpr Signal kBound{"settings_type", 3.0, "{} type of it is filled from settings",
-                        "{} types of it are filled from settings", "eShopOnWeb, crates.io"};
+                        "{} types of it are filled from settings", "eShopOnWeb, Polly"};
 constexpr Signal kCalls{"settings_calls", 1.2, "takes in settings: {} call",
-                        "takes in settings: {} calls", "eShopOnWeb, lazygit"};
+                        "takes in settings: {} calls", "eShopOnWeb, jellyfin"};
 constexpr Signal kKeys{"keys_read", 1.7, "holds {} key that the code reads",
-                       "holds {} keys that the code reads", "crates.io, BookStack"};
-constexpr Signal kTemplate{"environment_template", 0.9, "a template of {} variable",
-                           "a template of {} variables", "BookStack, crates.io"};
-
+                       "holds {} keys that the code reads", "scrapy, jekyll"};
 constexpr Signal kDirective{"directives", 0.8, "holds {} directive", "holds {} directives",
-                            "redis, nowinandroid"};
+                            "redis"};
 
 constexpr std::array<std::string_view, 4> kTextFolders{"locales/", "locale/", "lang/", "i18n/"};
 constexpr std::size_t kDirectives = 10;
@@ -117,8 +114,9 @@ class Signals {
   void add_reads() {
     for (const auto& [file, places] : keys_.by_file()) {
       std::vector<Place> own;
-      std::ranges::copy_if(places, std::back_inserter(own),
-                           [this](const Place& place) { return !is_held(place.name); });
+      std::ranges::copy_if(places, std::back_inserter(own), [this](const Place& place) {
+        return !is_held(place.name) && !ReadKeys::of_platform(place.name);
+      });
       const std::string names = names_and_lines(own);
       const std::size_t count = own.size();
       sheet_.add(file, kReads, count, std::move(own), names);
@@ -166,6 +164,7 @@ class Signals {
 
   void add_settings_files() {
     const auto& index = evidence_.index();
+    std::map<std::string_view, std::vector<std::pair<FileId, std::size_t>>> directives;
     index.for_each_noted([&](FileId file) {
       const index::FileNotes notes = index.notes(file);
       if (notes.keys.empty() || !evidence_.roles(file).empty()) return;
@@ -181,14 +180,15 @@ class Signals {
       const std::size_t count = places.size();
       sheet_.add(file, kKeys, count, std::move(places), names);
       const std::string_view name = index::base_name(evidence_.path(file));
-      if (names_environment(name) && notes.keys.size() >= kShared) {
-        sheet_.add(file, kTemplate, notes.keys.size());
-      }
       const auto depth = std::ranges::count(evidence_.path(file), '/');
       if (name.ends_with(".conf") && depth <= kDeepest && notes.keys.size() >= kDirectives) {
-        sheet_.add(file, kDirective, notes.keys.size());
+        directives[index::folder_of(evidence_.path(file))].emplace_back(file, notes.keys.size());
       }
     });
+    for (const auto& [folder, files] : directives) {
+      if (files.size() > kShared) continue;  // what something is tried with
+      for (const auto& [file, count] : files) sheet_.add(file, kDirective, count);
+    }
     add_keyed_files();
   }
 

@@ -1,6 +1,7 @@
 #include "kestrix/index/refresh/note_taking.h"
 
 #include <algorithm>
+#include <array>
 #include <optional>
 #include <set>
 #include <vector>
@@ -32,6 +33,37 @@ std::optional<Format> settings_format(std::string_view path) {
                            name.find(".env.") != std::string_view::npos;
   const bool code = language_of(path) != nullptr;
   return environment && !code ? std::optional(Format::kEnv) : std::nullopt;
+}
+
+// What settings files are made from, without the ending that says so.
+std::string_view without_template_ending(std::string_view path) {
+  constexpr std::array<std::string_view, 9> kEndings{
+      ".default", ".dist", ".erb", ".j2", ".jinja", ".sample", ".template", ".tmpl", ".tt"};
+  for (const std::string_view ending : kEndings) {
+    if (path.ends_with(ending)) return path.substr(0, path.size() - ending.size());
+  }
+  return {};
+}
+
+// The names of lines that set one: "PAGE_SIZE = 10", also where it is only shown:
+// "# config.page_size = 10".
+std::vector<std::string> assigned_in(std::string_view text) {
+  std::set<std::string_view> names;
+  const auto part = [](char c) { return ascii::is_word(c) || c == '.'; };
+  for (std::size_t at = 0; at < text.size() && names.size() < kMostKeys;) {
+    const std::size_t end = std::min(text.find('\n', at), text.size());
+    std::string_view line = ascii::trim(text.substr(at, end - at));
+    at = end + 1;
+    if (line.starts_with('#')) line = ascii::trim(line.substr(1));
+    const auto behind = std::ranges::find_if_not(line, part);
+    const std::string_view name = line.substr(0, static_cast<std::size_t>(behind - line.begin()));
+    const std::string_view rest = ascii::trim(line.substr(name.size()));
+    const bool set = rest.starts_with('=') && !rest.starts_with("==");
+    if (set && !name.empty() && name.size() <= kLongestKey && ascii::is_alpha(name.front())) {
+      names.insert(name);
+    }
+  }
+  return {names.begin(), names.end()};
 }
 
 std::vector<std::string> keys_of(Format format, std::string_view text) {
@@ -89,6 +121,10 @@ FileNotes take_notes(std::string_view path, std::string_view text, bool is_docum
     if (format && *format != Format::kXml) notes.keys = keys_of(*format, text);
     if (!format && path.ends_with(".conf") && text.size() <= kMostDirectives) {
       notes.keys = directives_of(text);
+    }
+    const std::string_view made = without_template_ending(path);
+    if (!format && text.size() <= kMostSettings && language_of(made) != nullptr) {
+      notes.keys = assigned_in(text);
     }
     notes.documents = documents_named_in(text);
   }
