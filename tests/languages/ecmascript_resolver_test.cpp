@@ -63,6 +63,34 @@ TEST(EcmascriptResolver, FindsRelativePaths) {
   });
 }
 
+TEST(EcmascriptResolver, FindsAllFilesOfAPattern) {
+  check({
+      {"below its own folder, one or several patterns, never itself",
+       {{"app/main.ts",
+         "const a = import.meta.glob<{ run: () => void }>('./pages/**/*.vue', { eager: true });"
+         "const b = import.meta.glob(['./*.ts', '../lang/*.json']);"},
+        {"app/pages/a.vue", ""},
+        {"app/pages/b/c.vue", ""},
+        {"app/pages/note.md", ""},
+        {"app/other.ts", ""},
+        {"app/deep/x.ts", ""},
+        {"lang/en.json", "{}"}},
+       {"app/main.ts -> app/other.ts", "app/main.ts -> app/pages/a.vue",
+        "app/main.ts -> app/pages/b/c.vue", "app/main.ts -> lang/en.json"}},
+      {"from the project's folder or sources",
+       {{"web/package.json", "{}"},
+        {"web/src/main.js", "import.meta.glob('/routes/*.js'); import.meta.glob('@/parts/*.js')"},
+        {"web/routes/a.js", ""},
+        {"web/src/parts/b.js", ""},
+        {"routes/c.js", ""}},
+       {"web/src/main.js -> web/routes/a.js", "web/src/main.js -> web/src/parts/b.js"}},
+      {"no pattern of something else, none that is not there, none outside",
+       {{"a.js", "store.glob('./*.js'); import.meta.glob('./x/*.js'); import.meta.glob('../*.js')"},
+        {"b.js", ""}},
+       {}},
+  });
+}
+
 TEST(EcmascriptResolver, FollowsConfigurations) {
   check({
       {"paths and baseUrl, with comments and trailing commas",

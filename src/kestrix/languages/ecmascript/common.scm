@@ -59,6 +59,12 @@
    arguments: (arguments . [(string) (template_string)] @module))
  (#set! anywhere))
 
+; import.meta.glob("./x/*") of bundlers: all files that match.
+((call_expression
+   function: (member_expression) @glob
+   arguments: (arguments . [(string) @module (array (string) @module)]))
+ (#eq? @glob "import.meta.glob") (#set! anywhere))
+
 ; module.exports = …, exports.name = …, exports = module.exports = …
 (expression_statement (assignment_expression) @exports)
 (variable_declaration

@@ -22,9 +22,9 @@ constexpr std::array<std::string_view, 4> kJavaScript = {".js", ".jsx", ".mjs", 
 constexpr std::array<std::string_view, 3> kTypeScript = {".ts", ".mts", ".cts"};
 constexpr std::array<std::string_view, 1> kTsx = {".tsx"};
 // What the reader asks the matches of the query for.
-constexpr std::array<std::string_view, 16> kCaptures = {
-    "assigned", "bind",    "binding",   "body", "class",  "constant", "default", "dynamic",
-    "export",   "exports", "interface", "key",  "member", "module",   "name",    "spread"};
+constexpr std::array<std::string_view, 17> kCaptures = {
+    "assigned", "bind", "binding",   "body", "class",  "constant", "default", "dynamic", "export",
+    "exports",  "glob", "interface", "key",  "member", "module",   "name",    "spread"};
 
 }  // namespace
 

@@ -228,14 +228,16 @@ class Reader {
     });
   }
 
-  // require(…) and import(…)
+  // require(…), import(…) and import.meta.glob(…)
   void add_call(const Match& match, TSNode module) {
     if (!modules_.insert(ts_node_start_byte(module)).second) return;
     const std::string_view source = tree_.text(module);
     if (source.starts_with('`') && source.find("${") != std::string_view::npos) return;
     ImportFact& import = new_import(
         unquoted(source), match.node("dynamic") ? Form::kDynamic : Form::kRequire, module);
-    if (const auto member = match.node("member")) {
+    if (match.node("glob")) {
+      import.form = static_cast<std::uint16_t>(Form::kGlob);
+    } else if (const auto member = match.node("member")) {
       import.names.push_back({.name = std::string(tree_.text(*member)), .uses = 1});
       if (const auto bound = match.node("bind")) name_member(tree_.text(*bound));
     } else if (const auto bound = match.node("bind")) {

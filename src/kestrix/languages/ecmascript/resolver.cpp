@@ -14,6 +14,7 @@
 #include "kestrix/languages/ecmascript/packages.h"
 #include "kestrix/text/paths.h"
 #include "kestrix/text/seeded_hash.h"
+#include "kestrix/text/wildmatch.h"
 
 namespace kestrix::index {
 namespace {
@@ -24,6 +25,14 @@ using ecmascript::Packages;
 
 constexpr int kAliasHops = 4;
 constexpr std::size_t kMostAll = 256;  // files of which one file hands on all names
+
+constexpr std::size_t kMostGlobs = 64;
+constexpr std::size_t kMostGlobbed = 4096;  // files of one that has patterns
+constexpr double kGlobWeight = 2;           // it does something with each
+
+bool is_glob(const ImportFact& import) {
+  return import.form == static_cast<std::uint16_t>(ecmascript::Form::kGlob);
+}
 
 // What an import means: a file of the repository, nothing in it although it should be, or
 // something outside.
@@ -66,14 +75,21 @@ class EcmascriptResolver : public Resolver {
  public:
   explicit EcmascriptResolver(const FileTable& files)
       : files_(files), packages_(files), configs_(files, packages_) {
-    for (FileId id = 0; id < files.size(); ++id) add_barrel(id);
+    for (FileId id = 0; id < files.size(); ++id) {
+      add_barrel(id);
+      add_globs(id);
+    }
   }
 
   Resolution resolve(FileId file) const override {
     Dependencies dependencies(file);
     if (const auto own = barrels_.find(file); own != barrels_.end() && own->second.limited)
       dependencies.limit();
+    if (const auto own = globbed_.find(file); own != globbed_.end()) {
+      for (const FileId target : own->second) dependencies.add(target, kGlobWeight);
+    }
     for (const ImportFact& import : files_.facts(file).imports) {
+      if (is_glob(import)) continue;
       if (import.form == static_cast<std::uint16_t>(ecmascript::Form::kOwn)) {
         bind_own(import, file, dependencies);
         continue;
@@ -153,6 +169,7 @@ class EcmascriptResolver : public Resolver {
     Barrel barrel;
     std::unordered_set<FileId> known;
     for (const ImportFact& import : files_.facts(id).imports) {
+      if (is_glob(import)) continue;
       if (std::ranges::all_of(import.names, [](auto& name) { return name.exported.empty(); }))
         continue;
       const auto target = find(import.module, id).file;
@@ -166,6 +183,52 @@ class EcmascriptResolver : public Resolver {
       }
     }
     if (!barrel.named.empty() || !barrel.all.empty()) barrels_.emplace(id, std::move(barrel));
+  }
+
+  // Only so many patterns are followed, each of which looks at the files below its folder.
+  void add_globs(FileId id) {
+    for (const ImportFact& import : files_.facts(id).imports) {
+      if (!is_glob(import) || globs_ == kMostGlobs) continue;
+      ++globs_;
+      if (const auto pattern = pattern_of(import.module, folder_of(files_.path(id)))) {
+        add_matching(*pattern, globbed_[id]);
+      }
+    }
+  }
+
+  // From the top of the repository.
+  std::optional<std::string> pattern_of(std::string_view written, std::string_view folder) const {
+    if (is_relative(written)) return join_normal(folder, written);
+    const auto* package = packages_.around(folder);
+    if (package == nullptr) return std::nullopt;
+    if (written.starts_with('/')) return join_normal(package->folder, written.substr(1));
+    if (written.starts_with("@/") || written.starts_with("~/")) {
+      return join_normal(join(package->folder, "src"), written.substr(2));
+    }
+    return std::nullopt;
+  }
+
+  void add_matching(const std::string& pattern, std::vector<FileId>& found) const {
+    const std::size_t folder = pattern.substr(0, pattern.find_first_of("*?[")).rfind('/') + 1;
+    const std::string_view below = std::string_view(pattern).substr(0, folder);
+    const Wildmatch match(pattern);
+    for (FileId id = first_from(below); id < files_.size(); ++id) {
+      const std::string_view path = files_.path(id);
+      if (!path.starts_with(below) || found.size() == kMostGlobbed) return;
+      if (match.matches(path)) found.push_back(id);
+    }
+  }
+
+  // The first file whose path is not before `path`.
+  FileId first_from(std::string_view path) const {
+    FileId first = 0;
+    for (auto count = static_cast<FileId>(files_.size()); count > 0;) {
+      const FileId half = count / 2;
+      const bool before = files_.path(first + half) < path;
+      if (before) first += half + 1;
+      count = before ? count - half - 1 : half;
+    }
+    return first;
   }
 
   static void add_all(FileId target, Barrel& barrel) {
@@ -279,6 +342,8 @@ class EcmascriptResolver : public Resolver {
   Packages packages_;
   Configs configs_;
   std::unordered_map<FileId, Barrel> barrels_;
+  std::unordered_map<FileId, std::vector<FileId>> globbed_;
+  std::size_t globs_ = 0;
 };
 
 }  // namespace

@@ -16,6 +16,7 @@ enum class Form : std::uint16_t {
   kRequire,  ///< require(…)
   kDynamic,  ///< import(…), also in types
   kOwn,      ///< no import: the file exports a name of its own under another one
+  kGlob,     ///< import.meta.glob(…): a pattern for files
 };
 
 }  // namespace ecmascript
@@ -25,6 +26,7 @@ enum class Form : std::uint16_t {
 /// - relative paths, with and without extension, `.js` written for `.ts`, folders through their
 ///   package.json or index file;
 /// - `paths` and `baseUrl` of the nearest tsconfig.json or jsconfig.json, with what it extends;
+/// - patterns for files, relative ones and those from the project's folder or its sources;
 /// - `imports` and `exports` of package.json files, packages of the same workspace by their name.
 ///   What a package.json names and a build has not made yet falls back to its source.
 ///
