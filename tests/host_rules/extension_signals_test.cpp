@@ -245,6 +245,16 @@ Files parts_of(std::string_view kind, std::string_view base, std::string_view us
                     kind)}});
 }
 
+// Interfaces that extend one, or classes that implement it.
+Files widened(std::string_view head) {
+  return repeated(
+      3, "src/{0}/kind.ts",
+      fmt::format("import {{{{ Kind }}}} from '../kind';\nexport {} {{{{\n"
+                  "  draw(): void;\n}}}}\n",
+                  head),
+      {{"src/kind.ts", "export interface Kind {\n  name: string;\n  draw(): void;\n}\n"}});
+}
+
 Files records(std::size_t count) {
   std::string rows;
   for (std::size_t at = 0; at < count; ++at) {
@@ -273,6 +283,10 @@ std::vector<Case> contract_cases() {
       {"BasesWithMembersToFill", parts_of("abstract class", "extends Part", ""), "app/Part.php",
        "implemented", true},
       {"TraitsThatAskForAMember", parts_of("trait", "", "    use Part;\n"), "app/Part.php",
+       "implemented", false},
+      {"InterfacesThatClassesImplement", widened("abstract class Kind{0} implements Kind"),
+       "src/kind.ts", "implemented", true},
+      {"InterfacesThatInterfacesExtend", widened("interface Kind{0} extends Kind"), "src/kind.ts",
        "implemented", false},
       {"TablesOfRecords", records(14), "src/kinds.ts", "table_of_records", true},
       {"TablesOfFewRecords", records(6), "src/kinds.ts", "table_of_records", false},
