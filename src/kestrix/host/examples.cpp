@@ -25,7 +25,6 @@ std::vector<Reason> reasons_of(const TestEvidence& evidence, const ExampleChoice
   const auto users = evidence.users(file);
   const auto reached = evidence.reached(file);
   const auto mentions = choice.shared_mentions(file);
-  const auto declared = code.index().declarations(file).size();
   std::vector<Reason> reasons;
   add_counted(reasons, {"used_by_tests", "used by " + counted(users.size(), "test", "tests"),
                         users.size(), places_of(code, users)});
@@ -40,9 +39,7 @@ std::vector<Reason> reasons_of(const TestEvidence& evidence, const ExampleChoice
                           "names what tests share " + counted(mentions, "time", "times"),
                           mentions,
                           {}});
-    add_counted(reasons,
-                {"test_size", counted(declared, "declaration", "declarations"), declared, {}});
-    const auto lines = evidence.script_lines(file);
+    const auto lines = evidence.lines(file);
     add_counted(reasons, {"test_size", counted(lines, "line", "lines"), lines, {}});
   }
   if (reasons.empty()) reasons.push_back({"test_path", "a test by its path", 0, {}});

@@ -25,12 +25,14 @@ constexpr std::size_t kMostSharedOfFolder = 5;
 constexpr std::size_t kMostSamples = 2;
 // Where one file serves so many of the tests, those without it are written another way.
 constexpr double kMostTests = 0.6;
-// What a test goes through tells more than how long it is and how often it names what tests share.
+// What a test goes through, and how long it is, tells more than how often it names what tests
+// share. A script runs the product as a whole: there is no telling what it goes through but by its
+// length.
 constexpr double kWeightOfReach = 1;
 constexpr double kWeightOfMentions = 0.5;
-constexpr double kWeightOfSize = 0.5;
-// A script runs the product as a whole: there is no telling what it reaches but by its length.
-constexpr double kWeightOfLines = 0.75;
+constexpr double kWeightOfShared = 0.25;  // for each file of it
+constexpr double kWeightOfLines = 1;
+constexpr double kWeightOfScriptLines = 1.75;
 
 double logarithm(std::size_t count) { return std::log2(1.0 + static_cast<double>(count)); }
 
@@ -82,12 +84,19 @@ void ExampleChoice::count_mentions() {
 }
 
 double ExampleChoice::points(FileId test) const {
-  if (const auto lines = tests_.script_lines(test); lines > 0) {
-    return kWeightOfLines * logarithm(lines) + kWeightOfMentions * logarithm(mentions_[test]);
-  }
+  const auto used =
+      std::ranges::count_if(helpers_, [&](FileId helper) { return uses(test, helper); }) +
+      std::ranges::count_if(support_, [&](FileId file) { return uses(test, file); });
+  // A test that calls nothing but a global driver has no line that is known.
+  const auto lines = tests_.lines(test) > 0 ? tests_.lines(test) : tests_.middle_lines();
+  const auto of_lines = tests_.is_script(test) ? kWeightOfScriptLines : kWeightOfLines;
   return kWeightOfReach * logarithm(tests_.reach(test)) +
          kWeightOfMentions * logarithm(mentions_[test]) +
-         kWeightOfSize * logarithm(code_.index().declarations(test).size());
+         kWeightOfShared * static_cast<double>(used) + of_lines * logarithm(lines);
+}
+
+bool ExampleChoice::uses(FileId test, FileId shared) const {
+  return std::ranges::binary_search(tests_.users(shared), test);
 }
 
 // The tests that are written with what most of them are written with; all where nothing is that.

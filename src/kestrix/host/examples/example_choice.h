@@ -38,6 +38,7 @@ class ExampleChoice {
   void count_mentions();
   void rank_tests();
   double points(index::FileId test) const;
+  bool uses(index::FileId test, index::FileId shared) const;
   std::vector<bool> written_alike() const;
   std::size_t outside() const { return support_.size() + samples_.size(); }
   bool is_narrowed() const;

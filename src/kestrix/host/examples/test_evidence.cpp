@@ -61,6 +61,7 @@ TestEvidence::TestEvidence(const WikiGenerator& generator, const CodeEvidence& c
   reached_.resize(files);
   reach_.resize(files);
   names_framework_.resize(files);
+  measure_lines();
   read_scripts(generator);
   read_references();
   read_edges();
@@ -92,9 +93,6 @@ void TestEvidence::choose_tests(const WikiGenerator& generator) {
 }
 
 void TestEvidence::read_scripts(const WikiGenerator& generator) {
-  const auto is_script = [&](FileId file) {
-    return !is_code(file) && is_script_path(code_.path(file));
-  };
   std::vector<FileId> files;
   std::vector<std::string_view> paths;
   std::vector<std::string> texts;
@@ -116,7 +114,7 @@ void TestEvidence::read_scripts(const WikiGenerator& generator) {
     script_mentions_[{files[use.user], files[use.helper]}] = use.count;
   }
   for (std::size_t at = 0; at < files.size(); ++at) {
-    if (found.lines[at] > 0) script_lines_[files[at]] = found.lines[at];
+    if (found.lines[at] > 0) lines_[files[at]] = found.lines[at];
   }
 }
 
@@ -125,9 +123,27 @@ std::uint32_t TestEvidence::script_mentions(FileId script, FileId helper) const 
   return found == script_mentions_.end() ? 0 : found->second;
 }
 
-std::uint32_t TestEvidence::script_lines(FileId file) const {
-  const auto found = script_lines_.find(file);
-  return found == script_lines_.end() ? 0 : found->second;
+bool TestEvidence::is_script(FileId file) const {
+  return tests_[file] && !is_code(file) && is_script_path(code_.path(file));
+}
+
+void TestEvidence::measure_lines() {
+  std::vector<std::uint32_t> known;
+  lines_.resize(tests_.size());
+  for (FileId file = 0; file < tests_.size(); ++file) {
+    if (!tests_[file]) continue;
+    for (const auto& row : index_.declarations(file)) {
+      lines_[file] = std::max(lines_[file], row.last_line);
+    }
+    for (const auto& to : index_.references_from(file)) {
+      lines_[file] = std::max(lines_[file], to.line);
+    }
+    if (lines_[file] > 0) known.push_back(lines_[file]);
+  }
+  if (known.empty()) return;
+  const auto middle = known.begin() + std::ssize(known) / 2;
+  std::ranges::nth_element(known, middle);
+  middle_lines_ = *middle;
 }
 
 void TestEvidence::read_references() {

@@ -33,8 +33,12 @@ class TestEvidence {
   std::uint32_t reach(index::FileId file) const { return reach_[file]; }
   /// How often a script among the tests calls another one: of these no reference tells.
   std::uint32_t script_mentions(index::FileId script, index::FileId helper) const;
-  /// The lines of a script among the tests; 0 for all that is none.
-  std::uint32_t script_lines(index::FileId file) const;
+  /// How long a test is: the line of the last that is known of it, or of a script's lines, which
+  /// run the product as a whole, the number; 0 where nothing is known.
+  std::uint32_t lines(index::FileId file) const { return lines_[file]; }
+  /// That of the middle one of those of which it is known.
+  std::uint32_t middle_lines() const { return middle_lines_; }
+  bool is_script(index::FileId file) const;
   /// Whether a file names what belongs to a framework of tests.
   bool names_framework(index::FileId file) const { return names_framework_[file]; }
 
@@ -45,6 +49,7 @@ class TestEvidence {
  private:
   using Pair = std::pair<index::FileId, index::FileId>;
 
+  void measure_lines();
   void choose_tests(const WikiGenerator& generator);
   void read_scripts(const WikiGenerator& generator);
   void read_references();
@@ -66,7 +71,8 @@ class TestEvidence {
   std::vector<std::uint32_t> reach_;
   std::vector<bool> names_framework_;
   std::map<Pair, std::uint32_t> script_mentions_;  // by script and helper
-  std::map<index::FileId, std::uint32_t> script_lines_;
+  std::vector<std::uint32_t> lines_;               // by file
+  std::uint32_t middle_lines_ = 0;
   std::vector<Pair> held_;       // test, and a file of whose types it has a field
   std::vector<Pair> extends_;    // test, and the file of its base class
   std::vector<Pair> asked_for_;  // file, and a test that has an edge to it
