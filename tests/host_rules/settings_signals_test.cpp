@@ -265,6 +265,40 @@ std::vector<Case> reads() {
   };
 }
 
+// A template of variables, and a file that declares values.
+Files declared(std::string_view start, std::string_view path, std::string_view text) {
+  std::string variables;
+  for (const char* name : {"MAIL_HOST", "MAIL_PORT", "MAIL_USER", "DATABASE_URL", "SECRET_KEY"}) {
+    variables += fmt::format("{}{}=\n", start, name);
+  }
+  return {{".env.sample", variables}, {std::string(path), std::string(text)}};
+}
+
+std::vector<Case> variables() {
+  const std::string kind = "declares_variables";
+  constexpr std::string_view kPython =
+      "class Mail:\n  mail_host = 'a'\n  mail_port = 1\n  mail_user = 'a'\n"
+      "  database_url = 'a'\n  secret_key = 'a'\n";
+  constexpr std::string_view kFour =
+      "class Mail:\n  mail_host = 'a'\n  mail_port = 1\n  mail_user = 'a'\n  secret_key = 'a'\n";
+  constexpr std::string_view kScript =
+      "export class Mail {\n  public mailHost = 'a';\n  public mailPort = 1;\n"
+      "  public mailUser = 'a';\n  public databaseUrl = 'a';\n  public secretKey = 'a';\n}\n";
+  return {
+      {"VariablesOfATemplate", declared("", "shop/mail.py", kPython), "shop/mail.py", kind, true},
+      {"VariablesBehindTheProductsName", declared("SHOP_", "shop/mail.ts", kScript), "shop/mail.ts",
+       kind, true},
+      {"TooFewVariables", declared("", "shop/mail.py", kFour), "shop/mail.py", kind, false},
+      {"VariablesOfATest", declared("", "tests/test_mail.py", kPython), "tests/test_mail.py", kind,
+       false},
+      {"CodeIsNoSampleOfSettings",
+       {{"src/templateSettings.ts", "export function useTemplateSettings() { return 1; }\n"}},
+       "src/templateSettings.ts",
+       "settings_sample",
+       false},
+  };
+}
+
 class SettingsSignals : public testing::TestWithParam<Case> {};
 
 TEST_P(SettingsSignals, TellSettingsFromTheirLikes) {
@@ -287,6 +321,7 @@ const auto kName = [](const auto& one) { return one.param.name; };
 
 INSTANTIATE_TEST_SUITE_P(Company, SettingsSignals, testing::ValuesIn(company()), kName);
 INSTANTIATE_TEST_SUITE_P(Shapes, SettingsSignals, testing::ValuesIn(shapes()), kName);
+INSTANTIATE_TEST_SUITE_P(Variables, SettingsSignals, testing::ValuesIn(variables()), kName);
 INSTANTIATE_TEST_SUITE_P(Reads, SettingsSignals, testing::ValuesIn(reads()), kName);
 
 }  // namespace

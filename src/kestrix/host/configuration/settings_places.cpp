@@ -35,6 +35,12 @@ bool is_sample(std::string_view path) {
   return has_word(name, kMade) && has_word(name, kOf);
 }
 
+bool declares_code(const CodeEvidence& evidence, FileId file) {
+  return std::ranges::any_of(evidence.index().declarations(file), [](const auto& row) {
+    return is_type(row.kind) || row.kind == index::DeclarationKind::kFunction;
+  });
+}
+
 // The frameworks' patterns, of the languages that the repository has.
 std::vector<PathGlob> patterns_of(const index::RepositoryIndex& index) {
   std::set<std::string_view> languages;
@@ -83,7 +89,7 @@ void add_settings_places(const CodeEvidence& evidence, ScoreSheet& sheet) {
     const auto matches = [path](const PathGlob& glob) { return glob.matches(path); };
     const bool found = std::ranges::any_of(globs, matches) || builds.contains(file);
     if (found) sheet.add(file, kPlace, 1);
-    if (is_sample(path)) sheet.add(file, kSample, 1);
+    if (is_sample(path) && !declares_code(evidence, file)) sheet.add(file, kSample, 1);
   }
 }
 

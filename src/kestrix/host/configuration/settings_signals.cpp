@@ -61,6 +61,7 @@ class Signals {
     add_settings_places(evidence_, sheet_);
     add_settings_names(evidence_, sheet_);
     add_settings_builders(evidence_, sheet_);
+    add_settings_variables(evidence_, std::move(variables_), sheet_);
     take_texts_off();
     add_settings_company(evidence_, sheet_);
     return std::move(sheet_);
@@ -170,6 +171,7 @@ class Signals {
       if (notes.keys.empty() || !evidence_.roles(file).empty()) return;
       std::vector<Place> places;
       for (const std::string& key : notes.keys) {
+        if (is_environment_variable(key)) variables_.push_back(key);
         if (keys_.reads(key)) places.push_back({std::string(evidence_.path(file)), 0, key});
       }
       std::string names;
@@ -243,6 +245,7 @@ class Signals {
   std::set<DeclarationRef> types_;        // filled from settings
   std::set<DeclarationRef> readers_;      // functions that read settings
   std::set<DeclarationRef> reads_fixed_;  // functions that say themselves what they read
+  std::vector<std::string> variables_;    // of the environment, as files of keys have them
   std::set<std::string_view> holders_;    // first parts of keys that files answer to
 };
 
