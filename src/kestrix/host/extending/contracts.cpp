@@ -7,6 +7,7 @@
 #include "kestrix/host/evidence/descendants.h"
 #include "kestrix/host/evidence/error_types.h"
 #include "kestrix/host/evidence/overriding.h"
+#include "kestrix/host/extending/chance.h"
 #include "kestrix/host/extending/unnamed_contracts.h"
 #include "kestrix/languages/frameworks.h"
 #include "kestrix/text/paths.h"
@@ -39,7 +40,8 @@ class Finder {
       : evidence_(evidence),
         errors_(error_types(evidence)),
         descendants_(evidence),
-        unnamed_(evidence) {}
+        unnamed_(evidence),
+        chance_(evidence) {}
 
   std::vector<Contract> find() {
     std::set<DeclarationRef> bases = unnamed_.types();
@@ -75,6 +77,7 @@ class Finder {
                     (members && declared.kind == DeclarationKind::kInterface);
     contract.implementers = descendants_.of(type);
     if (contract.implementers.empty()) contract.implementers = unnamed_.implementers(type);
+    chance_.leave_out(type, contract.implementers);
     std::set<std::string_view> folders;
     for (const DeclarationRef implementer : contract.implementers) {
       if (implementer.file == type.file || is_shape_of_data(implementer)) continue;
@@ -179,6 +182,7 @@ class Finder {
   const std::set<DeclarationRef> errors_;
   Descendants descendants_;
   const UnnamedContracts unnamed_;
+  const Chance chance_;
 };
 
 double grown(std::size_t count) { return std::log2(1.0 + static_cast<double>(count)); }
