@@ -25,6 +25,8 @@ constexpr std::array<std::string_view, 10> kWords{"error",     "errors",     "er
 // Of a type they say what happened.
 constexpr std::array<std::string_view, 4> kVerbs{"abort", "fail", "failed", "fatal"};
 constexpr std::array<std::string_view, 2> kMacroWords{"assert", "abort"};
+// What writes errors down makes none and handles none.
+constexpr std::array<std::string_view, 4> kLogWords{"log", "logger", "logging", "logs"};
 
 class Names {
  public:
@@ -78,7 +80,7 @@ class Names {
         if (speaks || types_.contains(at)) ++about;
       }
       const bool macro = row.kind == DeclarationKind::kMacro && has_word(row.name, kMacroWords);
-      if (!offers(row) || !(macro || speaks)) continue;
+      if (!offers(row) || !(macro || speaks) || has_word(row.name, kLogWords)) continue;
       if (types_.contains(at) || is_no_error(row)) continue;
       const auto naming = evidence_.files_naming(at, kEveryRole);
       if (naming.empty()) continue;
