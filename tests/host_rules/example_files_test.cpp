@@ -90,22 +90,32 @@ TEST(ExampleFiles, AddWhatAProgramDeclaresForItsTestsAlone) {
   }
 }
 
+// In all of the repository's tests, or in all of one engine's among several.
 TEST(ExampleFiles, KnowFactoriesByTheirFilesAndWhatIsMixedIntoAllTests) {
-  Files files{
-      {"app/models/user.rb", "class User < ApplicationRecord\nend\n"},
-      {"spec/factories/users.rb", "FactoryBot.define do\n  factory(:user) { name { 'A' } }\nend\n"},
-      {"spec/support/sign_in.rb", "module SignIn\n  def sign_in(user) = nil\nend\n"},
-      {"spec/rails_helper.rb",
-       "RSpec.configure do |config|\n  config.include SignIn, type: :request\nend\n"}};
-  for (const std::string name : {"a", "b", "c", "d", "e"}) {
-    files.emplace_back("spec/requests/" + name + "_spec.rb",
-                       "require 'rails_helper'\n\nRSpec.describe 'it' do\n"
-                       "  it('works') { create(:user) }\nend\n");
+  for (const std::string engine : {"", "desk/"}) {
+    Files files{{"app/models/user.rb", "class User < ApplicationRecord\nend\n"},
+                {"spec/factories/users.rb",
+                 "FactoryBot.define do\n  factory(:user) { name { 'A' } }\nend\n"},
+                {"spec/support/sign_in.rb", "module SignIn\n  def sign_in(user) = nil\nend\n"},
+                {"spec/rails_helper.rb",
+                 "RSpec.configure do |config|\n  config.include SignIn, type: :request\nend\n"}};
+    for (const std::string name : {"a", "b", "c", "d", "e"}) {
+      files.emplace_back("spec/requests/" + name + "_spec.rb",
+                         "require 'rails_helper'\n\nRSpec.describe 'it' do\n"
+                         "  it('works') { create(:user) }\nend\n");
+    }
+    for (auto& [path, text] : files) path.insert(0, engine);
+    for (int i = 0; i < (engine.empty() ? 0 : 9); ++i) {
+      files.emplace_back("till/spec/t" + std::to_string(i) + "_spec.rb",
+                         "RSpec.describe('it') { it('works') { } }\n");
+    }
+    const AnsweredRepository repository(files);
+    const auto answer = examples_answer(repository.generator()).files;
+    EXPECT_EQ(reason_of(answer, engine + "spec/factories/users.rb", "used_by_tests"),
+              "used by 5 tests");
+    EXPECT_EQ(reason_of(answer, engine + "spec/support/sign_in.rb", "used_by_tests"),
+              "used by 6 tests");
   }
-  const AnsweredRepository repository(files);
-  const auto answer = examples_answer(repository.generator()).files;
-  EXPECT_EQ(reason_of(answer, "spec/factories/users.rb", "used_by_tests"), "used by 5 tests");
-  EXPECT_EQ(reason_of(answer, "spec/support/sign_in.rb", "used_by_tests"), "used by 6 tests");
 }
 
 // A file beside the product's own is support where its name and its users say so and the product

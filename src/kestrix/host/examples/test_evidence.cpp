@@ -32,6 +32,7 @@ constexpr std::uint32_t kMostOfOneThing = 3;
 // Where one file serves so many of the tests, those without it are written another way.
 constexpr double kMostTests = 0.6;
 
+constexpr std::size_t kLeastAskers = 4;
 constexpr std::size_t kLeastScripts = 8;
 // Scripts are read when they are asked for.
 constexpr std::size_t kMostScripts = 1024;
@@ -200,8 +201,8 @@ std::size_t TestEvidence::least_users(std::size_t most) const {
   return std::max(std::min(1 + test_count_ / kTestsForOneUserMore, kMostLeastUsers), share);
 }
 
-// What nearly all tests ask for hands on what it registers: modules that are mixed into each test.
-// Which of them a test needs can't be seen; what tests name themselves tells more.
+// What nearly all tests around ask for hands on what it registers: modules that are mixed into each
+// test. Which of them a test needs can't be seen; what tests name themselves tells more.
 void TestEvidence::hand_on() {
   make_distinct(handed_on_);
   make_distinct(asked_for_);
@@ -214,13 +215,28 @@ void TestEvidence::hand_on() {
     if (tests_[file] && users_[file].size() >= least) ++named;
   }
   if (named >= kEnoughNamed) return;
+  const auto tests_below = count_by_folder();
   for (const auto& [shared, file] : handed_on_) {
     const auto askers = std::ranges::equal_range(asked_for_, shared, {}, &Pair::first);
+    const auto below = tests_below.find(index::folder_of(code_.path(shared)));
+    const auto around = below == tests_below.end() ? test_count_ : below->second;
     const bool by_most =
-        static_cast<double>(askers.size()) >= kMostTests * static_cast<double>(test_count_);
-    if (!by_most || shared == file || code_.is_product(file)) continue;
+        static_cast<double>(askers.size()) >= kMostTests * static_cast<double>(around);
+    if (!by_most || askers.size() < kLeastAskers || shared == file) continue;
+    if (code_.is_product(file)) continue;
     for (const auto& [target, test] : askers) users_[file].push_back(test);
   }
+}
+
+// The tests below each folder that has any.
+std::map<std::string_view, std::size_t> TestEvidence::count_by_folder() const {
+  std::map<std::string_view, std::size_t> counts;
+  for (FileId file = 0; file < tests_.size(); ++file) {
+    if (!tests_[file]) continue;
+    index::for_each_folder_up(index::folder_of(code_.path(file)),
+                              [&](std::string_view folder) { ++counts[folder]; });
+  }
+  return counts;
 }
 
 void TestEvidence::give_by_framework() {

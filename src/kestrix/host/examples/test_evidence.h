@@ -56,6 +56,7 @@ class TestEvidence {
   void read_edges();
   void hand_down();
   void hand_on();
+  std::map<std::string_view, std::size_t> count_by_folder() const;
   void give_by_framework();
   void measure_reach();
   bool is_own(index::FileId file) const;
