@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "kestrix/files/shortage.h"
+#include "kestrix/files/uninterrupted.h"
 
 namespace kestrix::index {
 namespace {
@@ -32,7 +33,8 @@ void add_entry(int directory, const char* name, unsigned char type, DirectoryLis
   FileStamp stamp;
   if (type != DT_DIR && type != DT_LNK) {
     struct stat status {};
-    if (::fstatat(directory, name, &status, AT_SYMLINK_NOFOLLOW) == 0) {
+    const auto look = [&] { return ::fstatat(directory, name, &status, AT_SYMLINK_NOFOLLOW); };
+    if (uninterrupted(look) == 0) {
       kind = kind_of_mode(status.st_mode);
       stamp = stamp_of(status);
     } else {
@@ -48,7 +50,8 @@ void add_entry(int directory, const char* name, unsigned char type, DirectoryLis
 bool add_entries(int directory, DirectoryListing& listing, const StopFlag* stop) {
   alignas(dirent64) std::array<char, kBufferBytes> buffer;  // NOLINT(*-member-init): filled below
   for (;;) {
-    const ssize_t filled = ::getdents64(directory, buffer.data(), buffer.size());
+    const ssize_t filled =
+        uninterrupted([&] { return ::getdents64(directory, buffer.data(), buffer.size()); });
     if (filled <= 0) return filled == 0;
     for (std::size_t at = 0; at < static_cast<std::size_t>(filled);) {
       const auto* item = reinterpret_cast<const dirent64*>(buffer.data() + at);

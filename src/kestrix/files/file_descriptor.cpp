@@ -4,6 +4,8 @@
 
 #include <cerrno>
 
+#include "kestrix/files/uninterrupted.h"
+
 namespace kestrix::index {
 
 FileDescriptor& FileDescriptor::operator=(FileDescriptor&& other) noexcept {
@@ -25,8 +27,8 @@ bool read_up_to(const FileDescriptor& file, std::size_t size, std::string& bytes
   std::size_t filled = bytes.size();
   bytes.resize(size);
   while (filled < size) {
-    const ssize_t count = ::read(file.get(), bytes.data() + filled, size - filled);
-    if (count < 0 && errno == EINTR) continue;
+    const ssize_t count =
+        uninterrupted([&] { return ::read(file.get(), bytes.data() + filled, size - filled); });
     if (count < 0) return false;
     if (count == 0) break;
     filled += static_cast<std::size_t>(count);

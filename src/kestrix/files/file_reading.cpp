@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "kestrix/files/shortage.h"
+#include "kestrix/files/uninterrupted.h"
 #include "kestrix/text/decoding.h"
 
 namespace kestrix::index {
@@ -40,7 +41,10 @@ struct ReadPlan {
 FileBytes read_descriptor(std::string_view path, const FileDescriptor& file, ReadPlan plan) {
   if (!file) return failed(status_of(errno));
   struct stat status {};
-  if (::fstat(file.get(), &status) != 0) return unreadable(path);
+  const auto look = [&](struct stat& to) {
+    return uninterrupted([&] { return ::fstat(file.get(), &to); }) == 0;
+  };
+  if (!look(status)) return unreadable(path);
   if (!S_ISREG(status.st_mode)) return failed(ReadStatus::kVanished);
   FileBytes result;
   result.stamp = stamp_of(status);
@@ -55,7 +59,7 @@ FileBytes read_descriptor(std::string_view path, const FileDescriptor& file, Rea
   if (!good) return unreadable(path);
   if (result.bytes.size() > limit) result.bytes.resize(limit);
   struct stat after {};
-  result.changed = ::fstat(file.get(), &after) != 0 || stamp_of(after) != result.stamp;
+  result.changed = !look(after) || stamp_of(after) != result.stamp;
   return result;
 }
 

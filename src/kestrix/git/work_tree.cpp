@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "kestrix/files/file_reading.h"
+#include "kestrix/files/uninterrupted.h"
 #include "kestrix/git/git_config.h"
 #include "kestrix/git/git_index.h"
 #include "kestrix/git/head.h"
@@ -34,7 +35,8 @@ bool is_there(const RootDirectory& directory, std::string_view name) {
 struct stat status_of(const RootDirectory& directory, std::string_view name) {
   struct stat status {};
   const FileDescriptor found = directory.open(name, O_PATH);
-  if (!found || ::fstat(found.get(), &status) != 0) return {};
+  const auto look = [&] { return ::fstat(found.get(), &status); };
+  if (!found || uninterrupted(look) != 0) return {};
   return status;
 }
 

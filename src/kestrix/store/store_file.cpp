@@ -15,6 +15,7 @@
 #include <thread>
 
 #include "kestrix/files/root_directory.h"
+#include "kestrix/files/uninterrupted.h"
 #include "kestrix/store/corrupt_index.h"
 
 namespace kestrix::index {
@@ -210,7 +211,8 @@ PlaceContent look_at(const fs::path& path) {
   if (!file && errno == ENOENT) return PlaceContent::kNothing;
   if (!file && errno == ELOOP) return PlaceContent::kForeignFile;
   struct stat status {};
-  if (!file || ::fstat(file.get(), &status) != 0) {
+  const auto look = [&] { return ::fstat(file.get(), &status); };
+  if (!file || uninterrupted(look) != 0) {
     throw Error(fmt::format("{}: {}", path.native(), std::generic_category().message(errno)));
   }
   if (!S_ISREG(status.st_mode)) return PlaceContent::kForeignFile;

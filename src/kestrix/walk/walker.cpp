@@ -16,6 +16,7 @@
 
 #include "kestrix/files/directory_listing.h"
 #include "kestrix/files/file_reading.h"
+#include "kestrix/files/uninterrupted.h"
 #include "kestrix/git/ignore_rules.h"
 #include "kestrix/git/work_tree.h"
 #include "kestrix/text/seeded_hash.h"
@@ -127,7 +128,8 @@ bool is_repository(const RootDirectory& root, const std::string& path) {
   if (root.open(path + "/.git/HEAD", O_PATH)) return true;
   const FileDescriptor link = root.open(path + "/.git", O_PATH);
   struct stat status {};
-  return link && ::fstat(link.get(), &status) == 0 && S_ISREG(status.st_mode);
+  const auto look = [&] { return ::fstat(link.get(), &status); };
+  return link && uninterrupted(look) == 0 && S_ISREG(status.st_mode);
 }
 
 class GitPolicy : public Policy {

@@ -9,6 +9,7 @@
 #include <string>
 
 #include "kestrix/files/file_reading.h"
+#include "kestrix/files/uninterrupted.h"
 #include "kestrix/git/object_id.h"
 
 namespace kestrix {
@@ -67,7 +68,8 @@ class Comparison {
       return index_.files()[*file].stamp;
     struct stat status {};
     const auto found = root_.open(path, O_PATH | O_NOFOLLOW);
-    if (!found || ::fstat(found.get(), &status) != 0) return std::nullopt;
+    const auto look = [&] { return ::fstat(found.get(), &status); };
+    if (!found || index::uninterrupted(look) != 0) return std::nullopt;
     const bool as_noted = is_link ? S_ISLNK(status.st_mode) : S_ISREG(status.st_mode);
     return as_noted ? std::optional(index::stamp_of(status)) : std::nullopt;
   }

@@ -279,6 +279,7 @@ void Refresher::give_roles(RepositoryIndex& index) {
 
 void Refresher::note_unread(const IndexedFiles& files) {
   store_.set_setting(kUnreadSetting, files.has_unread() ? "yes" : "");
+  if (files.has_unread()) skipped_.add(skipped::kUnreadable);
 }
 
 WalkResult list_files(const IndexOptions& options, const RootDirectory& root, const fs::path& index,
