@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "kestrix/store/content_hash.h"
 #include "tests/index/index_fixture.h"
 
 namespace kestrix::index {
@@ -38,6 +39,25 @@ TEST_F(Indexer, SeesAnEditThatKeepsSizeAndTime) {
     std::filesystem::last_write_time(scratch() / "repo/a.py", time);
     EXPECT_EQ(refreshed().index->symbols().front().name, std::string_view(text).substr(6, 1));
   }
+}
+
+// Two texts that a hash for speed cannot tell apart: bytes of its key cancel what stands behind
+// them but for its sum, and the one text adds in one place what it takes away in another.
+TEST_F(Indexer, SeesAnEditThatKeepsAQuickHash) {
+  const auto text = [](std::string_view assigned, std::string_view remark) {
+    std::string made(512, '\n');
+    made.replace(79, 5, "#\x72\x40\xa4\xa4").replace(84, assigned.size(), assigned);
+    made.replace(207, 5, "#\x82\x5a\xd0\x7d").replace(212, remark.size(), remark);
+    return made;
+  };
+  const std::string before = text("\nX=1", "pbq");
+  const std::string after = text("\nY=1", "paq");
+  ASSERT_NE(before, after);
+  ASSERT_EQ(quick_hash(before), quick_hash(after));
+  write("a.py", before);
+  EXPECT_EQ(refreshed().index->symbols().front().name, "X");
+  write("a.py", after);
+  EXPECT_EQ(refreshed().index->symbols().front().name, "Y");
 }
 
 TEST_F(Indexer, GivesOneResultForAnyNumberOfThreads) {
