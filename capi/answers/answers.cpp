@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "kestrix/text/wildmatch.h"
+#include "kestrix/utils/ordered_map.h"
 
 namespace kestrix {
 namespace {
@@ -21,7 +22,7 @@ class PathList {
   std::vector<std::string> take() && { return std::move(paths_); }
 
  private:
-  std::unordered_set<std::string> seen_;
+  std::unordered_set<std::string, StringHash> seen_;
   std::vector<std::string> paths_;
 };
 

@@ -10,15 +10,15 @@
 #include <utility>
 #include <vector>
 
+#include "kestrix/utils/string_hash.h"
+
 namespace kestrix {
 
 /// Hashes every kind of string alike, so that a map keyed by `std::string` can be searched with a
-/// `std::string_view`.
+/// `std::string_view`. The order of a table that is filled by it differs from run to run.
 struct StringHash {
   using is_transparent = void;
-  std::size_t operator()(std::string_view text) const noexcept {
-    return std::hash<std::string_view>{}(text);
-  }
+  std::size_t operator()(std::string_view text) const { return string_hash(text); }
 };
 
 template <class Key>
