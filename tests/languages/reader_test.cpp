@@ -1,3 +1,4 @@
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -8,6 +9,7 @@
 #include <thread>
 #include <vector>
 
+#include "kestrix/languages/code/walk.h"
 #include "kestrix/languages/language.h"
 #include "kestrix/languages/reading.h"
 #include "kestrix/syntax/parser_memory.h"
@@ -96,6 +98,35 @@ TEST(Reader, BoundsWhatAParseTakes) {
     const std::string text = repeated(c.text, c.times);
     EXPECT_FALSE(read_facts(language(c.language), text).has_value());
     EXPECT_TRUE(read_facts(language(c.language), "").has_value());
+  }
+}
+
+// What is beyond is counted, so that a few files of names alone do not fill the memory.
+TEST(Reader, BoundsWhatAFileGives) {
+  struct Case {
+    std::string_view language, start, text;
+  };
+  constexpr std::size_t kLines = 70'000;
+  for (const Case& c :
+       {Case{"typescript", "", "export const c{} = 1;\n"},
+        Case{"typescript", "", "import {{a{0}}} from './b';\n"},
+        Case{"typescript", "import {", "a{0},\n"}, Case{"python", "", "C{} = 1\n"},
+        Case{"java", "", "import a.B{};\n"}, Case{"java", "class A {", "B{0} c;\n"},
+        Case{"csharp", "", "class C{} {{}}\n"}, Case{"c", "", "int f{}(void);\n"}}) {
+    SCOPED_TRACE(fmt::format("{} {}", c.language, c.text));
+    std::string text(c.start);
+    for (std::size_t i = 0; i < kLines; ++i) text += fmt::format(fmt::runtime(c.text), i);
+    if (c.start.ends_with('{')) text += "} from './b'";
+    const auto facts = read_facts(language(c.language), text, {.parse_steps = 1'000'000});
+    ASSERT_TRUE(facts.has_value());
+    std::size_t names = 0;
+    for (const ImportFact& import : facts->imports) names += import.names.size();
+    EXPECT_GT(facts->dropped, 0U);
+    EXPECT_LE(facts->symbols.size(), kMostDeclarations);
+    EXPECT_LE(facts->declares.size(), kMostDeclarations);
+    EXPECT_LE(facts->imports.size(), kMostDeclarations);
+    EXPECT_LE(facts->uses.size(), kMostMentions);
+    EXPECT_LE(names, kMostMentions);
   }
 }
 

@@ -4,6 +4,7 @@
 #include <tree_sitter/api.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <mutex>
@@ -91,6 +92,29 @@ void drop_nameless(FileFacts& facts) {
   std::erase(facts.declares, "");
 }
 
+template <class List>
+std::size_t keep_first(List& list, std::size_t most) {
+  if (list.size() <= most) return 0;
+  const std::size_t left_out = list.size() - most;
+  list.erase(list.begin() + static_cast<std::ptrdiff_t>(most), list.end());
+  return left_out;
+}
+
+// What the code rules bound, the readers of languages do not. A few files of names alone would else
+// fill the memory.
+void keep_within_limits(FileFacts& facts) {
+  std::size_t left_out = keep_first(facts.symbols, kMostDeclarations);
+  left_out += keep_first(facts.declares, kMostDeclarations);
+  left_out += keep_first(facts.imports, kMostDeclarations);
+  left_out += keep_first(facts.uses, kMostMentions);
+  std::size_t names = kMostMentions;
+  for (ImportFact& import : facts.imports) {
+    left_out += keep_first(import.names, names);
+    names -= import.names.size();
+  }
+  facts.dropped += static_cast<std::uint32_t>(left_out);
+}
+
 }  // namespace
 
 std::optional<FileFacts> read_facts(const Language& language, std::string_view text,
@@ -110,6 +134,7 @@ std::optional<FileFacts> read_facts(const Language& language, std::string_view t
                           std::move(words.counts));
   FileFacts facts = language.read(source);
   drop_nameless(facts);
+  keep_within_limits(facts);
   if (code) read_code(*code, source, facts);
   return facts;
 }
