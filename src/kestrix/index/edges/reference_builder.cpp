@@ -161,7 +161,8 @@ ReferenceBuilder::Built ReferenceBuilder::build(FileId file) const {
 // Nothing in the text names these, so they make no edges.
 void ReferenceBuilder::add_satisfied(FileId file, Built& built) const {
   const auto rows = table_.of(file);
-  const auto satisfied = method_sets_.of(file);
+  const auto [satisfied, cut] = method_sets_.of(file);
+  built.limited |= cut;
   if (satisfied.empty()) return;
   std::set<std::tuple<std::uint32_t, std::int64_t, std::uint32_t>> said;
   for (const StoredReference& to : built.references) {

@@ -72,13 +72,17 @@ NameResolver::Found NameResolver::find_in_barrels(FileId file, std::string_view 
 void NameResolver::close_over_wildcards() {
   reached_.emplace(files_.size()).close_over(scopes_, file_, kMostReachable);
   for (const Binding& binding : scopes_.bindings(file_)) {
-    if (!opens_type(binding) || opened_.size() == kMostOpened) continue;
+    if (!opens_type(binding)) continue;
+    is_cut_ |= opened_.size() == kMostOpened;
+    if (opened_.size() == kMostOpened) break;
     const NamedThing type = follow(binding, 0);
     if (type.kind == Kind::kDeclaration && type.rest.empty()) opened_.push_back(type.at);
   }
   for (const FileId file : reached_->files()) {
     const bool barrel = file != file_ && scopes_.hands_on_names(file);
-    if (barrel && barrels_.size() < kMostBarrels) barrels_.push_back(file);
+    if (!barrel) continue;
+    is_cut_ |= barrels_.size() == kMostBarrels;
+    if (barrels_.size() < kMostBarrels) barrels_.push_back(file);
   }
   std::ranges::sort(barrels_);
 }

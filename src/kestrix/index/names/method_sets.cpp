@@ -104,7 +104,7 @@ void MethodSets::gather() const {
   }
 }
 
-std::vector<DeclarationRef> MethodSets::contracts_of(const Type& type) const {
+std::vector<DeclarationRef> MethodSets::contracts_of(const Type& type, bool& cut) const {
   std::vector<DeclarationRef> found;
   std::size_t compared = 0;
   for (const Method& method : type.methods) {
@@ -112,7 +112,9 @@ std::vector<DeclarationRef> MethodSets::contracts_of(const Type& type) const {
     if (candidates == contracts_.end()) continue;
     for (const Type* contract : candidates->second) {
       compared += contract->methods.size() + type.methods.size();
-      if (compared > kMostCompared || found.size() == kMostContracts) break;
+      const bool enough = compared > kMostCompared || found.size() == kMostContracts;
+      cut |= enough;
+      if (enough) break;
       if (std::ranges::includes(type.methods, contract->methods)) found.push_back(contract->at);
     }
   }
@@ -120,9 +122,9 @@ std::vector<DeclarationRef> MethodSets::contracts_of(const Type& type) const {
   return found;
 }
 
-std::vector<MethodSets::Satisfied> MethodSets::of(FileId file) const {
-  std::vector<Satisfied> satisfied;
-  if (files_.language(file) != "go") return satisfied;
+MethodSets::Found MethodSets::of(FileId file) const {
+  Found found;
+  if (files_.language(file) != "go") return found;
   std::call_once(once_, [this] { gather(); });
   const Package package = folder_of(files_.path(file));
   const auto rows = table_.of(file);
@@ -130,10 +132,10 @@ std::vector<MethodSets::Satisfied> MethodSets::of(FileId file) const {
     if (rows[place].container != 0 || !is_type(rows[place].kind)) continue;
     const auto type = types_.find({package, rows[place].name});
     if (type == types_.end() || type->second.contract) continue;
-    for (const DeclarationRef contract : contracts_of(type->second))
-      satisfied.push_back({place, contract});
+    for (const DeclarationRef contract : contracts_of(type->second, found.cut))
+      found.satisfied.push_back({place, contract});
   }
-  return satisfied;
+  return found;
 }
 
 }  // namespace kestrix::index

@@ -29,8 +29,11 @@ class MethodSets {
     std::uint32_t type;  ///< place in the file, from zero
     DeclarationRef contract;
   };
-  /// By type, then interface; at most `kMostContracts` a type.
-  std::vector<Satisfied> of(FileId file) const;
+  struct Found {
+    std::vector<Satisfied> satisfied;  ///< by type, then interface; at most `kMostContracts` a type
+    bool cut = false;                  ///< there may be more
+  };
+  Found of(FileId file) const;
 
   static constexpr std::size_t kMostContracts = 64;
 
@@ -49,7 +52,7 @@ class MethodSets {
 
   void gather() const;
   void gather(FileId file) const;
-  std::vector<DeclarationRef> contracts_of(const Type& type) const;
+  std::vector<DeclarationRef> contracts_of(const Type& type, bool& cut) const;
   void embed(Package package, Type& type, unsigned depth) const;
 
   const IndexedFiles& files_;

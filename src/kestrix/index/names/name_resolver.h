@@ -38,7 +38,7 @@ class NameResolver {
   bool looks_outside(std::string_view name) const;
 
   /// Whether what wildcards make known here was too much to look through.
-  bool is_limited() const { return reached_ && reached_->is_cut(); }
+  bool is_limited() const { return is_cut_ || (reached_ && reached_->is_cut()); }
 
  private:
   using Found = std::optional<NamedThing>;
@@ -96,6 +96,7 @@ class NameResolver {
   };
   // By the names that they bind; made when one is first looked for.
   std::optional<std::unordered_map<std::string_view, Import, SeededHash>> imports_;
+  bool is_cut_ = false;                 // there are more of the next ones, or of barrels
   std::vector<DeclarationRef> opened_;  // types whose members are known by their names
 };
 

@@ -22,6 +22,7 @@
 #include "kestrix/store/notes_codec.h"
 #include "kestrix/text/ascii.h"
 #include "kestrix/text/decoding.h"
+#include "kestrix/text/paths.h"
 
 namespace kestrix::index {
 namespace {
@@ -90,7 +91,10 @@ void take_text(ScannedFile& file, const Language* language, std::string_view tex
     row.traits.set(Trait::kDocument);
   }
   const bool is_document = row.traits.has(Trait::kDocument);
-  file.notes = encode_notes(take_notes(row.path, text, is_document));
+  const FileNotes notes = take_notes(row.path, text, is_document);
+  const bool attributes = base_name(row.path) == ".gitattributes";
+  row.traits.set(Trait::kCrowded, attributes && notes.attributes.size() < text.size());
+  file.notes = encode_notes(notes);
   if (language != nullptr && !row.traits.has(Trait::kMinified)) take_facts(file, *language, text);
 }
 

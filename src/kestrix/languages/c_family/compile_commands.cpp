@@ -13,8 +13,7 @@
 namespace kestrix::index {
 namespace {
 
-// Includes are looked for in each folder, and tops behind each slash.
-constexpr std::size_t kMostFolders = 500;
+// Tops are looked for behind each slash.
 constexpr std::size_t kLongestFile = 1024;
 
 constexpr std::array<std::string_view, 3> kFlags = {"-isystem", "-iquote", "-I"};
@@ -103,7 +102,8 @@ class Commands {
     if (!folder.starts_with(*top_)) return;
     folder.erase(0, top_->size());
     if (!folder.empty()) folder.pop_back();
-    if (folders_.size() < kMostFolders && seen_.insert(folder).second) folders_.push_back(folder);
+    if (folders_.size() < kMostCommandFolders && seen_.insert(folder).second)
+      folders_.push_back(folder);
   }
 
   const FileTable& files_;

@@ -98,6 +98,7 @@ class IncludeResolver : public Resolver {
         if (*target != file) found.bind({.local = "*", .target = *target, .exported = "*"});
       } else if (looks_local(import)) {
         found.miss();
+        if (folders_.size() >= kMostCommandFolders) found.limit();
       }
     }
     return found.take();

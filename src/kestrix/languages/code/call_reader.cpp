@@ -83,7 +83,9 @@ bool CallReader::note_macro(TSNode call, TSNode callee, std::string_view name, F
   for (const auto& [mentioned, role] : notes.mentions)
     mentions_.add(mentioned, role, frame, SourceTree::line(call));
   for (const std::string_view hidden : notes.hidden) walk_.hidden.emplace(frame.holder, hidden);
-  if (notes.inside && walk_.contexts.size() < kMostContexts) {
+  if (notes.inside && walk_.contexts.size() >= kMostContexts) {
+    ++walk_.facts.dropped;
+  } else if (notes.inside) {
     frame.around = static_cast<std::uint32_t>(walk_.contexts.size());
     walk_.contexts.push_back(std::move(*notes.inside));
   }

@@ -263,7 +263,11 @@ class CodeWalk {
       Declaration& type = walk_.facts.declarations[mention.within - 1];
       // Of what is no type: those of the types without a name in it.
       const bool kept = is_type(type.kind) || walk_.source.members_in_scope;
-      if (kept && type.bases.size() < kMostBases) type.bases.push_back(mention.name);
+      if (!kept) continue;
+      if (type.bases.size() < kMostBases)
+        type.bases.push_back(mention.name);
+      else
+        ++walk_.facts.dropped;
     }
   }
 

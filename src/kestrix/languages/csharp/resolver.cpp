@@ -50,10 +50,13 @@ struct Spaces {
   std::vector<std::string_view> own;  // the file's namespaces and those around them, inner first
   std::vector<std::string_view> imported;
   std::vector<const GlobalUsing*> aliases;
+  bool cut = false;  // there are more
 
   void import(std::string_view name) {
     const bool known = std::ranges::find(imported, name) != imported.end();
-    if (!known && imported.size() < kMostSpaces) imported.push_back(name);
+    if (known) return;
+    cut |= imported.size() >= kMostSpaces;
+    if (imported.size() < kMostSpaces) imported.push_back(name);
   }
 };
 
@@ -88,6 +91,7 @@ class CSharpResolver : public Resolver {
     }
     resolve_uses(file, spaces, found);
     add_other_parts(file, found);
+    if (spaces.cut) found.limit();
     return found.take();
   }
 
@@ -167,8 +171,9 @@ class CSharpResolver : public Resolver {
       return a.size() != b.size() ? a.size() > b.size() : a < b;
     });
     own.erase(std::unique(own.begin(), own.end()), own.end());
-    if (own.size() > kMostSpaces) own.resize(kMostSpaces);
-    return {.own = std::move(own), .imported = {}, .aliases = {}};
+    const bool cut = own.size() > kMostSpaces;
+    if (cut) own.resize(kMostSpaces);
+    return {.own = std::move(own), .imported = {}, .aliases = {}, .cut = cut};
   }
 
   void resolve_directive(const ImportFact& import, FileId file, Spaces& spaces,

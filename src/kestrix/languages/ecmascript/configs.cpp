@@ -71,15 +71,16 @@ void Configs::add(std::string_view path) {
   const auto same = [&config](const Config& other) {
     return !config.main && other.rules == config.rules && other.from == config.from;
   };
-  if (known.size() >= kMostVariants || std::ranges::any_of(known, same)) return;
-  known.push_back(std::move(config));
+  if (std::ranges::any_of(known, same)) return;
+  is_cut_ |= known.size() >= kMostVariants;
+  if (known.size() < kMostVariants) known.push_back(std::move(config));
 }
 
 Configs::Raw Configs::read(std::string_view folder, std::string_view text) {
   Raw raw{std::string(folder), {}, {}, {}, {}};
   const Json json = parse_config(text);
   if (const Json* extends = find_key(json, "extends")) raw.extends = texts_of(*extends);
-  if (raw.extends.size() > kMostBases) raw.extends.resize(kMostBases);
+  keep_first(raw.extends, kMostBases);
   const Json* options = find_key(json, "compilerOptions");
   if (options == nullptr) return raw;
   if (std::string base = text_at(*options, "baseUrl"); !base.empty())
@@ -93,15 +94,17 @@ Configs::Rules Configs::rules_of(const Json& paths) {
   Rules rules;
   for (const auto& [pattern, value] : paths.items()) {
     std::vector<std::string> targets = texts_of(value);
-    if (targets.size() > kMostTargets) targets.resize(kMostTargets);
+    keep_first(targets, kMostTargets);
     const std::size_t star = pattern.find('*');
     if (star == std::string::npos) {
       rules.exact.try_emplace(pattern, std::move(targets));
       continue;
     }
+    is_cut_ |= star > kLongestPrefix;
     if (star > kLongestPrefix) continue;
     std::vector<Starred>& alike = rules.by_prefix[pattern.substr(0, star)];
     if (alike.empty()) rules.lengths.push_back(star);
+    is_cut_ |= alike.size() >= kMostAlike;
     if (alike.size() < kMostAlike) alike.push_back({pattern.substr(star + 1), std::move(targets)});
   }
   sort_distinct(rules.lengths);
@@ -133,6 +136,7 @@ Configs::Config Configs::effective(const Raw& leaf, bool main) {
     }
     open.insert(open.end(), raw.bases.begin(), raw.bases.end());
   }
+  is_cut_ |= seen.size() >= kMostBases && !open.empty();
   if (config.base_url) config.from = *config.base_url;
   return config;
 }

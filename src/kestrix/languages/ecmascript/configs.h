@@ -19,6 +19,9 @@ class Configs {
  public:
   Configs(const FileTable& files, const Packages& packages);
 
+  /// Whether a configuration says more than is looked at, or a folder has more of them.
+  bool is_cut() const { return is_cut_; }
+
   struct Candidates {
     std::vector<std::string> paths;  ///< best first; none leaves the repository
     bool named = false;  ///< a pattern that is more than "*" fits: the module is the repository's
@@ -62,9 +65,15 @@ class Configs {
     bool main;  // tsconfig.json or jsconfig.json
   };
 
-  static Raw read(std::string_view folder, std::string_view text);
-  static Rules rules_of(const Json& paths);
-  static Config effective(const Raw& leaf, bool main);
+  Raw read(std::string_view folder, std::string_view text);
+  Rules rules_of(const Json& paths);
+  Config effective(const Raw& leaf, bool main);
+  // Cuts a list that is longer.
+  template <class List>
+  void keep_first(List& list, std::size_t most) {
+    is_cut_ |= list.size() > most;
+    if (list.size() > most) list.resize(most);
+  }
   void add(std::string_view path);
   const Raw* find_base(std::string_view folder, const std::string& name) const;
   static std::optional<Match> match(const Rules& rules, std::string_view specifier);
@@ -74,6 +83,7 @@ class Configs {
   const Packages& packages_;
   std::unordered_map<std::string, Raw, SeededHash> raw_;  // by path
   std::unordered_map<std::string, std::vector<Config>, SeededHash> by_folder_;
+  bool is_cut_ = false;
 };
 
 }  // namespace kestrix::index::ecmascript

@@ -87,6 +87,11 @@ void Packages::read_workspace(std::string_view path, std::string_view text) {
   add_members(folder, list == nullptr ? std::vector<std::string>{"packages/*"} : texts_of(*list));
 }
 
+bool Packages::is_beyond(std::size_t count, std::size_t most) {
+  is_cut_ |= count >= most;
+  return count >= most;
+}
+
 void Packages::add_members(std::string_view folder, const std::vector<std::string>& patterns) {
   Workspace& workspace = workspaces_[std::string(folder)];
   for (const std::string& pattern : patterns) {
@@ -94,7 +99,7 @@ void Packages::add_members(std::string_view folder, const std::vector<std::strin
     if (pattern.find_first_of("*{") != std::string::npos) {
       add_patterns(workspace, pattern);
     } else if (auto member = join_normal(folder, pattern);
-               member && plain_members_++ < kMostPlainMembers) {
+               member && !is_beyond(plain_members_++, kMostPlainMembers)) {
       workspace.folders.insert(std::move(*member));
     }
   }
@@ -105,7 +110,7 @@ void Packages::add_patterns(Workspace& workspace, std::string_view pattern) {
   while (pattern.ends_with('/')) pattern.remove_suffix(1);
   if (pattern.size() > kLongestPattern) return;
   for (const std::string& way : expand_braces(pattern).value_or(std::vector<std::string>())) {
-    if (patterns_++ < kMostPatterns) workspace.patterns.emplace_back(way);
+    if (!is_beyond(patterns_++, kMostPatterns)) workspace.patterns.emplace_back(way);
   }
 }
 
@@ -114,7 +119,7 @@ bool Packages::is_member(const Workspace& workspace, std::string_view folder,
   if (workspace.folders.contains(std::string(folder))) return true;
   return std::ranges::any_of(workspace.patterns, [&](const Wildmatch& pattern) {
     match_steps_ += (pattern.size() + 1) * (relative.size() + 1);
-    return match_steps_ < kMostMatchSteps && pattern.matches(relative);
+    return !is_beyond(match_steps_, kMostMatchSteps) && pattern.matches(relative);
   });
 }
 

@@ -29,6 +29,9 @@ class Packages {
     TargetMap imports;
   };
 
+  /// Whether workspaces have more members, or patterns of them, than are looked at.
+  bool is_cut() const { return is_cut_; }
+
   /// The nearest package around a folder; null when there is none.
   const Package* around(std::string_view folder) const;
 
@@ -66,6 +69,7 @@ class Packages {
   void add_members(std::string_view folder, const std::vector<std::string>& patterns);
   void add_patterns(Workspace& workspace, std::string_view pattern);
   bool is_member(const Workspace& workspace, std::string_view folder, std::string_view relative);
+  bool is_beyond(std::size_t count, std::size_t most);
   void read_workspace(std::string_view path, std::string_view text);
   void link_members();
 
@@ -85,6 +89,7 @@ class Packages {
   std::size_t patterns_ = 0;
   std::size_t plain_members_ = 0;
   std::size_t match_steps_ = 0;
+  bool is_cut_ = false;
   std::vector<Package> packages_;
   std::unordered_map<std::string_view, const Package*, SeededHash> by_folder_;
   std::unordered_map<std::string, Workspace, SeededHash>

@@ -98,6 +98,7 @@ class EcmascriptResolver : public Resolver {
       if (!found.file) {
         bind_outside(import, file, dependencies);
         if (found.local) dependencies.miss();
+        if (packages_.is_cut() || configs_.is_cut()) dependencies.limit();
         continue;
       }
       double weight = 1 + import.uses;

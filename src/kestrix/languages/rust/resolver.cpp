@@ -144,6 +144,7 @@ class RustResolver : public Resolver {
       int asked = 0;
       const auto source = origin(*spot, kMostHops, asked);
       if (source && *source != spot->file) found.add(*source, 1 + name.uses);
+      if (asked > kMostAsked) found.limit();
     }
   }
 

@@ -33,7 +33,7 @@ class SwiftResolver : public Resolver {
 
   Resolution resolve(FileId file) const override {
     Dependencies found(file);
-    const std::vector<std::string_view> known = known_modules(file);
+    const std::vector<std::string_view> known = known_modules(file, found);
     for (const NameUse& use : files_.facts(file).uses) resolve_use(use, known, file, found);
     add_parts(file, found);
     return found.take();
@@ -58,12 +58,15 @@ class SwiftResolver : public Resolver {
   }
 
   // The own module first, then those that are imported, and what they hand on.
-  std::vector<std::string_view> known_modules(FileId file) const {
+  std::vector<std::string_view> known_modules(FileId file, Dependencies& found) const {
     std::vector<std::string_view> known{modules_.module_of(files_.path(file))};
     const auto add = [&](std::string_view module) {
       const bool listed = std::ranges::find(known, module) != known.end();
-      if (!listed && modules_.contains(module) && known.size() < kMostModules)
+      if (listed || !modules_.contains(module)) return;
+      if (known.size() < kMostModules)
         known.push_back(module);
+      else
+        found.limit();
     };
     for (const ImportFact& import : files_.facts(file).imports) add(import.module);
     for (std::size_t at = 0; at < known.size(); ++at) {
