@@ -9,6 +9,7 @@
 #include <string>
 #include <string_view>
 
+#include "kestrix/host/data_models/type_groups.h"
 #include "kestrix/host/index_evidence.h"
 #include "kestrix/roles/generated.h"
 #include "kestrix/text/paths.h"
@@ -21,21 +22,22 @@ using Storage = DataType::Storage;
 
 // Of the most central type of a file; each counts as much as the type is data.
 constexpr Signal kFolders{"named_in_folders", 1.0, "named in {} other folder",
-                          "named in {} other folders", "lazygit, polar"};
-constexpr Signal kUsed{"type_used", 0.9, "used in {} file", "used in {} files", "cli, netbox"};
+                          "named in {} other folders", "polar, ripgrep"};
+constexpr Signal kUsed{"type_used", 0.9, "used in {} file", "used in {} files",
+                       "ripgrep, lobsters"};
 constexpr Signal kHeld{"type_held", 0.5, "a field of {} data type", "a field of {} data types",
-                       "cli, lazygit"};
-constexpr Signal kBase{"data_base", 0.8, "{} data type extends it", "{} data types extend it",
-                       "netbox, polar"};
+                       "scrapy, leveldb"};
+constexpr Signal kBase{"data_base", 0.5, "{} data type extends it", "{} data types extend it",
+                       "halo, BookStack"};
 constexpr Signal kMade{"made_by_tests", 0.6, "made in {} test file", "made in {} test files",
-                       "netbox, lazygit"};
+                       "scrapy, solidus"};
 // Of the file.
 constexpr Signal kStored{"stored_types", 2.5, "declares {} type that is stored",
-                         "declares {} types that are stored", "netbox, polar"};
-constexpr Signal kTypes{"data_types", 0.8, "declares {} data type that others name",
-                        "declares {} data types that others name", "cli, lazygit"};
+                         "declares {} types that are stored", "crates.io, jellyfin"};
+constexpr Signal kTypes{"data_types", 1.2, "declares {} data type that others name",
+                        "declares {} data types that others name", "redis, jekyll"};
 constexpr Signal kFamily{"data_folder", 0.7, "in a folder of {} widely named data type",
-                         "in a folder of {} widely named data types", "lazygit, netbox"};
+                         "in a folder of {} widely named data types", "crates.io, jellyfin"};
 constexpr Signal kTables{"tables", 3.5, "defines {} table", "defines {} tables",
                          "umami, crates.io"};
 constexpr Signal kSchema{"schema_file", 3.5, "a schema of {} type", "a schema of {} types",
@@ -44,7 +46,7 @@ constexpr Signal kSchema{"schema_file", 3.5, "a schema of {} type", "a schema of
 constexpr Signal kSchemaDocument{"schema_file", 0.8, "a schema of {} type", "a schema of {} types",
                                  "polar, netbox"};
 constexpr Signal kEntities{"entities", 1.0, "defines {} class mapped to storage",
-                           "defines {} classes mapped to storage", "BookStack, eShopOnWeb"};
+                           "defines {} classes mapped to storage", "lobsters, firefly"};
 constexpr Signal kSchemas{"schemas", 1.0, "defines {} schema", "defines {} schemas",
                           "umami, polar"};
 constexpr Signal kRecords{"records", 0.5, "defines {} data class", "defines {} data classes",
@@ -107,6 +109,8 @@ class Scorer {
       if (!code_.index().declarations(file).empty()) declaring_.insert(files[file].language);
     }
     for (FileId file = 0; file < files.size(); ++file) score_text(file);
+    add_gatherers(code_, types_, sheet_);
+    add_workers(code_, types_, sheet_);
   }
 
  private:

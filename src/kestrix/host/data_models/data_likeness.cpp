@@ -14,7 +14,7 @@ using Storage = DataType::Storage;
 // Next to types that are stored, the others mirror them or serve them, unless they are as central.
 constexpr double kBesideStored = 0.35;
 constexpr double kExchangedBesideStored = 0.6;
-constexpr double kOfEverywhere = 0.3;
+constexpr double kOfEverywhere = 0.45;
 constexpr double kContract = 0.15;
 // An enumeration, or a name for another type.
 constexpr double kNameOfValue = 0.3;

@@ -233,12 +233,31 @@ class Gatherer {
     return means;
   }
 
-  void judge() {
-    const auto stored = stored_types();
+  std::vector<double> likenesses_by_shape() const {
     std::vector<double> shapes;
     for (const DataType& type : types_) {
       shapes.push_back(type.is_error ? 0 : likeness_by_shape(type, evidence_[type.at]));
     }
+    // What does work for a type is no data that it holds.
+    std::vector<std::uint32_t> served(types_.size());
+    for (std::size_t at = 0; at < types_.size(); ++at) {
+      const DeclarationKind kind = evidence_[types_[at].at].kind;
+      const bool value = kind == DeclarationKind::kEnum || kind == DeclarationKind::kAlias;
+      if (shapes[at] >= kDataLikeness || value || !is_type(kind) || types_[at].is_error) continue;
+      for (const std::uint32_t holder : types_[at].holders) ++served[holder];
+    }
+    for (std::size_t at = 0; at < types_.size(); ++at) {
+      DataType type = types_[at];
+      if (served[at] == 0 || type.is_error || type.storage != Storage::kNone) continue;
+      type.fields -= std::min(type.fields, served[at]);
+      shapes[at] = likeness_by_shape(type, evidence_[type.at]);
+    }
+    return shapes;
+  }
+
+  void judge() {
+    const auto stored = stored_types();
+    const std::vector<double> shapes = likenesses_by_shape();
     for (std::size_t at = 0; at < types_.size(); ++at) {
       DataType& type = types_[at];
       double shape = shapes[at];
