@@ -7,7 +7,6 @@
 
 #include "kestrix/host/flows/folders.h"
 #include "kestrix/languages/frameworks.h"
-#include "kestrix/roles/path_roles.h"
 #include "kestrix/text/wildmatch.h"
 #include "kestrix/workers/wiki/page_sources/path_text.h"
 
@@ -27,6 +26,7 @@ constexpr std::size_t kSetsUp = 3;
 constexpr std::size_t kMostFollowers = 5;
 // So many of the entry points lie below a start that is for a part of them.
 constexpr std::size_t kPartShare = 4;
+constexpr std::size_t kCrowd = 5;  // more programs of one framework are no product by themselves
 constexpr std::string_view kPages = "tsx";
 
 struct Pattern {
@@ -54,7 +54,7 @@ struct Start {
 // What is read by a tool may start the product, too.
 bool may_start(const CodeEvidence& evidence, FileId file) {
   if (evidence.is_product(file)) return true;
-  Roles roles = path_roles(evidence.path(file));
+  Roles roles = evidence.roles(file);
   roles.remove(Role::kTool);
   return roles.empty() && !evidence.index().files()[file].document;
 }
@@ -127,6 +127,13 @@ void keep_of_parts(const CodeEvidence& evidence, const std::vector<FileId>& root
   });
 }
 
+// Where so many are left, they start what a product is tried with.
+void leave_out_crowds(std::vector<Start>& starts) {
+  std::map<std::string_view, std::size_t> of_name;
+  for (const Start& start : starts) ++of_name[start.name];
+  std::erase_if(starts, [&](const Start& start) { return of_name[start.name] > kCrowd; });
+}
+
 // A list of what other entry points there are.
 bool lists_others(const NamingGraph& graph, const std::vector<FileId>& roots,
                   const std::map<FileId, HandlerSign>& handlers, FileId file) {
@@ -168,6 +175,7 @@ void add_starts(Dispatch& dispatch, const std::map<FileId, HandlerSign>& handler
   keep_around_pages(evidence, folder, starts);
   keep_of_parts(evidence, roots, starts);
   keep_nearest(evidence, folder, starts);
+  leave_out_crowds(starts);
   const bool alone = dispatch.hubs.empty();
   for (const Start& start : starts) {
     if (lists_others(dispatch.graph, roots, handlers, start.file)) continue;
