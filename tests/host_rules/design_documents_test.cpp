@@ -211,6 +211,7 @@ TEST(HintingDocuments, PreferReasonsToInstructions) {
       {"guide/weighed.md", page("It waits rather than fails because of the trade-off of rule ")},
       {"guide/named.md", plain + "Named.\n"},
       {"guide/plain.md", plain},
+      {"guide/remark.md", plain + "Because.\n"},
       {"guide/told.md", page("You do your part because your queue needs you, rather than rule ")},
       {"guide/shown.md", "# Shown\n\n```\n" + page("because(rather, than, ") + "```\n" + plain}};
   EXPECT_THAT(paths_of(decisions_answer(AnsweredRepository(files).generator()).further),

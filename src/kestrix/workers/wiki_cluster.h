@@ -47,17 +47,17 @@ std::vector<std::string> data_model_files(const PathTexts& texts);
 /// once.
 ///
 /// Judged from the paths, and where the caller has put it in force, from what an index knows of the
-/// texts. A design document is prose that lies in a folder named for such documents ("adr",
-/// "decisions", "rfcs", "proposals", "design", "architecture" …), that is called DESIGN,
-/// ARCHITECTURE or DECISIONS, or that is one of a series: of padded numbers, or of numbered or
-/// dated texts that share their headings. By its text prose counts, too, that names source files,
-/// folders and types, that code names, or to which developers are pointed, as far as it neither
-/// instructs nor reports. Templates, index pages, copies and stubs are none, nor is what a test or
-/// a dependency brings along.
+/// texts. A design document is prose in a folder named for such documents ("adr", "decisions",
+/// "rfcs", "proposals", "design", "architecture" …), is called DESIGN, ARCHITECTURE or DECISIONS,
+/// is one of a series (of padded numbers, of numbered or dated texts that share their headings, of
+/// such folders with a design each), or has a proposal's headings. By its text prose counts, too,
+/// that names source files, folders and types, that code names, or to which developers are pointed,
+/// as far as it neither instructs nor reports. Templates, index pages, copies and stubs are none,
+/// nor is what a test or a dependency brings along.
 ///
 /// Order: numbered and dated entries, the highest number or newest date first; the other documents
-/// of folders that hold entries; documents by their own name; those of the folders "design" and
-/// "architecture"; those by their texts, the most names of code first. Ties by path.
+/// of folders that hold entries; by their own name; in a proposal's form; those of the folders
+/// "design", "architecture"; those by their texts, the most names of code first. Ties by path.
 std::vector<std::string> decision_docs(const std::vector<std::string>& documents,
                                        std::size_t max_files);
 

@@ -26,7 +26,7 @@ constexpr std::size_t kMostRead = 24;
 constexpr std::uint32_t kFewestWords = 100;
 constexpr std::uint32_t kMostSteps = 5;
 constexpr std::size_t kNamesOfPart = 2;
-// A remark or two in a short text are no weighing.
+// A remark is no weighing, nor are two in a short text.
 constexpr std::uint32_t kWordsOfRate = 300;
 
 // What reasons tell is the measure: one for each doubling of their number in a thousand words.
@@ -37,7 +37,7 @@ constexpr double kCostOfCode = 2.5;
 constexpr double kCostOfAddress = 0.08;  // for one word in a thousand
 constexpr double kCostOfSiblings = 0.3;
 constexpr double kLeast = 0.5;
-constexpr double kLeastBesideDesigns = 1;
+constexpr double kLeastBesideDesigns = 0.75;
 
 struct Hint {
   double points;
@@ -66,7 +66,8 @@ class Hints {
     for (Hint& hint : found_) {
       hint.reasons = count_reasons(read(hint.path));
       const auto words = std::max(hint.view->facts.words, kWordsOfRate);
-      hint.points += logarithm(1000.0 * static_cast<double>(hint.reasons) / words);
+      const auto beyond_one = hint.reasons - std::min<std::size_t>(hint.reasons, 1);
+      hint.points += logarithm(1000.0 * static_cast<double>(beyond_one) / words);
     }
     sort();
     found_.erase(std::unique(found_.begin(), found_.end(),
