@@ -226,6 +226,20 @@ TEST(Dispatch, HasWhoCallsIt) {
               "from app.cmd import a, b, c\nfrom app.flags import Flags\n"
               "def main(flags: Flags):\n  for each in [a.run, b.run, c.run]: each(flags)\n"}}),
        "app/cmd/*.py", "app/flags.py", "taken_by_entry_points", "app/store.py"},
+      {"its own header, not another that it includes",
+       {{"web.c", "int web_open(int f) { return f; }\n"},
+        {"tty.c", "int tty_open(int f) { return f; }\n"},
+        {"net.c", "int net_open(int f) { return f; }\n"},
+        {"engine.h", "#pragma once\nint engine(int f);\n"},
+        {"text.h", "#pragma once\nint text(int f);\n"},
+        {"engine.c",
+         "#include \"engine.h\"\n#include \"text.h\"\nint web_open(int f);\n"
+         "int tty_open(int f);\nint net_open(int f);\nint engine(int f) {\n"
+         "  return web_open(f) + tty_open(f) + net_open(f);\n}\n"}},
+       "{web,tty,net}.c",
+       "engine.h",
+       "declares_dispatch",
+       "text.h"},
   });
 }
 

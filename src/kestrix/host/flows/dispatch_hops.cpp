@@ -16,17 +16,19 @@ using index::IndexedReference;
 using index::Role;
 
 constexpr Signal kShared{"serves_entry_points", 1.5, "declares what {} entry point calls or bears",
-                         "declares what {} entry points call or bear", "netbox, umami"};
+                         "declares what {} entry points call or bear", "redis, umami"};
 constexpr Signal kTaken{"taken_by_entry_points", 1.5, "declares what {} entry point takes",
-                        "declares what {} entry points take", "?"};
+                        "declares what {} entry points take", "nowinandroid, caddy"};
 constexpr Signal kCaller{
     "names_dispatch", 2.5, "is one of few that have to do with {} dispatching file",
     "is one of few that have to do with {} dispatching files", "BookStack, firefly"};
 constexpr Signal kDispatchBase{"serves_dispatch", 2.0, "declares what {} dispatching file calls",
-                               "declares what {} dispatching files call", "netbox, lobsters"};
+                               "declares what {} dispatching files call", "netbox"};
+constexpr Signal kHeader{"declares_dispatch", 1.6, "declares what {} dispatching file defines",
+                         "declares what {} dispatching files define", "redis, yaml-cpp"};
 constexpr Signal kBeside{"beside_entry_points", 2.5,
                          "lies among them, and {} dispatching file uses it",
-                         "lies among them, and {} dispatching files use it", "lazygit, polar"};
+                         "lies among them, and {} dispatching files use it", "lazygit, cli"};
 
 // What more files have to do with is known all over the product.
 constexpr std::size_t kFewCallers = 3;
@@ -35,6 +37,7 @@ constexpr double kServesMostly = 0.5;
 // So few roots or so many hubs tell nothing about the folder.
 constexpr std::size_t kFewRoots = 3;
 constexpr std::size_t kFewHubs = 3;
+// Of many hubs so large a share has to do with who calls them.
 constexpr std::size_t kShareOfMany = 4;
 
 class Hops {
@@ -50,6 +53,7 @@ class Hops {
     add_shared(roots_.files(), {Role::kCalls, Role::kAnnotates}, kShared);
     add_shared(roots_.files(), {Role::kType, Role::kLists}, kTaken);
     add_callers();
+    add_headers();
     if (hubs_.empty()) return;
     if (hubs_.size() > kFewHubs) add_shared(hubs_, {Role::kCalls, Role::kAnnotates}, kDispatchBase);
     add_beside();
@@ -139,6 +143,15 @@ class Hops {
       if (seen.files.size() < least) continue;
       dispatch_.sheet.add(file, kCaller, seen.files.size(), seen.at);
       for (const FileId hub : seen.files) dispatch_.lead(file, dispatch_.reached[hub]);
+    }
+  }
+
+  void add_headers() {
+    for (const FileId leading : leading_files()) {
+      for (const FileId header : headers_of(evidence_, leading)) {
+        if (!roots_.may_dispatch(header)) continue;
+        dispatch_.sheet.add(header, kHeader, 1, {{std::string(evidence_.path(leading)), 0, {}}});
+      }
     }
   }
 

@@ -14,9 +14,9 @@ using index::FileId;
 constexpr Signal kHub{"names_entry_points", 3.0, "names {} entry point", "names {} entry points",
                       "lazygit, BookStack"};
 constexpr Signal kUser{"uses_entry_points", 1.8, "uses {} entry point", "uses {} entry points",
-                       "lobsters, nowinandroid"};
+                       "lobsters"};
 constexpr Signal kFellow{"names_its_entry_point", 1.5, "names {} handler of the class",
-                         "names {} handlers of the class", "netbox, lobsters"};
+                         "names {} handlers of the class", "netbox, firefly"};
 
 // A quarter: a route table may be split by area or by version.
 constexpr std::size_t kHubShare = 4;

@@ -20,6 +20,17 @@ std::string_view stem_of(std::string_view path) {
 
 }  // namespace
 
+std::vector<FileId> headers_of(const CodeEvidence& evidence, FileId file) {
+  std::vector<FileId> headers;
+  const std::string_view path = evidence.path(file);
+  if (is_header(path)) return headers;
+  for (const auto& edge : evidence.index().edges_from(file)) {
+    const std::string_view other = evidence.path(edge.target);
+    if (is_header(other) && stem_of(other) == stem_of(path)) headers.push_back(edge.target);
+  }
+  return headers;
+}
+
 // Where it is named; where no reference shows that, what is named.
 void Seen::take(const CodeEvidence& evidence, const Naming& naming, FileId named) {
   files.insert(named);
@@ -44,11 +55,8 @@ DispatchRoots::DispatchRoots(const CodeEvidence& evidence, std::span<const FileI
 
 void DispatchRoots::take_headers() {
   for (const FileId root : files_) {
-    if (is_header(evidence_.path(root))) continue;
-    for (const auto& edge : evidence_.index().edges_from(root)) {
-      const std::string_view path = evidence_.path(edge.target);
-      if (!is_header(path) || stem_of(path) != stem_of(evidence_.path(root))) continue;
-      if (!is_root_[edge.target]) headers_.push_back({edge.target, root});
+    for (const FileId header : headers_of(evidence_, root)) {
+      if (!is_root_[header]) headers_.push_back({header, root});
     }
   }
 }

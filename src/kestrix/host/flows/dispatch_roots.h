@@ -39,6 +39,9 @@ class DispatchRoots {
   bool of_product_ = true;
 };
 
+/// The headers of that file's name that it includes: they declare what it defines.
+std::vector<index::FileId> headers_of(const CodeEvidence& evidence, index::FileId file);
+
 /// What one file has to do with some others.
 struct Seen {
   std::set<index::FileId> files;

@@ -105,6 +105,11 @@ class RubyResolver : public Resolver {
     return ends_with_path(files_.path(file), conventional_path(name));
   }
 
+  static std::string_view last_part(std::string_view name) {
+    const std::size_t last = name.rfind("::");
+    return last == std::string_view::npos ? name : name.substr(last + 2);
+  }
+
   // Whether the file lies where the name's namespace has its files.
   bool lies_in_namespace(FileId file, std::string_view name) const {
     const std::size_t last = name.rfind("::");
@@ -123,7 +128,7 @@ class RubyResolver : public Resolver {
     Declared& declared = declared_[name];
     if (is_named_after(file, name)) {
       if (!declared.conventional) declared.conventional = file;
-    } else if (owns || lies_in_namespace(file, name)) {
+    } else if (owns || lies_in_namespace(file, name) || is_named_after(file, last_part(name))) {
       declared.several |= declared.only.has_value();
       declared.only = file;
     }
