@@ -59,6 +59,15 @@ Files parts(std::string_view reading, std::size_t users, Files more) {
   return files_of(6, "src/parts/{0}.ts", text, std::move(more));
 }
 
+// Files of one folder, two of which read settings, and one that goes with them or not.
+Files folder(std::size_t others, std::string_view use) {
+  return files_of(
+      others, "shop/kept/x{0}.py", "def {0}(): return 1\n",
+      {{"shop/kept/a.py", "import os\n" + repeated(5, "{0} = os.environ['SHOP_{0}']\n")},
+       {"shop/kept/b.py", "import os\n" + repeated(3, "{0} = os.environ['SHOP_B{0}']\n")},
+       {"shop/kept/rest.py", std::string(use) + "def rest(): return 1\n"}});
+}
+
 // Code that reads settings by their keys, and a text.
 Files described(std::string_view path, std::string_view text) {
   return {{"shop/app.py", "import os\n" + repeated(10, "{0} = os.environ['SHOP_{0}_SIZE']\n")},
@@ -85,6 +94,11 @@ std::vector<Case> company() {
        false},
       {"WhatUsesPartsThatAllUse", parts("process.env", 5, {}), "src/all.ts", "gathers_settings",
        false},
+      {"WhatGoesWithTheSettingsInTheirFolder", folder(1, "from shop.kept.a import a\n"),
+       "shop/kept/rest.py", "beside_settings", true},
+      {"WhatHasNothingToDoWithThem", folder(1, ""), "shop/kept/rest.py", "beside_settings", false},
+      {"FoldersOfOtherThings", folder(6, "from shop.kept.a import a\n"), "shop/kept/rest.py",
+       "beside_settings", false},
       {"TextsThatExplainSettings",
        described("docs/setup.md",
                  repeated(10, "## `SHOP_{0}_SIZE`\n\nHow much of {0} there is.\n")),

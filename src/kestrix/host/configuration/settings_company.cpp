@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <map>
+#include <set>
 #include <tuple>
 #include <utility>
 #include <vector>
@@ -7,6 +8,7 @@
 #include "kestrix/host/configuration/setting_names.h"
 #include "kestrix/host/configuration/settings_signals.h"
 #include "kestrix/host/index_evidence.h"
+#include "kestrix/text/paths.h"
 
 namespace kestrix {
 namespace {
@@ -18,6 +20,8 @@ using index::Role;
 
 constexpr Signal kGathers{"gathers_settings", 2.4, "uses {} file of settings that few others use",
                           "uses {} files of settings that few others use", "crates.io, nestjs"};
+constexpr Signal kBeside{"beside_settings", 1.5, "stands among the settings, with {} file of them",
+                         "stands among the settings, with {} files of them", "ripgrep, lazygit"};
 constexpr Signal kExplains{"explains_settings", 1.0, "explains {} setting", "explains {} settings",
                            "flask, lazygit"};
 
@@ -25,6 +29,10 @@ constexpr double kSettings = 2.4;  // what scores so much is a file of settings
 constexpr std::size_t kSeveral = 5;
 constexpr std::size_t kFewUsers = 4;
 constexpr std::size_t kGathered = 5;  // one of so many files that it uses is one of settings
+constexpr double kRead = 1.5;         // one setting that it reads
+constexpr std::size_t kBest = 3;
+constexpr std::size_t kSmallFolder = 16;
+constexpr std::size_t kAmong = 3;  // one of so many files is one of settings
 constexpr std::size_t kExplained = 8;
 constexpr std::size_t kSpokenOf = 4;  // one of so many names in it is one of a setting
 constexpr std::size_t kWords = 200;   // a history names many settings, but far between
@@ -45,6 +53,7 @@ class Company {
 
   void add() {
     add_gathering();
+    add_folders();
     take_names();
     add_texts();
   }
@@ -66,6 +75,54 @@ class Company {
       for (const FileId each : used[file]) places.push_back({std::string(path(each)), 0, {}});
       sheet_.add(file, kGathers, count, std::move(places));
     }
+  }
+
+  // What goes with the settings in the folders of the files that show the most.
+  void add_folders() {
+    std::set<std::string_view> folders;
+    std::size_t looked_at = 0;
+    for (const ScoreSheet::Scored& each : sheet_.ranked()) {
+      if (looked_at == kBest) break;
+      if (!is_code(each.file)) continue;
+      ++looked_at;
+      folders.insert(index::folder_of(path(each.file)));
+    }
+    std::map<std::string_view, std::vector<FileId>> files;
+    for (FileId file = 0; file < settings_.size(); ++file) {
+      const std::string_view folder = index::folder_of(path(file));
+      if (!folder.empty() && folders.contains(folder) && is_code(file)) {
+        files[folder].push_back(file);
+      }
+    }
+    for (const auto& [folder, all] : files) {
+      if (all.size() <= kSmallFolder) add_folder(all);
+    }
+  }
+
+  void add_folder(const std::vector<FileId>& files) {
+    std::set<FileId> settings;
+    for (const FileId file : files) {
+      if (sheet_.score(file) >= kRead) settings.insert(file);
+    }
+    if (settings.size() < 2 || kAmong * settings.size() < files.size()) return;
+    const std::set<FileId> all(files.begin(), files.end());
+    std::set<FileId> joined;
+    for (const FileId file : files) {
+      for (const IndexedEdge& edge : evidence_.index().edges_from(file)) {
+        if (!all.contains(edge.target)) continue;
+        if (settings.contains(edge.target)) joined.insert(file);
+        if (settings.contains(file)) joined.insert(edge.target);
+      }
+    }
+    std::vector<Place> places;
+    for (const FileId file : settings) places.push_back({std::string(path(file)), 0, {}});
+    for (const FileId file : joined) {
+      if (!settings.contains(file)) sheet_.add(file, kBeside, settings.size(), places);
+    }
+  }
+
+  bool is_code(FileId file) const {
+    return evidence_.is_product(file) && !evidence_.index().files()[file].language.empty();
   }
 
   void take_names() {

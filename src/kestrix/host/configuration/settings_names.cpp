@@ -60,6 +60,7 @@ constexpr std::array<std::string_view, 6> kDeclaring{"register", "add",     "cre
 
 constexpr std::uint64_t kManyCalls = 8;
 constexpr std::size_t kShared = 2;
+constexpr std::size_t kManyAlike = 20;  // of so many none stands out
 constexpr std::uint32_t kSmallTable = 5;
 constexpr std::uint32_t kFewFields = 3;
 constexpr std::uint32_t kManyFields = 10;  // so many are settings, whoever uses them
@@ -95,7 +96,7 @@ class Names {
       if (count >= kManyCalls) sheet_.add(file, kDeclares, count);
     }
     for (const auto& [file, alike] : kinds_) {
-      if (evidence_.is_product(file)) sheet_.add(file, kKind, alike + 1);
+      if (evidence_.is_product(file)) sheet_.add(file, kKind, alike < kManyAlike ? alike + 1 : 1);
     }
   }
 
