@@ -31,6 +31,20 @@
 
 namespace kestrix::recipes {
 
+/// The constants that a recipe asks its host with. A host that has its own specialises this.
+template <class Host>
+struct HostConstants {
+  static constexpr const auto& exception_patterns() { return EXCEPTION_PATTERNS; }
+  static constexpr const auto& registry_patterns() { return REGISTRY_PATTERNS; }
+  static constexpr std::string_view domain_layer() { return DOMAIN_LAYER; }
+  static constexpr std::size_t symbol_scan_limit() { return SYMBOL_SCAN_LIMIT; }
+  static constexpr std::size_t detector_read_chars() { return DETECTOR_READ_CHARS; }
+};
+
+/// Paths as the host's own detectors return them.
+template <class Host>
+using Files = decltype(std::declval<const Host&>()._test_files());
+
 template <class Host, class Paths>
 auto _file_edges(const Host& host, const Paths& paths) {
   auto [files, units, edges] = cluster_inputs(host.repository(), paths);
@@ -49,7 +63,7 @@ auto _config_files(const Host& host) {
 
 template <class Host>
 bool _has_exceptions(const Host& host) {
-  for (const std::string_view pattern : EXCEPTION_PATTERNS) {
+  for (const auto& pattern : HostConstants<Host>::exception_patterns()) {
     const auto found =
         host.repository().search_symbols(pattern, {.kind = SymbolKind::kClass, .limit = 1});
     if (found.total > 0) return true;
@@ -71,8 +85,10 @@ std::vector<Path> most_counted(const Counter<Path, std::int64_t>& counts) {
 
 template <class Host>
 auto _exception_files(const Host& host) {
+  using Constants = HostConstants<Host>;
   const auto found = host.repository().search_symbols(
-      EXCEPTION_PATTERNS, {.kind = SymbolKind::kClass, .limit = SYMBOL_SCAN_LIMIT});
+      Constants::exception_patterns(),
+      {.kind = SymbolKind::kClass, .limit = Constants::symbol_scan_limit()});
   const auto paths = host.repository().get_file_paths_batch(found.symbols);
   typename Host::PathSet allowed;
   insert_all(allowed, host._planner_paths());
@@ -89,7 +105,8 @@ template <class Host>
 auto _data_model_files(const Host& host) {
   typename Host::Texts texts;
   for (auto&& path : host._planner_paths()) {
-    auto text = _read_text(joined(host.repo_root(), path), {.max_chars = DETECTOR_READ_CHARS});
+    auto text = _read_text(joined(host.repo_root(), path),
+                           {.max_chars = HostConstants<Host>::detector_read_chars()});
     texts.insert_or_assign(path, std::move(text));
   }
   return data_model_files(texts);
@@ -125,15 +142,16 @@ struct ExtensionSymbols {
 
 template <class Host>
 ExtensionSymbols<Host> look_up_extensions(const Host& host) {
+  using Constants = HostConstants<Host>;
   const auto scan = [&](const auto& query, SymbolKind kind) {
     return host.repository()
-        .search_symbols(query, {.kind = kind, .limit = SYMBOL_SCAN_LIMIT})
+        .search_symbols(query, {.kind = kind, .limit = Constants::symbol_scan_limit()})
         .symbols;
   };
   auto classes = scan(std::string_view("%"), SymbolKind::kClass);
   auto contracts = scan(std::string_view("%"), SymbolKind::kInterface);
-  auto constants = scan(REGISTRY_PATTERNS, SymbolKind::kConstant);
-  auto variables = scan(REGISTRY_PATTERNS, SymbolKind::kVariable);
+  auto constants = scan(Constants::registry_patterns(), SymbolKind::kConstant);
+  auto variables = scan(Constants::registry_patterns(), SymbolKind::kVariable);
   typename Host::SymbolList all;
   const auto first = append(all, std::move(classes));
   const auto second = append(all, std::move(contracts));
@@ -148,7 +166,7 @@ template <class Host>
 auto domain_roots(const Host& host) {
   typename Host::Roots roots;
   for (auto&& component : host.repository().get_all_components({.source_only = true})) {
-    if (!is_layer(component, DOMAIN_LAYER)) continue;
+    if (!is_layer(component, HostConstants<Host>::domain_layer())) continue;
     if (auto root = root_of_pattern(pattern_of(component))) roots.insert_or_assign(*root, *root);
   }
   return roots;
@@ -185,7 +203,7 @@ ExtensionCounts<Host> count_extensions(const ExtensionSymbols<Host>& found, cons
 }
 
 template <class Host>
-std::vector<typename Host::Path> _extension_files(const Host& host) {
+Files<Host> _extension_files(const Host& host) {
   typename Host::PathSet allowed;
   insert_all(allowed, host._planner_paths());
   const auto domain = domain_roots(host);
@@ -194,7 +212,7 @@ std::vector<typename Host::Path> _extension_files(const Host& host) {
     found = look_up_extensions(host);
   } catch (const std::exception& error) {
     warn(host, "wiki: the extension-point lookup failed", error);
-    return {};
+    return Files<Host>();
   }
   const auto counts = count_extensions(*found, domain);
   const auto is_allowed = [&](const auto& path) { return allowed.contains(path); };

@@ -74,9 +74,9 @@ std::vector<Path> current_first(std::vector<Path> docs,
 }
 
 /// The words that a code page's files add to its topic: their distinct stems in order, without
-/// those that begin with "__", at most `TOPIC_STEMS`.
+/// those that begin with "__", at most `limit`.
 template <std::ranges::input_range Files>
-auto topic_stems(Files&& files) {
+auto topic_stems(Files&& files, std::ptrdiff_t limit = TOPIC_STEMS) {
   using Stem = std::remove_cvref_t<decltype(stem(*std::ranges::begin(files)))>;
   OrderedMap<Stem, std::monostate> distinct;
   for (auto&& path : files) distinct.try_emplace(stem(path));
@@ -84,7 +84,7 @@ auto topic_stems(Files&& files) {
   for (const auto& entry : distinct) {
     if (!text_of(entry.first).starts_with("__")) stems.push_back(entry.first);
   }
-  return first_entries(std::move(stems), TOPIC_STEMS);
+  return first_entries(std::move(stems), limit);
 }
 
 /// The retrieval topic of a code page: its title, then `topic_stems`, with single spaces between.
@@ -195,20 +195,20 @@ class Reach {
 ///
 /// A dependency counts when it leads from a file that is no root into a root of another directory,
 /// so a package that re-exports its own entry points is not their dispatch. With fewer than
-/// `DISPATCH_MIN_ROOTS` roots the result is empty and `edges` is not touched. `roots` is any sized
-/// range of paths; its entries are counted as they come.
+/// `min_roots` roots, by which a third is measured, too, the result is empty and `edges` is not
+/// touched. `roots` is any sized range of paths; its entries are counted as they come.
 ///
 /// Linear in the edges, plus a sort of the files that pass the threshold.
 template <std::ranges::sized_range RootPaths, std::ranges::input_range Edges>
-auto dispatch_files(const RootPaths& roots, Edges&& edges, std::size_t limit = DISPATCH_FILES)
+auto dispatch_files(const RootPaths& roots, Edges&& edges, std::size_t limit = DISPATCH_FILES,
+                    std::size_t min_roots = DISPATCH_MIN_ROOTS)
     -> std::vector<OwnedPath<EdgePath<Edges>>> {
   using Path = EdgePath<Edges>;
   const std::size_t count = std::ranges::size(roots);
-  if (count < DISPATCH_MIN_ROOTS) return {};
+  if (count < min_roots) return {};
   detail::Reach<Path> reach(roots);
   for (auto&& edge : edges) reach.add(edge);
-  const auto least =
-      std::max<std::size_t>(2, (count + DISPATCH_MIN_ROOTS - 1) / DISPATCH_MIN_ROOTS);
+  const auto least = std::max<std::size_t>(2, (count + min_roots - 1) / min_roots);
   std::vector<OwnedPath<Path>> files;
   for (const auto& entry : reach.ranked(least)) {
     if (files.size() == limit) break;
@@ -247,27 +247,24 @@ auto dependents_of(Edges&& edges) {
   return dependents;
 }
 
-/// The test files that an examples page shows, at most `max_files`: test data left out, the files
-/// that the most other tests import first, then those that reach the most production files, then
-/// by path. `tests` is taken as given, duplicates and all; a negative `max_files` drops that many
-/// from the end. Asks the host's `is_test_path` only about targets of a candidate's edges that are
-/// no candidates themselves.
-template <std::ranges::input_range Tests, std::ranges::input_range Edges>
-auto example_sources(Tests&& tests, Edges&& edges, std::ptrdiff_t max_files = MAX_ASPECT_FILES) {
+/// The candidates of an examples page, at most `max_files`: those that the most others import
+/// first, then those that reach the most production files, then by path. They are taken as given,
+/// duplicates and all; a negative `max_files` drops that many from the end. Asks the host's
+/// `is_test_path` only about targets of a candidate's edges that are no candidates themselves.
+template <std::ranges::input_range Candidates, std::ranges::input_range Edges>
+auto ranked_examples(Candidates&& paths, Edges&& edges, std::ptrdiff_t max_files) {
   using Path = EdgePath<Edges>;
   struct Tally {
     std::int64_t users = 0;    // imports by other candidates
     std::int64_t reached = 0;  // imports of production files
   };
-  using Test = std::ranges::range_value_t<Tests>;
+  using Test = std::ranges::range_value_t<Candidates>;
   struct Candidate {
     Test path;
     Tally tally;
   };
   std::vector<Candidate> candidates;
-  for (auto&& path : tests) {
-    if (!is_fixture_path(text_of(path))) candidates.push_back({Test(path), {}});
-  }
+  for (auto&& path : paths) candidates.push_back({Test(path), {}});
   OrderedMap<Path, Tally> tallies;
   tallies.max_load_factor(0.25F);  // many look-ups are of paths that are no candidate
   tallies.reserve(candidates.size());
@@ -292,6 +289,16 @@ auto example_sources(Tests&& tests, Edges&& edges, std::ptrdiff_t max_files = MA
   ranked.reserve(candidates.size());
   for (auto& candidate : candidates) ranked.push_back(std::move(candidate.path));
   return first_entries(std::move(ranked), max_files);
+}
+
+/// The test files that an examples page shows: test data left out, the others as `ranked_examples`.
+template <std::ranges::input_range Tests, std::ranges::input_range Edges>
+auto example_sources(Tests&& tests, Edges&& edges, std::ptrdiff_t max_files = MAX_ASPECT_FILES) {
+  std::vector<std::ranges::range_value_t<Tests>> candidates;
+  for (auto&& path : tests) {
+    if (!is_fixture_path(text_of(path))) candidates.emplace_back(path);
+  }
+  return ranked_examples(candidates, std::forward<Edges>(edges), max_files);
 }
 
 // How `extension_sources` reads its maps. A host with maps of its own brings overloads.
@@ -327,24 +334,26 @@ std::optional<OwnedPath<Dependent>> strongest_dependent(
   return owned(dependents.find(path)->second.most_common(1).front().first);
 }
 
-/// The files of the extending page: at most `EXTENSION_CONTRACTS` files that hold a contract to
-/// implement or a registry to add to, those that other files already use before those that nothing
-/// uses yet; then at most `EXTENSION_WIRING` files where the picked registries are wired in, each
-/// the strongest dependent of one of them unless it is picked itself.
+/// The files of the extending page: at most `most_picked` files that hold a contract to implement
+/// or a registry to add to, those that other files already use before those that nothing uses yet;
+/// then at most `most_wiring` files where the picked registries are wired in, each the strongest
+/// dependent of one of them unless it is picked itself.
 ///
 /// Ranking within the used and the unused files is the host rule `extension_files`, which is called
 /// once for each side.
 template <class Counts, class DependentsMap>
 auto extension_sources(const Counts& interfaces, const Counts& registries,
-                       const DependentsMap& dependents) {
+                       const DependentsMap& dependents,
+                       std::size_t most_picked = EXTENSION_CONTRACTS,
+                       std::ptrdiff_t most_wiring = EXTENSION_WIRING) {
   const auto strongest = [&](bool used) {
     const auto on_side = [&](const auto& path) { return is_used(dependents, path) == used; };
     const auto contracts = filtered(interfaces, on_side);
-    return extension_files(contracts, filtered(registries, on_side), EXTENSION_CONTRACTS);
+    return extension_files(contracts, filtered(registries, on_side), most_picked);
   };
   auto picked = strongest(true);
   std::ranges::move(strongest(false), std::back_inserter(picked));
-  picked = first_entries(std::move(picked), EXTENSION_CONTRACTS);
+  picked = first_entries(std::move(picked), static_cast<std::ptrdiff_t>(most_picked));
 
   decltype(picked) wiring;
   const auto listed = [](const auto& files, const auto& path) {
@@ -356,7 +365,7 @@ auto extension_sources(const Counts& interfaces, const Counts& registries,
     if (user && !listed(picked, *user) && !listed(wiring, *user))
       wiring.push_back(std::move(*user));
   }
-  wiring = first_entries(std::move(wiring), EXTENSION_WIRING);
+  wiring = first_entries(std::move(wiring), most_wiring);
   std::ranges::move(wiring, std::back_inserter(picked));
   return picked;
 }
