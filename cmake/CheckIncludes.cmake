@@ -19,7 +19,7 @@ if(NOT CMAKE_SCRIPT_MODE_FILE)
   return()
 endif()
 
-set(forbidden "/(SQLiteCpp|tree_sitter|git2|spdlog|pybind11)/|/(sqlite3(ext)?|git2|Python)\\.h$")
+set(forbidden "/(SQLiteCpp|tree_sitter|git2|spdlog)/|/(sqlite3(ext)?|git2|Python)\\.h$")
 set(forbidden "${forbidden}|^/(grammars|src/kestrix/(definitions|host|index|facts|files|formats|git|languages|store|syntax|text|walk))/")
 set(allowed "^/src/kestrix/(index/repository|facts/(data_signals|symbol_kind))\\.h$")
 

@@ -6,7 +6,7 @@
 #                pugixml::pugixml  utf8cpp  CLI11::CLI11  Threads::Threads
 #   tests        GTest::gtest  GTest::gtest_main  GTest::gmock
 #   bench        benchmark::benchmark
-#   python       pybind11_add_module; Python_EXECUTABLE runs the tests
+#   python       Python::Module; Python_EXECUTABLE runs the tests
 
 find_package(Threads REQUIRED)
 find_package(RE2 REQUIRED)
@@ -40,9 +40,8 @@ endif()
 
 if(KESTRIX_PYTHON)
   find_package(Python 3.9 COMPONENTS Interpreter Development.Module)
-  find_package(pybind11 CONFIG)
-  if(NOT Python_FOUND OR NOT pybind11_FOUND)
-    message(WARNING "The Python module is left out: it needs python3-dev and pybind11-dev.")
+  if(NOT Python_FOUND)
+    message(WARNING "The Python module is left out: it needs python3-dev.")
     set(KESTRIX_PYTHON OFF)
   endif()
 endif()

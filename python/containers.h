@@ -1,6 +1,6 @@
 #pragma once
 
-// The Python containers that a host is given or gives. Each holds a strong reference.
+// The Python containers that a host is given or gives.
 
 #include <array>
 #include <cstddef>
@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "kestrix/workers/wiki/page_sources/rules.h"
+#include "python/names.h"
 #include "python/object.h"
-#include "python/paths.h"
 
 namespace kestrix::python {
 
@@ -21,15 +21,11 @@ class Set : public Object {
   Set() : Object(steal(PySet_New(nullptr))) {}
 
   void insert(const Object& item) { checked(PySet_Add(ptr(), item.ptr())); }
-  bool contains(const Object& item) const { return checked(PySet_Contains(ptr(), item.ptr())); }
 };
 
 inline void insert_all(Set& set, const Object& items) {
   for (const auto& item : items) set.insert(item);
 }
-
-/// The items in a new list, sorted.
-Object ascending(const Set& set);
 
 /// The items of an iterable that must have exactly as many, as an assignment to names takes them.
 void unpack(const Object& iterable, std::span<Object> names);
@@ -41,14 +37,20 @@ std::array<Object, N> unpacked(const Object& iterable) {
   return names;
 }
 
-/// A `list` of our own making.
+/// A `list` of our own making, or what a host gave for one.
 class List : public Object {
  public:
   List() : Object(steal(PyList_New(0))) {}
-  explicit List(const std::vector<Object>& items);
+  explicit List(Object list) : Object(std::move(list)) {}
+  explicit List(const std::vector<Object>& items) : List() {
+    for (const auto& item : items) append(item);
+  }
 
   void append(const Object& item) { checked(PyList_Append(ptr(), item.ptr())); }
 };
+
+/// The items in a new list, sorted.
+List ascending(const Set& set);
 
 /// Adds the items to the list. What comes back stands for them: they are read again from where they
 /// came from, since a host may change the list that it was given.
@@ -65,9 +67,10 @@ class Mapping : public Object {
   explicit Mapping(Object mapping) : Object(std::move(mapping)) {}
 
   /// `mapping.get(key)`, or `fallback` where there is no such key.
-  Object get(const Object& key, const Object& fallback) const;
-  /// `key in mapping`.
-  bool contains(const Object& key) const { return checked(PySequence_Contains(ptr(), key.ptr())); }
+  Object get(const Object& key, const Object& fallback) const {
+    return call_method(*this, "get", key, fallback);
+  }
+  Object items() const { return call_method(*this, "items"); }
 };
 
 /// A `dict` of our own making.
@@ -79,47 +82,25 @@ class Dict : public Mapping {
     checked(PyDict_SetItem(ptr(), key.ptr(), value.ptr()));
   }
   /// Adds to the number at `key`, which is 0 at first.
-  void add(const Object& key, std::int64_t amount);
-};
-
-/// Reads `mapping.items()`; a plain dict or Counter without the detour over a view.
-class Items {
- public:
-  explicit Items(const Mapping& mapping);
-
-  /// Moves to the next item; false when there is none.
-  bool next();
-  const Object& key() const { return key_; }
-  const Object& value() const { return value_; }
-
- private:
-  bool next_of_dict();
-
-  Mapping dict_;  // unless the items are read through the iterator
-  Py_ssize_t size_ = 0;
-  Py_ssize_t position_ = 0;
-  ItemIterator iterator_;
-  Object key_;
-  Object value_;
+  void add(const Object& key, std::size_t amount);
 };
 
 /// A dict of the entries whose key `keep` accepts, in their order.
 template <class Keep>
 Mapping filtered(const Mapping& mapping, Keep keep) {
   Dict kept;
-  for (Items items(mapping); items.next();) {
-    if (keep(items.key())) kept.insert_or_assign(items.key(), items.value());
+  for (const auto& item : mapping.items()) {
+    const auto [key, value] = unpacked<2>(item);
+    if (keep(key)) kept.insert_or_assign(key, value);
   }
   return kept;
 }
 
 inline bool holds(const Mapping& mapping, const Object& key) { return mapping.contains(key); }
 
-/// What `dependents_of` makes of Python edges: a dict of `collections.Counter`.
-class Dependents : public Mapping {
+/// What `dependents_of` makes of Python's objects: a dict of `collections.Counter`.
+class Dependents : public Dict {
  public:
-  Dependents() : Mapping(steal(PyDict_New())) {}
-
   void add(const Object& target, const Object& source, const Object& weight);
 };
 

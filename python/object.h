@@ -1,8 +1,10 @@
 #pragma once
 
 // Python objects as values: what the rules and recipes need of a path, a record or a number.
+// Written against the limited API, so that one binary fits every CPython from the version that the
+// build names on.
 
-#include <pybind11/pybind11.h>
+#include <Python.h>
 
 #include <compare>
 #include <cstddef>
@@ -27,12 +29,6 @@ struct PendingStop {};
 /// Throws what fits the pending exception.
 [[noreturn]] void throw_pending();
 
-/// Raises TypeError; the message ends in the name of the type of `found`.
-[[noreturn]] void throw_type_error(std::string_view expected, PyObject* found);
-
-/// Raises TypeError unless `object` can be iterated over.
-void require_iterable(PyObject* object, std::string_view expected);
-
 inline PyObject* checked(PyObject* result) {
   if (result == nullptr) throw_pending();
   return result;
@@ -47,66 +43,76 @@ class ItemIterator;
 
 /// A strong reference to a Python object, as a value.
 ///
-/// Two strings are equal when their texts are, they hash by their text and are ordered by code
-/// point, whatever a subclass of str makes of it; other objects do what they do in Python. A lone
-/// surrogate is a code point like any other. Operations throw `PendingError` or `PendingStop`.
+/// Objects are equal and hash as they do in Python; strings are ordered by code point, a lone
+/// surrogate being one like any other, and other objects as they compare. Operations throw
+/// `PendingError` or `PendingStop`.
 class Object {
  public:
   Object() = default;
   /// A new string. `text` is ASCII.
   explicit Object(const char* text) : Object(std::string_view(text)) {}
   explicit Object(std::string_view text)
-      : Object(
-            steal(PyUnicode_FromStringAndSize(text.data(), static_cast<Py_ssize_t>(text.size())))) {
+      : object_(checked(
+            PyUnicode_FromStringAndSize(text.data(), static_cast<Py_ssize_t>(text.size())))) {}
+  Object(const Object& other) : object_(other.object_) { Py_XINCREF(object_); }
+  Object(Object&& other) noexcept : object_(std::exchange(other.object_, nullptr)) {}
+  Object& operator=(const Object& other) { return *this = Object(other); }
+  Object& operator=(Object&& other) noexcept {
+    std::swap(object_, other.object_);
+    return *this;
   }
+  ~Object() { Py_XDECREF(object_); }
 
   /// Takes over a new reference; null means that the operation that gave it failed.
   static Object steal(PyObject* result) {
-    return Object(pybind11::reinterpret_steal<pybind11::object>(checked(result)));
+    Object object;
+    object.object_ = checked(result);
+    return object;
   }
   static Object borrow(PyObject* object) {
-    return Object(pybind11::reinterpret_borrow<pybind11::object>(object));
+    Py_INCREF(object);
+    return steal(object);
   }
   static Object number(std::size_t value) { return steal(PyLong_FromSize_t(value)); }
 
-  PyObject* ptr() const { return object_.ptr(); }
-  PyObject* release() { return object_.release().ptr(); }
+  PyObject* ptr() const { return object_; }
+  PyObject* release() { return std::exchange(object_, nullptr); }
 
-  bool is_none() const { return ptr() == Py_None; }
-  bool is_str() const { return PyUnicode_Check(ptr()) != 0; }
-  bool is_true() const { return checked(PyObject_IsTrue(ptr())); }
+  bool is_none() const { return object_ == Py_None; }
+  bool is_str() const { return PyUnicode_Check(object_) != 0; }
+  bool is_true() const { return checked(PyObject_IsTrue(object_)); }
 
-  Object attribute(const Object& name) const { return steal(PyObject_GetAttr(ptr(), name.ptr())); }
-
-  /// Whether this string begins with `prefix`, which is ASCII.
+  Object attribute(const char* literal) const;
+  /// `item in this`.
+  bool contains(const Object& item) const {
+    return checked(PySequence_Contains(object_, item.object_));
+  }
+  /// `len(this)`.
+  std::size_t size() const;
+  /// Whether this string begins with `prefix`.
   bool starts_with(std::string_view prefix) const;
 
   std::size_t hash() const {
-    const auto known = is_str() ? reinterpret_cast<PyASCIIObject*>(ptr())->hash : -1;
-    return static_cast<std::size_t>(known != -1 ? known : computed_hash());
+    const auto value = PyObject_Hash(object_);
+    if (value == -1) throw_pending();
+    return static_cast<std::size_t>(value);
   }
 
   friend bool operator==(const Object& a, const Object& b) {
-    if (a.ptr() == b.ptr()) return true;
-    if (a.is_str() && b.is_str()) return same_text(a.ptr(), b.ptr());
-    return checked(PyObject_RichCompareBool(a.ptr(), b.ptr(), Py_EQ));
+    return checked(PyObject_RichCompareBool(a.object_, b.object_, Py_EQ));
   }
   friend std::weak_ordering operator<=>(const Object& a, const Object& b);
 
-  /// The items of an iterable, each a strong reference.
+  /// The items of an iterable.
   ItemIterator begin() const;
   static std::default_sentinel_t end() { return {}; }
 
  private:
-  explicit Object(pybind11::object object) : object_(std::move(object)) {}
-  Py_hash_t computed_hash() const;
-  static bool same_text(PyObject* a, PyObject* b);
-
-  pybind11::object object_;
+  PyObject* object_ = nullptr;
 };
 
-/// Reads an iterable as a `for` statement does; a list or tuple without the detour over an
-/// iterator object.
+/// Reads an iterable as a `for` statement does, and looks for signals now and then: an iterator may
+/// go on for ever without running any Python code.
 class ItemIterator {
  public:
   using iterator_concept = std::input_iterator_tag;
@@ -114,83 +120,25 @@ class ItemIterator {
   using difference_type = std::ptrdiff_t;
 
   ItemIterator() = default;
-  explicit ItemIterator(PyObject* iterable)
-      : sequence_(PyList_CheckExact(iterable)    ? Sequence::kList
-                  : PyTuple_CheckExact(iterable) ? Sequence::kTuple
-                                                 : Sequence::kNone),
-        source_(sequence_ == Sequence::kNone ? Object::steal(PyObject_GetIter(iterable))
-                                             : Object::borrow(iterable)) {
+  explicit ItemIterator(PyObject* iterable) : source_(Object::steal(PyObject_GetIter(iterable))) {
     ++*this;
   }
 
   const Object& operator*() const { return item_; }
-  ItemIterator& operator++() {
-    item_ = next();
-    return *this;
-  }
+  ItemIterator& operator++();
   void operator++(int) { ++*this; }
-
-  /// The item that comes `ahead` items later, borrowed; null where that is not known yet.
-  PyObject* later(Py_ssize_t ahead) const {
-    if (sequence_ != Sequence::kList) return nullptr;
-    const Py_ssize_t at = index_ - 1 + ahead;
-    return at < PyList_GET_SIZE(source_.ptr()) ? PyList_GET_ITEM(source_.ptr(), at) : nullptr;
-  }
 
   friend bool operator==(const ItemIterator& iterator, std::default_sentinel_t) {
     return iterator.item_.ptr() == nullptr;
   }
 
  private:
-  enum class Sequence { kNone, kList, kTuple };
-
-  Object next() {
-    switch (sequence_) {
-      case Sequence::kList:  // may grow or shrink meanwhile
-        if (index_ >= PyList_GET_SIZE(source_.ptr())) return {};
-        prefetch_item();
-        return Object::borrow(PyList_GET_ITEM(source_.ptr(), index_++));
-      case Sequence::kTuple:
-        if (index_ >= PyTuple_GET_SIZE(source_.ptr())) return {};
-        return Object::borrow(PyTuple_GET_ITEM(source_.ptr(), index_++));
-      case Sequence::kNone:
-        break;
-    }
-    return next_of_iterator();
-  }
-  Object next_of_iterator();
-
-  // The items of a long list lie all over the memory.
-  void prefetch_item() const {
-    constexpr Py_ssize_t kAhead = 8;
-    if (index_ + kAhead >= PyList_GET_SIZE(source_.ptr())) return;
-    const auto* const item = PyList_GET_ITEM(source_.ptr(), index_ + kAhead);
-    __builtin_prefetch(reinterpret_cast<const char*>(item) - 32);  // what precedes an object
-    __builtin_prefetch(reinterpret_cast<const char*>(item) + 16);
-  }
-
-  Sequence sequence_ = Sequence::kNone;
   Object source_;
   Object item_;
-  Py_ssize_t index_ = 0;
+  std::size_t count_ = 0;
 };
 
-inline ItemIterator Object::begin() const { return ItemIterator(ptr()); }
-
-/// `callable(arguments...)`.
-template <class... Arguments>
-Object call(const Object& callable, const Arguments&... arguments) {
-  PyObject* const values[] = {arguments.ptr()..., nullptr};
-  return Object::steal(PyObject_Vectorcall(callable.ptr(), values, sizeof...(arguments), nullptr));
-}
-
-/// `object.name(arguments...)`.
-template <class... Arguments>
-Object call_method(const Object& object, const Object& name, const Arguments&... arguments) {
-  PyObject* const values[] = {object.ptr(), arguments.ptr()...};
-  return Object::steal(
-      PyObject_VectorcallMethod(name.ptr(), values, 1 + sizeof...(arguments), nullptr));
-}
+inline ItemIterator Object::begin() const { return ItemIterator(object_); }
 
 }  // namespace kestrix::python
 

@@ -1,5 +1,6 @@
-"""Puts libpage_sources into the package: the file that PAGE_SOURCES_LIBRARY names, else the one that
-the target kestrix_capi leaves in build/release."""
+"""Makes one wheel of two packages, with what CMake built for them: libpage_sources for the package
+page_sources, and the extension module of the service's component. Each is the file that its variable
+names, else what the targets kestrix_capi and kestrix_python leave in build/release."""
 
 import ctypes
 import os
@@ -11,15 +12,22 @@ from setuptools import Distribution, setup
 from setuptools.command.build_py import build_py
 from wheel.bdist_wheel import bdist_wheel
 
-NAME = "libpage_sources.so.1"
-BUILT = pathlib.Path(__file__).resolve().parent.parent / "build/release/capi" / NAME
-LIBRARY = pathlib.Path(os.environ.get("PAGE_SOURCES_LIBRARY", BUILT))
+RELEASE = pathlib.Path(__file__).resolve().parent.parent / "build/release"
 
-if not LIBRARY.exists():
+
+def built(variable: str, path: str) -> pathlib.Path:
+    file = pathlib.Path(os.environ.get(variable, RELEASE / path))
+    if file.exists():
+        return file
     raise SystemExit(
-        f"{LIBRARY} does not exist. Build it with `cmake --preset release` and `cmake --build "
-        "build/release --target kestrix_capi`, or name another with PAGE_SOURCES_LIBRARY."
+        f"{file} does not exist. Build it with `cmake --preset release` and `cmake --build "
+        f"build/release --target kestrix_capi kestrix_python`, or name another with {variable}."
     )
+
+
+LIBRARY = built("PAGE_SOURCES_LIBRARY", "capi/libpage_sources.so.1")
+MODULE = built("PAGE_SOURCES_MODULE", "python/_page_sources.abi3.so")
+BINARIES = {"page_sources/libpage_sources.so.1": LIBRARY, f"kestrix/workers/wiki/{MODULE.name}": MODULE}
 
 
 def version() -> str:
@@ -28,21 +36,22 @@ def version() -> str:
     return library.page_sources_version().decode()
 
 
-class WithLibrary(build_py):
+class WithBinaries(build_py):
     def run(self) -> None:
         super().run()
-        package = pathlib.Path(self.build_lib) / "page_sources"
-        package.mkdir(parents=True, exist_ok=True)
-        shutil.copyfile(LIBRARY, package / NAME)
-        if shutil.which("strip"):
-            subprocess.run(["strip", "--strip-unneeded", package / NAME], check=True)
+        for place, binary in BINARIES.items():
+            copy = pathlib.Path(self.build_lib) / place
+            copy.parent.mkdir(parents=True, exist_ok=True)
+            shutil.copyfile(binary, copy)
+            if shutil.which("strip"):
+                subprocess.run(["strip", "--strip-unneeded", copy], check=True)
 
 
-class AnyPython(bdist_wheel):
-    """The library is of one platform, and of no version of Python."""
+class StableAbi(bdist_wheel):
+    """The extension module fits every CPython from 3.9, the library any Python."""
 
     def get_tag(self):
-        return "py3", "none", super().get_tag()[2]
+        return "cp39", "abi3", super().get_tag()[2]
 
 
 class OfOnePlatform(Distribution):
@@ -53,5 +62,5 @@ class OfOnePlatform(Distribution):
 setup(
     version=version(),
     distclass=OfOnePlatform,
-    cmdclass={"build_py": WithLibrary, "bdist_wheel": AnyPython},
+    cmdclass={"build_py": WithBinaries, "bdist_wheel": StableAbi},
 )

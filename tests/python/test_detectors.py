@@ -1,15 +1,19 @@
 """The detectors: what they return, what they ask of the host and in which order, how they fail."""
 
 import logging
+import os
+import re
 import traceback
 import unittest
+from collections import Counter
 from types import SimpleNamespace
 from unittest import mock
 
 import plain_page_sources as plain
 from kestrix.workers.wiki import page_sources as native
-from worlds import World
+from worlds import World, frozen
 
+SEEDS = int(os.environ.get("PAGE_SOURCES_SEEDS", 250))
 GUARDED = {"_has_exceptions": False, "_exception_files": []}
 DETECTORS = (
     "_config_files", "_has_exceptions", "_exception_files", "_data_model_files",
@@ -33,7 +37,7 @@ def outcome(module, world, detector, fail_at=None, error=None):
 
 class Compared(unittest.TestCase):
     def test_every_detector_in_seeded_worlds(self):
-        for seed in range(250):
+        for seed in range(SEEDS):
             world = World(seed)
             for detector in DETECTORS:
                 with self.subTest(seed=seed, detector=detector):
@@ -42,7 +46,7 @@ class Compared(unittest.TestCase):
                     )
 
     def test_every_detector_fails_at_every_use_of_the_host(self):
-        for seed in range(250, 256):
+        for seed in range(250, 251 + SEEDS // 50):
             world = World(seed)
             for detector in DETECTORS:
                 uses = len(outcome(plain, world, detector)[-1])
@@ -53,6 +57,62 @@ class Compared(unittest.TestCase):
                                 outcome(native, world, detector, fail_at, error),
                                 outcome(plain, world, detector, fail_at, error),
                             )
+
+
+# Every constant of the module, with a value that changes what the rules or detectors answer or ask.
+CONSTANTS = {
+    "SYMBOL_SCAN_LIMIT": 3,
+    "DETECTOR_READ_CHARS": 9,
+    "MAX_ASPECT_FILES": 1,
+    "_FIXTURE_DIRS": frozenset({"tests", "docs"}),
+    "_ARCHIVE_DIRS": frozenset({"app", "adr"}),
+    "_DISPATCH_MIN_ROOTS": 1,
+    "_EXTENSION_CONTRACTS": 2,
+    "_EXTENSION_WIRING": 0,
+    "_CONFIG_BASENAMES": frozenset({"a.py"}),
+    "_EXCEPTION_PATTERNS": ("%x", "%S", "%r"),
+    "_DOMAIN_LAYER": "ui",
+    "_REGISTRY_PATTERNS": ["%S"],
+    "_REGISTRY_RE": re.compile("x"),
+    "_INTERFACE_SIGNATURE_RE": re.compile("class A"),
+}
+
+
+class Patched(unittest.TestCase):
+    def changed_by(self, **replaced):
+        """Whether what is replaced shows, in both versions alike."""
+        changed = False
+        for seed in range(300, 312):
+            world = World(seed)
+            for detector in DETECTORS:
+                with mock.patch.multiple(plain, **replaced), mock.patch.multiple(native, **replaced):
+                    expected = outcome(plain, world, detector)
+                    found = outcome(native, world, detector)
+                with self.subTest(seed=seed, detector=detector, replaced=[*replaced]):
+                    self.assertEqual(found, expected)
+                changed = changed or expected != outcome(plain, world, detector)
+        return changed
+
+    def test_constants(self):
+        for name, value in CONSTANTS.items():
+            with self.subTest(name=name):
+                self.assertTrue(self.changed_by(**{name: value}))
+
+    def test_rules(self):
+        def nothing(*args):
+            calls.append([frozen(value) for value in args])
+            return []
+
+        for rule in ("current_first", "dispatch_files", "extension_sources", "example_sources"):
+            calls = []
+            self.assertTrue(self.changed_by(**{rule: nothing}))
+            self.assertEqual(calls[::2], calls[1::2])
+        self.assertTrue(self.changed_by(is_fixture_path=lambda path: "a" in path))
+        self.assertTrue(self.changed_by(dependents_of=lambda edges: {"app/a.py": Counter("b")}))
+
+    def test_the_constant_of_a_rule_that_no_detector_calls(self):
+        with mock.patch.object(native, "_TOPIC_STEMS", 1):
+            self.assertEqual(native.unit_topic("title", ["a.py", "b.py"]), "title a")
 
 
 class Failing(unittest.TestCase):

@@ -18,11 +18,11 @@ class DataclassEdge:
     weight: int
 
 
-@dataclass(frozen=True, slots=True)
 class SlotsEdge:
-    source: str
-    target: str
-    weight: int
+    __slots__ = ("source", "target", "weight")
+
+    def __init__(self, source, target, weight):
+        self.source, self.target, self.weight = source, target, weight
 
 
 class NamedTupleEdge(NamedTuple):

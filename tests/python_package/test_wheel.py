@@ -1,7 +1,7 @@
-"""Makes the wheel, installs it into a fresh virtual environment of each Python, and asks there; then
-installs from the sources. Nothing is fetched. Usage: test_wheel.py SOURCE LIBRARY"""
+"""Makes the wheel and installs it into a fresh virtual environment of each Python that is found. There
+the package is asked, and beside a service that is installed, too, the tests of its component run; then
+installs from the sources. Nothing is fetched. Usage: test_wheel.py SOURCE LIBRARY MODULE"""
 
-import glob
 import os
 import pathlib
 import re
@@ -10,7 +10,9 @@ import subprocess
 import sys
 import tempfile
 
-SOURCE, LIBRARY = map(pathlib.Path, sys.argv[1:3])
+SOURCE, LIBRARY, MODULE = map(pathlib.Path, sys.argv[1:4])
+SUITES = ("detectors", "module", "rules", "service")
+SHORT = {"PAGE_SOURCES_CALLS": "20000", "PAGE_SOURCES_SEEDS": "20"}
 ASK = """
 import page_sources, sys
 with page_sources.open(sys.argv[1]) as repo:
@@ -20,7 +22,8 @@ with page_sources.open(sys.argv[1]) as repo:
 
 
 def run(*arguments, **more):
-    environment = {k: v for k, v in os.environ.items() if k not in ("PYTHONPATH", "PAGE_SOURCES_LIBRARY")}
+    ours = ("PYTHONPATH", "PAGE_SOURCES_LIBRARY", "PAGE_SOURCES_MODULE")
+    environment = {k: v for k, v in os.environ.items() if k not in ours}
     environment.update(more.pop("env", {}))
     done = subprocess.run([str(a) for a in arguments], capture_output=True, text=True, env=environment, **more)
     assert done.returncode == 0, f"{arguments}: {done.stdout}{done.stderr}"
@@ -32,8 +35,16 @@ def works(*command):
 
 
 def pythons():
-    found = sorted(glob.glob("/usr/bin/python3.[0-9]*[0-9]") + glob.glob("/usr/local/bin/python3.[0-9]*[0-9]"))
-    return [p for p in found if works(p, "-c", "import sys; assert sys.version_info >= (3, 9); import venv")]
+    """One of each version from 3.9 on: those on the PATH, the system's, and what pyenv keeps."""
+    folders = [*map(pathlib.Path, os.environ["PATH"].split(os.pathsep)), pathlib.Path("/usr/bin")]
+    folders += [pathlib.Path("/usr/local/bin"), *pathlib.Path.home().glob(".pyenv/versions/*/bin")]
+    asked = "import sys, venv; assert sys.version_info >= (3, 9); print(sys.version_info[1], sys.executable)"
+    found = {}
+    for python in [path for folder in folders for path in sorted(folder.glob("python3*"))]:
+        if re.fullmatch(r"python3(\.\d+)?", python.name) and works(python, "-c", asked):
+            minor, executable = run(python, "-c", asked).split()
+            found.setdefault(int(minor), executable)
+    return [found[minor] for minor in sorted(found)]
 
 
 def environment(python, place, *more):
@@ -50,6 +61,14 @@ def ask(python, place):
     assert "errors.py" in files or "exceptions.py" in files, files
 
 
+def serve(python):
+    """Lays a service beside the installed module, as pip would, and runs the tests of the module."""
+    site = run(python, "-c", "import sysconfig; print(sysconfig.get_paths()['platlib'])").strip()
+    shutil.copytree(SOURCE / "tests/python/service", site, dirs_exist_ok=True)
+    for suite in SUITES:
+        run(python, "-B", SOURCE / f"tests/python/test_{suite}.py", env=SHORT)
+
+
 def main():
     needed = ("pip", "setuptools", "wheel")
     if not all(works(sys.executable, "-c", f"import {name}") for name in needed):
@@ -58,18 +77,20 @@ def main():
         place = pathlib.Path(name)
         sources = place / "python"
         shutil.copytree(SOURCE / "python", sources, ignore=shutil.ignore_patterns("build", "*.egg-info"))
-        library = {"PAGE_SOURCES_LIBRARY": str(LIBRARY)}
-        pip = (sys.executable, "-m", "pip", "--disable-pip-version-check")
+        binaries = {"PAGE_SOURCES_LIBRARY": str(LIBRARY), "PAGE_SOURCES_MODULE": str(MODULE)}
+        pip = ("-m", "pip", "--disable-pip-version-check")
         offline = ("--no-index", "--no-deps", "--no-build-isolation")
-        run(*pip, "wheel", *offline, "-w", place, sources, env=library)
-        wheel, = place.glob("page_sources-*-py3-none-linux_*.whl")
+        run(sys.executable, *pip, "wheel", *offline, "-w", place, sources, env=binaries)
+        wheel, = place.glob("page_sources-*-cp39-abi3-linux_*.whl")
         for number, python in enumerate(pythons()):
             fresh = environment(python, place / f"fresh{number}")
-            run(*pip, "--python", fresh, "install", "--no-index", wheel)
+            with_pip = python if works(python, "-m", "pip", "--version") else sys.executable
+            run(with_pip, *pip, "--python", fresh, "install", "--no-index", wheel)
             ask(fresh, place)
+            serve(fresh)
             print(f"{python}: installed from the wheel")
         own = environment(sys.executable, place / "own", "--system-site-packages")
-        run(own, "-m", "pip", "install", *offline, sources, env=library)
+        run(own, "-m", "pip", "install", *offline, sources, env=binaries)
         ask(own, place)
 
 

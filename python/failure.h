@@ -11,15 +11,11 @@ namespace kestrix::python {
 /// Makes a C++ failure the pending exception, unless a Python one is pending already.
 void raise_in_python(const std::exception& error);
 
-/// Adds an entry for a function of this module to the trace of the pending exception.
-void add_to_trace(PyObject* globals, const char* function);
-
-/// The pending exception, taken away and handled: it is what `sys.exc_info()` gives, and the
-/// context of exceptions that are raised meanwhile.
+/// The pending exception, taken away and handled as if the calling Python function had caught it:
+/// it is what `sys.exc_info()` gives, and the context of exceptions that are raised meanwhile.
 class HandledException {
  public:
-  /// `function` is where it was caught.
-  HandledException(const std::exception& error, PyObject* globals, const char* function);
+  explicit HandledException(const std::exception& error);
   HandledException(const HandledException&) = delete;
   HandledException& operator=(const HandledException&) = delete;
   ~HandledException();
