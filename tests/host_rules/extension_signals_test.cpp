@@ -255,6 +255,31 @@ Files widened(std::string_view head) {
       {{"src/kind.ts", "export interface Kind {\n  name: string;\n  draw(): void;\n}\n"}});
 }
 
+// Kinds of one contract, all of which one file makes, and `users` of each.
+Files kinds(std::size_t users) {
+  std::string made;
+  for (const char letter : {'a', 'b', 'c'}) {
+    made += fmt::format("    all.add(new shop.{0}.Kind{0}());\n", letter);
+  }
+  Files files{{"src/main/java/shop/Kind.java",
+               "package shop;\npublic interface Kind {\n  int size();\n}\n"},
+              {"src/main/java/shop/Kinds.java",
+               "package shop;\nimport java.util.List;\npublic class Kinds {\n"
+               "  void fill(List<Kind> all) {\n" +
+                   made + "  }\n}\n"}};
+  for (std::size_t at = 0; at < users; ++at) {
+    files.emplace_back(fmt::format("src/main/java/shop/use/Use{}.java", at),
+                       fmt::format("package shop.use;\nimport shop.a.Kinda;\nimport shop.b.Kindb;\n"
+                                   "import shop.c.Kindc;\npublic class Use{} {{\n"
+                                   "  Kinda a;\n  Kindb b;\n  Kindc c;\n}}\n",
+                                   at));
+  }
+  return repeated(3, "src/main/java/shop/{0}/Kind{0}.java",
+                  "package shop.{0};\nimport shop.Kind;\npublic class Kind{0} implements Kind {{\n"
+                  "  public int size() {{ return 1; }}\n}}\n",
+                  std::move(files));
+}
+
 Files records(std::size_t count) {
   std::string rows;
   for (std::size_t at = 0; at < count; ++at) {
@@ -288,6 +313,12 @@ std::vector<Case> contract_cases() {
        "src/kind.ts", "implemented", true},
       {"InterfacesThatInterfacesExtend", widened("interface Kind{0} extends Kind"), "src/kind.ts",
        "implemented", false},
+      {"WhatMakesTheKindsOfAContract", kinds(0), "src/main/java/shop/Kinds.java",
+       "gathers_implementers", true},
+      {"WhatMakesKindsThatAllName", kinds(5), "src/main/java/shop/Kinds.java",
+       "gathers_implementers", false},
+      {"ContractsOfSeveralFolders", kinds(0), "src/main/java/shop/Kind.java",
+       "implemented_in_folders", true},
       {"TablesOfRecords", records(14), "src/kinds.ts", "table_of_records", true},
       {"TablesOfFewRecords", records(6), "src/kinds.ts", "table_of_records", false},
   };

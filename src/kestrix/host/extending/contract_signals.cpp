@@ -30,7 +30,7 @@ constexpr Signal kForOthers{"for_others", 3.5, "its base type is for others to e
 constexpr Signal kSpread{"implemented_in_folders", 1.0, "{} folder more implements it",
                          "{} folders more implement it", "okhttp, jellyfin"};
 constexpr Signal kTypes{"implemented_beside", 0.8, "{} type of few files implements its contract",
-                        "{} types of few files implement its contract", "ripgrep, lazygit"};
+                        "{} types of few files implement its contract", "flask, lazygit"};
 constexpr Signal kLookedUp{"looked_up", 1.0, "{} file hands its contract over as a value",
                            "{} files hand its contracts over as values", "halo, mockito"};
 

@@ -15,19 +15,20 @@ using index::IndexedReference;
 using index::Role;
 
 constexpr Signal kGathers{"gathers_implementers", 2.0, "names {} file that implements a contract",
-                          "names {} files that implement a contract", "crates.io, lazygit"};
+                          "names {} files that implement a contract", "polar, firefly"};
 constexpr Signal kPairs{"pairs_contracts", 2.2, "pairs {} contract with an implementation",
-                        "pairs {} contracts with their implementations", "eShopOnWeb, mockito"};
+                        "pairs {} contracts with their implementations", "eShopOnWeb, okhttp"};
 constexpr Signal kTakes{"takes_contracts", 1.5, "has {} contract for a field",
-                        "has {} contracts for fields", "leveldb, okhttp"};
+                        "has {} contracts for fields", "okhttp, leveldb"};
 
 constexpr RoleSet kNaming{Role::kConstructs, Role::kCalls, Role::kLists, Role::kString,
                           Role::kType};
 constexpr Signal kLooksUp{"looks_contracts_up", 1.5, "hands over {} contract as a value",
-                          "hands over {} contracts as values", "mockito, jekyll"};
+                          "hands over {} contracts as values", "eShopOnWeb, mockito"};
 
 constexpr std::size_t kSeveral = 3;
 constexpr std::size_t kMany = 9;
+constexpr double kLeastQuiet = 0.3;  // the others are named for what they are
 constexpr std::size_t kLookups = 2;
 
 class HolderSignals {
@@ -36,11 +37,12 @@ class HolderSignals {
                 ScoreSheet& sheet)
       : evidence_(evidence), contracts_(contracts), sheet_(sheet) {}
 
-  // Who names most of the files that implement one contract.
+  // Who names most of the files that implement one contract and are hardly named otherwise.
   void add_gatherers() {
     std::map<FileId, std::set<FileId>> gathered;
     for (const Contract& contract : contracts_) {
-      if (!contract.open || contract.files.size() < kSeveral) continue;
+      if (!contract.open || contract.files.size() < kSeveral || contract.quiet < kLeastQuiet)
+        continue;
       for (auto& [file, named] : namers_of(contract)) {
         const bool most = named.size() * 2 >= contract.files.size();
         const bool many = named.size() >= kMany && named.size() * 3 >= contract.files.size();
