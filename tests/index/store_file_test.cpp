@@ -12,6 +12,8 @@
 #include <string>
 
 #include "kestrix/store/cache_path.h"
+#include "kestrix/store/corrupt_index.h"
+#include "kestrix/store/store.h"
 #include "kestrix/utils/error.h"
 #include "tests/index/index_fixture.h"
 
@@ -125,6 +127,26 @@ TEST_F(IndexFile, ReplacesWhatIsNotExactlyItsOwnTables) {
     EXPECT_NE(result.rebuilt, "") << sql;
     EXPECT_FALSE(std::filesystem::exists(scratch() / "planted"));
     EXPECT_EQ(refreshed().result.rebuilt, "") << sql;
+  }
+}
+
+TEST_F(IndexFile, DoesNotTakeInWhatNoFileGives) {
+  const std::string whole = dump(*refreshed().index);
+  for (const char* table : {"symbols", "declarations", "edges"}) {
+    SQLite::Database(scratch() / "index.sqlite", SQLite::OPEN_READWRITE)
+        .exec(fmt::format("INSERT OR REPLACE INTO {} SELECT id, zeroblob(20000000) FROM file",
+                          table));
+    Store store = Store::open_existing(scratch() / "index.sqlite", {});
+    const auto take = [](std::int64_t, std::string_view) {};
+    EXPECT_THROW(
+        {
+          store.each_symbols(take);
+          store.each_declarations(take);
+          store.each_edges(take);
+        },
+        CorruptIndex)
+        << table;
+    EXPECT_EQ(dump(*refreshed().index), whole) << table;
   }
 }
 

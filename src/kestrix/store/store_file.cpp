@@ -26,6 +26,8 @@ namespace fs = std::filesystem;
 constexpr std::string_view kMagic("SQLite format 3\0", 16);
 constexpr std::size_t kHeaderBytes = 100;
 constexpr std::size_t kApplicationIdOffset = 68;
+// More than what is taken from the largest file that is parsed. What is longer was planted.
+constexpr int kLongestRow = 16 << 20;
 constexpr auto kPoll = std::chrono::milliseconds(20);
 constexpr std::array<std::string_view, 3> kCompanions{"-wal", "-shm", "-journal"};
 constexpr std::string_view kRemedy = "choose another place with --index";
@@ -83,6 +85,7 @@ void harden(SQLite::Database& database) {
   }
   sqlite3_db_config(handle, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
   sqlite3_limit(handle, SQLITE_LIMIT_ATTACHED, 0);
+  sqlite3_limit(handle, SQLITE_LIMIT_LENGTH, kLongestRow);
 }
 
 // Reading needs a place for the log's index beside the file. Without one, and as long as no log
@@ -246,6 +249,7 @@ void raise(const fs::path& path, const SQLite::Exception& failure) {
     case SQLITE_CONSTRAINT:
     case SQLITE_MISMATCH:
     case SQLITE_FORMAT:
+    case SQLITE_TOOBIG:
       throw CorruptIndex(fmt::format("{}: the index is damaged", path.native()));
     case SQLITE_BUSY:
     case SQLITE_LOCKED:
