@@ -195,6 +195,75 @@ TEST(EntryClasses, OfWhatFrameworksFind) {
   });
 }
 
+TEST(EntryClasses, OfRoutersAndReceivers) {
+  const Files module{{"go.mod", "module example.org/m\n"},
+                     {"store/store.go", "package store\nfunc Load() int { return 1 }\n"},
+                     {"ui/ui.go", "package ui\ntype handler struct { n int }\n"}};
+  const std::string method =
+      "package ui\nimport \"example.org/m/store\"\n"
+      "func (h *handler) show{}() int { return store.Load() }\n";
+  const std::string holder =
+      "package {}\nimport \"example.org/m/ui\"\nfunc Start(h *ui.Handler) { _ = h }\n";
+  const Files service{{"go.mod", "module example.org/m\n"},
+                      {"store/store.go", "package store\nfunc Load() int { return 1 }\n"},
+                      {"ui/ui.go", "package ui\ntype Handler struct { n int }\n"}};
+  const Files store{{"app/store.py", "def load(key):\n  return key\n"}};
+  const Files widgets{
+      {"src/widget.h",
+       "class Widget {\n public:\n  virtual ~Widget() {}\n  virtual void draw() = 0;\n};\n"},
+      {"src/paint.h", "void paint(int color);\n"},
+      {"src/paint.cpp", "#include \"paint.h\"\nvoid paint(int color) { (void)color; }\n"}};
+  expect({
+      {"files that give methods to what answers requests",
+       together(module, each_of(kNames, "ui/page_{}.go", method)),
+       {"ui/page_*.go"}},
+      {"files that give methods to what others pass around",
+       together(
+           together(service, each_of(kNames, "ui/page_{}.go",
+                                     "package ui\nimport \"example.org/m/store\"\n"
+                                     "func (h *Handler) Show{}() int { return store.Load() }\n")),
+           each_of(kNames, "cmd/{}/start.go", holder)),
+       {}},
+      {"blueprints",
+       together(store, each_of(kNames, "app/{}/pages.py",
+                               "from flask import Blueprint\nfrom app.store import load\n"
+                               "bp = Blueprint('{}', __name__)\n@bp.route('/')\n"
+                               "def show():\n  return load(1)\n")),
+       {"app/**/pages.py"}},
+      {"routers",
+       each_of(kNames, "routes/{}.js",
+               "const express = require('express');\nconst router = express.Router();\n"
+               "router.get('/', (req, res) => res.send('{}'));\nmodule.exports = router;\n"),
+       {"routes/*.js"}},
+      {"classes that headers declare act in their sources",
+       together(widgets,
+                together(each_of(kNames, "src/{}.h",
+                                 "#include \"widget.h\"\nclass {} : public Widget {\n public:\n"
+                                 "  void draw() override;\n};\n"),
+                         each_of(kNames, "src/{}.cpp",
+                                 "#include \"{}.h\"\n#include \"paint.h\"\n"
+                                 "void {}::draw() { paint(1); }\n"))),
+       {"src/{Blue,Green,Grey,Red}.cpp"}},
+      {"helpers of one name that each file has for itself",
+       together(widgets,
+                each_of(kNames, "lex/{}.cpp",
+                        "#include \"paint.h\"\nbool is_word(int c) { paint(c); return c > 1; }\n"
+                        "void lex{}(int c) { if (is_word(c)) paint(2); }\n")),
+       {}},
+      {"requests that a framework fills",
+       together(
+           {{"composer.json", R"({"autoload": {"psr-4": {"App\\": "app/"}}})"},
+            {"app/Requests/Request.php",
+             "<?php\nnamespace App\\Requests;\nuse Illuminate\\Foundation\\Http\\FormRequest;\n"
+             "abstract class Request extends FormRequest {\n"
+             "  abstract public function rules();\n}\n"}},
+           each_of(kNames, "app/Requests/Api/{}.php",
+                   "<?php\nnamespace App\\Requests\\Api;\nuse App\\Requests\\Request;\n"
+                   "class {} extends Request {\n  public function rules() { return []; }\n}\n")),
+       {}},
+  });
+}
+
 TEST(EntryClasses, OfMarksThatSomebodyLooksFor) {
   const Files marks{
       {"src/a/Store.java", "package a;\npublic class Store { public void load() {} }\n"},

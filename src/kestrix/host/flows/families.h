@@ -17,7 +17,7 @@ struct Family {
   PathPatterns::Key key = 0;  ///< of a family that hubs show
   index::FileId hub = 0;      ///< the one that names the most of it
   std::size_t named = 0;      ///< how many hubs name
-  bool by_type = false;       ///< whether a framework calls them through what they are or bear
+  bool by_mark = false;       ///< whether a framework knows them by what they bear
   bool loose = false;         ///< whether they are many and have nothing but the sign in common
 };
 

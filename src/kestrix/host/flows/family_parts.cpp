@@ -52,7 +52,7 @@ class Parter {
                                            named.size(), counted(part.size(), "file", "files"));
       parts.push_back(cut_off(std::move(part), sign));
     }
-    if (family_.by_type) cut_off_groups(parts);
+    if (family_.by_mark) cut_off_groups(parts);
     if (family_.files.size() < all) {
       family_.sign += fmt::format("; {} of them apart", all - family_.files.size());
     }

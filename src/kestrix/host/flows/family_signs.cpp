@@ -5,6 +5,8 @@
 #include <map>
 #include <set>
 
+#include "kestrix/text/sorting.h"
+
 namespace kestrix {
 namespace {
 
@@ -12,6 +14,11 @@ using index::FileId;
 
 constexpr double kLeastAlike = 0.6;
 constexpr std::size_t kPartOfMembers = 5;
+
+std::string_view stem_of(std::string_view path) {
+  const std::string_view name = path.substr(path.rfind('/') + 1);
+  return name.substr(0, name.rfind('.'));
+}
 
 }  // namespace
 
@@ -113,6 +120,22 @@ bool has_own_interface(const CodeEvidence& evidence, FileId file, std::span<cons
 bool defines_data(const CodeEvidence& evidence, FileId file) {
   const DataSignals& data = evidence.index().files()[file].data;
   return data.entities > 0 || data.tables > 0 || data.schema_file;
+}
+
+std::vector<FileId> where_they_act(const CodeEvidence& evidence, const NamingGraph& graph,
+                                   std::vector<FileId> files) {
+  for (FileId& file : files) {
+    if (!is_header(evidence.path(file))) continue;
+    const std::string_view stem = stem_of(evidence.path(file));
+    for (const Naming& by : graph.to(file)) {
+      const std::string_view path = evidence.path(by.from);
+      if (is_header(path) || stem_of(path) != stem || !evidence.is_product(by.from)) continue;
+      file = by.from;
+      break;
+    }
+  }
+  sort_distinct(files);
+  return files;
 }
 
 bool is_header(std::string_view path) {

@@ -44,6 +44,11 @@ bool has_own_interface(const CodeEvidence& evidence, index::FileId file,
 /// Whether it says what data is like.
 bool defines_data(const CodeEvidence& evidence, index::FileId file);
 
+/// For headers the files of the same name that define what they declare, where there are any;
+/// ascending.
+std::vector<index::FileId> where_they_act(const CodeEvidence& evidence, const NamingGraph& graph,
+                                          std::vector<index::FileId> files);
+
 /// Whether it declares what lies elsewhere.
 bool is_header(std::string_view path);
 

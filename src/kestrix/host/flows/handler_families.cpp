@@ -34,23 +34,27 @@ std::string_view last_folders(std::string_view path, int count) {
 
 using Named = std::map<std::string_view, std::vector<FileId>>;
 
-// The end of a path that stands for many of the files: their name ("views.py"), or, where that many
-// lie in folders of one name, both ("api/views.py"). "" for the others.
-Named by_name(const CodeEvidence& evidence, const std::vector<FileId>& files) {
+// What stands for many of the files: how the names of half of them end ("*Controller.java"), their
+// name ("views.py"), or, where that many lie in folders of one name, both ("api/views.py"). "" for
+// the others.
+Named by_name(const CodeEvidence& evidence, const PathPatterns& patterns,
+              const std::vector<FileId>& files) {
   const std::size_t many = std::max(kLeastFamily, files.size() / kNameShare);
   Named parts;
   std::vector<FileId> rest = files;
-  for (const int folders : {1, 0}) {
+  const auto part_by = [&](std::size_t least, const auto& name_of) {
     Named named;
-    for (const FileId file : rest)
-      named[last_folders(evidence.path(file), folders)].push_back(file);
+    for (const FileId file : rest) named[name_of(file)].push_back(file);
     rest.clear();
     for (auto& [name, part] : named) {
-      auto& to = part.size() >= many ? parts[name] : rest;
+      auto& to = part.size() >= least && !name.empty() ? parts[name] : rest;
       std::ranges::move(part, std::back_inserter(to));
     }
     std::ranges::sort(rest);
-  }
+  };
+  part_by(std::max(many, files.size() / 2), [&](FileId file) { return patterns.ending(file); });
+  part_by(many, [&](FileId file) { return last_folders(evidence.path(file), 1); });
+  part_by(many, [&](FileId file) { return last_folders(evidence.path(file), 0); });
   parts.emplace("", std::move(rest));
   return parts;
 }
@@ -100,17 +104,21 @@ void join_alike(std::vector<Family>& families, Family family) {
 }  // namespace
 
 std::vector<Family> handler_families(const FlowEvidence& evidence, const PathPatterns& patterns) {
-  std::map<const FrameworkName*, std::vector<FileId>> by_row;
+  // By place, too, where the same framework has one for them.
+  std::map<std::pair<const FrameworkName*, const FrameworkName*>, std::vector<FileId>> by_row;
   for (const auto& [file, sign] : evidence.handlers) {
     if (!evidence.code.is_product(file) || is_base(evidence.code, file)) continue;
-    by_row[sign.row].push_back(file);
+    const bool placed = sign.place != nullptr && sign.place->framework == sign.row->framework;
+    by_row[{placed ? sign.place : nullptr, sign.row}].push_back(file);
   }
   Parts parts;
-  for (const auto& [row, files] : by_row) {
+  for (const auto& [rows, files] : by_row) {
+    const auto& [place, row] = rows;
     // A pattern of paths is a name already.
-    const bool placed = row->known == Known::kHandlerPath;
-    for (auto& [name, part] : placed ? Named{{"", files}} : by_name(evidence.code, files)) {
-      const std::string own = name.empty() ? std::string(row->name) : "/" + std::string(name);
+    for (auto& [name, part] :
+         place != nullptr ? Named{{"", files}} : by_name(evidence.code, patterns, files)) {
+      const std::string_view whole = place != nullptr ? place->name : row->name;
+      const std::string own = name.empty() ? std::string(whole) : "/" + std::string(name);
       join(parts[{std::string(row->framework), own}], std::move(part), row);
     }
   }
@@ -118,14 +126,15 @@ std::vector<Family> handler_families(const FlowEvidence& evidence, const PathPat
   for (auto& [name, part] : parts) {
     if (part.files.empty()) continue;
     std::ranges::sort(part.files);
-    for (std::vector<FileId>& files : areas_of(evidence.code, part.files)) {
+    for (std::vector<FileId>& area : areas_of(evidence.code, part.files)) {
+      std::vector<FileId> files = where_they_act(evidence.code, evidence.graph, std::move(area));
       const bool told = part.row->known == Known::kHandlerBase && files.size() == kTwo;
       if (files.size() < kLeastFamily && !told) continue;
       Family family{.glob = patterns.glob_of(files),
                     .sign = sign_of(*part.row, std::min(part.told, files.size()))};
       family.score = kHandlerWeight * std::log2(1.0 + static_cast<double>(files.size()));
       family.files = std::move(files);
-      family.by_type = part.row->known != Known::kHandlerPath;
+      family.by_mark = part.row->known == Known::kHandlerMarker;
       join_alike(families, std::move(family));
     }
   }

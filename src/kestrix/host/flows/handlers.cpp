@@ -19,9 +19,15 @@ using index::IndexedReference;
 using index::Known;
 using index::Role;
 
-// A language without annotations marks a handler by the value that it makes.
-bool bears(std::string_view language, Role role) {
-  return role == Role::kAnnotates || (role == Role::kConstructs && language == "go");
+// A language without annotations marks a handler by the value that it makes, others also by what
+// they add their handlers to: a router, a blueprint.
+bool bears(std::string_view language, const IndexedReference& to) {
+  if (to.role == Role::kAnnotates) return true;
+  if (language == "go") return to.role == Role::kConstructs;
+  const bool scripted =
+      language == "python" || language == "javascript" || language == "typescript";
+  const bool qualified = to.name.find_first_of("./") != std::string_view::npos;
+  return scripted && qualified && (to.role == Role::kConstructs || to.role == Role::kCalls);
 }
 
 // Folders of these names are common, so the framework has to be used there.
@@ -70,7 +76,7 @@ class Finder {
       } else {
         note(to.source, *row, evidence_.place_of(to));
       }
-    } else if (bears(language, to.role)) {
+    } else if (bears(language, to)) {
       const FrameworkName* row = index::known_as(language, Known::kHandlerMarker, to.name);
       if (row != nullptr) note(to.source, *row, evidence_.place_of(to));
     }
@@ -82,10 +88,10 @@ class Finder {
 
   // What something is tells more than what it bears.
   void note(FileId file, const FrameworkName& row, Place at) {
-    const auto [entry, fresh] = found_.try_emplace(file, HandlerSign{&row, at});
+    const auto [entry, fresh] = found_.try_emplace(file, HandlerSign{&row, nullptr, at});
     const bool better =
         row.known == Known::kHandlerBase && entry->second.row->known == Known::kHandlerMarker;
-    if (!fresh && better) entry->second = {&row, std::move(at)};
+    if (!fresh && better) entry->second = {&row, nullptr, std::move(at)};
   }
 
   void look_at_paths() {
@@ -100,6 +106,7 @@ class Finder {
         if (!pattern.glob.matches(files[file].path)) continue;
         if (!is_there(pattern.row->framework, files[file].path)) continue;
         note(file, *pattern.row, {std::string(files[file].path), 0, {}});
+        found_.at(file).place = pattern.row;
         break;
       }
     }

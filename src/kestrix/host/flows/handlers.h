@@ -11,6 +11,7 @@ namespace kestrix {
 /// Why a framework finds something in a file by itself.
 struct HandlerSign {
   const index::FrameworkName* row = nullptr;
+  const index::FrameworkName* place = nullptr;  ///< the row whose folder it lies in, if any
   Place at{};  ///< what extends or bears it; only the file where its path alone shows it
 };
 

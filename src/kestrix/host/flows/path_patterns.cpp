@@ -151,6 +151,19 @@ double PathPatterns::likeness(const std::vector<FileId>& files) const {
   return static_cast<double>(most) / static_cast<double>(files.size());
 }
 
+double PathPatterns::likeness_of_places(const std::vector<FileId>& files) const {
+  std::unordered_map<std::string, std::size_t> counts;
+  std::size_t most = 0;
+  for (const FileId file : files) {
+    const std::string_view folder = directory_of(evidence_.path(file));
+    const std::string_view above = directory_of(folder);
+    const std::string_view last = name_of_path(folder);
+    most = std::max(most, ++counts[std::string(above) + "/*"]);
+    most = std::max(most, ++counts[std::string(directory_of(above)).append("/*/").append(last)]);
+  }
+  return static_cast<double>(most) / static_cast<double>(files.size());
+}
+
 std::string PathPatterns::glob_of(const std::vector<FileId>& files) const {
   std::string_view folder = directory_of(evidence_.path(files.front()));
   std::set<std::string_view> folders;
@@ -176,7 +189,7 @@ std::string PathPatterns::glob_of(const std::vector<FileId>& files) const {
     name = *names.begin();
   } else if (last.size() == 1 && !last.begin()->empty()) {
     name.append(*last.begin());
-  } else if (first.size() == 1 && one) {
+  } else if (first.size() == 1 && !first.begin()->empty() && one) {
     name.insert(0, *first.begin());
   } else if (one && files.size() <= kMostListed && says_more(files, folder, *extensions.begin())) {
     return listed(files, folder, *extensions.begin());

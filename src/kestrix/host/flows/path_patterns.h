@@ -47,6 +47,10 @@ class PathPatterns {
   std::string glob_of(const std::vector<index::FileId>& files) const;
   /// The share of the files that have the commonest folder, name, last or first word of a name.
   double likeness(const std::vector<index::FileId>& files) const;
+  /// How the file's name ends, as a glob ("*Controller.java"); "" for a name of one word.
+  std::string_view ending(index::FileId file) const { return globs_[patterns_[file][2]]; }
+  /// The share of the files that lie alike: in folders that differ in one name.
+  double likeness_of_places(const std::vector<index::FileId>& files) const;
   bool is_deep(Key key, index::FileId file) const { return folder_[file] != folder_of(key); }
 
  private:

@@ -35,6 +35,7 @@ constexpr Sign kOwnMarker{"bear", 1.4, 0.6};
 constexpr Sign kOutsideBase{"extend", 0.9, 0.6};
 constexpr Sign kTable{"fill a table of type", 1.3, 0.6};
 constexpr Sign kOnLoad{"call, when loaded,", 1.2, 0.6};
+constexpr Sign kMethods{"give methods to", 1.1, 0.6};
 constexpr Sign kSameName{"each define", 1.1, 0.6, true};
 
 // What so many name is something that these files do, not what they are.
@@ -64,6 +65,7 @@ class TypeFamilies {
     for (auto& [base, files] : signs_.bases) {
       take_descendants(base, files);
       sort_distinct(files);
+      if (errors_.contains(base) || signs_.data.contains(base)) continue;
       if (calls_them(base, files)) examine(kOwnBase, code_[base].name, std::move(files));
     }
     for (auto& [mark, files] : signs_.markers) {
@@ -71,6 +73,10 @@ class TypeFamilies {
     }
     for (auto& [type, files] : signs_.tables) examine(kTable, code_[type].name, files);
     for (auto& [call, files] : signs_.on_load) examine(kOnLoad, code_[call].name, files);
+    for (auto& [type, files] : signs_.methods) {
+      sort_distinct(files);
+      if (!is_passed_around(type, files)) examine(kMethods, code_[type].name, files);
+    }
     for (auto& [name, files] : signs_.outside) examine(kOutsideBase, name.second, files);
     for (auto& [name, files] : signs_.same) examine(kSameName, name.second, files);
     return std::move(families_);
@@ -126,7 +132,7 @@ class TypeFamilies {
     std::erase_if(files, [&](FileId file) { return is_base_of(code_, file, all); });
     if (files.size() < kLeastFamily) return;
     const double alike = patterns_.likeness(files);
-    if (alike < sign.least_alike) return;
+    if (std::max(alike, patterns_.likeness_of_places(files)) < sign.least_alike) return;
     const auto share_of = [&](const auto& holds) {
       return static_cast<double>(std::ranges::count_if(files, holds)) /
              static_cast<double>(files.size());
@@ -139,14 +145,15 @@ class TypeFamilies {
     const double quiet = share_of([&](FileId file) { return is_quiet(file, files, hubs); });
     if (quiet < kLeastQuiet || (sign.strict && !are_on_their_own(files))) return;
     Family family{
-        .glob = patterns_.glob_of(files),
         .sign = fmt::format("{} {} {}", counted(files.size(), "file", "files"), sign.verb, name)};
     family.score = sign.weight * quiet * std::log2(1.0 + static_cast<double>(files.size()));
     if (alike < kAlike) family.score *= kUnlikeFactor;
     family.loose = alike < kAlike && files.size() >= kMany;
     const auto held = static_cast<double>(count_held(files, hubs, &sign == &kOwnBase));
     if (held > kMostHeld * static_cast<double>(files.size())) family.score *= kHeldFactor;
-    family.files = std::move(files);
+    family.files = where_they_act(code_, graph_, std::move(files));
+    if (family.files.size() < kLeastFamily) return;
+    family.glob = patterns_.glob_of(family.files);
     families_.push_back(std::move(family));
   }
 
@@ -160,6 +167,14 @@ class TypeFamilies {
       return is_field_elsewhere(code_, file, apart) ||
              (own && has_own_interface(code_, file, apart));
     }));
+  }
+
+  // Whether several others name the type: what has its methods serves them.
+  bool is_passed_around(DeclarationRef type, const Files& files) const {
+    const auto others = code_.files_naming(type, {index::Role::kType});
+    return static_cast<std::size_t>(std::ranges::count_if(others, [&](FileId file) {
+             return !std::ranges::binary_search(files, file);
+           })) > kMostOtherNamers;
   }
 
   // An annotation that nobody looks for says something to a compiler or a reader.

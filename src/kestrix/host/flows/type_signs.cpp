@@ -35,7 +35,9 @@ class Finder {
       if (!code_.is_product(to.source)) continue;
       if (to.target == IndexedReference::kOutside) {
         take_outside(files[to.source].language, to);
-      } else if (to.declaration > 0 && to.target != to.source && code_.is_product(to.target)) {
+      } else if (to.declaration > 0 && to.target == to.source) {
+        helps_.insert({to.source, code_[DeclarationRef{to.target, to.declaration - 1}].name});
+      } else if (to.declaration > 0 && code_.is_product(to.target)) {
         take_inside({to.target, to.declaration - 1}, to);
       }
     }
@@ -58,6 +60,8 @@ class Finder {
       } else {
         ++called_later_[named];
       }
+    } else if (to.role == Role::kType && gives_a_method(to)) {
+      signs_.methods[named].push_back(to.source);
     } else if (to.role == Role::kType && code_[named].fields > 0 && fills_a_table(to)) {
       signs_.tables[named].push_back(to.source);
     }
@@ -70,6 +74,15 @@ class Finder {
     if (language == "go") return to.within == 0;
     return (language == "typescript" || language == "javascript") && to.within > 0 &&
            code_[DeclarationRef{to.source, to.within - 1}].name == "default";
+  }
+
+  // Whether it names the receiver of a method. Go writes those of one type in as many files as it
+  // likes.
+  bool gives_a_method(const IndexedReference& to) const {
+    if (to.within == 0 || code_.index().files()[to.source].language != "go") return false;
+    const auto& method = code_[DeclarationRef{to.source, to.within - 1}];
+    return method.kind == DeclarationKind::kMethod && method.container == 0 &&
+           method.line == to.line;
   }
 
   // Whether what the file declares there, of the type that it names, is made of several values. C
@@ -115,7 +128,7 @@ class Finder {
       if (!code_.is_product(file) || is_header(files[file].path)) continue;
       for (const auto& declared : code_.index().declarations(file)) {
         if (declared.kind != DeclarationKind::kFunction || declared.container != 0) continue;
-        if (declared.exported)
+        if (declared.exported && !helps_.contains({file, declared.name}))
           all[{index::folder_of(files[file].path), declared.name}].push_back(file);
       }
     }
@@ -128,6 +141,7 @@ class Finder {
   const CodeEvidence& code_;
   TypeSigns signs_;
   std::map<DeclarationRef, std::size_t> called_later_;
+  std::set<std::pair<FileId, std::string_view>> helps_;  // what a file uses itself
 };
 
 }  // namespace

@@ -21,6 +21,7 @@ struct TypeSigns {
   std::map<index::DeclarationRef, Files> markers{};  ///< own decorators and annotations
   std::map<index::DeclarationRef, Files> tables{};   ///< own types of the tables that they fill
   std::map<index::DeclarationRef, Files> on_load{};  ///< own functions that they call on load alone
+  std::map<index::DeclarationRef, Files> methods{};  ///< own types that they give methods to
   ByName outside{};                                  ///< a library's base types
   ByName same{};                                     ///< functions of one name in one folder
   std::set<index::DeclarationRef> data{};            ///< types that a library calls a record
