@@ -218,6 +218,7 @@ bool PathPatterns::says_more(const std::vector<FileId>& files, std::string_view 
   for (FileId file = begin; file < end; ++file) {
     if (folder_[file] == 0 || (flat && folder_[file] != folder_[files.front()])) continue;
     if (!evidence_.path(file).ends_with(extension)) continue;
+    if (evidence_.index().declarations(file).empty()) continue;  // makes a folder a package
     if (!std::ranges::binary_search(files, file)) return true;
   }
   return false;
