@@ -34,6 +34,22 @@ Files callers(std::string_view function) {
                    {"core/core.go", "package core\n\nfunc Register(name string) {}\n"}});
 }
 
+// Packages with a type that has the one method of an interface, and what they import.
+Files named(std::string_view import) {
+  const std::string text = fmt::format(
+      "package {{0}}\n\n{}type {{0}}Part struct{{{{}}}}\n\nfunc (p {{0}}Part) Name() string {{{{ "
+      "return \"{{0}}\" }}}}\n",
+      import);
+  return repeated(5, "{0}/{0}.go", text,
+                  {{"go.mod", "module shop\n\ngo 1.22\n"},
+                   {"core/core.go",
+                    "package core\n\ntype Part interface {\n\tName() string\n}\n\n"
+                    "var Known = []string{\"a\"}\n"},
+                   {"use/use.go",
+                    "package use\n\nimport \"shop/core\"\n\nfunc Show(p core.Part) string { return "
+                    "p.Name() }\n"}});
+}
+
 Files table(std::size_t rows) {
   std::string functions, names;
   for (std::size_t at = 0; at < rows; ++at) {
@@ -326,6 +342,10 @@ std::vector<Case> contract_cases() {
 
 std::vector<Case> cases() {
   return {
+      {"InterfacesOfOneMethodThatIsImported",
+       named("import \"shop/core\"\n\nvar known = core.Known\n\n"), "core/core.go", "implemented",
+       true},
+      {"InterfacesOfOneMethodByChance", named(""), "core/core.go", "implemented", false},
       {"FunctionsCalledOnLoad", callers("init"), "core/core.go", "called_on_load", true},
       {"FunctionsCalledLater", callers("Start"), "core/core.go", "called_on_load", false},
       {"TablesOfFunctions", table(6), "format.c", "table_of_its_own", true},
