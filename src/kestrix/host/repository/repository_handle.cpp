@@ -63,9 +63,15 @@ FileGraph RepositoryHandle::graph_among(std::span<const std::string_view> paths)
 }
 
 std::vector<Component> RepositoryHandle::get_all_components(ComponentOptions options) const {
+  if (!options.source_only) return components_among(false);
+  std::call_once(once_, [this] { of_sources_ = components_among(true); });
+  return of_sources_;
+}
+
+std::vector<Component> RepositoryHandle::components_among(bool source_only) const {
   std::vector<std::string> paths;
   for (const auto& file : index_.files()) {
-    if (!options.source_only || is_production(file)) paths.emplace_back(file.path);
+    if (!source_only || is_production(file)) paths.emplace_back(file.path);
   }
   std::vector<Component> components = components_of(paths);
   if (contracts_) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <mutex>
 #include <span>
 #include <string_view>
 #include <utility>
@@ -28,15 +29,18 @@ class RepositoryHandle : public Repository {
   std::unordered_map<SymbolId, std::string> get_file_paths_batch(
       std::span<const Symbol> symbols) const override;
   FileGraph graph_among(std::span<const std::string_view> paths) const override;
-  /// Found anew at each call, which looks at every path.
+  /// Those of the sources alone, which every page asks for, are found once.
   std::vector<Component> get_all_components(ComponentOptions options) const override;
 
  private:
+  std::vector<Component> components_among(bool source_only) const;
   void add_contracts(std::span<const std::string_view> patterns, SymbolSearchOptions options,
                      SymbolSearch& found) const;
 
   const index::RepositoryIndex& index_;
   Contracts contracts_;
+  mutable std::once_flag once_;
+  mutable std::vector<Component> of_sources_;
 };
 
 }  // namespace kestrix
