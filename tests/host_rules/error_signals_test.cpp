@@ -223,6 +223,14 @@ std::vector<Case> handlers() {
        "src/Edge.tsx",
        "error_hook",
        true},
+      {"HooksThatTheProductCalls",
+       {{"src/pay.ts", "export function handleError(fault) {\n  return fault;\n}\n"},
+        {"src/app.ts",
+         "import { handleError } from './pay';\nexport function go(a) {\n"
+         "  return handleError(a);\n}\n"}},
+       "src/pay.ts",
+       "error_hook",
+       false},
       {"FunctionsHandedOver",
        {{"src/faults.ts", exchange},
         {"src/app.ts",
@@ -299,6 +307,13 @@ std::vector<Case> names() {
        "src/main/kotlin/shop/Told.kt", "speaks_of_errors", true},
       {"EventsThatSomethingFailed", event("LoginFailed", "class LoginFailed\n"),
        "src/main/kotlin/shop/Told.kt", "speaks_of_errors", false},
+      {"EventsAfterErrors", event("LoadFailureEvent", "class LoadFailureEvent\n"),
+       "src/main/kotlin/shop/Told.kt", "speaks_of_errors", false},
+      {"LevelsOfMessages", event("tellError", "fun tellError() = 1\n\nfun tellInfo() = 2\n"),
+       "src/main/kotlin/shop/Told.kt", "speaks_of_errors", false},
+      {"FunctionsForErrorsAlone",
+       event("tellError", "fun tellError() = 1\n\nfun tellPlace() = 2\n"),
+       "src/main/kotlin/shop/Told.kt", "speaks_of_errors", true},
       {"FilesOfNothingElse", event("ErrorText", "class ErrorText\n\nclass ErrorPlace\n"),
        "src/main/kotlin/shop/Told.kt", "devoted_to_errors", true},
       {"FilesOfManyThings", event("ErrorText", "class ErrorText\n\nclass Order\n\nclass Line\n"),
@@ -329,6 +344,31 @@ TEST_P(ErrorSignals, TellFilesAboutErrorsFromTheirLikes) {
   } else {
     EXPECT_THAT(kinds, testing::Not(testing::Contains(GetParam().kind)));
   }
+}
+
+// Of those that define errors, the page's rule is given the ones that others need, not those that
+// do the most with errors.
+TEST(ErrorFiles, AreThoseWhoseErrorsOthersName) {
+  Files files;
+  for (const std::string name : {"a", "b", "c", "d", "e", "f"}) {
+    std::string text = "from shop.base import Fault\n";
+    for (const std::string kind : {"Lost", "Late", "Torn"}) {
+      text += "\n\nclass " + kind + "(Fault):\n    pass\n";
+    }
+    text +=
+        "\n\ndef go():\n    try:\n        a()\n    except KeyError:\n        raise Lost()\n"
+        "    except ValueError:\n        raise Late()\n    except TypeError:\n"
+        "        raise Torn()\n";
+    files.emplace_back("shop/desk_" + name + ".py", text);
+    files.emplace_back("shop/user_" + name + ".py",
+                       "from shop.keys import Wrong\n\n\ndef go():\n    raise Wrong()\n");
+  }
+  files.emplace_back("shop/base.py", "class Fault(Exception):\n    pass\n");
+  files.emplace_back("shop/keys.py",
+                     "from shop.base import Fault\n\n\nclass Wrong(Fault):\n    pass\n");
+  const AnsweredRepository repository(files);
+  const auto given = paths_of(errors_answer(repository.generator()).files);
+  EXPECT_THAT(given, testing::IsSupersetOf({"shop/base.py", "shop/keys.py"}));
 }
 
 INSTANTIATE_TEST_SUITE_P(Pages, ErrorSignals, testing::ValuesIn(cases()),

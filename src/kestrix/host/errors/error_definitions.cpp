@@ -19,7 +19,7 @@ constexpr Signal kBase{"error_base", 2.0, "{} error type elsewhere extends one o
                        "{} error types elsewhere extend one of it", "halo, Polly"};
 constexpr Signal kThrown{"errors_thrown", 1.0, "its errors are thrown in {} file",
                          "its errors are thrown in {} files", "crates.io, BookStack"};
-constexpr Signal kNamed{"errors_named", 0.8, "its errors are named in {} file",
+constexpr Signal kNamed{"errors_named", 1.0, "its errors are named in {} file",
                         "its errors are named in {} files", "cli, halo"};
 constexpr Signal kAnswers{"answers_itself", 2.5, "{} error says how a request is answered with it",
                           "{} errors say how a request is answered with them", "BookStack"};

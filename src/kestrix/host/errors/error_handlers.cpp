@@ -87,8 +87,11 @@ class Handlers {
     for (std::uint32_t place = 0; place < declared.size(); ++place) {
       const auto& row = declared[place];
       if (known_as(language, Known::kErrorHook, row.name) == nullptr) continue;
+      const DeclarationRef at{file, place};
       if (is_callable(row.kind)) {
-        hooks_[file].push_back(code_.place_of(DeclarationRef{file, place}));
+        // What the product calls itself only bears such a name.
+        if (code_.files_naming(at, {Role::kCalls}).empty())
+          hooks_[file].push_back(code_.place_of(at));
       } else {
         values.insert(place + 1);
       }

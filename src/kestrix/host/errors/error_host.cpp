@@ -80,7 +80,7 @@ ErrorHost::ErrorHost(const WikiGenerator& generator, const ErrorEvidence& eviden
   const auto& index = generator.indexed();
   for (auto& [path, places] : error_places(generator, evidence)) {
     const auto file = index.find(path);
-    all.push_back({file ? evidence.sheet.score(*file) : 0, places.size(), path});
+    all.push_back({file ? evidence.defining.score(*file) : 0, places.size(), path});
   }
   std::ranges::sort(all, {}, [](const Defining& each) {
     return std::tuple(-each.score, -static_cast<double>(each.types), std::string_view(each.path));

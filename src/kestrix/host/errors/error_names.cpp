@@ -5,6 +5,7 @@
 #include "kestrix/host/errors/signal_groups.h"
 #include "kestrix/host/evidence/name_words.h"
 #include "kestrix/host/index_evidence.h"
+#include "kestrix/text/ascii.h"
 
 namespace kestrix {
 namespace {
@@ -24,6 +25,11 @@ constexpr std::array<std::string_view, 10> kWords{"error",     "errors",     "er
                                                   "panic",     "errs"};
 // Of a type they say what happened.
 constexpr std::array<std::string_view, 4> kVerbs{"abort", "fail", "failed", "fatal"};
+// A type of such a name tells of an error once it is over.
+constexpr std::array<std::string_view, 3> kEvents{"args", "event", "events"};
+// Where there are the same functions for these, the one for errors only tells the user something.
+constexpr std::array<std::string_view, 4> kOtherLevels{"info", "success", "warn", "warning"};
+constexpr std::string_view kLevel = "error";
 constexpr std::array<std::string_view, 2> kMacroWords{"assert", "abort"};
 // What writes errors down makes none and handles none.
 constexpr std::array<std::string_view, 4> kLogWords{"log", "logger", "logging", "logs"};
@@ -64,6 +70,20 @@ class Names {
     return called && made && !row.bases().empty();
   }
 
+  // Whether a file that has "tellError" has "tellInfo", too.
+  static bool is_level(std::span<const index::DeclarationView> declared, std::string_view name) {
+    const std::size_t at = name.size() < kLevel.size() ? 0 : name.size() - kLevel.size();
+    if (!std::ranges::equal(name.substr(at), kLevel, {}, ascii::lower)) return false;
+    const auto other = [&](const index::DeclarationView& row) {
+      if (!is_callable(row.kind) || !row.name.starts_with(name.substr(0, at))) return false;
+      const auto level = row.name.substr(at);
+      return std::ranges::any_of(kOtherLevels, [level](std::string_view each) {
+        return std::ranges::equal(level, each, {}, ascii::lower);
+      });
+    };
+    return std::ranges::any_of(declared, other);
+  }
+
   void add_named(FileId file) {
     const auto declared = evidence_.index().declarations(file);
     std::vector<std::pair<std::size_t, Place>> used;
@@ -73,8 +93,8 @@ class Names {
     for (std::uint32_t place = 0; place < declared.size(); ++place) {
       const auto& row = declared[place];
       const DeclarationRef at{file, place};
-      const bool speaks =
-          names_error(row.name) || (!is_type(row.kind) && has_word(row.name, kVerbs));
+      const bool speaks = is_type(row.kind) ? names_error(row.name) && !has_word(row.name, kEvents)
+                                            : names_error(row.name) || has_word(row.name, kVerbs);
       if (row.container == 0) {
         ++tops;
         if (speaks || types_.contains(at)) ++about;
@@ -82,6 +102,7 @@ class Names {
       const bool macro = row.kind == DeclarationKind::kMacro && has_word(row.name, kMacroWords);
       if (!offers(row) || !(macro || speaks) || has_word(row.name, kLogWords)) continue;
       if (types_.contains(at) || is_no_error(row)) continue;
+      if (is_callable(row.kind) && is_level(declared, row.name)) continue;
       const auto naming = evidence_.files_naming(at, kEveryRole);
       if (naming.empty()) continue;
       users.insert(naming.begin(), naming.end());

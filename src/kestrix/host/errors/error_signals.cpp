@@ -49,6 +49,7 @@ ErrorEvidence error_evidence_of(const CodeEvidence& evidence) {
   ScoreSheet sheet(evidence);
   add_name_signals(errors, sheet);
   add_definition_signals(errors, sheet);
+  ScoreSheet defining_sheet = sheet;
   add_use_signals(errors, sheet);
   add_handler_signals(errors, sheet);
   add_ending_signals(errors, sheet);
@@ -56,7 +57,7 @@ ErrorEvidence error_evidence_of(const CodeEvidence& evidence) {
   std::set<FileId> defining;
   for (const DeclarationRef type : types) defining.insert(type.file);
   for (const FileId file : defining) handling.scale(file, kBehind);
-  return {std::move(types), std::move(sheet), std::move(handling)};
+  return {std::move(types), std::move(sheet), std::move(defining_sheet), std::move(handling)};
 }
 
 }  // namespace kestrix

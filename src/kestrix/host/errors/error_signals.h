@@ -10,7 +10,8 @@ namespace kestrix {
 struct ErrorEvidence {
   std::set<index::DeclarationRef> types;
   ScoreSheet sheet;
-  ScoreSheet handling;  ///< the same, with those that only define errors behind the others
+  ScoreSheet defining;  ///< what others do with the types that a file defines, alone
+  ScoreSheet handling;  ///< the whole sheet, with those that only define errors behind the others
 };
 
 /// Where errors are defined, made, told apart, handled and answered.
