@@ -235,6 +235,11 @@ TEST(EntryClasses, OfRoutersAndReceivers) {
                "const express = require('express');\nconst router = express.Router();\n"
                "router.get('/', (req, res) => res.send('{}'));\nmodule.exports = router;\n"),
        {"routes/*.js"}},
+      {"routers that are all that their package gives",
+       each_of(kNames, "routes/{}.ts",
+               "import Router from 'koa-router';\nconst router = new Router();\n"
+               "router.post('/{}', (ctx) => { ctx.body = 1; });\nexport default router;\n"),
+       {"routes/*.ts"}},
       {"classes that headers declare act in their sources",
        together(widgets,
                 together(each_of(kNames, "src/{}.h",

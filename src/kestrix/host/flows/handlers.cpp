@@ -26,7 +26,7 @@ bool bears(std::string_view language, const IndexedReference& to) {
   if (language == "go") return to.role == Role::kConstructs;
   const bool scripted =
       language == "python" || language == "javascript" || language == "typescript";
-  const bool qualified = to.name.find_first_of("./") != std::string_view::npos;
+  const bool qualified = to.name.find_first_of("./-") != std::string_view::npos;
   return scripted && qualified && (to.role == Role::kConstructs || to.role == Role::kCalls);
 }
 
