@@ -4,7 +4,7 @@
 #include <iterator>
 
 #include "kestrix/host/entry_points.h"
-#include "kestrix/host/flows/families.h"
+#include "kestrix/host/flows/classes/families.h"
 #include "kestrix/host/flows/flow_edges.h"
 #include "kestrix/host/index_evidence.h"
 #include "kestrix/host/pages.h"

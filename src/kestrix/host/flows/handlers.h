@@ -3,7 +3,7 @@
 #include <map>
 
 #include "kestrix/host/evidence/code_evidence.h"
-#include "kestrix/host/flows/tables.h"
+#include "kestrix/host/flows/dispatch/tables.h"
 #include "kestrix/languages/frameworks.h"
 
 namespace kestrix {

@@ -1,4 +1,4 @@
-#include "kestrix/host/flows/family_parts.h"
+#include "kestrix/host/flows/classes/family_parts.h"
 
 #include <fmt/format.h>
 

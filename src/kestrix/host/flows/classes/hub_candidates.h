@@ -2,8 +2,8 @@
 
 #include <vector>
 
+#include "kestrix/host/flows/classes/path_patterns.h"
 #include "kestrix/host/flows/naming_graph.h"
-#include "kestrix/host/flows/path_patterns.h"
 
 namespace kestrix {
 

@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "kestrix/host/flows/families.h"
+#include "kestrix/host/flows/classes/families.h"
 
 namespace kestrix {
 

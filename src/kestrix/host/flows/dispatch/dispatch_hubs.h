@@ -1,6 +1,6 @@
 #pragma once
 
-#include "kestrix/host/flows/dispatch_roots.h"
+#include "kestrix/host/flows/dispatch/dispatch_roots.h"
 
 namespace kestrix {
 

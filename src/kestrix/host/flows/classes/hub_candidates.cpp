@@ -1,4 +1,4 @@
-#include "kestrix/host/flows/hub_candidates.h"
+#include "kestrix/host/flows/classes/hub_candidates.h"
 
 #include <algorithm>
 #include <cmath>
@@ -6,8 +6,8 @@
 #include <set>
 #include <unordered_map>
 
-#include "kestrix/host/flows/families.h"
-#include "kestrix/host/flows/family_signs.h"
+#include "kestrix/host/flows/classes/families.h"
+#include "kestrix/host/flows/classes/family_signs.h"
 
 namespace kestrix {
 namespace {

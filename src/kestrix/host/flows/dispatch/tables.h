@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "kestrix/host/flows/dispatch_roots.h"
+#include "kestrix/host/flows/dispatch/dispatch_roots.h"
 #include "kestrix/workers/wiki/repo_facts.h"
 
 namespace kestrix {

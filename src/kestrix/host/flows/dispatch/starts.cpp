@@ -1,4 +1,4 @@
-#include "kestrix/host/flows/starts.h"
+#include "kestrix/host/flows/dispatch/starts.h"
 
 #include <algorithm>
 #include <map>

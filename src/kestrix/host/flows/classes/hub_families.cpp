@@ -5,9 +5,9 @@
 #include <map>
 #include <set>
 
-#include "kestrix/host/flows/families.h"
-#include "kestrix/host/flows/family_signs.h"
-#include "kestrix/host/flows/hub_candidates.h"
+#include "kestrix/host/flows/classes/families.h"
+#include "kestrix/host/flows/classes/family_signs.h"
+#include "kestrix/host/flows/classes/hub_candidates.h"
 #include "kestrix/host/index_evidence.h"
 #include "kestrix/text/paths.h"
 #include "kestrix/text/sorting.h"

@@ -3,8 +3,8 @@
 #include <string>
 #include <vector>
 
-#include "kestrix/host/flows/dispatch.h"
-#include "kestrix/host/flows/path_patterns.h"
+#include "kestrix/host/flows/classes/path_patterns.h"
+#include "kestrix/host/flows/dispatch/dispatch.h"
 
 namespace kestrix {
 

@@ -1,8 +1,8 @@
-#include "kestrix/host/flows/dispatch_roots.h"
+#include "kestrix/host/flows/dispatch/dispatch_roots.h"
 
 #include <algorithm>
 
-#include "kestrix/host/flows/family_signs.h"
+#include "kestrix/host/flows/classes/family_signs.h"
 
 namespace kestrix {
 namespace {

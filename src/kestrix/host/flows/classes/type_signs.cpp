@@ -1,9 +1,9 @@
-#include "kestrix/host/flows/type_signs.h"
+#include "kestrix/host/flows/classes/type_signs.h"
 
 #include <algorithm>
 
-#include "kestrix/host/flows/families.h"
-#include "kestrix/host/flows/family_signs.h"
+#include "kestrix/host/flows/classes/families.h"
+#include "kestrix/host/flows/classes/family_signs.h"
 #include "kestrix/languages/frameworks.h"
 #include "kestrix/text/paths.h"
 #include "kestrix/text/sorting.h"

@@ -1,6 +1,6 @@
 #include <algorithm>
 
-#include "kestrix/host/flows/dispatch_hops.h"
+#include "kestrix/host/flows/dispatch/dispatch_hops.h"
 
 namespace kestrix {
 namespace {

@@ -1,4 +1,4 @@
-#include "kestrix/host/flows/family_signs.h"
+#include "kestrix/host/flows/classes/family_signs.h"
 
 #include <algorithm>
 #include <array>

@@ -7,9 +7,9 @@
 
 #include "kestrix/host/evidence/descendants.h"
 #include "kestrix/host/evidence/overriding.h"
-#include "kestrix/host/flows/families.h"
-#include "kestrix/host/flows/family_signs.h"
-#include "kestrix/host/flows/type_signs.h"
+#include "kestrix/host/flows/classes/families.h"
+#include "kestrix/host/flows/classes/family_signs.h"
+#include "kestrix/host/flows/classes/type_signs.h"
 #include "kestrix/host/index_evidence.h"
 #include "kestrix/text/sorting.h"
 

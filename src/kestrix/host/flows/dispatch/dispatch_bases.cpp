@@ -1,6 +1,6 @@
 #include <algorithm>
 
-#include "kestrix/host/flows/dispatch_roots.h"
+#include "kestrix/host/flows/dispatch/dispatch_roots.h"
 #include "kestrix/host/index_evidence.h"
 
 namespace kestrix {

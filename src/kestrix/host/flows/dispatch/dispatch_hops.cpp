@@ -1,4 +1,4 @@
-#include "kestrix/host/flows/dispatch_hops.h"
+#include "kestrix/host/flows/dispatch/dispatch_hops.h"
 
 #include <algorithm>
 #include <string_view>

@@ -1,4 +1,4 @@
-#include "kestrix/host/flows/dispatch_hubs.h"
+#include "kestrix/host/flows/dispatch/dispatch_hubs.h"
 
 #include <algorithm>
 #include <string_view>

@@ -1,4 +1,4 @@
-#include "kestrix/host/flows/path_patterns.h"
+#include "kestrix/host/flows/classes/path_patterns.h"
 
 #include <algorithm>
 #include <set>

@@ -1,10 +1,10 @@
-#include "kestrix/host/flows/dispatch.h"
+#include "kestrix/host/flows/dispatch/dispatch.h"
 
 #include <algorithm>
 
-#include "kestrix/host/flows/dispatch_hops.h"
-#include "kestrix/host/flows/dispatch_hubs.h"
-#include "kestrix/host/flows/starts.h"
+#include "kestrix/host/flows/dispatch/dispatch_hops.h"
+#include "kestrix/host/flows/dispatch/dispatch_hubs.h"
+#include "kestrix/host/flows/dispatch/starts.h"
 
 namespace kestrix {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <map>
 
-#include "kestrix/host/flows/dispatch_roots.h"
+#include "kestrix/host/flows/dispatch/dispatch_roots.h"
 #include "kestrix/host/flows/handlers.h"
 
 namespace kestrix {

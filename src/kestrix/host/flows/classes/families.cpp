@@ -1,4 +1,4 @@
-#include "kestrix/host/flows/families.h"
+#include "kestrix/host/flows/classes/families.h"
 
 #include <fmt/format.h>
 
@@ -6,7 +6,7 @@
 #include <cmath>
 #include <iterator>
 
-#include "kestrix/host/flows/family_parts.h"
+#include "kestrix/host/flows/classes/family_parts.h"
 
 namespace kestrix {
 namespace {

@@ -3,10 +3,10 @@
 #include <span>
 
 #include "kestrix/host/evidence/error_types.h"
-#include "kestrix/host/flows/dispatch_roots.h"
+#include "kestrix/host/flows/dispatch/dispatch_roots.h"
+#include "kestrix/host/flows/dispatch/tables.h"
 #include "kestrix/host/flows/handlers.h"
 #include "kestrix/host/flows/naming_graph.h"
-#include "kestrix/host/flows/tables.h"
 
 namespace kestrix {
 

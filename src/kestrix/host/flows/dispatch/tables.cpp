@@ -1,4 +1,4 @@
-#include "kestrix/host/flows/tables.h"
+#include "kestrix/host/flows/dispatch/tables.h"
 
 #include <algorithm>
 #include <cstdint>
