@@ -10,7 +10,7 @@ if [ $# -gt 0 ]; then
   files=("$@")
 else
   mapfile -t files < <(git ls-files -co --exclude-standard -- '*.h' '*.cpp' \
-    ':!tests/*/fixtures/*' ':!tests/repositories')
+    ':!tests/*/fixtures/*' ':!tests/repositories' ':!tests/references/*/repository/*')
 fi
 [ ${#files[@]} -gt 0 ] || { echo "no C++ files" >&2; exit 1; }
 
