@@ -99,6 +99,7 @@ struct LanguageNames {
 const LanguageNames* names_of(std::string_view language) {
   static const auto tables = [] {
     std::vector<LanguageNames> all;
+    all.reserve(kLanguages.size());
     for (const auto& [name, table] : kLanguages)
       all.push_back({name, table(), NamesByWord(table())});
     return all;
