@@ -9,19 +9,14 @@
 #include <vector>
 
 #include "tests/host_rules/answered_repository.h"
+#include "tests/host_rules/signal_case.h"
 
 namespace kestrix {
 namespace {
 
 using Files = AnsweredRepository::Files;
 
-struct Case {
-  std::string name;
-  Files files;
-  std::string path;
-  std::string kind;  // of the reason
-  bool shown;
-};
+using Case = SignalCase;
 
 Files go(Files files) {
   files.emplace_back("go.mod", "module shop\n\ngo 1.22\n");
@@ -332,18 +327,9 @@ std::vector<Case> cases() {
 class ErrorSignals : public testing::TestWithParam<Case> {};
 
 TEST_P(ErrorSignals, TellFilesAboutErrorsFromTheirLikes) {
-  const AnsweredRepository repository(GetParam().files);
-  const WikiGenerator& generator = repository.generator();
-  const auto file = generator.indexed().find(GetParam().path);
-  ASSERT_TRUE(file);
-  std::vector<std::string> kinds;
-  for (const Reason& reason : generator.error_evidence().sheet.reasons(*file))
-    kinds.push_back(reason.kind);
-  if (GetParam().shown) {
-    EXPECT_THAT(kinds, testing::Contains(GetParam().kind));
-  } else {
-    EXPECT_THAT(kinds, testing::Not(testing::Contains(GetParam().kind)));
-  }
+  expect_told(GetParam(), [](const WikiGenerator& generator) -> const ScoreSheet& {
+    return generator.error_evidence().sheet;
+  });
 }
 
 // Of those that define errors, the page's rule is given the ones that others need, not those that

@@ -7,22 +7,16 @@
 #include <string>
 #include <vector>
 
-#include "kestrix/host/evidence/score_sheet.h"
 #include "kestrix/host/wiki_generator.h"
 #include "tests/host_rules/answered_repository.h"
+#include "tests/host_rules/signal_case.h"
 
 namespace kestrix {
 namespace {
 
 using Files = AnsweredRepository::Files;
 
-struct Case {
-  std::string name;
-  Files files;
-  std::string path;
-  std::string kind;  // of the reason
-  bool shown;
-};
+using Case = SignalCase;
 
 // Packages that call a function, in what runs when they are loaded or later.
 Files callers(std::string_view function) {
@@ -377,17 +371,9 @@ std::vector<Case> cases() {
 class ExtensionSignals : public testing::TestWithParam<Case> {};
 
 TEST_P(ExtensionSignals, TellExtensionPointsFromTheirLikes) {
-  const AnsweredRepository repository(GetParam().files);
-  const WikiGenerator& generator = repository.generator();
-  const auto file = generator.indexed().find(GetParam().path);
-  ASSERT_TRUE(file);
-  std::vector<std::string> kinds;
-  for (const Reason& reason : generator.extensions().reasons(*file)) kinds.push_back(reason.kind);
-  if (GetParam().shown) {
-    EXPECT_THAT(kinds, testing::Contains(GetParam().kind));
-  } else {
-    EXPECT_THAT(kinds, testing::Not(testing::Contains(GetParam().kind)));
-  }
+  expect_told(GetParam(), [](const WikiGenerator& generator) -> const ScoreSheet& {
+    return generator.extensions();
+  });
 }
 
 INSTANTIATE_TEST_SUITE_P(Registries, ExtensionSignals, testing::ValuesIn(registry_cases()),

@@ -9,24 +9,18 @@
 #include <utility>
 #include <vector>
 
-#include "kestrix/host/evidence/score_sheet.h"
 #include "tests/host_rules/answered_repository.h"
+#include "tests/host_rules/signal_case.h"
 
 namespace kestrix {
 namespace {
 
 using Files = AnsweredRepository::Files;
 
-struct Case {
-  std::string name;
-  Files files;
-  std::string path;
-  std::string kind;  // of the reason
-  bool shown;
-};
+using Case = SignalCase;
 
 // `count` times a pattern in which {0} is a letter.
-std::string repeated(std::size_t count, std::string_view pattern) {
+std::string each_letter(std::size_t count, std::string_view pattern) {
   std::string text;
   for (std::size_t at = 0; at < count; ++at) {
     text += fmt::format(fmt::runtime(pattern), static_cast<char>('a' + at));
@@ -34,49 +28,40 @@ std::string repeated(std::size_t count, std::string_view pattern) {
   return text;
 }
 
-Files files_of(std::size_t count, std::string_view path, std::string_view text, Files more) {
-  for (std::size_t at = 0; at < count; ++at) {
-    const char letter = static_cast<char>('a' + at);
-    more.emplace_back(fmt::format(fmt::runtime(path), letter),
-                      fmt::format(fmt::runtime(text), letter));
-  }
-  return more;
-}
-
 // Parts that read the environment, and a file that puts them together.
 Files parts(std::string_view reading, std::size_t users, Files more) {
   const std::string text = fmt::format(
       "export const {{0}} = () => [{0}.{{0}}_HOST, {0}.{{0}}_PORT, {0}.{{0}}_KEY];\n", reading);
-  more.emplace_back("src/all.ts", repeated(6, "import {{ {0} }} from './parts/{0}';\n") +
-                                      "export const all = [" + repeated(6, "{0}, ") + "];\n");
+  more.emplace_back("src/all.ts", each_letter(6, "import {{ {0} }} from './parts/{0}';\n") +
+                                      "export const all = [" + each_letter(6, "{0}, ") + "];\n");
   for (std::size_t at = 0; at < users; ++at) {
     more.emplace_back(fmt::format("src/user{}.ts", at),
-                      repeated(6, "import {{ {0} }} from './parts/{0}';\n") +
+                      each_letter(6, "import {{ {0} }} from './parts/{0}';\n") +
                           "import { shared } from './shared';\n" + "export const user = [" +
-                          repeated(6, "{0}(), ") + "shared];\n");
+                          each_letter(6, "{0}(), ") + "shared];\n");
   }
   more.emplace_back("src/shared.ts", "export const shared = 1;\n");
-  return files_of(6, "src/parts/{0}.ts", text, std::move(more));
+  return repeated(6, "src/parts/{0}.ts", text, std::move(more));
 }
 
 // Files of one folder, two of which read settings, and one that goes with them or not.
 Files folder(std::size_t others, std::string_view use) {
-  return files_of(
+  return repeated(
       others, "shop/kept/x{0}.py", "def {0}(): return 1\n",
-      {{"shop/kept/a.py", "import os\n" + repeated(5, "{0} = os.environ['SHOP_{0}']\n")},
-       {"shop/kept/b.py", "import os\n" + repeated(3, "{0} = os.environ['SHOP_B{0}']\n")},
+      {{"shop/kept/a.py", "import os\n" + each_letter(5, "{0} = os.environ['SHOP_{0}']\n")},
+       {"shop/kept/b.py", "import os\n" + each_letter(3, "{0} = os.environ['SHOP_B{0}']\n")},
        {"shop/kept/rest.py", std::string(use) + "def rest(): return 1\n"}});
 }
 
 // Code that reads settings by their keys, and a text.
 Files described(std::string_view path, std::string_view text) {
-  return {{"shop/app.py", "import os\n" + repeated(10, "{0} = os.environ['SHOP_{0}_SIZE']\n")},
+  return {{"shop/app.py", "import os\n" + each_letter(10, "{0} = os.environ['SHOP_{0}_SIZE']\n")},
           {std::string(path), std::string(text)}};
 }
 
 // Files that answer to the first parts of keys, and who reads these.
 Files keyed(std::string_view read) {
-  return files_of(
+  return repeated(
       3, "config/{0}.php", "<?php\nreturn ['name' => env('SHOP_{0}')];\n",
       {{"app/Boot.php",
         "<?php\nclass Boot {\n  function go() {\n    return [config('a.name'), "
@@ -101,20 +86,22 @@ std::vector<Case> company() {
        "beside_settings", false},
       {"TextsThatExplainSettings",
        described("docs/setup.md",
-                 repeated(10, "## `SHOP_{0}_SIZE`\n\nHow much of {0} there is.\n")),
+                 each_letter(10, "## `SHOP_{0}_SIZE`\n\nHow much of {0} there is.\n")),
        "docs/setup.md", "explains_settings", true},
       {"SettingsThatAreWrittenInAnotherWay",
-       described("docs/setup.rst", repeated(10, "* ``shop_{0}_size``: how much of it there is\n")),
+       described("docs/setup.rst",
+                 each_letter(10, "* ``shop_{0}_size``: how much of it there is\n")),
        "docs/setup.rst", "explains_settings", true},
       {"HistoriesThatNameSettings",
-       described("CHANGES.md", repeated(10, "- Add `SHOP_{0}_SIZE`, " +
-                                                repeated(26, "and tell why it is so and how ") +
-                                                "not otherwise, as was said before.\n")),
+       described("CHANGES.md",
+                 each_letter(10, "- Add `SHOP_{0}_SIZE`, " +
+                                     each_letter(26, "and tell why it is so and how ") +
+                                     "not otherwise, as was said before.\n")),
        "CHANGES.md", "explains_settings", false},
       {"TextsThatNameOtherThings",
-       described("docs/api.md", repeated(10,
-                                         "`SHOP_{0}_SIZE` goes with `{0}_one`, `{0}_two`, "
-                                         "`{0}_three` and `{0}_four`.\n")),
+       described("docs/api.md", each_letter(10,
+                                            "`SHOP_{0}_SIZE` goes with `{0}_one`, `{0}_two`, "
+                                            "`{0}_three` and `{0}_four`.\n")),
        "docs/api.md", "explains_settings", false},
   };
 }
@@ -127,7 +114,7 @@ Files builder(std::string_view name, std::string_view first) {
            fmt::format("package shop;\npublic class Client {{\n  public static class {} {{\n"
                        "    private Limits limits{};\n",
                        name, first.empty() ? "" : " = new Limits()") +
-               repeated(8, fmt::format("    private int {{0}}{};\n", first)) + "  }\n}\n"}};
+               each_letter(8, fmt::format("    private int {{0}}{};\n", first)) + "  }\n}\n"}};
 }
 
 // A module of an Android build.
@@ -148,18 +135,18 @@ Files table(std::string_view name) {
 // A type that only its own file uses.
 Files own(std::string_view path, std::string_view head, std::size_t fields) {
   return {{"Cargo.toml", "[package]\nname = \"shop\"\nversion = \"0.1.0\"\n"},
-          {std::string(path), std::string(head) + repeated(fields, "    {0}: u32,\n") + "}\n"}};
+          {std::string(path), std::string(head) + each_letter(fields, "    {0}: u32,\n") + "}\n"}};
 }
 
 // A type and two files that use it.
 Files typed(std::string_view name, std::string_view language) {
   if (language == "java") {
-    return files_of(2, "src/main/java/shop/{0}.java",
+    return repeated(2, "src/main/java/shop/{0}.java",
                     fmt::format("package shop;\nclass {{0}} {{{{ {} all; }}}}\n", name),
                     {{fmt::format("src/main/java/shop/{}.java", name),
                       fmt::format("package shop;\nclass {} {{ int a; int b; int c; }}\n", name)}});
   }
-  return files_of(
+  return repeated(
       2, "src/{0}.ts",
       fmt::format("import {{{{ {0} }}}} from './types';\nexport const {{0}} = (all: {0}) => 1;\n",
                   name),
@@ -169,7 +156,7 @@ Files typed(std::string_view name, std::string_view language) {
 
 // Constants in a namespace, and two files that use one of them.
 Files namespaced(std::string_view name) {
-  return files_of(
+  return repeated(
       2, "src/{0}.cc",
       fmt::format("#include \"limits.h\"\nint {{0}}() {{{{ return {0}::kFirst + {0}::kSecond + "
                   "{0}::kThird; }}}}\n",
@@ -182,7 +169,7 @@ Files namespaced(std::string_view name) {
 
 // Files of directives in one folder.
 Files directives(std::size_t count) {
-  return files_of(count, "conf/{0}.conf", repeated(12, "{0}key value\n"),
+  return repeated(count, "conf/{0}.conf", each_letter(12, "{0}key value\n"),
                   {{"src/a.c", "int a;\n"}});
 }
 
@@ -316,19 +303,9 @@ std::vector<Case> variables() {
 class SettingsSignals : public testing::TestWithParam<Case> {};
 
 TEST_P(SettingsSignals, TellSettingsFromTheirLikes) {
-  const AnsweredRepository repository(GetParam().files);
-  const WikiGenerator& generator = repository.generator();
-  const auto file = generator.indexed().find(GetParam().path);
-  ASSERT_TRUE(file);
-  std::vector<std::string> kinds;
-  for (const Reason& reason : generator.settings_evidence().reasons(*file)) {
-    kinds.push_back(reason.kind);
-  }
-  if (GetParam().shown) {
-    EXPECT_THAT(kinds, testing::Contains(GetParam().kind));
-  } else {
-    EXPECT_THAT(kinds, testing::Not(testing::Contains(GetParam().kind)));
-  }
+  expect_told(GetParam(), [](const WikiGenerator& generator) -> const ScoreSheet& {
+    return generator.settings_evidence();
+  });
 }
 
 const auto kName = [](const auto& one) { return one.param.name; };
